@@ -1,0 +1,188 @@
+// Reads the command line and runs the command.
+#include "cli/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "cli/check_many.h"
+#include "cli/dump.h"
+#include "cli/list.h"
+#include "cli/recalculation.h"
+#include "cli/script.h"
+#include "cli/script_runner.h"
+#include "cli/session.h"
+#include "cli/snap_report.h"
+#include "host/svg.h"
+
+namespace quorvel::cli {
+
+namespace {
+
+struct Options {
+    SessionOptions session;
+    std::string file, output, at;
+    std::vector<std::string> files, ids;
+    bool json = false, all = false;
+    SnapQuestion snap;
+};
+
+std::string readFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    if (!in || !(bytes << in.rdbuf())) throw InputError(path + ": cannot be read");
+    return bytes.str();
+}
+
+// For commands that read a drawing and run no plug-in.
+class ReadDrawing {
+  public:
+    explicit ReadDrawing(const std::string& path) : result_(host::readSvgFile(path)) {
+        if (result_.document == nullptr) throw InputError(path + ": " + result_.error);
+        for (const std::string& warning : result_.warnings) std::cerr << path << ": " << warning << '\n';
+    }
+    const host::Document& document() const { return *result_.document; }
+    const std::string& rulerUnit() const { return result_.rulerUnit; }
+
+  private:
+    host::Host measuring_;  // texts measure as they do while the plug-in runs
+    host::SvgReadResult result_;
+};
+
+int runScriptFile(const Options& options) {
+    const std::vector<ScriptLine> lines = parseScript(readFile(options.file), options.file);
+    Session session(options.session);
+    const ScriptOutcome outcome =
+        runScript(lines, options.file, session, [](const std::string& line) { std::cout << line << std::endl; });
+    session.shutdown();
+    if (outcome.held) return kExitOk;
+    std::cerr << outcome.fault << '\n';
+    return kExitFault;
+}
+
+int dumpFile(const Options& options) {
+    const ReadDrawing drawing(options.file);
+    std::cout << dumpDocument(drawing.document(), drawing.rulerUnit()).dump(1) << '\n';
+    return kExitOk;
+}
+
+int listFile(const Options& options) {
+    const ReadDrawing drawing(options.file);
+    const std::vector<RecordedDimension> dimensions = listDimensions(drawing.document());
+    if (options.json)
+        std::cout << listJson(dimensions).dump(1) << '\n';
+    else
+        std::cout << listText(dimensions);
+    return kExitOk;
+}
+
+int snapAt(Options options) {
+    ScriptWord h, v;
+    const std::size_t comma = options.at.find(',');
+    try {
+        h.text = options.at.substr(0, comma);
+        v.text = comma == std::string::npos ? "" : options.at.substr(comma + 1);
+        options.snap.at = {static_cast<float>(numberIn(h)), static_cast<float>(numberIn(v))};
+    } catch (const std::invalid_argument& cause) {
+        throw InputError("--at " + options.at + ": " + cause.what());
+    }
+    Session session(options.session);
+    session.openDrawing(options.file);
+    session.start();
+    const Json report = snapJson(session, options.snap);
+    if (options.json)
+        std::cout << report.dump(1) << '\n';
+    else
+        std::cout << snapText(report);
+    return kExitOk;
+}
+
+int recalculateFile(const Options& options) {
+    Session session(options.session);
+    session.openDrawing(options.file);
+    session.start();
+    std::vector<std::string> stale;
+    for (const DimensionCheck& check : checkDimensions(session)) {
+        const bool asked =
+            options.ids.empty() || std::find(options.ids.begin(), options.ids.end(), check.svgId) != options.ids.end();
+        if (asked && (check.stale() || options.all)) stale.push_back(check.svgId);
+    }
+    const int rebuilt = rebuildDimensions(session, stale, false);
+    session.saveDrawing(options.output);
+    std::cout << options.output << ": " << rebuilt << " rebuilt\n";
+    return kExitOk;
+}
+
+void addSessionOptions(CLI::App* command, SessionOptions* session) {
+    command->add_option("--profile", session->profile,
+                        "folder that stands for the documents folder (settings, presets)");
+    command->add_option("--language", session->language, "language of tools and dialogs")
+        ->check(CLI::IsMember({"ja", "en", "ko"}));
+    command->add_option("--seed", session->seed, "start of the random numbers, for object ids that repeat");
+}
+
+// A subcommand with the options that all share and an example that works.
+CLI::App* addCommand(CLI::App& app, Options* options, const char* name, const char* what, const char* example) {
+    CLI::App* command = app.add_subcommand(name, what);
+    command->footer(std::string("Example: quorvel ") + name + " " + example);
+    addSessionOptions(command, &options->session);
+    return command;
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+    CLI::App app("Quorvel dimensions vector drawings: SVG in, SVG out, every other byte kept.");
+    app.require_subcommand(1);
+    app.footer("Example: quorvel run examples/bracket.script");
+    Options options;
+
+    CLI::App* run = addCommand(app, &options, "run", "replay a script", "examples/bracket.script --language en");
+    run->add_option("FILE", options.file, "the script")->required();
+    CLI::App* dump =
+        addCommand(app, &options, "dump", "the whole art tree as JSON, in document points", "examples/bracket.svg");
+    dump->add_option("FILE", options.file, "the drawing")->required();
+    CLI::App* list = addCommand(app, &options, "list", "the dimensions and frames with their texts, points and links",
+                                "out/bracket.svg --json");
+    list->add_option("FILE", options.file, "the drawing")->required();
+    list->add_flag("--json", options.json, "as JSON");
+    CLI::App* snap = addCommand(app, &options, "snap", "what each snap search finds at a point, and which one wins",
+                                "examples/bracket.svg --at 120,300");
+    snap->add_option("FILE", options.file, "the drawing")->required();
+    snap->add_option("--at", options.at, "the point, X,Y in document points")->required();
+    snap->add_option("--zoom", options.snap.zoom, "pixels per point")->check(CLI::PositiveNumber);
+    snap->add_option("--tool", options.snap.tool, "the tool's title");
+    snap->add_flag("--json", options.json, "as JSON");
+    CLI::App* recalc =
+        addCommand(app, &options, "recalc", "rebuild the dimensions that no longer say what they measure",
+                   "out/bracket.svg -o out/true.svg");
+    recalc->add_option("FILE", options.file, "the drawing")->required();
+    recalc->add_option("-o,--output", options.output, "where the drawing goes")->required();
+    recalc->add_option("--ids", options.ids, "only these, by SVG id")->delimiter(',');
+    recalc->add_flag("--all", options.all, "also those that are true already");
+    CLI::App* check = addCommand(app, &options, "check", "name the dimensions that no longer say what they measure",
+                                 "out/bracket.svg");
+    check->add_option("FILE", options.files, "the drawings")->required();
+    check->add_flag("--json", options.json, "as JSON");
+
+    try {
+        app.parse(argc, argv);
+        if (run->parsed()) return runScriptFile(options);
+        if (dump->parsed()) return dumpFile(options);
+        if (list->parsed()) return listFile(options);
+        if (snap->parsed()) return snapAt(options);
+        if (recalc->parsed()) return recalculateFile(options);
+        return checkMany(options.files, options.session, options.json);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? kExitOk : kExitBadInput;
+    } catch (const InputError& error) {
+        std::cerr << error.what() << '\n';
+        return kExitBadInput;
+    } catch (const std::exception& error) {
+        std::cerr << options.file << ": " << error.what() << '\n';
+        return kExitBadInput;
+    }
+}
+
+}  // namespace quorvel::cli

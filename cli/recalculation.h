@@ -1,0 +1,34 @@
+// Which dimensions of a drawing no longer say what their art measures, and their rebuilding: the plug-in's own action,
+// run on the open drawing, compared with what stood there before.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/dump.h"
+#include "cli/session.h"
+
+namespace quorvel::cli {
+
+constexpr double kMovedLimit = 0.01;  // points: a rebuild that moves less says the same
+
+struct DimensionCheck {
+    std::string svgId, kind;
+    std::string shownText, rebuiltText;
+    double moved = 0;     // how far a rebuild would move the farthest of its points
+    int lostLinks = 0;    // links to art that is no longer there
+    bool rebuilt = true;  // false: a rebuild leaves it as it is, its art being gone
+
+    bool stale() const { return shownText != rebuiltText || moved > kMovedLimit || lostLinks > 0; }
+};
+
+// A dry run on the session's drawing, which is as before when it returns.
+std::vector<DimensionCheck> checkDimensions(Session& session);
+// Rebuilds the dimensions with these SVG ids (all of them when everyOne); they keep their ids. Gives how many.
+int rebuildDimensions(Session& session, const std::vector<std::string>& svgIds, bool everyOne);
+
+Json checkJson(const std::string& file, const std::vector<DimensionCheck>& checks);
+// A line for each stale dimension.
+std::string checkText(const std::string& file, const std::vector<DimensionCheck>& checks);
+
+}  // namespace quorvel::cli

@@ -1,0 +1,221 @@
+// The index as an observer: changes only note which art to look at again, and the next question does the looking, so
+// that a run of changes to one art costs one.
+#include "host/art_index.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "host/bounds.h"
+
+namespace quorvel::host {
+
+namespace {
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+bool isIndexed(const Art& art) { return art.kind == kPathArt || art.kind == kTextFrameArt; }
+
+bool isPointText(const Art& art) { return art.text && art.text->type == kPointTextType; }
+
+RealPoint anchorOf(const TextData& text) { return {text.matrix.tx, text.matrix.ty}; }
+
+RealRect boxOf(const Document& document, const Art& art) {
+    if (!isPointText(art)) return document.controlBounds(art.id);
+    const RealPoint anchor = anchorOf(*art.text);
+    return {anchor.h, anchor.v, anchor.h, anchor.v};
+}
+
+bool sameBox(const RealRect& a, const RealRect& b) {
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+// The ends of what may lie within tolerance of the coordinate, with a bit to spare for each rounding on the way.
+float lowEnd(float coordinate, float tolerance) {
+    return std::nextafter(std::nextafter(coordinate, -kInfinity) - std::nextafter(tolerance, kInfinity), -kInfinity);
+}
+
+float highEnd(float coordinate, float tolerance) {
+    return std::nextafter(std::nextafter(coordinate, kInfinity) + std::nextafter(tolerance, kInfinity), kInfinity);
+}
+
+// Both computed in floats and inclusive, as the host's rectangle operations are.
+bool holds(const Art& art, const RealRect& box, RealPoint point, float tolerance) {
+    if (isPointText(art)) {
+        const RealPoint anchor = anchorOf(*art.text);
+        // The asker may compare with a tolerance in double, of which this is the nearest float.
+        const double within = std::nextafter(tolerance, kInfinity);
+        return std::fabs(double(anchor.h) - double(point.h)) <= within &&
+               std::fabs(double(anchor.v) - double(point.v)) <= within;
+    }
+    return point.h >= box.left - tolerance && point.h <= box.right + tolerance && point.v >= box.bottom - tolerance &&
+           point.v <= box.top + tolerance;
+}
+
+bool bears(const Art& art, std::string_view name) {
+    return std::any_of(art.tags.begin(), art.tags.end(), [name](const Tag& tag) { return tag.name == name; });
+}
+
+template <typename T>
+T& at(std::vector<T>& list, std::size_t place) {
+    if (list.size() <= place) list.resize(std::max(place + 1, list.size() * 2));
+    return list[place];
+}
+
+}  // namespace
+
+ArtIndex::ArtIndex(Document& document) : document_(document) { document_.addObserver(this); }
+
+ArtIndex::~ArtIndex() { document_.removeObserver(this); }
+
+// --- noting --------------------------------------------------------------------------------------------------------
+
+void ArtIndex::noteArt(ArtId id) {
+    if (isChanged_.size() <= id) isChanged_.resize(std::max<std::size_t>(id + 1, isChanged_.size() * 2));
+    if (isChanged_[id]) return;
+    isChanged_[id] = true;
+    changed_.push_back(id);
+}
+
+template <typename Visit>
+void ArtIndex::visitSubtree(ArtId top, Visit visit) const {
+    const Art* art = document_.find(top);
+    while (art != nullptr) {
+        visit(*art);
+        ArtId next = art->firstChild;
+        while (next == 0 && art->id != top) {
+            next = art->below;
+            if (next == 0) art = document_.find(art->parent);
+        }
+        art = next != 0 ? document_.find(next) : nullptr;
+    }
+}
+
+void ArtIndex::noteSubtree(ArtId top) {
+    if (!filled_) return;
+    visitSubtree(top, [this](const Art& art) { noteArt(art.id); });
+}
+
+void ArtIndex::artInserted(ArtId art) { noteSubtree(art); }
+
+void ArtIndex::artRemoved(ArtId art) { noteSubtree(art); }
+
+void ArtIndex::artChanged(ArtId art) {
+    if (filled_) noteArt(art);
+}
+
+void ArtIndex::tagChanged(ArtId art, const std::string&) {
+    if (filled_) noteArt(art);
+}
+
+void ArtIndex::layersChanged() {}
+
+// --- keeping up ----------------------------------------------------------------------------------------------------
+
+void ArtIndex::catchUp() {
+    if (!filled_) fill();
+    for (ArtId id : changed_) {
+        isChanged_[id] = false;
+        refresh(id);
+    }
+    changed_.clear();
+}
+
+void ArtIndex::fill() {
+    filled_ = true;
+    for (LayerId layer : document_.layers()) {
+        std::vector<BoxTree::Item> items;
+        visitSubtree(document_.layer(layer)->root, [&](const Art& art) {
+            refreshTags(art.id, &art);
+            if (!isIndexed(art)) return;
+            const RealRect box = boxOf(document_, art);
+            if (isEmpty(box)) return;
+            at(layerIndexed_, art.id) = layer;
+            items.push_back({box, art.id});
+        });
+        treeOf(layer).load(std::move(items));
+    }
+}
+
+BoxTree& ArtIndex::treeOf(LayerId layer) {
+    std::unique_ptr<BoxTree>& tree = at(trees_, layer);
+    if (!tree) tree = std::make_unique<BoxTree>(leafOf_);
+    return *tree;
+}
+
+void ArtIndex::refresh(ArtId id) {
+    const Art* art = document_.find(id);
+    refreshTags(id, art);
+    LayerId& before = at(layerIndexed_, id);
+    const RealRect box = art != nullptr && isIndexed(*art) ? boxOf(document_, *art) : emptyRect();
+    const LayerId now = isEmpty(box) ? 0 : document_.layerOf(id);
+    if (before == now && (now == 0 || sameBox(treeOf(now).box(id), box))) return;
+    if (before != 0) treeOf(before).remove(id);
+    if (now != 0) treeOf(now).insert({box, id});
+    before = now;
+}
+
+void ArtIndex::refreshTags(ArtId id, const Art* art) {
+    static const std::vector<Tag> kNoTags;
+    const std::vector<Tag>& tags = art != nullptr ? art->tags : kNoTags;
+    const auto known = tagsIndexed_.find(id);
+    if (known == tagsIndexed_.end() && tags.empty()) return;
+    if (known != tagsIndexed_.end()) {
+        for (const Tag& tag : known->second) {
+            const auto byName = tagged_.find(tag.name);
+            byName->second.erase({tag.value, id});
+            if (byName->second.empty()) tagged_.erase(byName);
+        }
+    }
+    for (const Tag& tag : tags) tagged_[tag.name].insert({tag.value, id});
+    if (tags.empty()) {
+        tagsIndexed_.erase(id);
+    } else {
+        tagsIndexed_[id] = tags;
+    }
+}
+
+// --- questions -----------------------------------------------------------------------------------------------------
+
+bool ArtIndex::reachable(const Art& art, std::string_view excludeUnder) const {
+    for (ArtId parent = art.parent; parent != 0;) {
+        const Art& above = *document_.find(parent);
+        if (above.kind != kGroupArt && above.kind != kCompoundPathArt) return false;
+        if (!excludeUnder.empty() && bears(above, excludeUnder)) return false;
+        parent = above.parent;
+    }
+    return true;
+}
+
+void ArtIndex::sortInWalkOrder(std::vector<ArtId>* arts) const {
+    std::sort(arts->begin(), arts->end(), [this](ArtId a, ArtId b) { return document_.precedes(a, b); });
+}
+
+void ArtIndex::findAtPoint(LayerId layer, RealPoint point, float tolerance, std::string_view excludeUnder,
+                           std::vector<ArtId>* out) {
+    out->clear();
+    if (document_.layer(layer) == nullptr) return;
+    catchUp();
+    candidates_.clear();
+    treeOf(layer).find({lowEnd(point.h, tolerance), highEnd(point.v, tolerance), highEnd(point.h, tolerance),
+                        lowEnd(point.v, tolerance)},
+                       &candidates_);
+    for (const BoxTree::Item& candidate : candidates_) {
+        const Art& art = *document_.find(candidate.name);
+        if (holds(art, candidate.box, point, tolerance) && reachable(art, excludeUnder)) out->push_back(art.id);
+    }
+    sortInWalkOrder(out);
+}
+
+void ArtIndex::findByTag(std::string_view name, std::optional<std::string_view> value, std::vector<ArtId>* out) {
+    out->clear();
+    catchUp();
+    const auto byName = tagged_.find(name);
+    if (byName == tagged_.end()) return;
+    const TaggedArt& arts = byName->second;
+    auto at = value ? arts.lower_bound({std::string(*value), 0}) : arts.begin();
+    for (; at != arts.end() && (!value || at->first == *value); ++at) out->push_back(at->second);
+    sortInWalkOrder(out);
+}
+
+}  // namespace quorvel::host

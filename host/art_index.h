@@ -1,0 +1,74 @@
+// Finds the art under a point and the art that bears a tag, at a cost that does not grow with the drawing. The index is
+// filled at the first question; from then on each change of the document costs its own share at the next one.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "host/box_tree.h"
+#include "host/document.h"
+
+namespace quorvel::host {
+
+// Must end before its document does.
+class ArtIndex : public DocumentObserver {
+  public:
+    explicit ArtIndex(Document& document);
+    ~ArtIndex() override;
+    ArtIndex(const ArtIndex&) = delete;
+    ArtIndex& operator=(const ArtIndex&) = delete;
+
+    // Both replace what is in *out and give it in walk order.
+    //
+    // The paths and text frames of the layer whose control bounds, grown by tolerance in 32-bit floats, hold the point,
+    // bounds inclusive; a point text counts by its anchor, which must be within tolerance on each axis and may be out
+    // by the last bit. Art below a group or compound path that bears the tag excludeUnder (empty: none) is left out,
+    // as is art that a walk through groups and compound paths does not reach.
+    void findAtPoint(LayerId layer, RealPoint point, float tolerance, std::string_view excludeUnder,
+                     std::vector<ArtId>* out);
+    // The art of all layers that bears the tag with this value, or with any.
+    void findByTag(std::string_view name, std::optional<std::string_view> value, std::vector<ArtId>* out);
+
+    void artInserted(ArtId art) override;
+    void artRemoved(ArtId art) override;
+    void artChanged(ArtId art) override;
+    void tagChanged(ArtId art, const std::string& name) override;
+    void layersChanged() override;
+
+  private:
+    // Values first, so that all art with one value stands together.
+    using TaggedArt = std::set<std::pair<std::string, ArtId>>;
+
+    void catchUp();
+    void fill();
+    void refresh(ArtId id);
+    void refreshTags(ArtId id, const Art* art);
+    void noteArt(ArtId id);
+    void noteSubtree(ArtId top);
+    template <typename Visit>
+    void visitSubtree(ArtId top, Visit visit) const;
+    bool reachable(const Art& art, std::string_view excludeUnder) const;
+    BoxTree& treeOf(LayerId layer);
+    void sortInWalkOrder(std::vector<ArtId>* arts) const;
+
+    Document& document_;
+    bool filled_ = false;
+    std::vector<ArtId> changed_;                   // looked at again by the next question
+    std::vector<bool> isChanged_;                  // by art
+    std::vector<LayerId> layerIndexed_;            // by art: the layer in whose tree it stands, 0 for none
+    std::vector<std::uint32_t> leafOf_;            // by art, for the trees
+    std::vector<std::unique_ptr<BoxTree>> trees_;  // by layer
+    std::vector<BoxTree::Item> candidates_;        // of the question that is asked
+    std::map<std::string, TaggedArt, std::less<>> tagged_;
+    std::unordered_map<ArtId, std::vector<Tag>> tagsIndexed_;
+};
+
+}  // namespace quorvel::host

@@ -1,0 +1,73 @@
+// The part of CSS that drawings use: declaration lists, style sheets with simple and combined-simple selectors (type,
+// .class, #id and their compounds and lists), colours and lengths. What is not understood is passed over.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quorvel::host {
+
+// Views into the text that was parsed.
+struct CssDeclaration {
+    std::string_view property, value;
+    bool important = false;
+};
+
+// Appends the declarations of a style attribute or of a rule's block.
+void parseDeclarations(std::string_view block, std::vector<CssDeclaration>* declarations);
+std::string_view trimmed(std::string_view text);
+
+class StyleSheet {
+  public:
+    // Adds the rules of a style element behind the earlier ones.
+    void add(std::string text);
+    bool empty() const { return rules_.empty(); }
+    bool skippedSome() const { return skippedSome_; }  // at-rules or selectors that are not understood
+    // Appends what holds for an element, in the order in which it is applied (weakest first). False when the sheets ask
+    // for more work than a drawing is worth.
+    [[nodiscard]] bool match(std::string_view type, std::string_view id, std::string_view classes,
+                             std::vector<CssDeclaration>* declarations) const;
+
+  private:
+    struct Rule {
+        std::string_view type, id;
+        std::vector<std::string_view> classes;
+        int specificity = 0;
+        std::size_t order = 0;
+        std::size_t firstDeclaration = 0, declarationCount = 0;
+    };
+    void addRules(std::string_view text);
+    void addSelector(std::string_view selector, std::size_t first, std::size_t count);
+
+    std::vector<std::unique_ptr<std::string>> texts_;
+    std::vector<CssDeclaration> declarations_;
+    std::vector<Rule> rules_;
+    // Each rule by the rarest name that it asks for, so that an element looks at few: "#id", ".class", "type" or "*".
+    std::unordered_map<std::string, std::vector<std::size_t>> index_;
+    bool skippedSome_ = false;
+    mutable std::size_t work_ = 0;
+};
+
+// Channels from 0 to 1.
+struct CssColor {
+    double r = 0, g = 0, b = 0;
+    bool operator==(const CssColor&) const = default;
+};
+// A name, #rgb, #rrggbb, rgb() with numbers or percentages, also with an alpha, which is passed over.
+std::optional<CssColor> parseColor(std::string_view text);
+
+// What a relative length is relative to, in user units.
+struct LengthContext {
+    double percentOf = 0;
+    double fontSize = 16;
+};
+// A length in user units (CSS pixels). Nothing when it is no length.
+std::optional<double> parseLength(std::string_view text, const LengthContext& context);
+// The unit behind the number of a length: "" for a plain number.
+std::string_view lengthUnit(std::string_view text);
+
+}  // namespace quorvel::host

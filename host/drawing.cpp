@@ -1,0 +1,96 @@
+// Changes that keep tree, layers and observers in step.
+#include "host/drawing.h"
+
+#include <algorithm>
+
+namespace quorvel::host {
+
+template <typename Message>
+void Drawing::tell(const Message& message) {
+    ++changeCount;
+    for (DocumentObserver* observer : observers) message(*observer);
+}
+
+LayerSlot* Drawing::livingLayer(LayerId id) {
+    return id >= 1 && id <= layers.size() && layers[id - 1].alive ? &layers[id - 1] : nullptr;
+}
+
+const LayerSlot* Drawing::livingLayer(LayerId id) const { return const_cast<Drawing*>(this)->livingLayer(id); }
+
+LayerSlot& Drawing::createLayer(const std::string& title) {
+    LayerSlot& made = layers.emplace_back();
+    made.layer.id = LayerId(layers.size());
+    made.layer.title = title;
+    Slot& root = tree.create(kGroupArt);
+    root.art.layer = made.layer.id;
+    made.layer.root = root.art.id;
+    return made;
+}
+
+LayerId Drawing::layerOf(ArtId id) const { return tree.slot(tree.rootOf(id)).art.layer; }
+
+void Drawing::insert(ArtId art, Place place) {
+    tree.link(art, place);
+    tree.raise(art);
+    tell([art](DocumentObserver& observer) { observer.artInserted(art); });
+}
+
+void Drawing::remove(ArtId art) {
+    tree.unlink(art);
+    tell([art](DocumentObserver& observer) { observer.artRemoved(art); });
+    tree.bury(art);
+}
+
+void Drawing::move(ArtId art, Place place) {
+    tree.unlink(art);
+    tell([art](DocumentObserver& observer) { observer.artRemoved(art); });
+    tree.link(art, place);
+    tell([art](DocumentObserver& observer) { observer.artInserted(art); });
+}
+
+void Drawing::renumberLayers() {
+    for (std::size_t i = 0; i < layerOrder.size(); ++i) layers[layerOrder[i] - 1].position = i;
+}
+
+void Drawing::insertLayer(LayerId id, std::size_t position) {
+    LayerSlot& layer = layers[id - 1];
+    layerOrder.insert(layerOrder.begin() + std::ptrdiff_t(position), id);
+    layer.alive = true;
+    renumberLayers();
+    if (currentLayer == 0) currentLayer = id;
+    tree.raise(layer.layer.root);
+    tell([&layer](DocumentObserver& observer) {
+        observer.artInserted(layer.layer.root);
+        observer.layersChanged();
+    });
+}
+
+void Drawing::removeLayer(LayerId id) {
+    LayerSlot& layer = layers[id - 1];
+    tell([&layer](DocumentObserver& observer) { observer.artRemoved(layer.layer.root); });
+    tree.bury(layer.layer.root);
+    layerOrder.erase(layerOrder.begin() + std::ptrdiff_t(layer.position));
+    layer.alive = false;
+    renumberLayers();
+    if (currentLayer == id) currentLayer = layerOrder.empty() ? 0 : layerOrder.front();
+    tellLayersChanged();
+}
+
+void Drawing::selectLayer(LayerId layer) {
+    currentLayer = layer;
+    tellLayersChanged();
+}
+
+void Drawing::tellChanged(ArtId art) {
+    tell([art](DocumentObserver& observer) { observer.artChanged(art); });
+}
+
+void Drawing::tellTagChanged(ArtId art, const std::string& name) {
+    tell([art, &name](DocumentObserver& observer) { observer.tagChanged(art, name); });
+}
+
+void Drawing::tellLayersChanged() {
+    tell([](DocumentObserver& observer) { observer.layersChanged(); });
+}
+
+}  // namespace quorvel::host

@@ -1,0 +1,178 @@
+// The host: it loads the plug-in, offers it the suites, sends it messages and holds the open drawing. One message is
+// one transaction: what it has changed becomes one undo step when it returns, and notifications that it caused are sent
+// after it. One host exists in a process at a time, since suites are plain functions.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/document.h"
+#include "hostapi/messages.h"
+#include "hostapi/suites.h"
+
+namespace quorvel::host {
+
+struct ToolRecord {
+    AIToolHandle handle = nullptr;
+    std::string name;     // system code page, as the plug-in gave it
+    std::string title;    // UTF-8
+    std::string tooltip;  // UTF-8
+    int iconId = 0, darkIconId = 0;
+    int number = 0;              // its place in the order of adding
+    int group = 0, toolset = 0;  // the number of the tool that opened it
+};
+
+struct MenuItemRecord {
+    AIMenuItemHandle handle = nullptr;
+    std::string name, group, text;  // UTF-8
+    bool wantsUpdate = false, checked = false;
+};
+
+struct NotifierRecord {
+    AINotifierHandle handle = nullptr;
+    std::string name, type;
+};
+
+struct TimerRecord {
+    AITimerHandle handle = nullptr;
+    std::string name;
+    int period = 0;  // sixtieths of a second
+};
+
+struct ActionRecord {
+    std::string event, localizedName;
+};
+
+struct PanelRecord {
+    AIPanelRef handle = nullptr;
+    std::string identifier, title;
+    AIPanelSize minimum;
+    bool shown = false;
+    void* window = nullptr;
+    AIPanelFlyoutProc flyoutProc = nullptr;
+    std::vector<std::pair<int, std::string>> flyoutItems;  // number and text (UTF-8)
+};
+
+// Sent after a message or an edit that has changed art, layers or the selection.
+constexpr char kArtChangedNotifier[] = "AI Art Changed Notifier";
+
+// What the plug-in's panel is to look like.
+struct Theme {
+    float background[4] = {1, 0.94f, 0.94f, 0.94f};  // alpha, red, green, blue, 0 to 1
+    float text[4] = {1, 0, 0, 0};
+    std::int16_t value = 1;  // 0 for a dark theme
+};
+
+// What the program around the host does for it. Each may be left empty.
+struct HostCallbacks {
+    std::function<void(const std::string& text)> errorAlert;
+    std::function<bool(const std::string& text)> yesNoAlert;
+    std::function<void(int current, int maximum)> progress;
+    std::function<void*(const PanelRecord& panel)> createPanelWindow;
+    std::function<void(void* window)> destroyPanelWindow;
+    std::function<void(const PanelRecord& panel)> panelShown;  // shown or hidden
+    std::function<void()> viewRepainted;                       // zoom, scroll, a tool was selected, another document
+    std::function<void(const std::string& undoName)> stepMade;
+};
+
+struct View {
+    float zoom = 1;                  // pixels per point
+    RealPoint centre;                // the document point in the middle
+    int width = 1000, height = 800;  // pixels
+};
+
+// Tests leave some of it out.
+struct HostOptions {
+    std::optional<std::uint64_t> seed = {};  // of the random numbers; from the system without it
+    bool offerArtQuery = true;
+    std::string failSuite = {};   // a suite that cannot be acquired
+    std::string failAdding = {};  // "tool", "menu", "timer", "notifier", "block", "panel": these additions fail
+};
+
+class Host {
+  public:
+    explicit Host(HostOptions options = {});
+    ~Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    HostCallbacks callbacks;
+
+    // --- the plug-in ---------------------------------------------------------------------------------------------
+    bool loadPlugin(const std::string& file, std::string* error);
+    void attachPlugin(PluginMainProc entry, void* module);  // linked in, for tests
+    AIErr startup();                                        // and "AI Application Started Notifier" when it succeeded
+    AIErr about();
+    AIErr unload();
+    AIErr reload();
+    AIErr shutdown();
+    bool setField(std::string_view key, std::string_view value);  // a setting; bytes of the system code page
+
+    // --- the drawing ---------------------------------------------------------------------------------------------
+    void newDocument(float width, float height);
+    void setDocument(std::unique_ptr<Document> document, const std::string& rulerUnit);  // zoom 1
+    void closeDocument();
+    Document* document() const;  // null when none is open
+    View& view();
+    void setZoom(float zoom);  // about the centre; the view is repainted
+    void setCentre(RealPoint centre);
+    AIPoint toView(RealPoint artwork) const;
+    RealPoint toArtwork(AIPoint point) const;
+    const std::string& rulerUnit() const;  // "mm", "cm", "in", "pt", "pc", "px", "H"
+    void setRulerUnit(const std::string& unit);
+    std::string formatWithRulerUnit(float points, int precision) const;
+
+    // --- messages ------------------------------------------------------------------------------------------------
+    const std::vector<ToolRecord>& tools() const;
+    const ToolRecord* toolByTitle(std::string_view titleUtf8) const;
+    AIErr selectTool(const ToolRecord& tool);  // Deselect to the former one, Select to this
+    const ToolRecord* selectedTool() const;
+    // kSelectorTrackCursor, kSelectorMouseDown, ... to the selected tool.
+    AIErr sendTool(const char* selector, RealPoint cursor, std::uint16_t modifiers);
+    AIErr editOptions(const ToolRecord& tool);
+    const std::vector<MenuItemRecord>& menuItems() const;
+    AIErr menuGo(std::string_view name);
+    AIErr menuUpdate(std::string_view name);
+    const std::vector<TimerRecord>& timers() const;
+    AIErr tick();                         // one AI Go to each timer
+    AIErr notify(std::string_view type);  // to each notifier of that type; later, when a message is running
+    const std::vector<ActionRecord>& actions() const;
+    AIErr playAction(std::string_view event);
+    const std::vector<PanelRecord>& panels() const;
+    void chooseFlyout(int item);
+    void setTheme(const Theme& theme);  // light at first
+    // What a new path of the host itself gets: at first a black stroke of 1 pt and no fill.
+    void setCurrentPathStyle(const AIPathStyle& style);
+    // What each search of the tool's chain finds at the point; null when the plug-in does not answer.
+    std::unique_ptr<QuorvelSnapMessage> snapReport(const ToolRecord& tool, RealPoint cursor);
+    // The art that a handle names, 0 when it is gone.
+    ArtId artOfHandle(AIArtHandle handle) const;
+    // A message of our own making, as one transaction.
+    AIErr send(const char* caller, const char* selector, SPMessageData* message);
+
+    // --- steps ---------------------------------------------------------------------------------------------------
+    // The host's own editing as one step; "Move" makes a step "Undo Move". False, and nothing has changed, when change
+    // gives false or a message is running.
+    bool edit(const std::string& name, const std::function<bool(Document&)>& change);
+    bool undo();
+    bool redo();
+    // The names that the last message gave its step, UTF-8; empty when it gave none.
+    const std::string& lastUndoName() const;
+    int suitesHeld() const;  // acquisitions less releases
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+// The record of a suite by name and version; null when it is not offered. size: of the record in bytes.
+const void* findSuite(std::string_view name, std::int32_t version, std::size_t* size = nullptr);
+// Names and versions of all suites offered.
+std::vector<std::pair<std::string, std::int32_t>> offeredSuites();
+
+}  // namespace quorvel::host

@@ -1,0 +1,212 @@
+// What the host knows while it runs: the plug-in, the drawing, what the plug-in has added, and what lives for the
+// length of one message. The message pump and the suites' slots share it.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/art_index.h"
+#include "host/host.h"
+#include "host/suite_support.h"
+
+namespace quorvel::host {
+
+struct TextRange {
+    ArtId frame = 0;
+    std::uint16_t documentSerial = 0;
+    std::int32_t start = 0, end = 0;      // UTF-16 units
+    std::optional<CharFeatures> pending;  // for what is inserted next, while the range is empty
+};
+
+struct ParaFeatures {
+    float firstLineIndent = 0, startIndent = 0;
+    ATEJustification justification = kJustifyLeft;
+};
+
+// What slots give for the length of a message. A handle is the place in its list, from 1, with the generation.
+struct MessageArena {
+    std::uint16_t generation = 1;
+    std::deque<std::vector<std::uint16_t>> strings;
+    std::deque<std::string> texts;
+    std::deque<TextRange> ranges;
+    std::deque<CharFeatures> charFeatures;
+    std::deque<ParaFeatures> paraFeatures;
+    std::deque<AIColor> paints;
+    std::vector<AIArtHandle> foundArt;
+
+    void clear();
+};
+
+struct FlyoutMenu {
+    std::uint32_t number = 0;
+    std::vector<std::pair<int, std::string>> items;
+};
+
+struct HostState {
+    explicit HostState(Host& itsHost, HostOptions itsOptions);
+
+    // A call into the plug-in; false, and the user is told, when it throws.
+    bool survives(const std::function<void()>& call);
+    // Runs the plug-in's function once. When it throws, the message's changes are dropped.
+    AIErr callPlugin(const char* caller, const char* selector, SPMessageData* message);
+    void beginMessage();
+    void finishMessage();
+    void sendQueued();
+    AIErr sendNotification(const std::string& type);
+    void queueArtChange();
+    void dropRegistrations();
+    void replaceDocument(std::unique_ptr<Document> next);
+    bool fails(std::string_view what) const { return options.failAdding == what; }
+    PanelRecord* panel(AIPanelRef handle);
+    void destroyPanel(AIPanelRef handle);
+
+    Host& host;
+    HostOptions options;
+
+    PluginMainProc entry = nullptr;
+    void* library = nullptr;  // null when the plug-in is linked in
+    void* module = nullptr;
+    void* globals = nullptr;
+    std::int32_t pluginOptions = 0;
+    std::map<int, int> held;  // acquisitions less releases, by the suite's place in the table
+
+    std::unique_ptr<Document> document;
+    std::unique_ptr<ArtIndex> artIndex;
+    std::uint16_t documentSerial = 0;
+    std::uint64_t notifiedChange = 0;  // the document's change count when its changes were last told
+    View view;
+    std::string rulerUnit = "pt";
+    AIPathStyle currentStyle;
+
+    int depth = 0;    // messages that are running
+    int sending = 0;  // not 0 while queued notifications are being sent
+    std::deque<std::string> queued;
+    std::string undoName, redoName, lastUndoName;
+    MessageArena arena;
+    std::mt19937_64 random;
+
+    std::vector<ToolRecord> tools;
+    std::vector<std::string> toolTitles;  // by tool, as the plug-in gave them
+    AIToolHandle selectedTool = nullptr;
+    std::vector<MenuItemRecord> menuItems;
+    std::deque<std::string> menuGroups;  // a name once given stays where it is
+    std::vector<NotifierRecord> notifiers;
+    std::vector<TimerRecord> timers;
+    std::vector<ActionRecord> actions;
+    std::set<std::uint32_t> actionParameters;
+    std::uint32_t actionParametersMade = 0;
+    std::vector<PanelRecord> panels;
+    std::vector<AIPanelFlyoutMenuRef> panelFlyouts;  // by panel
+    std::uint32_t panelsMade = 0;
+    std::vector<FlyoutMenu> flyouts;
+    std::uint32_t flyoutsMade = 0;
+    Theme theme;
+};
+
+struct Host::Impl : HostState {
+    using HostState::HostState;
+};
+
+// --- for the slots -----------------------------------------------------------------------------------------------
+
+HostState* runningHost();                  // null when there is none
+void releaseHost(const HostState* state);  // it ends: another one may run
+HostState& theHost();                      // refuses when there is none
+Document& theDocument();                   // refuses when none is open
+void requirePlugin(SPPluginRef plugin);
+
+const Art& artOf(AIArtHandle handle);
+const Layer& layerOf(AILayerHandle handle);
+AIArtHandle artHandle(ArtId id);  // null for 0
+AILayerHandle layerHandle(LayerId id);
+
+// Where new art goes, with "above all" said as a place in the current layer. Refuses a hidden or locked layer.
+struct Placement {
+    AIPaintOrder order;
+    ArtId prep;
+};
+Placement openPlacement(std::int16_t placement, AIArtHandle prep);
+
+// An item of one of the arena's lists by its handle.
+template <typename Handle, typename Item>
+Item& arenaItem(std::deque<Item>& list, Handle handle) {
+    const std::uint32_t number = numberOf(handle, theHost().arena.generation);
+    require(number <= list.size(), kStaleHandleErr);
+    return list[number - 1];
+}
+
+template <typename Handle, typename Item>
+Handle keepInArena(std::deque<Item>& list, Item item) {
+    list.push_back(std::move(item));
+    return makeHandle<Handle>(static_cast<std::uint32_t>(list.size()), theHost().arena.generation);
+}
+
+std::u16string utf16Of(AIUnicodeStringRef string);
+std::string utf8Of(AIUnicodeStringRef string);
+// Zero-terminated, cut to size - 1 bytes.
+void copyText(std::string_view text, char* to, std::int32_t size);
+
+// A change of the drawing. Outside of messages it is a step of its own.
+template <typename Change>
+auto changeDocument(Change change) {
+    Document& document = theDocument();
+    if (document.inTransaction()) return change(document);
+    document.begin();
+    try {
+        auto result = change(document);
+        document.commit("Undo", "Redo");
+        return result;
+    } catch (...) {
+        document.rollback();
+        document.commit("Undo", "Redo");
+        throw;
+    }
+}
+
+// --- the suites by family; each is made once -----------------------------------------------------------------------
+
+const SPBasicSuite& basicSuite();
+SuiteRecord accessSuite();
+SuiteRecord pluginSuite();
+SuiteRecord realMathSuite();
+SuiteRecord unicodeStringSuite();
+SuiteRecord randomSuite();
+SuiteRecord artSuite();
+SuiteRecord layerSuite();
+SuiteRecord pathSuite();
+SuiteRecord pathStyleSuite();
+SuiteRecord tagSuite();
+SuiteRecord transformArtSuite();
+SuiteRecord artQuerySuite();
+SuiteRecord textFrameSuite();
+SuiteRecord textRangeSuite();
+SuiteRecord charFeaturesSuite();
+SuiteRecord paraFeaturesSuite();
+SuiteRecord paintSuite();
+SuiteRecord fontSuite();
+SuiteRecord documentViewSuite();
+SuiteRecord userSuite();
+SuiteRecord undoSuite();
+SuiteRecord menuSuite();
+SuiteRecord toolSuite();
+SuiteRecord timerSuite();
+SuiteRecord notifierSuite();
+SuiteRecord actionManagerSuite();
+SuiteRecord panelSuite();
+SuiteRecord panelFlyoutMenuSuite();
+SuiteRecord themeSuite();
+
+// The place of a suite in the table; -1 when none bears the name and version.
+int suitePlace(std::string_view name, std::int32_t version);
+
+}  // namespace quorvel::host

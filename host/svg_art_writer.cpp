@@ -1,0 +1,372 @@
+// Values are compared with what the file says, not with what was done to the art: what came back to its old state is
+// written as it was.
+#include "host/svg_art_writer.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/path_data.h"
+#include "host/svg_content.h"
+#include "host/svg_text.h"
+
+namespace quorvel::host {
+namespace {
+
+bool samePoint(RealPoint a, RealPoint b) { return a.h == b.h && a.v == b.v; }
+
+bool isIdentity(const RealMatrix& m) { return m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && m.tx == 0 && m.ty == 0; }
+
+// The paths whose outlines one element shows, lowest first.
+std::vector<const Art*> piecesOf(const Document& document, const Art& art) {
+    if (art.path) return {&art};
+    std::vector<const Art*> pieces;
+    for (ArtId id = art.lastChild; id != 0;) {
+        const Art* child = document.find(id);
+        const std::vector<const Art*> inner = piecesOf(document, *child);
+        pieces.insert(pieces.end(), inner.begin(), inner.end());
+        id = child->above;
+    }
+    return pieces;
+}
+
+// A compound path is painted as its lowest member.
+const AIPathStyle& styleOf(const std::vector<const Art*>& pieces) {
+    static const AIPathStyle kNone;
+    return pieces.empty() || !pieces.front()->path->style ? kNone : *pieces.front()->path->style;
+}
+
+std::string cornersOf(const std::vector<const Art*>& pieces, bool repeatFirst, char corner, char smooth) {
+    std::string flags;
+    for (const Art* piece : pieces) {
+        const auto& segments = piece->path->segments;
+        for (const PathSegment& segment : segments) flags += segment.corner ? corner : smooth;
+        if (repeatFirst && piece->path->closed && !segments.empty()) flags += segments.front().corner ? corner : smooth;
+    }
+    return flags;
+}
+
+bool cornersAsHandlesSay(const std::vector<const Art*>& pieces) {
+    return std::ranges::all_of(pieces, [](const Art* piece) {
+        return std::ranges::all_of(piece->path->segments, [](const PathSegment& segment) {
+            return (segment.corner != 0) == cornerByHandles(segment);
+        });
+    });
+}
+
+// The handles that path data has no place for, in user space.
+std::string endsOf(const std::vector<const Art*>& pieces, const Affine& map) {
+    Affine inverse;
+    if (!invert(map, &inverse)) return "";
+    std::string ends;
+    bool any = false;
+    for (const Art* piece : pieces) {
+        if (piece != pieces.front()) ends += ';';
+        const auto& segments = piece->path->segments;
+        if (piece->path->closed || segments.empty()) continue;
+        const PathSegment& first = segments.front();
+        const PathSegment& last = segments.back();
+        if (samePoint(first.in, first.p) && samePoint(last.out, last.p)) continue;
+        any = true;
+        for (const RealPoint& handle : {first.in, last.out}) {
+            const LocalPoint local = localPoint(map, inverse, handle);
+            if (!ends.empty() && ends.back() != ';') ends += ' ';
+            appendNumber(&ends, local.x);
+            ends += ',';
+            appendNumber(&ends, local.y);
+        }
+    }
+    return any ? ends : "";
+}
+
+}  // namespace
+
+// --- names ---------------------------------------------------------------------------------------------------------
+
+std::string SvgArtWriter::ownName(std::string_view attribute) {
+    usesOwn = true;
+    return source_.names.own + std::string(attribute);
+}
+
+std::string SvgArtWriter::inkscapeName(std::string_view attribute) {
+    usesInkscape = true;
+    return source_.names.inkscape + std::string(attribute);
+}
+
+StartTag SvgArtWriter::newTag(std::string_view element) const { return StartTag("<" + svgName(element) + "/>"); }
+
+// An attribute that is not there leaves no trace when it is not wanted.
+void SvgArtWriter::setOwn(StartTag* tag, const char* attribute, const std::string& value) {
+    if (value.empty()) {
+        tag->remove(source_.names.own + attribute);
+    } else {
+        tag->set(ownName(attribute), value);
+    }
+}
+
+// --- marks ---------------------------------------------------------------------------------------------------------
+
+void SvgArtWriter::hideTag(StartTag* tag, bool hidden, const SvgElement* record) {
+    if (record ? record->hidden == hidden : !hidden) return;
+    if (hidden) {
+        tag->setProperty("display", "none");
+        return;
+    }
+    tag->remove("display");
+    tag->removeProperty("display");
+    if (source_.hasStyleSheet) tag->setProperty("display", "inline");
+    if (record->oddities & kInvisible) tag->setProperty("visibility", "visible");
+}
+
+void SvgArtWriter::lockTag(StartTag* tag, bool locked) {
+    const std::string name = source_.names.sodipodi + "insensitive";
+    if ((tag->attribute(name) == "true") == locked) return;
+    if (locked) {
+        usesSodipodi = true;
+        tag->set(name, "true");
+    } else {
+        tag->remove(name);
+    }
+}
+
+void SvgArtWriter::markTag(StartTag* tag, const Art& art, const SvgElement* record) {
+    if (tag->attribute("id").value_or("") != art.svgId) {
+        if (art.svgId.empty()) {
+            tag->remove("id");
+        } else {
+            tag->set("id", art.svgId);
+        }
+    }
+    hideTag(tag, art.hidden, record);
+    lockTag(tag, art.locked);
+
+    std::vector<std::pair<std::string, std::string>> wanted;
+    const auto want = [&](const Art& bearer, int member) {
+        for (const Tag& own : bearer.tags)
+            wanted.emplace_back(source_.names.own + tagAttribute({member, own.name}), encodeBytes(own.value));
+    };
+    want(art, -1);
+    if (art.kind == kCompoundPathArt) {
+        int number = 0;
+        for (const Art* piece : piecesOf(document_, art)) want(*piece, number++);
+    }
+    for (const std::string& name : tag->attributeNames()) {
+        if (!name.starts_with(source_.names.own) || !tagOfAttribute(name.substr(source_.names.own.size()))) continue;
+        if (std::ranges::find(wanted, name, &std::pair<std::string, std::string>::first) == wanted.end())
+            tag->remove(name);
+    }
+    for (const auto& [name, value] : wanted) {
+        const std::optional<std::string> there = tag->attribute(name);
+        if (!there || decodeBytes(*there) != decodeBytes(value)) {
+            usesOwn = true;
+            tag->set(name, value);
+        }
+    }
+}
+
+void SvgArtWriter::layerTag(StartTag* tag, const Layer& layer, const SvgElement* record) {
+    const std::string label = source_.names.inkscape + "label";
+    std::string title = tag->attribute(label).value_or("");
+    if (record && title.empty()) title = tag->attribute("id").value_or("Layer");
+    if (!record) tag->set(inkscapeName("groupmode"), "layer");
+    if (!record || title != layer.title) tag->set(inkscapeName("label"), layer.title);
+    hideTag(tag, !layer.visible, record);
+    lockTag(tag, !layer.editable);
+}
+
+// --- outlines ------------------------------------------------------------------------------------------------------
+
+bool SvgArtWriter::sameMap(const SvgElement& record, const SvgScope& scope) const {
+    return scope.map == source_.ctms[source_.elements[static_cast<std::size_t>(record.parent)].ctm];
+}
+
+void SvgArtWriter::setOutline(StartTag* tag, const Art& art, const Affine& map) {
+    const std::vector<const Art*> pieces = piecesOf(document_, art);
+    std::vector<PathPiece> outline;
+    for (const Art* piece : pieces) outline.push_back({piece->path->segments, piece->path->closed});
+    tag->set("d", formatPathData(outline, map));
+    setOwn(tag, own_attribute::kEnds, endsOf(pieces, map));
+    setOwn(tag, own_attribute::kMembers,
+           art.kind == kCompoundPathArt && pieces.size() < 2 ? std::to_string(pieces.size()) : "");
+    const bool guide = !pieces.empty() && pieces.front()->path->guide;
+    setOwn(tag, own_attribute::kGuide, guide ? "true" : "");
+    // Corners: the other editor's attribute where it stands, else ours where the handles do not tell.
+    const std::string nodeTypes = source_.names.sodipodi + "nodetypes";
+    std::string corners;
+    if (tag->attribute(nodeTypes)) {
+        tag->set(nodeTypes, cornersOf(pieces, true, 'c', 's'));
+    } else if (!cornersAsHandlesSay(pieces)) {
+        corners = cornersOf(pieces, false, '1', '0');
+    }
+    setOwn(tag, own_attribute::kCorners, corners);
+}
+
+void SvgArtWriter::setStyle(StartTag* tag, const AIPathStyle& style, const AIPathStyle* inForce,
+                            const AIPathStyle* original, double scale) {
+    const PaintSources& sources = document_.paintSources;
+    for (const StyleProperty& property : styleProperties(style, inForce, scale, sources))
+        tag->setProperty(property.name, property.value);
+    if (style.fillPaint && !(original && original->fillPaint && paintsAlike(style.fill, original->fill)))
+        setOwn(tag, own_attribute::kFill, exactPaint(style.fill, sources));
+    if (style.strokePaint && !(original && original->strokePaint && paintsAlike(style.stroke, original->stroke)))
+        setOwn(tag, own_attribute::kStroke, exactPaint(style.stroke, sources));
+}
+
+bool SvgArtWriter::editOutline(StartTag* tag, const Art& art, const SvgElement& record, const SvgScope& scope,
+                               bool inPlace) {
+    const bool stays = sameMap(record, scope);
+    const Affine& map = stays ? source_.ctms[record.ctm] : scope.map;
+    if (!stays) tag->remove("transform");
+    const AIPathStyle& was = *source_.styles[static_cast<std::size_t>(record.style)];
+    setStyle(tag, styleOf(piecesOf(document_, art)), inPlace ? &was : nullptr, &was, map.scale());
+    markTag(tag, art, &record);
+    const bool changed = !stays || outlineOf(document_, art) != record.content;
+    if (!changed) return record.kind == SvgKind::kPath;
+    if (record.kind == SvgKind::kShape) {
+        tag->rename(svgName("path"));
+        for (const char* name :
+             {"x", "y", "width", "height", "rx", "ry", "cx", "cy", "r", "x1", "y1", "x2", "y2", "points"}) {
+            tag->remove(name);
+        }
+    }
+    // Another editor would draw the outline anew from these.
+    for (const char* name : {"type", "cx", "cy", "rx", "ry", "sides", "r1", "r2", "arg1", "arg2", "start", "end",
+                             "open", "arc-type", "expansion", "revolution", "radius", "argument", "t0"}) {
+        tag->remove(source_.names.sodipodi + name);
+    }
+    for (const char* name :
+         {"path-effect", "original-d", "original", "connector-curvature", "flatsided", "rounded", "randomized"}) {
+        tag->remove(source_.names.inkscape + name);
+    }
+    setOutline(tag, art, map);
+    return true;
+}
+
+// --- texts ---------------------------------------------------------------------------------------------------------
+
+void SvgArtWriter::setText(StartTag* tag, const Art& art, const SvgScope& scope, std::string* content) {
+    const SvgTextParts parts =
+        formatText(*art.text, scope.map, source_.names, resetProperties(scope.oddities), document_.paintSources);
+    if (parts.transform.empty()) {
+        tag->set("x", parts.x);
+        tag->set("y", parts.y);
+    } else {
+        tag->set("transform", parts.transform);
+    }
+    if (parts.preserveSpace) tag->set("xml:space", "preserve");
+    std::vector<CssDeclaration> declarations;
+    parseDeclarations(parts.style, &declarations);
+    if (!tag->attribute("style")) {
+        tag->set("style", parts.style);
+    } else {
+        for (const CssDeclaration& declaration : declarations)
+            tag->setProperty(declaration.property, declaration.value);
+    }
+    setOwn(tag, own_attribute::kText, parts.exact);
+    *content = parts.content;
+}
+
+// A text that only moves keeps its spans and their places: it gets another transform.
+bool SvgArtWriter::moveText(StartTag* tag, const Art& art, const SvgElement& record, const SvgScope& scope) {
+    const SvgTextOrigin& origin = source_.texts[static_cast<std::size_t>(record.text)];
+    const RealMatrix& m = art.text->matrix;
+    const double det = double(m.a) * m.d - double(m.b) * m.c;
+    Affine inverse;
+    if (wordingOf(*art.text, true) != origin.wording || !(std::abs(std::abs(det) - 1) < 1e-5) ||
+        tag->attribute(source_.names.own + own_attribute::kText) || !invert(scope.map, &inverse)) {
+        return false;
+    }
+    const double scale = source_.ctms[record.ctm].scale();
+    const Affine wanted =
+        compose(concat(m, Affine{scale, 0, 0, -scale, 0, 0}), Affine{1, 0, 0, 1, -origin.x, -origin.y});
+    const Affine exact = compose(inverse, wanted);
+    const auto comesBack = [&](const Affine& own) {
+        const RealMatrix got = textMatrix(compose(scope.map, own), origin.x, origin.y);
+        return got.a == m.a && got.b == m.b && got.c == m.c && got.d == m.d && got.tx == m.tx && got.ty == m.ty;
+    };
+    Affine own = exact;
+    for (double power = 1e3; power <= 1e15; power *= 10) {
+        Affine rounded;
+        double* const to[] = {&rounded.a, &rounded.b, &rounded.c, &rounded.d, &rounded.e, &rounded.f};
+        const double from[] = {exact.a, exact.b, exact.c, exact.d, exact.e, exact.f};
+        for (int i = 0; i < 6; ++i) *to[i] = std::nearbyint(from[i] * power) / power + 0.0;
+        if (!comesBack(rounded)) continue;
+        own = rounded;
+        break;
+    }
+    if (own == Affine{}) {
+        tag->remove("transform");
+    } else {
+        tag->set("transform", formatMatrix(own));
+    }
+    setOwn(tag, own_attribute::kText, exactMatrix(*art.text, textMatrix(compose(scope.map, own), origin.x, origin.y)));
+    return true;
+}
+
+std::optional<std::string> SvgArtWriter::editText(StartTag* tag, const Art& art, const SvgElement& record,
+                                                  const SvgScope& scope, bool inPlace) {
+    markTag(tag, art, &record);
+    const SvgTextOrigin& origin = source_.texts[static_cast<std::size_t>(record.text)];
+    const RealMatrix& m = art.text->matrix;
+    const bool moved = m.a != origin.matrix.a || m.b != origin.matrix.b || m.c != origin.matrix.c ||
+                       m.d != origin.matrix.d || m.tx != origin.matrix.tx || m.ty != origin.matrix.ty;
+    const bool sameWording = wordingOf(*art.text, true) == origin.wording;
+    if (inPlace && !moved && sameWording) return std::nullopt;
+    if (inPlace && moveText(tag, art, record, scope)) return std::nullopt;
+    for (const char* name : {"x", "y", "dx", "dy", "rotate", "textLength", "lengthAdjust", "transform", "xml:space",
+                             "font", "baseline-shift", "writing-mode"}) {
+        tag->remove(name);
+    }
+    for (const char* name : {"font", "baseline-shift", "writing-mode", "text-align", "line-height", "white-space",
+                             "shape-inside", "inline-size", "-inkscape-font-specification"}) {
+        tag->removeProperty(name);
+    }
+    tag->remove(source_.names.sodipodi + "linespacing");
+    std::string content;
+    setText(tag, art, scope, &content);
+    return content;
+}
+
+// --- foreign art ---------------------------------------------------------------------------------------------------
+
+void SvgArtWriter::editForeign(StartTag* tag, const Art& art, const Affine& was, const SvgScope& scope, bool sameMap) {
+    if (sameMap && isIdentity(art.foreignMatrix)) return;
+    Affine inverse;
+    if (!invert(scope.map, &inverse)) return;
+    tag->set("transform", formatMatrix(compose(inverse, concat(art.foreignMatrix, was))));
+}
+
+// --- new art -------------------------------------------------------------------------------------------------------
+
+std::string SvgArtWriter::newLeaf(const Art& art, const SvgScope& scope) {
+    if (art.kind == kForeignArt) {
+        if (art.foreignSource < 0) return newTag("g").str();
+        const SvgElement& original = source_.elements[static_cast<std::size_t>(art.foreignSource)];
+        const std::string_view text = elementText(source_.text, original.nameOffset);
+        const std::string_view start = startTagText(text, 1);
+        StartTag tag(start);
+        markTag(&tag, art, &original);
+        editForeign(&tag, art, source_.ctms[original.ctm], scope, false);
+        return tag.str() + std::string(text.substr(start.size()));
+    }
+    if (art.kind == kTextFrameArt) {
+        StartTag tag = newTag("text");
+        if (!art.svgId.empty()) tag.set("id", art.svgId);
+        std::string content;
+        setText(&tag, art, scope, &content);
+        markTag(&tag, art, nullptr);
+        tag.setSelfClosing(false);
+        return tag.str() + content + "</" + tag.name() + ">";
+    }
+    StartTag tag = newTag("path");
+    if (!art.svgId.empty()) tag.set("id", art.svgId);
+    const bool known = scope.style >= 0 && !source_.hasStyleSheet;
+    setStyle(&tag, styleOf(piecesOf(document_, art)),
+             known ? source_.styles[static_cast<std::size_t>(scope.style)].get() : nullptr, nullptr, scope.map.scale());
+    for (const StyleProperty& property : resetProperties(scope.oddities))
+        tag.setProperty(property.name, property.value);
+    setOutline(&tag, art, scope.map);
+    markTag(&tag, art, nullptr);
+    return tag.str();
+}
+
+}  // namespace quorvel::host

@@ -1,0 +1,69 @@
+// What stays of a file behind its document: the text as it was read, where the elements that are art stand in it, and
+// just enough of each to tell later whether its art has changed.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/document.h"
+#include "host/svg_affine.h"
+#include "host/svg_names.h"
+
+namespace quorvel::host {
+
+enum class SvgKind : std::uint8_t {
+    kRoot,
+    kLayer,  // a layer group below the root
+    kGroup,  // g, a, switch, nested svg
+    kPath,   // a path element
+    kShape,  // rect, circle, ellipse, line, polyline, polygon
+    kText,
+    kUse,      // a group of what it refers to, which has no elements of its own
+    kForeign,  // kept, never entered
+};
+
+// Reasons that keep new art from looking as its own style says, inherited by a container's content.
+enum SvgOddity : std::uint8_t {
+    kFillOpacity = 1,
+    kStrokeOpacity = 2,
+    kMarkers = 4,
+    kLetterSpacing = 8,
+    kInvisible = 16,  // visibility
+};
+
+struct SvgElement {
+    std::uint32_t nameOffset = 0;  // of the element's name in the text
+    std::int32_t parent = -1;      // the element that holds it, of those that are art
+    std::uint32_t ctm = 0;         // of its content, with its own transform
+    std::int32_t style = -1;       // paths and shapes: their style; containers: what their content inherits
+    std::int32_t text = -1;
+    SvgKind kind = SvgKind::kGroup;
+    std::uint8_t oddities = 0;
+    bool hidden = false, locked = false;
+    std::uint64_t content = 0;  // contentOf its art when it was read
+};
+
+// How a text element stood when it was read.
+struct SvgTextOrigin {
+    RealMatrix matrix;
+    double x = 0, y = 0;        // in the element's own space
+    std::uint64_t wording = 0;  // wordingOf its text
+};
+
+struct SvgSource {
+    std::string text;
+    // In the order of the file; the root is the first.
+    std::vector<SvgElement> elements;
+    std::vector<Affine> ctms;
+    std::vector<StylePtr> styles;
+    std::vector<SvgTextOrigin> texts;
+    SvgNames names;
+    bool hasStyleSheet = false;
+    std::string rulerUnit;
+    std::uint32_t namedViewOffset = 0;  // of the name of the named view element, 0 when there is none
+    // The layer that the file names as the current one; 0 when it names none, so that it is the topmost.
+    LayerId currentLayer = 0;
+};
+
+}  // namespace quorvel::host

@@ -1,0 +1,614 @@
+// The cascade in SVG's order: attributes, then style sheet rules, then style="", then what is marked important.
+// Properties that the host has no word for are left where they are; a few are noted because new art would inherit them.
+#include "host/svg_style.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <pugixml.hpp>
+
+#include "host/svg_content.h"
+#include "host/svg_names.h"
+#include "host/svg_source.h"
+
+namespace quorvel::host {
+namespace {
+
+enum class Property {
+    kBaselineShift,
+    kColor,
+    kDisplay,
+    kFill,
+    kFillOpacity,
+    kFont,
+    kFontFamily,
+    kFontSize,
+    kFontStyle,
+    kFontWeight,
+    kLetterSpacing,
+    kMarker,
+    kStroke,
+    kDashArray,
+    kDashOffset,
+    kLineCap,
+    kLineJoin,
+    kMiterLimit,
+    kStrokeOpacity,
+    kStrokeWidth,
+    kTextAnchor,
+    kVisibility,
+    kWhiteSpace,
+    kWordSpacing,
+    kXmlSpace
+};
+
+struct PropertyName {
+    std::string_view name;
+    Property property;
+};
+
+constexpr std::array kProperties = {
+    PropertyName{"baseline-shift", Property::kBaselineShift},
+    PropertyName{"color", Property::kColor},
+    PropertyName{"display", Property::kDisplay},
+    PropertyName{"fill", Property::kFill},
+    PropertyName{"fill-opacity", Property::kFillOpacity},
+    PropertyName{"font", Property::kFont},
+    PropertyName{"font-family", Property::kFontFamily},
+    PropertyName{"font-size", Property::kFontSize},
+    PropertyName{"font-style", Property::kFontStyle},
+    PropertyName{"font-weight", Property::kFontWeight},
+    PropertyName{"letter-spacing", Property::kLetterSpacing},
+    PropertyName{"marker", Property::kMarker},
+    PropertyName{"marker-end", Property::kMarker},
+    PropertyName{"marker-mid", Property::kMarker},
+    PropertyName{"marker-start", Property::kMarker},
+    PropertyName{"stroke", Property::kStroke},
+    PropertyName{"stroke-dasharray", Property::kDashArray},
+    PropertyName{"stroke-dashoffset", Property::kDashOffset},
+    PropertyName{"stroke-linecap", Property::kLineCap},
+    PropertyName{"stroke-linejoin", Property::kLineJoin},
+    PropertyName{"stroke-miterlimit", Property::kMiterLimit},
+    PropertyName{"stroke-opacity", Property::kStrokeOpacity},
+    PropertyName{"stroke-width", Property::kStrokeWidth},
+    PropertyName{"text-anchor", Property::kTextAnchor},
+    PropertyName{"visibility", Property::kVisibility},
+    PropertyName{"white-space", Property::kWhiteSpace},
+    PropertyName{"word-spacing", Property::kWordSpacing},
+    PropertyName{"xml:space", Property::kXmlSpace},
+};
+static_assert(std::ranges::is_sorted(kProperties, {}, &PropertyName::name));
+
+std::optional<Property> propertyOf(std::string_view name) {
+    const auto row = std::ranges::lower_bound(kProperties, name, {}, &PropertyName::name);
+    if (row == kProperties.end() || row->name != name) return std::nullopt;
+    return row->property;
+}
+
+std::optional<double> readWhole(std::string_view text) {
+    text = trimmed(text);
+    const char* at = text.data();
+    const char* end = at + text.size();
+    double value = 0;
+    if (!readNumber(&at, end, &value) || at != end) return std::nullopt;
+    return value;
+}
+
+void readDashes(std::string_view value, const LengthContext& context, SvgStyle* style) {
+    style->dashCount = 0;
+    if (value == "none") return;
+    const auto isGap = [](char c) { return c == ',' || c == ' ' || c == '\t' || c == '\n'; };
+    for (std::size_t at = 0; at < value.size() && style->dashCount < 6;) {
+        std::size_t end = at;
+        while (end < value.size() && !isGap(value[end])) ++end;
+        if (end > at) {
+            const std::optional<double> dash = parseLength(value.substr(at, end - at), context);
+            if (!dash || !(*dash >= 0)) {
+                style->dashCount = 0;
+                return;
+            }
+            style->dashes[style->dashCount++] = *dash;
+        }
+        at = end + 1;
+    }
+    if (std::all_of(style->dashes, style->dashes + style->dashCount, [](double dash) { return dash == 0; })) {
+        style->dashCount = 0;
+    }
+}
+
+void readFontSize(std::string_view value, const SvgStyle& parent, SvgStyle* style) {
+    struct Keyword {
+        std::string_view name;
+        double pixels;
+    };
+    static constexpr Keyword kKeywords[] = {{"xx-small", 9}, {"x-small", 10}, {"small", 13},   {"medium", 16},
+                                            {"large", 18},   {"x-large", 24}, {"xx-large", 32}};
+    for (const Keyword& keyword : kKeywords) {
+        if (keyword.name == value) {
+            style->fontSize = keyword.pixels;
+            return;
+        }
+    }
+    if (value == "larger") style->fontSize = parent.fontSize * 1.2;
+    if (value == "smaller") style->fontSize = parent.fontSize / 1.2;
+    const std::optional<double> size = parseLength(value, {parent.fontSize, parent.fontSize});
+    if (size && *size >= 0 && *size < 1e9) style->fontSize = *size;
+}
+
+void readFontWeight(std::string_view value, const SvgStyle& parent, SvgStyle* style) {
+    if (value == "normal") {
+        style->fontWeight = 400;
+    } else if (value == "bold") {
+        style->fontWeight = 700;
+    } else if (value == "bolder") {
+        style->fontWeight = parent.fontWeight < 400 ? 400 : parent.fontWeight < 600 ? 700 : 900;
+    } else if (value == "lighter") {
+        style->fontWeight = parent.fontWeight < 600 ? 100 : parent.fontWeight < 800 ? 400 : 700;
+    } else if (const std::optional<double> weight = readWhole(value); weight && *weight >= 1 && *weight <= 1000) {
+        style->fontWeight = static_cast<int>(*weight);
+    }
+}
+
+// "italic bold 12px/1.2 'DejaVu Sans', sans-serif": the words before the size are weight and slant.
+void readFont(std::string_view value, const SvgStyle& parent, SvgStyle* style) {
+    style->fontWeight = 400;
+    style->italic = false;
+    for (std::size_t at = 0; at < value.size();) {
+        std::size_t end = value.find(' ', at);
+        if (end == std::string_view::npos) end = value.size();
+        const std::string_view word = value.substr(at, end - at);
+        at = end + 1;
+        if (word == "italic" || word == "oblique") {
+            style->italic = true;
+        } else if (parseLength(word.substr(0, word.find('/')), {}) &&
+                   lengthUnit(word.substr(0, word.find('/'))) != "") {
+            readFontSize(word.substr(0, word.find('/')), parent, style);
+            if (end < value.size()) style->fontFamily = trimmed(value.substr(end));
+            return;
+        } else {
+            readFontWeight(word, parent, style);
+        }
+    }
+}
+
+void readBaselineShift(std::string_view value, const SvgStyle& parent, SvgStyle* style) {
+    double shift = 0;
+    if (value == "super") {
+        shift = parent.fontSize / 3;
+    } else if (value == "sub") {
+        shift = -parent.fontSize / 5;
+    } else {
+        shift = parseLength(value, {parent.fontSize, style->fontSize}).value_or(0);
+    }
+    style->baselineShift = parent.baselineShift + shift;
+}
+
+void note(bool odd, SvgOddity oddity, SvgStyle* style) {
+    style->oddities = static_cast<std::uint8_t>(odd ? style->oddities | oddity : style->oddities & ~oddity);
+}
+
+bool isFull(std::string_view opacity) { return opacity == "1" || opacity == "1.0" || opacity == "100%"; }
+
+// The words in the order of the host's numbers.
+std::optional<std::uint8_t> indexOf(std::string_view value, std::array<std::string_view, 3> words) {
+    const auto found = std::ranges::find(words, value);
+    if (found == words.end()) return std::nullopt;
+    return static_cast<std::uint8_t>(found - words.begin());
+}
+
+constexpr std::array<std::string_view, 3> kCaps = {"butt", "round", "square"};
+constexpr std::array<std::string_view, 3> kJoins = {"miter", "round", "bevel"};
+
+}  // namespace
+
+SvgPaint parsePaint(std::string_view value) {
+    value = trimmed(value);
+    if (value == "none" || value == "transparent") return {};
+    if (value == "currentColor" || value == "currentcolor") return {SvgPaint::kCurrentColor, {}, {}};
+    if (const std::optional<CssColor> color = parseColor(value)) return {SvgPaint::kColor, *color, {}};
+    return {SvgPaint::kReference, {}, value};
+}
+
+void StyleResolver::apply(std::string_view name, std::string_view value, const SvgStyle& parent, SvgStyle* style) {
+    const std::optional<Property> property = propertyOf(name);
+    if (!property) return;
+    const bool inherit = value == "inherit";
+    const LengthContext widths{style->diagonal, style->fontSize};
+    switch (*property) {
+        case Property::kFill:
+            style->fill = inherit ? parent.fill : parsePaint(value);
+            break;
+        case Property::kStroke:
+            style->stroke = inherit ? parent.stroke : parsePaint(value);
+            break;
+        case Property::kColor:
+            style->color = inherit ? parent.color : parseColor(value).value_or(style->color);
+            break;
+        case Property::kStrokeWidth:
+            if (const auto width = parseLength(value, widths); width && *width >= 0) style->strokeWidth = *width;
+            if (inherit) style->strokeWidth = parent.strokeWidth;
+            break;
+        case Property::kMiterLimit:
+            // Below 1 is no CSS, but the host's own paths may have it.
+            if (const auto limit = readWhole(value); limit && *limit >= 0) style->miterLimit = *limit;
+            break;
+        case Property::kLineCap:
+            style->cap = inherit ? parent.cap : indexOf(value, kCaps).value_or(style->cap);
+            break;
+        case Property::kLineJoin:
+            style->join = inherit ? parent.join : indexOf(value, kJoins).value_or(style->join);
+            break;
+        case Property::kDashArray:
+            if (!inherit) readDashes(value, widths, style);
+            break;
+        case Property::kDashOffset:
+            style->dashOffset = inherit ? parent.dashOffset : parseLength(value, widths).value_or(style->dashOffset);
+            break;
+        case Property::kDisplay:
+            style->displayed = inherit ? parent.displayed : value != "none";
+            break;
+        case Property::kVisibility:
+            style->visible = inherit ? parent.visible : value == "visible";
+            note(!style->visible, kInvisible, style);
+            break;
+        case Property::kFont:
+            if (!inherit) readFont(value, parent, style);
+            break;
+        case Property::kFontFamily:
+            style->fontFamily = inherit ? parent.fontFamily : value;
+            break;
+        case Property::kFontSize:
+            if (!inherit) readFontSize(value, parent, style);
+            break;
+        case Property::kFontWeight:
+            if (!inherit) readFontWeight(value, parent, style);
+            break;
+        case Property::kFontStyle:
+            style->italic = inherit ? parent.italic : value == "italic" || value.starts_with("oblique");
+            break;
+        case Property::kTextAnchor:
+            if (value == "start") style->anchor = kJustifyLeft;
+            if (value == "middle") style->anchor = kJustifyCenter;
+            if (value == "end") style->anchor = kJustifyRight;
+            break;
+        case Property::kBaselineShift:
+            readBaselineShift(value, parent, style);
+            break;
+        case Property::kXmlSpace:
+            style->preserveSpace = value == "preserve";
+            break;
+        case Property::kWhiteSpace:
+            if (value.starts_with("pre") || value == "break-spaces") style->preserveSpace = true;
+            if (value == "normal" || value == "nowrap") style->preserveSpace = false;
+            break;
+        case Property::kFillOpacity:
+            if (!inherit) note(!isFull(value), kFillOpacity, style);
+            break;
+        case Property::kStrokeOpacity:
+            if (!inherit) note(!isFull(value), kStrokeOpacity, style);
+            break;
+        case Property::kMarker:
+            if (value != "none" && !inherit) note(true, kMarkers, style);
+            break;
+        case Property::kLetterSpacing:
+        case Property::kWordSpacing:
+            if (value != "normal" && value != "0" && value != "0px" && !inherit) note(true, kLetterSpacing, style);
+            break;
+    }
+}
+
+bool StyleResolver::compute(const pugi::xml_node& element, const SvgStyle& parent, SvgStyle* style) {
+    const char* inlineStyle = nullptr;
+    const char* id = "";
+    const char* classes = "";
+    const char* font = nullptr;
+    bool presented = false;
+    for (const pugi::xml_attribute& attribute : element.attributes()) {
+        const std::string_view name = attribute.name();
+        if (name == "style") {
+            inlineStyle = attribute.value();
+        } else if (name == "id") {
+            id = attribute.value();
+        } else if (name == "class") {
+            classes = attribute.value();
+        } else if (name == "font-size") {
+            font = attribute.value();
+        } else if (name != "d") {
+            presented = presented || propertyOf(name);
+        }
+    }
+    // Most drawings repeat one style attribute over and over.
+    const bool alone = sheet.empty() && !font && !presented && parent.serial != 0;
+    const std::string_view inlineText = inlineStyle ? inlineStyle : "";
+    if (alone && parent.serial == lastParent_ && inlineText == lastInline_) {
+        *style = last_;
+        return true;
+    }
+    *style = parent;
+    style->displayed = true;
+    style->serial = ++serial_;
+    // Sizes first: other lengths may be relative to them.
+    if (font) apply("font-size", trimmed(font), parent, style);
+    if (presented) {
+        for (const pugi::xml_attribute& attribute : element.attributes()) {
+            const std::string_view name = attribute.name();
+            if (name != "d" && name != "font-size") apply(name, trimmed(attribute.value()), parent, style);
+        }
+    }
+    fromSheet_.clear();
+    if (!sheet.empty()) {
+        const std::string_view name = element.name();
+        const std::string_view type = name.substr(name.find(':') + 1);
+        if (!sheet.match(type, id, classes, &fromSheet_)) return false;
+    }
+    fromAttribute_.clear();
+    parseDeclarations(inlineText, &fromAttribute_);
+    for (const bool important : {false, true}) {
+        for (const auto* declarations : {&fromSheet_, &fromAttribute_}) {
+            for (const CssDeclaration& declaration : *declarations) {
+                if (declaration.important == important) apply(declaration.property, declaration.value, parent, style);
+            }
+        }
+    }
+    if (alone) {
+        lastParent_ = parent.serial;
+        lastInline_ = inlineText;
+        last_ = *style;
+    }
+    return true;
+}
+
+// Gray where the three channels agree: the drafting tools paint in gray, and it is the same colour.
+AIColor colorOf(const CssColor& color) {
+    AIColor result;
+    if (color.r == color.g && color.g == color.b) {
+        result.kind = kGrayPaint;
+        result.gray = static_cast<float>(1 - color.r);
+    } else {
+        result.kind = kRgbPaint;
+        result.rgb[0] = static_cast<float>(color.r);
+        result.rgb[1] = static_cast<float>(color.g);
+        result.rgb[2] = static_cast<float>(color.b);
+    }
+    return result;
+}
+
+AIColor colorOf(const SvgPaint& paint, const CssColor& currentColor, const Affine& toDocument, PaintLookup* lookup) {
+    switch (paint.kind) {
+        case SvgPaint::kColor:
+            return colorOf(paint.color);
+        case SvgPaint::kCurrentColor:
+            return colorOf(currentColor);
+        case SvgPaint::kReference:
+            return lookup->paintOf(paint.reference, toDocument);
+        case SvgPaint::kNone:
+            break;
+    }
+    AIColor none;
+    none.gray = 1;
+    return none;
+}
+
+namespace {
+
+float finiteFloat(double value) {
+    const auto result = static_cast<float>(value);
+    return std::isfinite(result) ? result + 0.0F : 0.0F;
+}
+
+}  // namespace
+
+AIPathStyle pathStyleOf(const SvgStyle& style, const Affine& toDocument, PaintLookup* lookup) {
+    const double scale = toDocument.scale();
+    AIPathStyle result;
+    result.fillPaint = style.fill.kind != SvgPaint::kNone;
+    result.strokePaint = style.stroke.kind != SvgPaint::kNone;
+    result.fill = colorOf(style.fill, style.color, toDocument, lookup);
+    result.stroke = colorOf(style.stroke, style.color, toDocument, lookup);
+    result.strokeWidth = finiteFloat(style.strokeWidth * scale);
+    result.miterLimit = finiteFloat(style.miterLimit);
+    result.cap = style.cap;
+    result.join = style.join;
+    result.dashOffset = finiteFloat(style.dashOffset * scale);
+    result.dashCount = style.dashCount;
+    for (int i = 0; i < style.dashCount; ++i) result.dashes[i] = finiteFloat(style.dashes[i] * scale);
+    return result;
+}
+
+std::int32_t StyleTable::add(const AIPathStyle& style) {
+    Fingerprint print;
+    print.add(style);
+    const auto [row, added] = byFingerprint_.try_emplace(print.value(), static_cast<std::int32_t>(styles_->size()));
+    if (added) styles_->push_back(std::make_shared<const AIPathStyle>(style));
+    return row->second;
+}
+
+// --- writing -------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// The byte that stands for exactly this channel, or -1.
+int byteOf(double channel, float exact, bool gray) {
+    const int byte = static_cast<int>(std::lround(std::clamp(channel, 0.0, 1.0) * 255));
+    const double back = byte / 255.0;
+    return static_cast<float>(gray ? 1 - back : back) == exact ? byte : -1;
+}
+
+void appendPercent(std::string* out, double channel, float exact, bool gray) {
+    const double percent = fewestDecimals(channel * 100, [&](double q) {
+        const double back = std::clamp(q / 100, 0.0, 1.0);
+        return static_cast<float>(gray ? 1 - back : back) == exact;
+    });
+    appendNumber(out, percent);
+    *out += '%';
+}
+
+}  // namespace
+
+std::string cssPaint(bool on, const AIColor& color, const PaintSources& sources) {
+    if (!on) return "none";
+    if (color.kind == kGradientPaint || color.kind == kOtherPaint) {
+        const auto number = static_cast<std::size_t>(color.reference);
+        if (color.reference > 0 && number <= sources.size()) return sources[number - 1];
+        return "#000000";
+    }
+    const bool gray = color.kind == kGrayPaint;
+    const float exact[3] = {gray ? color.gray : color.rgb[0], gray ? color.gray : color.rgb[1],
+                            gray ? color.gray : color.rgb[2]};
+    std::string hex = "#";
+    std::string percent = "rgb(";
+    bool hexWorks = true;
+    for (int i = 0; i < 3; ++i) {
+        const double channel = gray ? 1.0 - exact[i] : exact[i];
+        const int byte = byteOf(channel, exact[i], gray);
+        hexWorks &= byte >= 0;
+        if (byte >= 0) {
+            hex += "0123456789abcdef"[byte >> 4];
+            hex += "0123456789abcdef"[byte & 15];
+        }
+        if (i > 0) percent += ',';
+        appendPercent(&percent, channel, exact[i], gray);
+    }
+    return hexWorks ? hex : percent + ")";
+}
+
+std::string colorSpec(const AIColor& color) {
+    std::string spec;
+    const auto add = [&](float value) {
+        spec += ':';
+        appendNumber(&spec, localLength(1, value));
+    };
+    switch (color.kind) {
+        case kRgbPaint:
+            spec = "rgb";
+            for (float channel : color.rgb) add(channel);
+            break;
+        case kGradientPaint:
+            spec = "gradient";
+            add(color.gradientAngle);
+            add(color.gradientHiliteAngle);
+            break;
+        case kOtherPaint:
+            spec = "other";
+            break;
+        default:
+            spec = "gray";
+            add(color.gray);
+    }
+    return spec;
+}
+
+std::optional<AIColor> parseColorSpec(std::string_view spec) {
+    std::vector<std::string_view> parts;
+    for (std::size_t at = 0; at <= spec.size();) {
+        const std::size_t end = std::min(spec.find(':', at), spec.size());
+        parts.push_back(spec.substr(at, end - at));
+        at = end + 1;
+    }
+    std::vector<float> values;
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        const std::optional<double> value = readWhole(parts[i]);
+        if (!value) return std::nullopt;
+        values.push_back(finiteFloat(*value));
+    }
+    AIColor color;
+    if (parts[0] == "gray" && values.size() == 1) {
+        color.gray = values[0];
+    } else if (parts[0] == "rgb" && values.size() == 3) {
+        color.kind = kRgbPaint;
+        std::ranges::copy(values, color.rgb);
+    } else if (parts[0] == "gradient" && values.size() == 2) {
+        color.kind = kGradientPaint;
+        color.gradientAngle = values[0];
+        color.gradientHiliteAngle = values[1];
+    } else if (parts[0] == "other" && values.empty()) {
+        color.kind = kOtherPaint;
+    } else {
+        return std::nullopt;
+    }
+    return color;
+}
+
+std::string exactPaint(const AIColor& color, const PaintSources& sources) {
+    const std::string css = cssPaint(true, color, sources);
+    const SvgPaint paint = parsePaint(css);
+    if (paint.kind == SvgPaint::kColor && paintsAlike(colorOf(paint.color), color)) return "";
+    return encodeBytes(css) + " = " + colorSpec(color);
+}
+
+AIColor withExactPaint(const AIColor& plain, const SvgPaint& paint, std::string_view attribute) {
+    const std::size_t parting = attribute.rfind(" = ");
+    if (parting == std::string_view::npos) return plain;
+    const std::string css = decodeBytes(attribute.substr(0, parting));
+    if (!(parsePaint(css) == paint)) return plain;
+    std::optional<AIColor> exact = parseColorSpec(attribute.substr(parting + 3));
+    if (!exact) return plain;
+    const bool needsReference = exact->kind == kGradientPaint || exact->kind == kOtherPaint;
+    if (needsReference != (paint.kind == SvgPaint::kReference)) return plain;
+    exact->reference = plain.reference;
+    return *exact;
+}
+
+std::vector<StyleProperty> styleProperties(const AIPathStyle& style, const AIPathStyle* inForce, double scale,
+                                           const PaintSources& sources) {
+    std::vector<StyleProperty> properties;
+    const auto number = [](double value) {
+        std::string text;
+        appendNumber(&text, value);
+        return text;
+    };
+    const auto length = [&](float value) { return number(localLength(scale, value)); };
+    const std::string fill = cssPaint(style.fillPaint != 0, style.fill, sources);
+    const std::string stroke = cssPaint(style.strokePaint != 0, style.stroke, sources);
+    if (!inForce || fill != cssPaint(inForce->fillPaint != 0, inForce->fill, sources))
+        properties.push_back({"fill", fill});
+    if (!inForce || stroke != cssPaint(inForce->strokePaint != 0, inForce->stroke, sources))
+        properties.push_back({"stroke", stroke});
+    if (!inForce || style.strokeWidth != inForce->strokeWidth)
+        properties.push_back({"stroke-width", length(style.strokeWidth)});
+    if (!inForce || style.miterLimit != inForce->miterLimit)
+        properties.push_back({"stroke-miterlimit", number(localLength(1, style.miterLimit))});
+    if ((!inForce || style.cap != inForce->cap) && style.cap >= 0 && style.cap < 3)
+        properties.push_back({"stroke-linecap", std::string(kCaps[static_cast<std::size_t>(style.cap)])});
+    if ((!inForce || style.join != inForce->join) && style.join >= 0 && style.join < 3)
+        properties.push_back({"stroke-linejoin", std::string(kJoins[static_cast<std::size_t>(style.join)])});
+    const int dashCount = std::clamp(style.dashCount, 0, 6);
+    const bool sameDashes = inForce && inForce->dashCount == style.dashCount &&
+                            std::equal(style.dashes, style.dashes + dashCount, inForce->dashes);
+    if (!sameDashes) {
+        std::string dashes;
+        for (int i = 0; i < dashCount; ++i) {
+            if (i > 0) dashes += ',';
+            dashes += length(style.dashes[i]);
+        }
+        properties.push_back({"stroke-dasharray", dashes.empty() ? "none" : dashes});
+    }
+    if (!inForce || style.dashOffset != inForce->dashOffset)
+        properties.push_back({"stroke-dashoffset", length(style.dashOffset)});
+    return properties;
+}
+
+std::vector<StyleProperty> resetProperties(std::uint8_t oddities) {
+    std::vector<StyleProperty> properties;
+    if (oddities & kFillOpacity) properties.push_back({"fill-opacity", "1"});
+    if (oddities & kStrokeOpacity) properties.push_back({"stroke-opacity", "1"});
+    if (oddities & kMarkers) properties.push_back({"marker", "none"});
+    if (oddities & kLetterSpacing) {
+        properties.push_back({"letter-spacing", "normal"});
+        properties.push_back({"word-spacing", "normal"});
+    }
+    if (oddities & kInvisible) properties.push_back({"visibility", "visible"});
+    return properties;
+}
+
+std::string joinProperties(const std::vector<StyleProperty>& properties) {
+    std::string text;
+    for (const StyleProperty& property : properties) {
+        if (!text.empty()) text += ';';
+        text += std::string(property.name) + ":" + property.value;
+    }
+    return text;
+}
+
+}  // namespace quorvel::host

@@ -1,0 +1,657 @@
+// Text is written so that other programs show it right, then read back by the same code that opens files: what did not
+// come back the same goes into one attribute of our own, together with a fingerprint of what SVG alone says. When
+// another program has changed the element, the fingerprint no longer fits and the attribute is passed over.
+#include "host/svg_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <pugixml.hpp>
+
+#include "host/fonts.h"
+#include "host/svg_content.h"
+#include "host/svg_markup.h"
+
+namespace quorvel::host {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+std::string_view localName(const pugi::xml_node& node) {
+    const std::string_view name = node.name();
+    return name.substr(name.find(':') + 1);
+}
+
+bool isLineBreak(char16_t unit) { return unit == u'\r' || unit == u'\n' || unit == 3; }
+
+// One character of UTF-8; what is none counts as one replacement character a byte.
+char32_t takeCharacter(std::string_view text, std::size_t* at) {
+    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+    const unsigned lead = byte(*at);
+    const int more = lead < 0x80 ? 0 : lead >= 0xF0 && lead < 0xF5 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC2 ? 1 : -1;
+    if (more == 0) return text[(*at)++];
+    if (more > 0 && lead < 0xF5) {
+        char32_t code = lead & (0x3FU >> more);
+        bool sound = true;
+        for (int i = 1; i <= more; ++i) {
+            const unsigned next = byte(*at + static_cast<std::size_t>(i));
+            sound &= (next & 0xC0) == 0x80;
+            code = code << 6 | (next & 0x3F);
+        }
+        static constexpr char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
+        sound &= code >= kLeast[more] && code < 0x110000 && !(code >= 0xD800 && code < 0xE000);
+        if (sound) {
+            *at += static_cast<std::size_t>(more) + 1;
+            return code;
+        }
+    }
+    ++*at;
+    return kReplacement;
+}
+
+void appendUtf16(std::u16string* out, char32_t code) {
+    if (code < 0x10000) {
+        *out += static_cast<char16_t>(code);
+    } else {
+        *out += static_cast<char16_t>(0xD7C0 + (code >> 10));
+        *out += static_cast<char16_t>(0xDC00 | (code & 0x3FF));
+    }
+}
+
+std::string toUtf8(std::u16string_view text) {
+    std::string out;
+    const auto add = [&](unsigned value) { out += static_cast<char>(value); };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t code = text[i];
+        const bool high = code >= 0xD800 && code < 0xDC00;
+        const bool pair = high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000;
+        if (pair) {
+            code = ((code - 0xD7C0) << 10) + (text[++i] - 0xDC00);
+        } else if (code >= 0xD800 && code < 0xE000) {
+            code = kReplacement;
+        }
+        if (code < 0x80) {
+            add(code);
+        } else if (code < 0x800) {
+            add(0xC0 | code >> 6);
+            add(0x80 | (code & 63));
+        } else if (code < 0x10000) {
+            add(0xE0 | code >> 12);
+            add(0x80 | (code >> 6 & 63));
+            add(0x80 | (code & 63));
+        } else {
+            add(0xF0 | code >> 18);
+            add(0x80 | (code >> 12 & 63));
+            add(0x80 | (code >> 6 & 63));
+            add(0x80 | (code & 63));
+        }
+    }
+    return out;
+}
+
+float finiteFloat(double value) {
+    const auto result = static_cast<float>(value);
+    return std::isfinite(result) ? result + 0.0F : 0.0F;
+}
+
+class Collector {
+  public:
+    Collector(const Affine& toDocument, StyleResolver* resolver, PaintLookup* paints, SvgText* result)
+        : map_(toDocument), scale_(toDocument.scale()), resolver_(resolver), paints_(paints), result_(*result) {}
+
+    bool element(const pugi::xml_node& element, const SvgStyle& style) {
+        place(element, style);
+        for (const pugi::xml_node& child : element.children()) {
+            if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+                characters(child.value(), style);
+            } else if (child.type() == pugi::node_element && (localName(child) == "tspan" || localName(child) == "a")) {
+                SvgStyle inner;
+                if (!resolver_->compute(child, style, &inner)) return false;
+                if (inner.displayed && !this->element(child, inner)) return false;
+            }
+        }
+        return true;
+    }
+
+    void finish(const SvgStyle& style) {
+        TextData& text = result_.text;
+        if (text.runs.empty()) {
+            text.runs.push_back({0, features(style)});
+            text.justification = style.anchor;
+        }
+    }
+
+  private:
+    // Positions count until the first character stands; later ones move lines of the same text.
+    void place(const pugi::xml_node& element, const SvgStyle& style) {
+        if (!result_.text.text.empty()) return;
+        const auto first = [&](const char* name) -> std::optional<double> {
+            const std::string_view list = trimmed(element.attribute(name).value());
+            return parseLength(list.substr(0, list.find_first_of(", \t\n")), {style.diagonal, style.fontSize});
+        };
+        result_.x = first("x").value_or(result_.x) + first("dx").value_or(0);
+        result_.y = first("y").value_or(result_.y) + first("dy").value_or(0);
+    }
+
+    void characters(std::string_view text, const SvgStyle& style) {
+        const CharFeatures look = features(style);
+        for (std::size_t at = 0; at < text.size();) {
+            const char32_t code = takeCharacter(text, &at);
+            const bool blank = code == ' ' || code == '\t' || code == '\n' || code == '\r';
+            if (blank && !style.preserveSpace) {
+                // Runs of blanks are one blank, none at either end.
+                if (!result_.text.text.empty() && !endsInBlank_ && !pending_) pending_ = look;
+                continue;
+            }
+            if (pending_) add(' ', *pending_);
+            pending_.reset();
+            if (result_.text.text.empty()) result_.text.justification = style.anchor;
+            add(blank ? U' ' : code, look);
+            endsInBlank_ = false;
+        }
+    }
+
+    void add(char32_t code, const CharFeatures& look) {
+        TextData& text = result_.text;
+        const std::size_t before = text.text.size();
+        appendUtf16(&text.text, code);
+        if (text.runs.empty() || !(text.runs.back().features == look)) text.runs.push_back({0, look});
+        text.runs.back().length += static_cast<std::int32_t>(text.text.size() - before);
+        endsInBlank_ = code == ' ';
+    }
+
+    CharFeatures features(const SvgStyle& style) {
+        CharFeatures look;
+        std::string& name = resolver_->fontNames[{std::string(style.fontFamily), style.fontWeight, style.italic}];
+        if (name.empty()) name = matchFont(style.fontFamily, style.fontWeight, style.italic).fullName;
+        look.font = name;
+        look.size = finiteFloat(style.fontSize * scale_);
+        look.baselineShift = finiteFloat(style.baselineShift * scale_);
+        look.fillOn = style.fill.kind != SvgPaint::kNone;
+        look.strokeOn = style.stroke.kind != SvgPaint::kNone;
+        look.fill = colorOf(style.fill, style.color, map_, paints_);
+        look.stroke = colorOf(style.stroke, style.color, map_, paints_);
+        return look;
+    }
+
+    Affine map_;
+    double scale_;
+    StyleResolver* resolver_;
+    PaintLookup* paints_;
+    SvgText& result_;
+    std::optional<CharFeatures> pending_;  // a blank that stands when a character follows
+    bool endsInBlank_ = false;
+};
+
+// --- what SVG cannot say -------------------------------------------------------------------------------------------
+
+// Blanks and commas part the fields.
+std::string encodeField(std::string_view bytes) {
+    std::string out;
+    for (char c : encodeBytes(bytes)) {
+        if (c == ' ') {
+            out += "%20";
+        } else if (c == ',') {
+            out += "%2C";
+        } else {
+            out += c;
+        }
+    }
+    return out;
+}
+
+std::vector<std::string_view> split(std::string_view text, char mark) {
+    std::vector<std::string_view> parts;
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = std::min(text.find(mark, at), text.size());
+        parts.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return parts;
+}
+
+void appendFloat(std::string* out, float value) { appendNumber(out, localLength(1, value)); }
+
+std::optional<float> readFloat(std::string_view text) {
+    const char* at = text.data();
+    double value = 0;
+    if (!readNumber(&at, text.data() + text.size(), &value) || at != text.data() + text.size()) return std::nullopt;
+    const auto result = static_cast<float>(value);
+    if (!std::isfinite(result)) return std::nullopt;
+    return result;
+}
+
+std::string fingerprintOf(const TextData& plain) {
+    Fingerprint print;
+    const RealMatrix& m = plain.matrix;
+    for (float value : {m.a, m.b, m.c, m.d, m.tx, m.ty}) print.add(value);
+    print.add(wordingOf(plain, false));
+    std::array<char, 17> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), print.value(), 16).ptr;
+    return {digits.data(), end};
+}
+
+bool sameMatrix(const RealMatrix& a, const RealMatrix& b) {
+    return a.a == b.a && a.b == b.b && a.c == b.c && a.d == b.d && a.tx == b.tx && a.ty == b.ty;
+}
+
+void appendMatrix(std::string* out, const RealMatrix& m) {
+    *out += " m=";
+    for (float value : {m.a, m.b, m.c, m.d, m.tx, m.ty}) {
+        if (out->back() != '=') *out += ',';
+        appendFloat(out, value);
+    }
+}
+
+void appendColor(std::string* out, const AIColor& color, const PaintSources& sources) {
+    *out += ',' + colorSpec(color);
+    const auto number = static_cast<std::size_t>(color.reference);
+    if (color.reference > 0 && number <= sources.size()) *out += '@' + encodeField(sources[number - 1]);
+}
+
+void appendRun(std::string* out, const TextRun& run, const PaintSources& sources) {
+    const CharFeatures& f = run.features;
+    *out += " r=" + std::to_string(run.length);
+    for (float value : {f.size, f.horizontalScale, f.verticalScale, f.baselineShift, f.miterLimit}) {
+        *out += ',';
+        appendFloat(out, value);
+    }
+    *out += f.fillOn ? ",1" : ",0";
+    *out += f.strokeOn ? ",1" : ",0";
+    appendColor(out, f.fill, sources);
+    appendColor(out, f.stroke, sources);
+    *out += ',' + encodeField(f.font);
+}
+
+// UTF-16 units that are no text are kept as units.
+void appendWording(std::string* out, const TextData& text, const PaintSources& sources) {
+    *out += " w=" + std::to_string(text.type) + ',' + std::to_string(text.orientation) + ',' +
+            std::to_string(text.justification) + ',';
+    appendFloat(out, text.firstLineIndent);
+    *out += ',';
+    appendFloat(out, text.startIndent);
+    std::string units;
+    for (char16_t unit : text.text) {
+        if (unit < 0x80) {
+            units += static_cast<char>(unit);
+        } else {
+            units += {'\x1B', static_cast<char>(unit >> 8), static_cast<char>(unit & 255)};
+        }
+    }
+    *out += " t=" + encodeField(units);
+    for (const TextRun& run : text.runs) appendRun(out, run, sources);
+}
+
+bool readMatrix(std::string_view value, RealMatrix* matrix) {
+    const auto parts = split(value, ',');
+    float* const fields[] = {&matrix->a, &matrix->b, &matrix->c, &matrix->d, &matrix->tx, &matrix->ty};
+    if (parts.size() != 6) return false;
+    for (std::size_t i = 0; i < 6; ++i) {
+        const auto number = readFloat(parts[i]);
+        if (!number) return false;
+        *fields[i] = *number;
+    }
+    return true;
+}
+
+bool readColor(std::string_view value, const Affine& toDocument, PaintLookup* paints, AIColor* color,
+               std::vector<std::string>* keep) {
+    const std::size_t at = value.find('@');
+    const std::optional<AIColor> read = parseColorSpec(value.substr(0, at));
+    if (!read) return false;
+    *color = *read;
+    if (at != std::string_view::npos) {
+        keep->push_back(decodeBytes(value.substr(at + 1)));
+        color->reference = paints->paintOf(keep->back(), toDocument).reference;
+    }
+    return true;
+}
+
+bool readRun(std::string_view value, const Affine& toDocument, PaintLookup* paints, TextRun* run) {
+    const auto parts = split(value, ',');
+    if (parts.size() != 11) return false;
+    CharFeatures& f = run->features;
+    float* const fields[] = {&f.size, &f.horizontalScale, &f.verticalScale, &f.baselineShift, &f.miterLimit};
+    const auto length = readFloat(parts[0]);
+    if (!length || !(*length >= 0 && *length < 1e9F)) return false;
+    std::from_chars(parts[0].data(), parts[0].data() + parts[0].size(), run->length);
+    for (std::size_t i = 0; i < 5; ++i) {
+        const auto number = readFloat(parts[i + 1]);
+        if (!number) return false;
+        *fields[i] = *number;
+    }
+    f.fillOn = parts[6] == "1";
+    f.strokeOn = parts[7] == "1";
+    f.font = decodeBytes(parts[10]);
+    std::vector<std::string> keep;
+    return readColor(parts[8], toDocument, paints, &f.fill, &keep) &&
+           readColor(parts[9], toDocument, paints, &f.stroke, &keep);
+}
+
+bool readFrame(std::string_view value, TextData* text) {
+    const auto parts = split(value, ',');
+    if (parts.size() != 5) return false;
+    std::array<float, 5> numbers{};
+    for (std::size_t i = 0; i < 5; ++i) {
+        const auto number = readFloat(parts[i]);
+        if (!number) return false;
+        numbers[i] = *number;
+    }
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (!(numbers[i] >= 0 && numbers[i] <= 2)) return false;
+    }
+    text->type = static_cast<AITextFrameType>(numbers[0]);
+    text->orientation = static_cast<AITextOrientation>(std::min(numbers[1], 1.0F));
+    text->justification = static_cast<ATEJustification>(numbers[2]);
+    text->firstLineIndent = numbers[3];
+    text->startIndent = numbers[4];
+    return true;
+}
+
+std::u16string readUnits(std::string_view value) {
+    const std::string units = decodeBytes(value);
+    std::u16string text;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        if (units[i] == '\x1B' && i + 2 < units.size()) {
+            text += static_cast<char16_t>(static_cast<unsigned char>(units[i + 1]) << 8 |
+                                          static_cast<unsigned char>(units[i + 2]));
+            i += 2;
+        } else {
+            text += static_cast<char16_t>(static_cast<unsigned char>(units[i]));
+        }
+    }
+    return text;
+}
+
+// Damaged or outdated attributes change nothing.
+void applyExact(std::string_view attribute, const Affine& toDocument, PaintLookup* paints, TextData* text) {
+    const auto fields = split(attribute, ' ');
+    if (fields.empty() || fields[0] != fingerprintOf(*text)) return;
+    TextData exact = *text;
+    bool worded = false;
+    for (std::size_t i = 1; i < fields.size(); ++i) {
+        if (fields[i].size() < 2 || fields[i][1] != '=') return;
+        const std::string_view value = fields[i].substr(2);
+        switch (fields[i][0]) {
+            case 'm':
+                if (!readMatrix(value, &exact.matrix)) return;
+                break;
+            case 'w':
+                if (!readFrame(value, &exact)) return;
+                exact.runs.clear();
+                worded = true;
+                break;
+            case 't':
+                exact.text = readUnits(value);
+                break;
+            case 'r':
+                if (!worded || !readRun(value, toDocument, paints, &exact.runs.emplace_back())) return;
+                break;
+            default:
+                return;
+        }
+    }
+    std::int64_t units = 0;
+    for (const TextRun& run : exact.runs) units += run.length;
+    if (exact.runs.empty() || units != static_cast<std::int64_t>(exact.text.size())) return;
+    *text = std::move(exact);
+}
+
+}  // namespace
+
+bool followsPath(const pugi::xml_node& element) {
+    return element.find_node([](const pugi::xml_node& node) { return localName(node) == "textPath"; });
+}
+
+RealMatrix textMatrix(const Affine& map, double x, double y) {
+    const double scale = map.scale() > 0 ? map.scale() : 1;
+    return {finiteFloat(map.a / scale),  finiteFloat(map.b / scale), finiteFloat(-map.c / scale),
+            finiteFloat(-map.d / scale), finiteFloat(map.x(x, y)),   finiteFloat(map.y(x, y))};
+}
+
+bool readText(const pugi::xml_node& element, const Affine& toDocument, const SvgStyle& style, const SvgNames& names,
+              StyleResolver* resolver, PaintLookup* paints, SvgText* result) {
+    *result = {};
+    Collector collector(toDocument, resolver, paints, result);
+    const bool collected = collector.element(element, style);
+    resolver->forget();  // the spans' text is not kept
+    if (!collected) return false;
+    collector.finish(style);
+    result->text.matrix = textMatrix(toDocument, result->x, result->y);
+    const pugi::xml_attribute exact = element.attribute((names.own + own_attribute::kText).c_str());
+    if (exact) applyExact(exact.value(), toDocument, paints, &result->text);
+    return true;
+}
+
+// --- writing -------------------------------------------------------------------------------------------------------
+
+Affine concat(const RealMatrix& motion, const Affine& was) {
+    return compose(Affine{motion.a, motion.b, motion.c, motion.d, motion.tx, motion.ty}, was);
+}
+
+std::string formatMatrix(const Affine& m) {
+    std::string text = "matrix(";
+    for (double value : {m.a, m.b, m.c, m.d, m.e, m.f}) {
+        if (text.back() != '(') text += ' ';
+        appendNumber(&text, value);
+    }
+    return text + ")";
+}
+
+std::string exactMatrix(const TextData& text, const RealMatrix& plain) {
+    if (sameMatrix(text.matrix, plain)) return "";
+    TextData without = text;
+    without.matrix = plain;
+    std::string exact = fingerprintOf(without);
+    appendMatrix(&exact, text.matrix);
+    return exact;
+}
+
+namespace {
+
+Affine roundedLinear(const Affine& m, double power) {
+    const auto rounded = [&](double value) { return std::nearbyint(value * power) / power + 0.0; };
+    return {rounded(m.a), rounded(m.b), rounded(m.c), rounded(m.d), m.e, m.f};
+}
+
+std::string quotedFamily(std::string_view family) {
+    std::string out = "'";
+    for (char c : family) {
+        if (c != '\'' && c != '"' && c != '\\' && c != ';') out += c;
+    }
+    return out + "'";
+}
+
+class TextFormatter {
+  public:
+    TextFormatter(const TextData& text, const Affine& toDocument, const SvgNames& names, const PaintSources& sources)
+        : text_(text), container_(toDocument), names_(names), sources_(sources) {}
+
+    SvgTextParts format(const std::vector<StyleProperty>& reset) {
+        findTransform();
+        SvgTextParts parts;
+        if (hasTransform_) {
+            parts.transform = formatMatrix(transform_);
+        } else {
+            appendNumber(&parts.x, transform_.e);
+            appendNumber(&parts.y, transform_.f);
+        }
+        parts.style = runStyle(text_.runs.front().features);
+        static constexpr const char* kAnchors[] = {"start", "end", "middle"};
+        parts.style += std::string(";text-anchor:") + kAnchors[text_.justification];
+        if (!reset.empty()) parts.style += ";" + joinProperties(reset);
+        const std::u16string& units = text_.text;
+        parts.preserveSpace = units.find(u"  ") != std::u16string::npos || units.starts_with(u' ') ||
+                              units.ends_with(u' ') || units.find(u'\t') != std::u16string::npos;
+        parts.content = content(parts.x);
+        return parts;
+    }
+
+  private:
+    // The common scale of all characters goes into the transform, so that any program shows it.
+    void findTransform() {
+        const CharFeatures& first = text_.runs.front().features;
+        const bool common = std::ranges::all_of(text_.runs, [&](const TextRun& run) {
+            return run.features.horizontalScale == first.horizontalScale &&
+                   run.features.verticalScale == first.verticalScale;
+        });
+        const double h = common && first.horizontalScale > 0 ? first.horizontalScale : 1;
+        const double v = common && first.verticalScale > 0 ? first.verticalScale : 1;
+        const RealMatrix& m = text_.matrix;
+        Affine inverse;
+        scale_ = container_.scale();
+        if (!invert(container_, &inverse)) {
+            scale_ = 1;
+            return;
+        }
+        const LocalPoint place = localPoint(container_, inverse, {m.tx, m.ty});
+        const Affine wanted{m.a * h * scale_, m.b * h * scale_, -m.c * v * scale_, -m.d * v * scale_, 0, 0};
+        Affine linear = inverse;
+        linear.e = linear.f = 0;
+        linear = compose(linear, wanted);
+        const auto near = [](double a, double b) { return std::abs(a - b) < 1e-9; };
+        if (near(linear.a, 1) && near(linear.b, 0) && near(linear.c, 0) && near(linear.d, 1)) linear = {};
+        linear.e = place.x;
+        linear.f = place.y;
+        transform_ = roundedLinear(linear, 1e9);
+        for (double power = 1e3; power <= 1e15; power *= 10) {
+            const Affine rounded = roundedLinear(linear, power);
+            if (sameMatrix(textMatrix(compose(container_, rounded), 0, 0), m)) {
+                transform_ = rounded;
+                break;
+            }
+        }
+        hasTransform_ = !(transform_ == Affine{1, 0, 0, 1, transform_.e, transform_.f});
+        if (h == 1 && v == 1) scale_ = compose(container_, transform_).scale();
+    }
+
+    std::string length(float points) const {
+        std::string out;
+        appendNumber(&out, localLength(scale_, points));
+        return out;
+    }
+
+    std::string runStyle(const CharFeatures& f) const {
+        const Font* font = findFont(f.font);
+        std::string style = "font-family:" + quotedFamily(font ? font->family : f.font);
+        style += ";font-size:" + length(f.size) + "px;font-weight:" + std::to_string(font ? font->weight : 400);
+        style += font && font->italic ? ";font-style:italic" : ";font-style:normal";
+        style += ";fill:" + cssPaint(f.fillOn, f.fill, sources_);
+        style += ";stroke:" + cssPaint(f.strokeOn, f.stroke, sources_);
+        return style;
+    }
+
+    std::string content(const std::string& lineStart) const {
+        const bool plain = text_.runs.size() == 1 && text_.runs[0].features.baselineShift == 0 &&
+                           std::ranges::none_of(text_.text, isLineBreak);
+        if (plain) return escapeXml(toUtf8(text_.text));
+        std::string out;
+        float shift = 0;
+        std::size_t at = 0;
+        int breaks = 0;
+        for (const TextRun& run : text_.runs) {
+            const std::u16string_view units =
+                std::u16string_view(text_.text).substr(at, static_cast<std::size_t>(run.length));
+            at += static_cast<std::size_t>(run.length);
+            for (std::size_t from = 0; from < units.size();) {
+                std::size_t to = from;
+                while (to < units.size() && !isLineBreak(units[to])) ++to;
+                if (to > from) {
+                    const float lines = static_cast<float>(breaks) * 1.2F * run.features.size;
+                    out += span(units.substr(from, to - from), run.features, shift + lines, breaks > 0, lineStart);
+                    shift = run.features.baselineShift;
+                    breaks = 0;
+                }
+                if (to < units.size()) ++breaks;
+                from = to + 1;
+            }
+        }
+        return out;
+    }
+
+    // drop: how far the line lies below the one before, with the last run's own shift.
+    std::string span(std::u16string_view units, const CharFeatures& f, float drop, bool newLine,
+                     const std::string& lineStart) const {
+        const std::string name = names_.svg + "tspan";
+        std::string out = "<" + name;
+        if (newLine) out += " x=\"" + (lineStart.empty() ? "0" : lineStart) + "\"";
+        const float dy = drop - f.baselineShift;
+        if (dy != 0) out += " dy=\"" + length(dy) + "\"";
+        if (text_.runs.size() > 1) out += " style=\"" + escapeXml(runStyle(f)) + "\"";
+        return out + ">" + escapeXml(toUtf8(units)) + "</" + name + ">";
+    }
+
+    const TextData& text_;
+    Affine container_, transform_;
+    const SvgNames& names_;
+    const PaintSources& sources_;
+    double scale_ = 1;  // of the element's own space, to points
+    bool hasTransform_ = false;
+};
+
+// References come back as the colours of the text that is written.
+class WrittenPaints : public PaintLookup {
+  public:
+    WrittenPaints(const TextData& text, const PaintSources& sources) : text_(text), sources_(sources) {}
+    AIColor paintOf(std::string_view reference, const Affine&) override {
+        for (const TextRun& run : text_.runs) {
+            for (const AIColor* color : {&run.features.fill, &run.features.stroke}) {
+                const auto number = static_cast<std::size_t>(color->reference);
+                if (number > 0 && number <= sources_.size() && sources_[number - 1] == reference) return *color;
+            }
+        }
+        AIColor other;
+        other.kind = kOtherPaint;
+        return other;
+    }
+
+  private:
+    const TextData& text_;
+    const PaintSources& sources_;
+};
+
+std::string elementOf(const SvgTextParts& parts) {
+    std::string out = "<text";
+    if (parts.transform.empty()) {
+        out += " x=\"" + parts.x + "\" y=\"" + parts.y + "\"";
+    } else {
+        out += " transform=\"" + parts.transform + "\"";
+    }
+    if (parts.preserveSpace) out += " xml:space=\"preserve\"";
+    return out + " style=\"" + escapeXml(parts.style) + "\">" + parts.content + "</text>";
+}
+
+}  // namespace
+
+SvgTextParts formatText(const TextData& text, const Affine& toDocument, const SvgNames& names,
+                        const std::vector<StyleProperty>& reset, const PaintSources& sources) {
+    SvgTextParts parts = TextFormatter(text, toDocument, names, sources).format(reset);
+    pugi::xml_document fragment;
+    const std::string element = elementOf(parts);
+    fragment.load_buffer(element.data(), element.size(), pugi::parse_default | pugi::parse_ws_pcdata,
+                         pugi::encoding_utf8);
+    StyleResolver resolver;
+    WrittenPaints paints(text, sources);
+    const pugi::xml_node node = fragment.document_element();
+    Affine own;
+    // The same sums as when the file is read.
+    Affine inner = toDocument;
+    if (parseTransform(node.attribute("transform").value(), &own)) inner = compose(toDocument, own);
+    SvgStyle style;
+    SvgText plain;
+    if (!resolver.compute(node, SvgStyle{}, &style) ||
+        !readText(node, inner, style, names, &resolver, &paints, &plain)) {
+        return parts;
+    }
+    const bool sameWording = wordingOf(plain.text, true) == wordingOf(text, true);
+    const bool samePlace = sameMatrix(plain.text.matrix, text.matrix);
+    if (sameWording && samePlace) return parts;
+    parts.exact = fingerprintOf(plain.text);
+    if (!samePlace) appendMatrix(&parts.exact, text.matrix);
+    if (!sameWording) appendWording(&parts.exact, text, sources);
+    return parts;
+}
+
+}  // namespace quorvel::host

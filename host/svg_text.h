@@ -1,0 +1,56 @@
+// Text elements: each becomes one point text with a run for each stretch of like characters, and a point text becomes
+// an element that any program shows and that comes back to the last bit here.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/document.h"
+#include "host/svg_names.h"
+#include "host/svg_source.h"
+#include "host/svg_style.h"
+
+namespace pugi {
+class xml_node;
+}
+
+namespace quorvel::host {
+
+struct SvgText {
+    TextData text;
+    double x = 0, y = 0;  // where the first character stands in the element's space
+};
+
+// Whether characters of the element follow a path, so that it is no point text.
+bool followsPath(const pugi::xml_node& element);
+
+// element: parsed with its blanks. toDocument: of its content. style: its own, computed. False when the style sheets
+// ask for too much work.
+[[nodiscard]] bool readText(const pugi::xml_node& element, const Affine& toDocument, const SvgStyle& style,
+                            const SvgNames& names, StyleResolver* resolver, PaintLookup* paints, SvgText* result);
+
+// The matrix of a text whose element's space is mapped so and whose first character stands at (x, y) in it.
+RealMatrix textMatrix(const Affine& toDocument, double x, double y);
+
+// What a text element says for a text, to be set into its start tag.
+struct SvgTextParts {
+    std::string transform;  // empty: none, the place is x and y
+    std::string x, y;
+    std::string style;
+    bool preserveSpace = false;
+    std::string content;  // escaped, with tspan elements
+    std::string exact;    // the value of our attribute; empty when the rest says it all
+};
+// toDocument: of the container. reset: undoes what the container would do to it.
+SvgTextParts formatText(const TextData& text, const Affine& toDocument, const SvgNames& names,
+                        const std::vector<StyleProperty>& reset, const PaintSources& sources);
+
+// The transform that makes an element mapped by `was` stand where `motion` takes it, below a container mapped so; for
+// texts that are only moved and for elements that are kept as they are. Empty when the container is flat.
+Affine concat(const RealMatrix& motion, const Affine& was);
+std::string formatMatrix(const Affine& matrix);
+// The exact attribute of a moved text, empty when the element says it all.
+std::string exactMatrix(const TextData& text, const RealMatrix& plain);
+
+}  // namespace quorvel::host

@@ -1,0 +1,70 @@
+// Takes replies off their queues and tells what was shown. Whatever comes up without a reply is a fault and is refused,
+// so that a run ends instead of waiting for somebody.
+#include "platform/headless/scripted_user.h"
+
+#include <utility>
+
+namespace quorvel::platform {
+
+std::string QuotedForTranscript(const std::string& text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        if (c == '\r') {
+            quoted += "\\r";
+        } else if (c == '\n') {
+            quoted += "\\n";
+        } else {
+            if (c == '"' || c == '\\') quoted += '\\';
+            quoted += c;
+        }
+    }
+    return quoted + '"';
+}
+
+void ScriptedUser::fault(const std::string& text) {
+    if (!faults_.empty()) faults_ += "; ";
+    faults_ += text;
+}
+
+bool ScriptedUser::answer(const char* kind, const std::string& text, const char* yes, const char* no) {
+    const std::string shown = std::string(kind) + ' ' + QuotedForTranscript(text);
+    bool accepted = false;
+    if (answers.empty()) {
+        fault("unexpected " + shown);
+    } else {
+        accepted = answers.front();
+        answers.pop_front();
+    }
+    say(shown + ' ' + (accepted ? yes : no));
+    return accepted;
+}
+
+std::optional<DialogReply> ScriptedUser::replyTo(std::int32_t dialogId) {
+    const std::string name = "unexpected dialog " + std::to_string(dialogId);
+    if (dialogs.empty()) {
+        fault(name);
+        return std::nullopt;
+    }
+    if (dialogs.front().dialogId != dialogId) {
+        fault(name + ", the next reply is for dialog " + std::to_string(dialogs.front().dialogId));
+        return std::nullopt;
+    }
+    std::optional<DialogReply> reply = std::move(dialogs.front());
+    dialogs.pop_front();
+    return reply;
+}
+
+bool ScriptedUser::chooseFile(std::string* path) {
+    std::optional<std::string> chosen;
+    if (files.empty()) {
+        fault("unexpected file dialog");
+    } else {
+        chosen = std::move(files.front());
+        files.pop_front();
+    }
+    say("file " + chosen.value_or("cancel"));
+    if (chosen) *path = *chosen;
+    return chosen.has_value();
+}
+
+}  // namespace quorvel::platform

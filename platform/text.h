@@ -1,0 +1,21 @@
+// Code pages: conversion between the byte texts of the system and Unicode.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quorvel::platform {
+
+constexpr std::int32_t kCodePageJapanese = 932;
+constexpr std::int32_t kCodePageKorean = 949;
+constexpr std::int32_t kCodePageUtf8 = 65001;
+
+// A byte that is no character of the code page becomes U+FFFD.
+std::string ToUtf8(std::string_view bytes, std::int32_t codePage);
+// A character that the code page lacks becomes "?".
+std::string FromUtf8(std::string_view utf8, std::int32_t codePage);
+// The published Mac OS Roman table for bytes 0x80 to 0xFF (0xDB is U+20AC, 0xF0 is U+F8FF); below 0x80 the byte itself.
+std::uint16_t MacRomanToUnicode(std::uint8_t byte);
+
+}  // namespace quorvel::platform

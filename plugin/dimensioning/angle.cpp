@@ -1,0 +1,203 @@
+// The Angle tool from press to group: the two picks, the arc that follows the cursor, and the arc, heads and text that
+// the click makes.
+#include "plugin/dimensioning/angle.h"
+
+#include <utility>
+
+#include "plugin/dimensioning/graphics.h"
+#include "plugin/dimensioning/units.h"
+#include "plugin/record/dimension_record.h"
+#include "plugin/settings/info_panel.h"
+#include "plugin/shell/services.h"
+#include "plugin/shell/suites.h"
+#include "plugin/snapping/preview.h"
+#include "plugin/snapping/snap.h"
+#include "plugin/walking/walk.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr std::int32_t kRefusingCursor = 16102, kFreeCursor = 16104;
+constexpr double kTextHalfLength = 30;  // of the line that the text is centred on
+
+void PaintAngle(const PreviewPen& pen, PluginGlobals* globals, ToolState* state, bool isDrawn);
+
+// The whole chain while the arc follows the cursor, the straight pick before.
+std::int16_t AngleSnap(PluginGlobals* globals) {
+    ToolState& live = globals->liveState;
+    const SnapResult result = RunSnapChain(globals, SnapFamily::angle);
+    if (live.toolStep == 2) return result.kind != kSnapNothing ? result.kind : static_cast<std::int16_t>(kSnapFree);
+    if (result.kind != kSnapNothing) {
+        if (live.toolStep == 0) {
+            live.fromKind = result.kind;
+            live.fromPoint = live.cursorPoint;
+        }
+        live.toKind = result.kind;
+        live.toPoint = live.cursorPoint;
+    }
+    if (live.toolStep == 0) live.fromCells[0] = result.cells[0];
+    live.toCells[0] = result.cells[0];
+    return result.kind;
+}
+
+std::int32_t AngleCursor(std::int16_t toolStep, std::int16_t kind) {
+    if (toolStep != 2) return kind == kSnapNothing ? kRefusingCursor : kFreeCursor;
+    return kind >= kSnapFree && kind <= kSnapPath ? kFreeCursor + kind - kSnapFree : kRefusingCursor;
+}
+
+// --- geometry -----------------------------------------------------------------------------------------------------
+
+// A picked stretch as a line v = slope h + intercept, or a vertical one through h.
+struct LegLine {
+    DoublePoint a, b;
+    bool vertical = false;
+    double slope = 0, intercept = 0;
+};
+
+bool ReadLegLine(const SnapCell& cell, LegLine* line) {
+    PathSegment previous, segment;
+    if (cell.art == nullptr || !ReadSegmentPair(cell.art, cell.index, &previous, &segment)) return false;
+    line->a = ToDoublePoint(previous.p);
+    line->b = ToDoublePoint(segment.p);
+    line->vertical = NearlyEqual(line->a.h, line->b.h);
+    if (!line->vertical) {
+        line->slope = (line->b.v - line->a.v) / (line->b.h - line->a.h);
+        line->intercept = line->a.v - line->slope * line->a.h;
+    }
+    return true;
+}
+
+bool CrossLegs(const LegLine& first, const LegLine& second, DoublePoint* centre) {
+    if (first.vertical && second.vertical) return false;
+    if (!first.vertical && !second.vertical && NearlyEqual(first.slope, second.slope)) return false;
+    const LegLine& slanted = first.vertical ? second : first;
+    centre->h = first.vertical    ? first.a.h
+                : second.vertical ? second.a.h
+                                  : (first.intercept - second.intercept) / (second.slope - first.slope);
+    centre->v = centre->h * slanted.slope + slanted.intercept;
+    return true;
+}
+
+struct AngleArc {
+    double radius = 0, start = 0, end = 0;
+    DoublePoint centre;
+};
+
+bool SolveAngle(const ToolState& state, const DoublePoint& placement, const DoublePoint& from, const DoublePoint& to,
+                AngleArc* arc) {
+    LegLine first, second;
+    if (!ReadLegLine(state.fromCells[0], &first) || !ReadLegLine(state.toCells[0], &second)) return false;
+    if (!CrossLegs(first, second, &arc->centre)) return false;
+    arc->radius = DistanceBetweenPoints(arc->centre, placement);
+    double a = AngleBetweenPoints(arc->centre, from), b = AngleBetweenPoints(arc->centre, to);
+    const double c = AngleBetweenPoints(arc->centre, placement);
+    if (b < a) std::swap(a, b);
+    if (c < a || c > b) a += kTwoPi;
+    arc->start = a;
+    arc->end = b;
+    return true;
+}
+
+}  // namespace
+
+// --- events -------------------------------------------------------------------------------------------------------
+
+AIErr AngleTrack(const AIToolMessage* /*message*/) {
+    PluginGlobals* globals = gGlobals;
+    const std::int16_t kind = AngleSnap(globals);
+    globals->hitKind = static_cast<std::uint16_t>(kind);
+    RedrawPreview(globals, PaintAngle);
+    SetPanelPoint(globals->liveState.cursorPoint, nullptr);
+    SetToolCursor(AngleCursor(globals->liveState.toolStep, kind));
+    return kNoErr;
+}
+
+AIErr AngleDown(const AIToolMessage* message) {
+    PluginGlobals* globals = gGlobals;
+    ToolState& live = globals->liveState;
+    if (live.toolStep == 0) {
+        if (globals->hitKind != kSnapNothing)
+            live.toolStep = 1;
+        else
+            EndRunWithBeep(globals);
+    } else if (live.toolStep == 2) {
+        live.toolStep = 0;
+        RedrawPreview(globals, PaintAngle);
+        live.endPoint = live.cursorPoint;
+        NameUndoForTool(message->tool);
+        if (BuildAngleDimension(nullptr) == 0) Beep();
+        ContextBracket(globals);
+    }
+    return kNoErr;
+}
+
+AIErr AngleUp(const AIToolMessage* /*message*/) {
+    PluginGlobals* globals = gGlobals;
+    ToolState& live = globals->liveState;
+    if (live.toolStep != 1) return kNoErr;
+    CommitCursor(globals);
+    RedrawPreview(globals, PaintAngle);
+    if (globals->hitKind != kSnapNothing && !PointsEqual(live.fromPoint, live.toPoint))
+        live.toolStep = 2;
+    else
+        EndRunWithBeep(globals);
+    return kNoErr;
+}
+
+// --- preview ------------------------------------------------------------------------------------------------------
+
+namespace {
+
+void PaintAngle(const PreviewPen& pen, PluginGlobals* /*globals*/, ToolState* state, bool /*isDrawn*/) {
+    if (state->toolStep == 1) DrawPreviewLine(pen, state->fromPoint, state->cursorPoint);
+    AngleArc arc;
+    if (state->toolStep == 2 && SolveAngle(*state, ToDoublePoint(state->cursorPoint), ToDoublePoint(state->fromPoint),
+                                           ToDoublePoint(state->toPoint), &arc))
+        DrawPreviewArc(pen, arc.centre, arc.radius, arc.start, arc.end);
+}
+
+}  // namespace
+
+// --- build --------------------------------------------------------------------------------------------------------
+
+std::int32_t AngleGeometry(const DoublePoint& placement, const DoublePoint& from, const DoublePoint& to, double* radius,
+                           double* startAngle, double* endAngle, DoublePoint* centre) {
+    AngleArc arc;
+    if (!SolveAngle(gGlobals->liveState, placement, from, to, &arc)) return 0;
+    *radius = arc.radius;
+    *startAngle = arc.start;
+    *endAngle = arc.end;
+    *centre = arc.centre;
+    return 1;
+}
+
+std::int32_t BuildAngleDimension(AIArtHandle oldGroup) {
+    PluginGlobals* globals = gGlobals;
+    const PrefsRecord& prefs = globals->prefs;
+    const ToolState& live = globals->liveState;
+    AngleArc arc;
+    if (!SolveAngle(live, ToDoublePoint(live.endPoint), ToDoublePoint(live.fromPoint), ToDoublePoint(live.toPoint),
+                    &arc))
+        return 0;
+    const double a = arc.start, b = arc.end, middle = a + (b - a) * 0.5;
+    const double inward = b > a ? kHalfPiWide : -kHalfPiWide;  // along the circle, from the start into the arc
+    const DoublePoint A = PolarPoint(arc.centre, arc.radius, a), B = PolarPoint(arc.centre, arc.radius, b);
+    const DoublePoint P = PolarPoint(arc.centre, arc.radius + prefs.flScLead, middle);
+
+    AIArtHandle group = BeginDimensionGroup(oldGroup);
+    if (group == nullptr) return 0;
+    AddDimensionArc(group, arc.radius, a, b, arc.centre);
+    const double wings = ArrowWingLength(prefs, true);
+    AddArrowMark(group, A, a + inward, wings);
+    AddArrowMark(group, B, b - inward, wings);
+    char text[kValueTextSize];
+    FormatAngle(globals, AbsOf(b - a), text);
+    AddDimensionText(group, PolarPoint(P, kTextHalfLength, middle + kHalfPiWide),
+                     PolarPoint(P, kTextHalfLength, middle - kHalfPiWide), text);
+    WriteDimensionRecord(group, kAngleTool, prefs.flAngleMode);
+    if (oldGroup != nullptr) sAIArt->DisposeArt(oldGroup);
+    return 1;
+}
+
+}  // namespace quorvel

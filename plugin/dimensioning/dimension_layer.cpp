@@ -1,0 +1,49 @@
+// Where a dimension goes: the current layer, the layer of the dimension that it replaces, or a layer of its own that is
+// made when the drawing has none of that name.
+#include "plugin/dimensioning/graphics.h"
+#include "plugin/shell/services.h"
+#include "plugin/shell/suites.h"
+#include "plugin/walking/walk.h"
+
+namespace quorvel {
+
+namespace {
+
+AILayerHandle CurrentLayer() {
+    AILayerHandle layer = nullptr;
+    sAILayer->GetCurrentLayer(&layer);
+    return layer;
+}
+
+// Null only when the host could not make the layer.
+AILayerHandle NamedLayer(const char* name) {
+    AILayerHandle layer = nullptr;
+    sAILayer->GetLayerByTitle(HostString(name), &layer);
+    if (layer != nullptr) return layer;
+    if (sAILayer->InsertLayer(nullptr, kPlaceAboveAll, &layer) == kNoErr) {
+        sAILayer->SetLayerTitle(layer, HostString(name));
+    }
+    return layer;
+}
+
+}  // namespace
+
+AILayerHandle ResolveDimensionLayer(AIArtHandle oldGroup) {
+    const PrefsRecord& prefs = gGlobals->prefs;
+    if (prefs.flOutLayer != 0) return NamedLayer(prefs.flOutLname);
+    AILayerHandle layer = CurrentLayer();
+    if (oldGroup != nullptr) sAIArt->GetLayerOfArt(oldGroup, &layer);
+    return layer;
+}
+
+AIArtHandle BeginDimensionGroup(AIArtHandle oldGroup) {
+    const AILayerHandle layer = ResolveDimensionLayer(oldGroup);
+    if (layer == nullptr || LayerIsBlocked(layer)) return nullptr;
+    AIArtHandle root = nullptr;
+    if (sAIArt->GetFirstArtOfLayer(layer, &root) != kNoErr) return nullptr;
+    AIArtHandle group = nullptr;
+    if (sAIArt->NewArt(kGroupArt, kPlaceInsideOnTop, root, &group) != kNoErr) return nullptr;
+    return group;
+}
+
+}  // namespace quorvel

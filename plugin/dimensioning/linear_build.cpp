@@ -1,0 +1,169 @@
+// The linear dimension itself: where the dimension line runs, and the art of each span. The Straight tool chooses a
+// level or an upright line from where the hand goes and holds to it against small movements; the Oblique tool runs
+// parallel to what is measured.
+#include <cmath>
+
+#include "plugin/dimensioning/curve.h"
+#include "plugin/dimensioning/graphics.h"
+#include "plugin/dimensioning/linear.h"
+#include "plugin/dimensioning/units.h"
+#include "plugin/record/dimension_record.h"
+#include "plugin/shell/services.h"
+#include "plugin/shell/suites.h"
+
+namespace quorvel {
+
+namespace {
+
+// Ways a dimension line runs: the words that axisWord keeps.
+constexpr std::int16_t kParallelLine = 0;
+constexpr std::int16_t kLevelLine = 1;
+constexpr std::int16_t kUprightLine = 2;
+
+constexpr double kAxisHoldPixels = 5.0;
+
+// Left or right of the reference point makes an upright line, above or below a level one.
+std::int16_t AxisTowards(const DoublePoint& reference, const DoublePoint& E) {
+    double a = AngleBetweenPoints(reference, E) - kQuarterPi;
+    if (a < 0.0) a += kTwoPi;
+    const double quadrant = std::trunc(a / kHalfPiWide + 1.0);
+    return quadrant == 2.0 || quadrant == 4.0 ? kUprightLine : kLevelLine;
+}
+
+// An axis once chosen stands until the hand has left its neighbourhood, so that it doesn't flicker at the diagonal.
+std::int16_t StraightAxis(const DoublePoint& E, const DoublePoint& P1, const DoublePoint& P2, double pixel,
+                          DoublePoint* tmpPos, std::int16_t* axisWord) {
+    std::int16_t axis = *axisWord;
+    const bool held = axis != 0 && DistanceBetweenPoints(*tmpPos, E) <= kAxisHoldPixels * pixel;
+    if (!held) {
+        axis = AxisTowards(axis == 0 ? P1 : *tmpPos, E);
+        *tmpPos = E;
+        *axisWord = axis;
+    }
+    // Points on one level or one upright have but one distance to show.
+    if (std::fabs(P2.v - P1.v) <= pixel) axis = kLevelLine;
+    if (std::fabs(P2.h - P1.h) <= pixel) axis = kUprightLine;
+    return axis;
+}
+
+DoublePoint FootOf(const DoublePoint& point, const DoublePoint& E, const DoublePoint& P1, const DoublePoint& P2,
+                   std::int16_t axis) {
+    const bool level = axis == kLevelLine || (axis == kParallelLine && P1.v == P2.v);
+    if (level) return {point.h, E.v};
+    const bool upright = axis == kUprightLine || (axis == kParallelLine && P1.h == P2.h);
+    if (upright) return {E.h, point.v};
+    const double across = (P1.h - P2.h) / (P2.v - P1.v);
+    const double along = (P2.v - P1.v) / (P2.h - P1.h);
+    const double c = point.v - across * point.h;
+    const double c3 = E.v - along * E.h;
+    const double h = (c - c3) / (along - across);
+    return {h, along * h + c3};
+}
+
+// The extension line from a measured point to its foot: it begins a gap away from the point, which eats at most the
+// distance to the foot, and runs on past the foot. Moves the point to where the line begins; gives its end.
+DoublePoint ExtensionLine(const PrefsRecord& prefs, DoublePoint* point, const DoublePoint& foot) {
+    const double angle = AngleBetweenPoints(*point, foot);
+    const double distance = DistanceBetweenPoints(*point, foot);
+    const double gap = static_cast<double>(prefs.flScOfst);
+    *point = PolarPoint(*point, distance > gap ? gap : distance, angle);
+    return PolarPoint(foot, static_cast<double>(prefs.flArLead), angle);
+}
+
+std::int16_t RecordKind(std::int16_t distanceMode) {
+    switch (distanceMode) {
+        case kStraightMode:
+        case 2:
+            return kStraightTool;
+        case kCurveMode:
+            return kCurveTool;
+        default:
+            return kObliqueTool;
+    }
+}
+
+// The spans from stop to stop and the one line that bears them all, with the outer stubs that the spans left.
+void AddSpans(AIArtHandle group, DoublePoint P1, const DoublePoint& P2, DoublePoint A, const DoublePoint& B,
+              std::int16_t stopCount, const DoublePoint* S) {
+    DoublePoint start, end;
+    for (int i = 0; i < stopCount; ++i) {
+        const DoublePoint& stop = S[2 * i];
+        const DoublePoint& foot = S[2 * i + 1];
+        BuildSpan(group, P1, stop, A, foot, &start, &end, i);
+        P1 = stop;
+        A = foot;
+    }
+    BuildSpan(group, P1, P2, A, B, &start, &end, stopCount);
+    AddLine2(group, start, end);
+}
+
+}  // namespace
+
+std::int32_t BuildLinearDimension(AIArtHandle oldGroup) {
+    ToolState& live = gGlobals->liveState;
+    const std::int16_t mode = gGlobals->prefs.flDistanceMode;
+    const DoublePoint P1 = ToDoublePoint(live.fromPoint);
+    const DoublePoint P2 = ToDoublePoint(live.toPoint);
+    DoublePoint A, B;
+    DoublePoint S[2 * kStopCapacity];
+    for (int i = 0; i < live.stopCount; ++i) S[2 * i] = ToDoublePoint(live.stops[i].point);
+    const std::int32_t found =
+        ProjectFeet(ToDoublePoint(live.endPoint), P1, P2, &A, &B, &live.tmpPos, live.stopCount, S, &live.axisWord);
+    if (found == 0) return 0;
+    if (mode == kCurveMode && CurveCaseHolds(live)) return BuildCurveDimension(oldGroup);
+    const AIArtHandle group = BeginDimensionGroup(oldGroup);
+    if (group == nullptr) return 0;
+    AddSpans(group, P1, P2, A, B, live.stopCount, S);
+    WriteDimensionRecord(group, RecordKind(mode), mode);
+    if (oldGroup != nullptr) sAIArt->DisposeArt(oldGroup);
+    return 1;
+}
+
+std::int32_t ProjectFeet(const DoublePoint& E, const DoublePoint& P1, const DoublePoint& P2, DoublePoint* A,
+                         DoublePoint* B, DoublePoint* tmpPos, std::int16_t stopCount, DoublePoint* S,
+                         std::int16_t* axisWord) {
+    if (PointsEqual(P1, P2)) return 0;
+    std::int16_t axis = gGlobals->prefs.flDistanceMode;
+    if (axis == kStraightMode) axis = StraightAxis(E, P1, P2, PixelSize(), tmpPos, axisWord);
+    if (axis == kCurveMode) axis = kParallelLine;
+    *A = FootOf(P1, E, P1, P2, axis);
+    *B = FootOf(P2, E, P1, P2, axis);
+    for (int i = 0; i < stopCount; ++i) S[2 * i + 1] = FootOf(S[2 * i], E, P1, P2, axis);
+    return 1;
+}
+
+void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A, DoublePoint B, DoublePoint* lineStart,
+               DoublePoint* lineEnd, std::int32_t index) {
+    const PrefsRecord& prefs = gGlobals->prefs;
+    const DoublePoint X1 = ExtensionLine(prefs, &P1, A);
+    const DoublePoint X2 = ExtensionLine(prefs, &P2, B);
+
+    const double f = AngleBetweenPoints(A, B);
+    const double g = f + kPi;
+    const double n = f + kHalfPiWide;
+    const DoublePoint T1 = PolarPoint(A, static_cast<double>(prefs.flScLead), n);
+    const DoublePoint T2 = PolarPoint(B, static_cast<double>(prefs.flScLead), n);
+
+    if (index == 0) *lineStart = A;
+    *lineEnd = B;
+    double wingAngle = ArrowWingAngle(prefs);
+    const bool hasHeads = prefs.flArType == kArrowOpen || prefs.flArType == kArrowTriangular;
+    if (hasHeads && DistanceBetweenPoints(A, B) < static_cast<double>(prefs.flOsLimt)) {
+        // Too narrow for heads inside: they stand outside, on stubs.
+        wingAngle += kPi;
+        const double stub = static_cast<double>(prefs.flOsLead);
+        if (index == 0) *lineStart = PolarPoint(*lineStart, stub, g);
+        *lineEnd = PolarPoint(*lineEnd, stub, f);
+    }
+
+    if (index == 0) AddLine2(group, P1, X1);
+    AddLine2(group, P2, X2);
+    const double wingLength = ArrowWingLength(prefs, false);
+    AddArrowMark(group, A, f, wingAngle, wingLength);
+    AddArrowMark(group, B, g, wingAngle, wingLength);
+    char text[kValueTextSize];
+    FormatLength(gGlobals, DistanceBetweenPoints(T1, T2), LengthKind::plain, text);
+    AddDimensionText(group, T1, T2, text);
+}
+
+}  // namespace quorvel

@@ -1,0 +1,313 @@
+// Writing a dimension's state, settings and links into the tags of its group, and reading them back. Numbers go through
+// "%g": six digits, and that loss is part of the format.
+#include "plugin/record/dimension_record.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
+#include "plugin/settings/prefs_keys.h"
+#include "plugin/shell/suites.h"
+#include "plugin/walking/walk.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr char kCursorTag[] = "QUORVEL_CURSPOS", kFromTag[] = "QUORVEL_FROMPOS", kToTag[] = "QUORVEL_TOPOS";
+constexpr char kEndTag[] = "QUORVEL_ENDPOS", kTmpTag[] = "QUORVEL_TMPPOS", kSettingTag[] = "QUORVEL_SETTING";
+constexpr char kFromCellTag[] = "QUORVEL_FROMCELL", kToCellTag[] = "QUORVEL_TOCELL";
+constexpr int kPieceSize = 255, kPieceCount = 4;
+constexpr int kPairsRead = 6;
+
+// Ids given to copies during one write; they reach the art at its end.
+struct NewId {
+    AIArtHandle art;
+    std::int32_t id;
+};
+constexpr std::size_t kNewIdCapacity = 100;
+std::vector<NewId> gNewIds;
+
+__attribute__((format(printf, 1, 2))) std::string Print(const char* format, ...) {
+    char text[512];
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+std::string StopTag(int number) { return Print("QUORVEL_STOPCELL%2.2d", number); }
+
+double NumberIn(std::string_view text, int index) {
+    std::string field;
+    SplitField(text, index, &field);
+    return std::atof(field.c_str());
+}
+
+int IntegerIn(std::string_view text, int index) {
+    std::string field;
+    SplitField(text, index, &field);
+    return std::atoi(field.c_str());
+}
+
+RealPoint PointIn(std::string_view text, int index) {
+    return {static_cast<float>(NumberIn(text, index)), static_cast<float>(NumberIn(text, index + 1))};
+}
+
+// --- writing ------------------------------------------------------------------------------------------------------
+
+std::string PositionText(double tangent, int kind, const RealPoint& point) {
+    return Print("%g,%d,%g,%g", tangent, kind, point.h, point.v);
+}
+
+void WriteStateTags(AIArtHandle group, std::int16_t kind, std::int16_t mode, const ToolState& state) {
+    WriteTag(group, kToolConfigTag,
+             Print("%d,%d,%g,%g,%d", kind * 1000 + mode, state.toolStep, state.cursorPoint.h, state.cursorPoint.v,
+                   state.cursorModifiers));
+    WriteTag(group, kCursorTag,
+             Print("%g,%g,%g,%d", state.previousCursor.h, state.previousCursor.v, state.cursorTangent, state.axisWord));
+    WriteTag(group, kFromTag, PositionText(state.fromTangent, state.fromKind, state.fromPoint));
+    WriteTag(group, kToTag, PositionText(state.toTangent, state.toKind, state.toPoint));
+    WriteTag(group, kEndTag, PositionText(state.endTangent, state.endKind, state.endPoint));
+    WriteTag(group, kTmpTag, Print("%g,%g", state.tmpPos.h, state.tmpPos.v));
+}
+
+std::string SettingsText(const PluginGlobals* globals) {
+    std::string text;
+    for (const PrefsKey& key : RecordKeys()) {
+        const std::string value = FormatPrefsField(globals, key);
+        if (!text.empty()) text += ',';
+        text += key.type == FieldType::text ? '"' + value + '"' : value;
+    }
+    return text;
+}
+
+std::int32_t NewObjectId() { return static_cast<std::int32_t>(static_cast<double>(sAIRandom->FloatRnd()) * 100000000); }
+
+// The pairs of a cell list, up to the id 0 that ends it.
+std::vector<std::pair<int, int>> ReadPairs(std::string_view text) {
+    std::vector<std::pair<int, int>> pairs;
+    std::string field;
+    for (int i = 0; i < kPairsRead; ++i) {
+        if (!SplitField(text, 2 * i, &field) || field.empty()) break;
+        const int id = std::atoi(field.c_str());
+        if (id == 0 || !SplitField(text, 2 * i + 1, &field) || field.empty()) break;
+        pairs.emplace_back(id, std::atoi(field.c_str()));
+    }
+    return pairs;
+}
+
+// Dimensions that measure this art by its old id, through the tag of this name, are pointed at its new one. Their lists
+// end with the last pair then.
+void RepointDimensions(AIArtHandle art, const char* tagName, std::int32_t oldId, std::int32_t newId) {
+    for (AIArtHandle group : CollectDimensionGroups()) {
+        std::string text;
+        if (!ReadTag(group, tagName, &text)) continue;
+        RealRect bounds;
+        sAIArt->GetArtBounds(group, &bounds);
+        const RealPoint near{(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};
+        bool changed = false;
+        std::string rebuilt;
+        for (auto [id, index] : ReadPairs(text)) {
+            if (id == oldId && FindArtById(oldId, index, near) == art) {
+                id = newId;
+                changed = true;
+            }
+            rebuilt += Print("%s%d,%d", rebuilt.empty() ? "" : ",", id, index);
+        }
+        if (changed) WriteTag(group, tagName, rebuilt);
+    }
+}
+
+std::int32_t IdOfCopy(AIArtHandle art) {
+    for (const NewId& row : gNewIds)
+        if (row.art == art) return row.id;
+    if (gNewIds.size() >= kNewIdCapacity) return 0;
+    gNewIds.push_back({art, NewObjectId()});
+    return gNewIds.back().id;
+}
+
+std::int32_t ObjectIdFor(AIArtHandle art, const char* tagName) {
+    std::string text;
+    if (!ReadTag(art, kObjectIdTag, &text)) {
+        const std::int32_t id = NewObjectId();
+        WriteTag(art, kObjectIdTag, Print("%d", id));
+        return id;
+    }
+    const std::int32_t oldId = std::atoi(text.c_str());
+    if (CountArtWithId(oldId) <= 1) return oldId;
+    const std::int32_t newId = IdOfCopy(art);
+    RepointDimensions(art, tagName, oldId, newId);
+    return newId;
+}
+
+std::string PairsText(const SnapCell* cells, const char* tagName) {
+    std::string text;
+    for (int i = 0; i < kSnapCellCount && cells[i].art != nullptr; ++i)
+        text += Print("%s%d,%d", i == 0 ? "" : ",", ObjectIdFor(cells[i].art, tagName), cells[i].index);
+    return text;
+}
+
+void WriteCellList(AIArtHandle group, const char* tagName, const SnapCell* cells) {
+    std::string text = PairsText(cells, tagName);
+    if (text.empty()) return;
+    RealPoint anchor;
+    CellAnchor(cells[0], &anchor);
+    text += Print(",0,%g,%g", anchor.h, anchor.v);
+    WriteTag(group, tagName, text);
+}
+
+void WriteStopList(AIArtHandle group, int number, const StopRecord& stop) {
+    const std::string tagName = StopTag(number);
+    std::string text = PairsText(stop.cells, tagName.c_str());
+    if (!text.empty()) text += ',';
+    WriteTag(group, tagName.c_str(), text + Print("0,%g,%g", stop.point.h, stop.point.v));
+}
+
+// --- reading ------------------------------------------------------------------------------------------------------
+
+void ReadPosition(AIArtHandle group, const char* tagName, double* tangent, std::int16_t* kind, RealPoint* point) {
+    std::string text;
+    if (!ReadTag(group, tagName, &text)) return;
+    *tangent = NumberIn(text, 0);
+    *kind = static_cast<std::int16_t>(IntegerIn(text, 1));
+    *point = PointIn(text, 2);
+}
+
+void ReadStateTags(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, ToolState* state) {
+    std::string text;
+    if (ReadTag(group, kToolConfigTag, &text)) {
+        const int config = IntegerIn(text, 0);
+        *kind = static_cast<std::int16_t>(config / 1000);
+        *mode = static_cast<std::int16_t>(config % 1000);
+        state->toolStep = static_cast<std::int16_t>(IntegerIn(text, 1));
+        state->cursorPoint = PointIn(text, 2);
+        state->cursorModifiers = static_cast<std::uint16_t>(IntegerIn(text, 4));
+    }
+    if (ReadTag(group, kCursorTag, &text)) {
+        state->previousCursor = PointIn(text, 0);
+        state->cursorTangent = NumberIn(text, 2);
+        state->axisWord = static_cast<std::int16_t>(IntegerIn(text, 3));
+    }
+    ReadPosition(group, kFromTag, &state->fromTangent, &state->fromKind, &state->fromPoint);
+    ReadPosition(group, kToTag, &state->toTangent, &state->toKind, &state->toPoint);
+    ReadPosition(group, kEndTag, &state->endTangent, &state->endKind, &state->endPoint);
+    if (ReadTag(group, kTmpTag, &text)) state->tmpPos = {NumberIn(text, 0), NumberIn(text, 1)};
+}
+
+void ReadSettings(AIArtHandle group, PluginGlobals* globals) {
+    const std::string text = JoinTagPieces(group, kSettingTag);
+    if (text.empty()) return;
+    std::string field;
+    int index = 0;
+    for (const PrefsKey& key : RecordKeys()) {
+        SplitField(text, index++, &field);
+        if (!field.empty()) StorePrefsField(globals, key, field);
+    }
+}
+
+// Found art fills the cells without a gap. end: the coordinates behind the id 0, when there are any.
+void ReadCellList(const std::string& text, const RealPoint& near, SnapCell* cells, RealPoint* end) {
+    int filled = 0;
+    std::string field, second;
+    for (int i = 0; i < kPairsRead; ++i) {
+        if (!SplitField(text, 2 * i, &field) || field.empty()) return;
+        const int id = std::atoi(field.c_str());
+        if (id == 0) {
+            if (SplitField(text, 2 * i + 1, &field) && SplitField(text, 2 * i + 2, &second) && !field.empty() &&
+                !second.empty())
+                *end = {static_cast<float>(std::atof(field.c_str())), static_cast<float>(std::atof(second.c_str()))};
+            return;
+        }
+        if (!SplitField(text, 2 * i + 1, &field) || field.empty()) return;
+        const int index = std::atoi(field.c_str());
+        AIArtHandle art = FindArtById(id, index, near);
+        if (art != nullptr && filled < kSnapCellCount) cells[filled++] = {art, static_cast<std::int16_t>(index)};
+    }
+}
+
+}  // namespace
+
+bool IsDimensionGroup(AIArtHandle art) { return IsToolGroup(art); }
+
+std::int32_t SplitField(std::string_view text, int index, std::string* field) {
+    field->clear();
+    bool quoted = false;
+    int current = 0;
+    for (const char c : text) {
+        if (c == '"')
+            quoted = !quoted;
+        else if (c == ',' && !quoted) {
+            if (++current > index) return 1;
+        } else if (current == index) {
+            *field += c;
+        }
+    }
+    return current >= index ? 1 : 0;
+}
+
+bool ReadTag(AIArtHandle art, const char* name, std::string* value) {
+    const void* text = nullptr;
+    if (sAITag->GetTag(art, name, "string", &text) != kNoErr || text == nullptr) return false;
+    *value = static_cast<const char*>(text);
+    return true;
+}
+
+void WriteTag(AIArtHandle art, const char* name, const std::string& value) {
+    sAITag->SetTag(art, name, "string", value.c_str());
+}
+
+void RemoveTag(AIArtHandle art, const char* name) { sAITag->RemoveTag(art, name); }
+
+void WriteTagPieces(AIArtHandle art, const char* namePrefix, const std::string& text) {
+    for (int i = 0; i < kPieceCount; ++i) RemoveTag(art, Print("%s_%d", namePrefix, i + 1).c_str());
+    for (int i = 0; i < kPieceCount && text.size() > static_cast<std::size_t>(i) * kPieceSize; ++i)
+        WriteTag(art, Print("%s_%d", namePrefix, i + 1).c_str(),
+                 text.substr(static_cast<std::size_t>(i) * kPieceSize, kPieceSize));
+}
+
+std::string JoinTagPieces(AIArtHandle art, const char* namePrefix) {
+    std::string joined, piece;
+    for (int i = 0; i < kPieceCount; ++i)
+        if (ReadTag(art, Print("%s_%d", namePrefix, i + 1).c_str(), &piece)) joined += piece;
+    return joined;
+}
+
+void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mode) {
+    PluginGlobals* globals = gGlobals;
+    const ToolState& state = globals->liveState;
+    gNewIds.clear();
+    WriteStateTags(group, kind, mode, state);
+    WriteTagPieces(group, kSettingTag, SettingsText(globals));
+    WriteCellList(group, kFromCellTag, state.fromCells);
+    for (int i = 1; i <= kStopLimit; ++i) RemoveTag(group, StopTag(i).c_str());
+    for (int i = 0; i < state.stopCount; ++i) WriteStopList(group, i + 1, state.stops[i]);
+    WriteCellList(group, kToCellTag, state.toCells);
+    for (const NewId& row : gNewIds) WriteTag(row.art, kObjectIdTag, Print("%d", row.id));
+}
+
+void ReadDimensionRecord(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, DoublePoint* fromAnchor,
+                         DoublePoint* toAnchor) {
+    PluginGlobals* globals = gGlobals;
+    RealRect bounds;
+    sAIArt->GetArtBounds(group, &bounds);
+    const RealPoint near{(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};
+    RealPoint from, to;
+    ContextBracket(globals);
+    ToolState* state = &globals->liveState;
+    ReadStateTags(group, kind, mode, state);
+    ReadSettings(group, globals);
+    std::string text;
+    if (ReadTag(group, kFromCellTag, &text)) ReadCellList(text, near, state->fromCells, &from);
+    if (ReadTag(group, kToCellTag, &text)) ReadCellList(text, near, state->toCells, &to);
+    *fromAnchor = ToDoublePoint(from);
+    *toAnchor = ToDoublePoint(to);
+    for (int i = 1; i <= kStopLimit; ++i) {
+        if (!ReadTag(group, StopTag(i).c_str(), &text)) continue;
+        StopRecord* stop = &state->stops[state->stopCount++];
+        ReadCellList(text, near, stop->cells, &stop->point);
+    }
+}
+
+}  // namespace quorvel

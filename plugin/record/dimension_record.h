@@ -1,0 +1,46 @@
+// What a dimension keeps in tags on its group: the tool's state, a copy of the settings, and links to the measured art.
+// A document stays plain art for any reader, and a dimension can be rebuilt when its art has moved.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "plugin/shell/globals.h"
+
+namespace quorvel {
+
+constexpr char kObjectIdTag[] = "quorvel_object_id";
+
+bool IsDimensionGroup(AIArtHandle art);
+// Writes all tags from liveState and the settings, and gives the measured art object ids.
+void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mode);
+// Fills liveState and the settings. The anchors are the stored positions of the from and to lists, (0, 0) when missing.
+void ReadDimensionRecord(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, DoublePoint* fromAnchor,
+                         DoublePoint* toAnchor);
+// Field number index of a comma-separated text; quotes are dropped and guard commas. 0 with an empty field behind the
+// end.
+std::int32_t SplitField(std::string_view text, int index, std::string* field);
+// The art that bears the id, the nearest to near when several do; null when it lacks the anchor index.
+AIArtHandle FindArtById(std::int32_t id, std::int32_t index, const RealPoint& near);
+// On the usable layers.
+std::int32_t CountArtWithId(std::int32_t id);
+bool IsPaintedVisible(AIArtHandle path);
+bool LayerIsUsable(AILayerHandle layer);  // visible and editable
+
+// The dimension groups of the usable layers, depth first through groups; a dimension group is not entered.
+std::vector<AIArtHandle> CollectDimensionGroups();
+// Where the anchor that a cell names stands now: a path's anchor, that of a text frame's path, or the anchor of a point
+// text. False for other art.
+bool CellAnchor(const SnapCell& cell, RealPoint* anchor);
+
+// Tags as texts; null or absent reads as false.
+bool ReadTag(AIArtHandle art, const char* name, std::string* value);
+void WriteTag(AIArtHandle art, const char* name, const std::string& value);
+void RemoveTag(AIArtHandle art, const char* name);
+// Cuts text into pieces of 255 bytes under name_1 to name_4; stale pieces are removed first.
+void WriteTagPieces(AIArtHandle art, const char* namePrefix, const std::string& text);
+std::string JoinTagPieces(AIArtHandle art, const char* namePrefix);
+
+}  // namespace quorvel

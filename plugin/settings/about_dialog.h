@@ -1,0 +1,11 @@
+// The About box: the product's name and version.
+#pragma once
+
+#include "hostapi/types.h"
+
+namespace quorvel {
+
+// Modal, in the language in force.
+AIErr AboutBox();
+
+}  // namespace quorvel

@@ -1,0 +1,48 @@
+// A dialog in the user's language, the bytes of its fields, and the refusal of a value that a user sees in every dialog
+// alike.
+#include "plugin/settings/dialogs.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "plugin/dimensioning/units.h"
+#include "plugin/shell/services.h"
+
+namespace quorvel {
+
+std::int32_t RunPluginDialog(const PluginGlobals* globals, DialogId id, const platform::WindowLogic& logic,
+                             void* context) {
+    const std::int32_t offset = globals->language != kJapanese ? kEnglishDialogOffset : 0;
+    const platform::DialogTemplate* dialog = FindDialogTemplate(id + offset);
+    return dialog == nullptr ? kResultCancel : platform::RunDialog(*dialog, logic, context);
+}
+
+std::string ControlText(platform::WindowRef window, std::int32_t control, int limit) {
+    std::string text(static_cast<std::size_t>(limit) + 1, '\0');
+    text.resize(static_cast<std::size_t>(platform::GetControlText(window, control, text.data(), limit + 1)));
+    return text;
+}
+
+void ShowInteger(platform::WindowRef window, std::int32_t control, int value) {
+    platform::SetControlText(window, control, std::to_string(value).c_str());
+}
+
+void FillList(const PluginGlobals* globals, platform::WindowRef window, std::int32_t control, std::int32_t firstString,
+              int count) {
+    for (const std::string& row : LoadStringRows(globals, firstString, count))
+        platform::AddRow(window, control, row.c_str());
+}
+
+void RefuseControl(platform::WindowRef window, std::int32_t control) {
+    platform::FocusSelectingAll(window, control);
+    Beep();
+}
+
+void CopyBytes(char* to, std::size_t size, const std::string& from) {
+    const std::size_t count = std::min(from.size(), size - 1);
+    std::memcpy(to, from.data(), count);
+    to[count] = '\0';
+}
+
+}  // namespace quorvel

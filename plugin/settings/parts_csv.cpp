@@ -1,0 +1,78 @@
+// Writes and reads parts lists.
+#include "plugin/settings/parts_csv.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "platform/file.h"
+#include "plugin/settings/prefs_file.h"
+#include "plugin/settings/prefs_keys.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr std::size_t kCsvLineLimit = 512, kCsvTokenLimit = 127;
+constexpr char kCommentMark = '\'';
+
+std::vector<const PrefsKey*> HeaderKeys() {
+    std::vector<const PrefsKey*> keys;
+    for (const PrefsKey& key : PrefsKeys())
+        if (key.group == KeyGroup::schedule) keys.push_back(&key);
+    return keys;
+}
+
+std::string CsvText(const PluginGlobals* globals) {
+    std::string text;
+    for (const PrefsKey* key : HeaderKeys()) {
+        const std::string value = FormatPrefsField(globals, *key);
+        text += key->type == FieldType::text ? '"' + value + "\"\r\n" : value + "\r\n";
+    }
+    const int rows = std::min<int>(globals->prefs.flZwkNumOfParts, kPartRowCount);
+    for (int row = 0; row < rows; ++row)
+        for (int i = 0; i < kPartColumnCount; ++i)
+            text += '"' + std::string(PartText(globals->prefs.flZwkParts[row], kPartColumns[i])) +
+                    (i + 1 < kPartColumnCount ? "\"," : "\"\r\n");
+    return text;
+}
+
+}  // namespace
+
+std::int32_t WritePartsCsv(const PluginGlobals* globals, const std::string& path) {
+    platform::DeleteFile(path);
+    platform::FileRef file = platform::CreateNewFile(path);
+    if (file == nullptr) return 0;
+    const bool written = platform::WriteToFile(file, CsvText(globals));
+    platform::CloseFile(file);
+    return written ? 1 : 0;
+}
+
+std::int32_t ReadPartsCsv(PluginGlobals* globals, const std::string& path) {
+    std::string text;
+    if (!platform::ReadWholeFile(path, &text)) return 0;
+    ParsePartsCsv(globals, text);
+    return 1;
+}
+
+void ParsePartsCsv(PluginGlobals* globals, std::string_view text) {
+    const std::vector<const PrefsKey*> header = HeaderKeys();
+    ClearScheduleBlock(&globals->prefs);
+    LineReader reader{text, 0, kCsvLineLimit};
+    std::string line;
+    std::size_t nextHeader = 0;
+    int nextRow = 0;
+    while (ReadSettingsLine(&reader, &line)) {
+        if (line.empty() || line.front() == kCommentMark) continue;
+        std::string tokens[kPartColumnCount];
+        const int count = CutIntoTokens(line, tokens, kPartColumnCount, kCsvTokenLimit);
+        if (count >= 2) {
+            if (nextRow >= kPartRowCount) continue;
+            ZwkPartRow* row = &globals->prefs.flZwkParts[nextRow++];
+            for (int i = 0; i < kPartColumnCount; ++i) StorePartText(row, kPartColumns[i], tokens[i]);
+        } else if (nextHeader < header.size()) {
+            StorePrefsField(globals, *header[nextHeader++], tokens[0]);
+        }
+    }
+}
+
+}  // namespace quorvel

@@ -1,0 +1,216 @@
+// The preference file: what a user has set outlives the program, as lines that can be edited by hand. The main file
+// holds every key; presets and the factory file hold the title block and the parts list.
+#include "plugin/settings/prefs_file.h"
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+#include "platform/file.h"
+#include "platform/text.h"
+#include "plugin/settings/prefs_keys.h"
+#include "plugin/shell/services.h"
+
+namespace quorvel {
+namespace {
+
+constexpr char kUntitled[] = "Untitled";
+constexpr char kCommentMark = '\'';
+
+bool IsUntitled(const char* name) { return name != nullptr && std::strcmp(name, kUntitled) == 0; }
+
+// An empty folder (no documents folder is known) gives an empty path, which every file operation refuses.
+std::string SubFolder(const std::string& folder, const char* name) {
+    if (folder.empty()) return {};
+    std::string path = folder + "\\" + name;
+    platform::CreateFolder(path);
+    return path;
+}
+
+std::string PrefsFolderPath() { return SubFolder(GetPrefsFolder(), "Prefs"); }
+
+std::string FilePath(const char* name, bool forReading) {
+    if (name == nullptr) return platform::JoinPath(PrefsFolderPath(), "Quorvel.ini");
+    if (forReading && IsUntitled(name)) return platform::JoinPath(PrefsFolderPath(), "Quorvel.fct");
+    return PresetPath(name);
+}
+
+std::string FileLine(std::string_view key, std::string_view value) {
+    std::string line(key);
+    line += " = ";
+    line += value;
+    return line + "\r\n";
+}
+
+std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+void AppendGroup(const PluginGlobals* globals, KeyGroup group, std::string* text) {
+    for (const PrefsKey& key : PrefsKeys()) {
+        if (key.group != group) continue;
+        const std::string value = FormatPrefsField(globals, key);
+        for (int i = 0; i < key.lines; ++i) {
+            *text += FileLine(key.name, key.type == FieldType::text ? Quoted(value) : value);
+        }
+    }
+}
+
+// By position, gaps kept, whatever the number of drawn rows says.
+void AppendPartRows(const PrefsRecord& prefs, std::string* text) {
+    for (int i = 0; i < kPartRowCount; ++i) {
+        const ZwkPartRow& row = prefs.flZwkParts[i];
+        if (PartRowIsEmpty(row)) continue;
+        char digits[8];
+        std::snprintf(digits, sizeof digits, "%2.2d", i);
+        for (const PartColumn& column : kPartColumns) {
+            *text += FileLine(std::string(column.key) + digits, Quoted(PartText(row, column)));
+        }
+    }
+}
+
+// The row that a key's last two digits name; -1 when they are no digits.
+int PartRowOfKey(std::string_view key) {
+    if (key.size() < 2) return -1;
+    const unsigned char tens = static_cast<unsigned char>(key[key.size() - 2]);
+    const unsigned char ones = static_cast<unsigned char>(key[key.size() - 1]);
+    if (!std::isdigit(tens) || !std::isdigit(ones)) return -1;
+    return (tens - '0') * 10 + (ones - '0');
+}
+
+// The stem of a row key may be shortened: the first column that begins with it takes the value.
+bool StorePartField(PrefsRecord* prefs, std::string_view key, std::string_view value) {
+    const int row = PartRowOfKey(key);
+    if (row < 0) return false;
+    const std::string_view stem = key.substr(0, key.size() - 2);
+    for (const PartColumn& column : kPartColumns) {
+        if (!column.key.starts_with(stem)) continue;
+        StorePartText(&prefs->flZwkParts[row], column, value);
+        return true;
+    }
+    return false;
+}
+
+bool StoreByKey(PluginGlobals* globals, std::string_view name, std::string_view value, bool mainFile) {
+    const PrefsKey* key = FindPrefsKey(name);
+    if (key == nullptr) return StorePartField(&globals->prefs, name, value);
+    if (!mainFile && key->group != KeyGroup::schedule) return false;
+    StorePrefsField(globals, *key, value);
+    return true;
+}
+
+}  // namespace
+
+void StoreDefaults(PluginGlobals* globals) {
+    for (const PrefsKey& key : PrefsKeys()) StorePrefsDefault(globals, key);
+}
+
+void ClearScheduleBlock(PrefsRecord* prefs) {
+    prefs->flZwkDrawType = 0;
+    prefs->flZwkNumOfParts = 0;
+    for (char* text : {prefs->flZwkTitle, prefs->flZwkCorp, prefs->flZwkDate, prefs->flZwkScale, prefs->flZwkType,
+                       prefs->flZwkPatNo, prefs->flZwkComm1, prefs->flZwkComm2, prefs->flZwkComm3}) {
+        text[0] = '\0';
+    }
+    for (ZwkPartRow& row : prefs->flZwkParts) row = ZwkPartRow{};
+}
+
+bool PartRowIsEmpty(const ZwkPartRow& row) {
+    for (const PartColumn& column : kPartColumns) {
+        if (PartText(row, column)[0] != '\0') return false;
+    }
+    return true;
+}
+
+std::string GetPrefsFolder() { return SubFolder(SubFolder(platform::DocumentsFolder(), "Adobe"), "Illustrator"); }
+
+std::string PresetFolder() { return SubFolder(PrefsFolderPath(), "Quorvel"); }
+
+std::string PresetPath(const char* name) {
+    if (name[0] == '\0') return {};
+    return platform::JoinPath(PresetFolder(), platform::ToUtf8(name, platform::kCodePageJapanese) + ".ini");
+}
+
+std::int32_t ReadPrefsFile(PluginGlobals* globals, const char* name) {
+    std::string text;
+    if (!platform::ReadWholeFile(FilePath(name, true), &text)) return 0;
+    ParsePrefsText(globals, text, name == nullptr);
+    return 1;
+}
+
+std::int32_t WritePrefsFile(PluginGlobals* globals, const char* name) {
+    if (IsUntitled(name)) return 1;
+    const std::string path = FilePath(name, false);
+    platform::DeleteFile(path);
+    const platform::FileRef file = platform::CreateNewFile(path);
+    if (file == nullptr) return 0;
+    const bool written = platform::WriteToFile(file, ComposePrefsText(globals, name == nullptr));
+    platform::CloseFile(file);
+    return written ? 1 : 0;
+}
+
+std::string ComposePrefsText(const PluginGlobals* globals, bool mainFile) {
+    std::string text;
+    if (mainFile) AppendGroup(globals, KeyGroup::general, &text);
+    AppendGroup(globals, KeyGroup::schedule, &text);
+    AppendPartRows(globals->prefs, &text);
+    if (mainFile) AppendGroup(globals, KeyGroup::closing, &text);
+    return text;
+}
+
+void ParsePrefsText(PluginGlobals* globals, std::string_view text, bool mainFile) {
+    // Empty texts are not read, so a file that has none of a key must find the field empty.
+    ClearScheduleBlock(&globals->prefs);
+    LineReader reader{text};
+    std::string line;
+    while (ReadSettingsLine(&reader, &line)) {
+        if (line.empty() || line.front() == kCommentMark) continue;
+        std::string tokens[2];
+        CutIntoTokens(line, tokens, 2, 0);
+        if (!tokens[0].empty() && !tokens[1].empty()) StoreByKey(globals, tokens[0], tokens[1], mainFile);
+    }
+}
+
+bool SetFieldByKey(PluginGlobals* globals, std::string_view key, std::string_view value) {
+    const PrefsKey* row = FindPrefsKey(key);
+    // As in a file, no value leaves a number as it was.
+    if (row != nullptr && row->type != FieldType::text && value.empty()) return true;
+    return StoreByKey(globals, key, value, true);
+}
+
+bool ReadSettingsLine(LineReader* reader, std::string* line) {
+    const std::string_view text = reader->text;
+    line->clear();
+    if (reader->position >= text.size() || text[reader->position] == '\0') return false;
+    bool inQuotes = false;
+    for (; reader->position < text.size(); ++reader->position) {
+        const char sign = text[reader->position];
+        if (sign == '\0') return true;  // ends the file: the next call finds it again
+        const char next = reader->position + 1 < text.size() ? text[reader->position + 1] : '\0';
+        if (sign == '\n' || (sign == '\r' && next != '\n')) {
+            ++reader->position;
+            return true;
+        }
+        if (sign == '\t' || sign == '\r') continue;
+        if (sign == '"') inQuotes = !inQuotes;
+        if (sign == ' ' && !inQuotes) continue;
+        if (line->size() < reader->limit) line->push_back(sign);
+    }
+    return true;
+}
+
+int CutIntoTokens(std::string_view line, std::string* tokens, int tokenCount, std::size_t tokenLimit) {
+    for (int i = 0; i < tokenCount; ++i) tokens[i].clear();
+    int token = 0;
+    bool inQuotes = false;
+    for (const char sign : line) {
+        if (sign == '"') {
+            inQuotes = !inQuotes;
+        } else if (!inQuotes && (sign == '=' || sign == ',')) {
+            if (++token == tokenCount) return tokenCount;
+        } else if (tokenLimit == 0 || tokens[token].size() < tokenLimit) {
+            tokens[token].push_back(sign);
+        }
+    }
+    return token + 1;
+}
+
+}  // namespace quorvel

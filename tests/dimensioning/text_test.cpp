@@ -1,0 +1,138 @@
+// Texts on their way: bytes into the host's text, widths, resource lists and the byte helpers.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "plugin/dimensioning/units.h"
+#include "tests/support/fake_suites.h"
+
+namespace quorvel::tests {
+namespace {
+
+class Texts : public testing::Test {
+  protected:
+    std::u16string units(std::uint16_t language, std::int16_t code, const char* text) {
+        host.globals().language = language;
+        host.prefs().flArSpStr = code;
+        std::u16string result;
+        for (std::uint16_t unit : UnitsFromInternal(&host.globals(), text)) {
+            result.push_back(static_cast<char16_t>(unit));
+        }
+        return result;
+    }
+    FakeHost host;
+};
+
+TEST_F(Texts, BytesBecomeTheHostsText) {
+    // The sign for degrees in this set is the small circle of the kana.
+    EXPECT_EQ(units(kJapanese, 0,
+                    "\x83\xD3"
+                    "12\x81\x4B"),
+              u"\u03C6"
+              u"12\u309C");
+    EXPECT_EQ(units(kJapanese, 0, "\x90\xA1\x96\x40"), u"\u5BF8\u6CD5");
+    EXPECT_EQ(units(kJapanese, 1, " 90\xFB"), u" 90\u02DA");
+    EXPECT_EQ(units(kJapanese, 2, " 90\xB0"), u" 90\u00B0");
+    EXPECT_EQ(units(kEnglish, 0,
+                    "\xBF"
+                    "12"),
+              u"\u00F8"
+              u"12");
+    EXPECT_EQ(units(kEnglish, 1,
+                    "\xF8"
+                    "12"),
+              u"\u00F8"
+              u"12");
+    EXPECT_EQ(units(kEnglish, 0, "\xDB\xF0"), u"\u20AC\uF8FF");
+    EXPECT_EQ(units(kKorean, 0,
+                    "\xAC\xE6"
+                    "5\xA1\xC6"),
+              u"\u00A8\u00CA"
+              u"5\u00B0\u2206");
+    EXPECT_EQ(units(kEnglish, 0, ""), u"");
+}
+
+TEST_F(Texts, WidthIsTheSumOfTheCharacters) {
+    host.fonts = {{"Standard", 0.5F, 1.0F}, {"Narrow", 0.25F, 0.75F}, {"narrow", 9, 9}, {"Narrow", 0.125F, 0.75F}};
+    host.prefs().flArFSize = 12;
+    EXPECT_EQ(MeasureTextUnitWidth(&host.globals(), "12.5"), 2.0);
+    // The last font of a name is meant; letters count.
+    std::strcpy(host.prefs().flArFName, "Narrow");
+    EXPECT_EQ(MeasureTextUnitWidth(&host.globals(), "12.5"), 0.5);
+    EXPECT_EQ(MeasureTextUnitWidth(&host.globals(),
+                                   "\x83\xD3"
+                                   "1"),
+              0.875);
+    EXPECT_EQ(MeasureTextWidth(&host.globals(),
+                               "\x83\xD3"
+                               "1"),
+              11);  // 10.5 rounds up
+    EXPECT_EQ(MeasureTextWidth(&host.globals(), ""), 0);
+    host.globals().language = kKorean;
+    EXPECT_EQ(MeasureTextUnitWidth(&host.globals(), "\xB0\xA1"), 0.75);
+    // 255 bytes at most, and no piece of a character: 85 characters of three bytes.
+    host.globals().language = kJapanese;
+    EXPECT_EQ(MeasureTextUnitWidth(&host.globals(), std::string(100, '\xB1').c_str()), 85 * 0.75);
+    // A name that no font bears: the host's first font.
+    std::strcpy(host.prefs().flArFName, "Nowhere");
+    EXPECT_EQ(MeasureTextUnitWidth(&host.globals(), "12.5"), 2.0);
+}
+
+TEST_F(Texts, FontNamesAreComparedInTheCodePage) {
+    host.fonts = {{"Standard"}, {"IPA ゴシック"}, {"Last"}};
+    std::strcpy(host.prefs().flArFName, "IPA \x83\x53\x83\x56\x83\x62\x83\x4E");
+    EXPECT_EQ(reinterpret_cast<std::size_t>(FindDimensionFont(&host.globals())), 2U);
+    host.fonts.clear();
+    EXPECT_EQ(FindDimensionFont(&host.globals()), nullptr);
+}
+
+TEST_F(Texts, ListsSkipSeparators) {
+    const auto rows = [this](std::uint16_t language, std::int32_t first, int count) {
+        host.globals().language = language;
+        return LoadStringRows(&host.globals(), first, count);
+    };
+    using Rows = std::vector<std::string>;
+    EXPECT_EQ(rows(kEnglish, 16221, 13),
+              (Rows{"1/100", "1/10", "1/5", "1/3", "1/2", "1/1", "2/1", "3/1", "4/1", "10/1", "100/1"}));
+    EXPECT_EQ(rows(kEnglish, 16155, 10), (Rows{".25", ".5", "1", "5", "10", "20", "50", "100"}));
+    EXPECT_EQ(rows(kJapanese, 16155, 10).front(), "0.25");
+    EXPECT_EQ(rows(kEnglish, 16181, 2), (Rows{"Apple ASCII", "Microsoft ASCII"}));
+    // Korean settings show the Japanese lists.
+    EXPECT_EQ(rows(kKorean, 16181, 3), (Rows{"\x8A\xBF\x8E\x9A", "Apple ASCII", "Microsoft ASCII"}));
+    EXPECT_EQ(rows(kEnglish, 16191, 4), (Rows{"Save", "Save As...", "Delete"}));
+    EXPECT_EQ(LoadResourceString(&host.globals(), 1), "");
+}
+
+TEST(ByteTexts, Compare) {
+    EXPECT_EQ(CompareTexts("abc", "abc"), 0);
+    EXPECT_EQ(CompareTexts("abd", "abc"), 1);
+    EXPECT_EQ(CompareTexts("ab", "abc"), 65535);
+    EXPECT_EQ(CompareTexts("\x81", "a"), 65535);  // signed bytes
+}
+
+TEST(ByteTexts, FindAndRemove) {
+    EXPECT_EQ(FindInText("Length Comment Tool", "Comment"), 7);
+    EXPECT_EQ(FindInText("Length Comment Tool", "tool"), -1);
+    const std::string far(254, 'x');
+    EXPECT_EQ(FindInText((far + "y").c_str(), "y"), 254);
+    EXPECT_EQ(FindInText((far + "xy").c_str(), "y"), -1);
+    char text[] = "one two one";
+    RemoveFromText(text, "one");
+    EXPECT_STREQ(text, " two one");
+    RemoveFromText(text, "three");
+    EXPECT_STREQ(text, " two one");
+}
+
+TEST(ByteTexts, CapsAndPrefixes) {
+    const std::string endless(40000, 'a');
+    EXPECT_EQ(TextLength(endless.c_str()), 32000);
+    std::uint8_t pascal[8];
+    TextToPascal("abcdefghij", pascal, sizeof pascal);
+    EXPECT_EQ(pascal[0], 7);
+    char text[5];
+    PascalToText(pascal, text, sizeof text);
+    EXPECT_STREQ(text, "abcd");
+}
+
+}  // namespace
+}  // namespace quorvel::tests

@@ -1,0 +1,58 @@
+// A drawing under the hand of a user and of a test: paths are drawn, tools are led over them by the host's messages,
+// and what they made is read back piece by piece. Functions of the plug-in can be called as within a message.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/support/plugin_host.h"
+
+namespace quorvel::tests {
+
+// One art of a dimension.
+struct Piece {
+    std::vector<PathSegment> segments;  // of a path
+    bool closed = false, filled = false;
+    std::u16string text;  // of a text, with where its anchor stands and the direction it runs in, radians
+    RealPoint place;
+    double angle = 0;
+};
+
+class DraftingTable : public PluginHost {
+  public:
+    explicit DraftingTable(PluginHostOptions options = {});
+
+    host::Document& document() { return *host().document(); }
+    // On top of the current layer, stroked.
+    host::ArtId draw(const std::vector<PathSegment>& segments, bool closed);
+    host::ArtId drawLines(const std::vector<RealPoint>& anchors, bool closed);
+    // Four anchors, from the right one anticlockwise.
+    host::ArtId drawCircle(RealPoint centre, float radius);
+    void change(const std::function<bool(host::Document&)>& how);
+    void move(host::ArtId art, float h, float v);
+    static AIArtHandle handle(host::ArtId art);
+    static host::ArtId artOf(AIArtHandle handle);  // 0 for null
+
+    // Runs the job as a message of the host, with the suites held.
+    void inside(const std::function<void()>& job);
+
+    void choose(const char* title);
+    void track(RealPoint cursor, std::uint16_t modifiers = 0);
+    void drag(RealPoint cursor, std::uint16_t modifiers = 0);
+    void down(std::uint16_t modifiers = 0);
+    void up(std::uint16_t modifiers = 0);
+    int beeps() { return user().beeps(); }
+
+    std::vector<host::ArtId> dimensions();               // in walk order: the last made comes first in its layer
+    host::ArtId dimension();                             // the only one
+    std::vector<Piece> pieces(host::ArtId group);        // bottom to top
+    std::string tag(host::ArtId art, const char* name);  // "(none)" when it is absent
+
+  private:
+    RealPoint cursor_;
+};
+
+PathSegment Corner(RealPoint anchor);
+
+}  // namespace quorvel::tests
