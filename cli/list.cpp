@@ -29,7 +29,20 @@ float number(const std::vector<std::string>& all, std::size_t index) {
     return index < all.size() ? static_cast<float>(std::atof(all[index].c_str())) : 0;
 }
 
-using IdsByObject = std::map<std::string, std::vector<std::string>>;
+// The art that bears an object id.
+using BearersByObject = std::map<std::string, std::vector<const host::Art*>>;
+
+LinkedArt linkTo(const std::string& from, std::int32_t objectId, std::int32_t anchor, const BearersByObject& all) {
+    LinkedArt link{from, objectId, anchor, {}, true};
+    const auto bearers = all.find(std::to_string(objectId));
+    if (bearers == all.end()) return link;
+    for (const host::Art* art : bearers->second) {
+        link.svgIds.push_back(art->svgId.empty() ? "(no id)" : art->svgId);
+        const std::size_t anchors = art->path != nullptr ? art->path->segments.size() : 1;
+        if (anchor >= 0 && static_cast<std::size_t>(anchor) < anchors) link.lost = false;
+    }
+    return link;
+}
 
 void collectTexts(const host::Document& document, host::ArtId id, std::vector<std::string>* texts) {
     const host::Art& art = *document.find(id);
@@ -40,7 +53,8 @@ void collectTexts(const host::Document& document, host::ArtId id, std::vector<st
 }
 
 // A cell list: pairs of object id and anchor, ended by an id of 0 and the coordinates of the first anchor.
-void readLinks(const std::string& text, const std::string& from, const IdsByObject& ids, RecordedDimension* dimension) {
+void readLinks(const std::string& text, const std::string& from, const BearersByObject& bearers,
+               RecordedDimension* dimension) {
     const std::vector<std::string> all = fields(text);
     for (std::size_t i = 0; i + 1 < all.size(); i += 2) {
         const std::int32_t objectId = std::atoi(all[i].c_str());
@@ -49,13 +63,11 @@ void readLinks(const std::string& text, const std::string& from, const IdsByObje
                 dimension->points.push_back({from, {number(all, i + 1), number(all, i + 2)}});
             return;
         }
-        const auto bearers = ids.find(std::to_string(objectId));
-        dimension->links.push_back({from, objectId, std::atoi(all[i + 1].c_str()),
-                                    bearers == ids.end() ? std::vector<std::string>{} : bearers->second});
+        dimension->links.push_back(linkTo(from, objectId, std::atoi(all[i + 1].c_str()), bearers));
     }
 }
 
-RecordedDimension readDimension(const host::Document& document, const host::Art& art, const IdsByObject& ids) {
+RecordedDimension readDimension(const host::Document& document, const host::Art& art, const BearersByObject& bearers) {
     RecordedDimension dimension;
     const int kind = std::atoi(document.tag(art.id, "QUORVEL_TOOLCNF")->c_str()) / 1000;
     const auto name = kindNames().find(kind);
@@ -68,11 +80,11 @@ RecordedDimension readDimension(const host::Document& document, const host::Art&
         dimension.points.push_back({point, {number(all, 2), number(all, 3)}});
     }
     for (const auto& [tag, from] : {std::pair{"QUORVEL_FROMCELL", "from"}, {"QUORVEL_TOCELL", "to"}})
-        if (const std::string* text = document.tag(art.id, tag)) readLinks(*text, from, ids, &dimension);
+        if (const std::string* text = document.tag(art.id, tag)) readLinks(*text, from, bearers, &dimension);
     for (int stop = 1; stop <= 30; ++stop) {
         const std::string digits = (stop < 10 ? "0" : "") + std::to_string(stop);
         if (const std::string* text = document.tag(art.id, "QUORVEL_STOPCELL" + digits))
-            readLinks(*text, "stop " + std::to_string(stop), ids, &dimension);
+            readLinks(*text, "stop " + std::to_string(stop), bearers, &dimension);
     }
     return dimension;
 }
@@ -93,10 +105,8 @@ class Lister {
   private:
     void collectIds(host::ArtId id) {
         const host::Art& art = *document_.find(id);
-        if (const std::string* object = document_.tag(id, "quorvel_object_id")) {
-            const std::string own = art.svgId.empty() ? "(no id)" : art.svgId;
-            ids_[std::to_string(std::atoi(object->c_str()))].push_back(own);
-        }
+        if (const std::string* object = document_.tag(id, "quorvel_object_id"))
+            bearers_[std::to_string(std::atoi(object->c_str()))].push_back(&art);
         for (host::ArtId child = art.firstChild; child != 0; child = document_.find(child)->below) collectIds(child);
     }
 
@@ -106,7 +116,7 @@ class Lister {
         if (dimension || document_.tag(id, "QUORVEL_ZWK_SETTING_1") != nullptr) {
             RecordedDimension entry;
             if (dimension)
-                entry = readDimension(document_, art, ids_);
+                entry = readDimension(document_, art, bearers_);
             else
                 entry.kind = "frame";
             entry.group = id;
@@ -120,7 +130,7 @@ class Lister {
     }
 
     const host::Document& document_;
-    IdsByObject ids_;
+    BearersByObject bearers_;
     std::string layer_;
     std::vector<RecordedDimension> found_;
 };

@@ -14,6 +14,7 @@ struct LinkedArt {
     std::int32_t objectId = 0;
     std::int32_t anchor = 0;
     std::vector<std::string> svgIds;  // of the art that bears the object id
+    bool lost = true;                 // none of it has such an anchor any more
 };
 
 struct RecordedDimension {

@@ -77,9 +77,9 @@ double farthestMove(const std::vector<RealPoint>& before, const std::vector<Real
     return farthest;
 }
 
-int linksWithoutArt(const RecordedDimension& dimension) {
-    return static_cast<int>(std::count_if(dimension.links.begin(), dimension.links.end(),
-                                          [](const LinkedArt& link) { return link.svgIds.empty(); }));
+int lostLinks(const RecordedDimension& dimension) {
+    return static_cast<int>(
+        std::count_if(dimension.links.begin(), dimension.links.end(), [](const LinkedArt& link) { return link.lost; }));
 }
 
 DimensionCheck compare(const Portrait& before, const Portrait* after) {
@@ -90,9 +90,7 @@ DimensionCheck compare(const Portrait& before, const Portrait* after) {
     check.rebuilt = after != nullptr;
     check.rebuiltText = after == nullptr ? check.shownText : joinedTexts(after->record);
     check.moved = after == nullptr ? 0 : farthestMove(before.points, after->points);
-    check.lostLinks = after == nullptr
-                          ? linksWithoutArt(before.record)
-                          : static_cast<int>(before.record.links.size()) - static_cast<int>(after->record.links.size());
+    check.lostLinks = lostLinks(before.record);
     return check;
 }
 

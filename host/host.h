@@ -65,7 +65,7 @@ constexpr char kArtChangedNotifier[] = "AI Art Changed Notifier";
 struct Theme {
     float background[4] = {1, 0.94f, 0.94f, 0.94f};  // alpha, red, green, blue, 0 to 1
     float text[4] = {1, 0, 0, 0};
-    std::int16_t value = 1;  // 0 for a dark theme
+    std::int16_t value = 0;  // nonzero for a dark theme
 };
 
 // What the program around the host does for it. Each may be left empty.

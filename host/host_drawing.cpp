@@ -62,13 +62,13 @@ std::int32_t toPixel(double value) {
 
 }  // namespace
 
-// --- the drawing
-// -----------------------------------------------------------------------------------------------------------
+// --- the drawing ------------------------------------------------------------------------------------------------
 
 void HostState::replaceDocument(std::unique_ptr<Document> next) {
     artIndex.reset();
     document = std::move(next);
     documentSerial = documentSerial == UINT16_MAX ? 1 : documentSerial + 1;
+    lastGroupNumber = 0;
     notifiedChange = document != nullptr ? document->changeCount() : 0;
     if (document == nullptr) return;
     artIndex = std::make_unique<ArtIndex>(*document);

@@ -83,6 +83,7 @@ struct HostState {
     std::unique_ptr<Document> document;
     std::unique_ptr<ArtIndex> artIndex;
     std::uint16_t documentSerial = 0;
+    std::uint32_t lastGroupNumber = 0;  // of the ids given to groups of this document
     std::uint64_t notifiedChange = 0;  // the document's change count when its changes were last told
     View view;
     std::string rulerUnit = "pt";

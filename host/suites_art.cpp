@@ -281,12 +281,26 @@ void requireStringTag(const char* name, const char* type) {
     require(name != nullptr && *name != 0 && type != nullptr && std::strcmp(type, "string") == 0);
 }
 
+// A group that bears a record gets an id of its own, by which commands and other programs can speak of it.
+void nameTaggedGroup(Document& document, const Art& art) {
+    if (art.kind != kGroupArt || !art.svgId.empty() || art.parent == 0) return;
+    std::uint32_t& number = theHost().lastGroupNumber;
+    std::string name;
+    do {
+        name = "quorvel-" + std::to_string(++number);
+    } while (document.findBySvgId(name) != 0);
+    document.setSvgId(art.id, name);
+}
+
 AIErr setTag(AIArtHandle art, const char* name, const char* type, const void* value) {
     requireStringTag(name, type);
     require(value != nullptr);
     const ArtId id = artOf(art).id;
     const auto* text = static_cast<const char*>(value);
-    require(changeDocument([&](Document& document) { return document.setTag(id, name, text); }));
+    require(changeDocument([&](Document& document) {
+        nameTaggedGroup(document, *document.find(id));
+        return document.setTag(id, name, text);
+    }));
     return kNoErr;
 }
 
@@ -349,6 +363,11 @@ AIErr findArtByTag(const char* name, const char* value, const AIArtHandle** arts
     const auto wanted = value != nullptr ? std::optional<std::string_view>(value) : std::nullopt;
     theHost().artIndex->findByTag(name, wanted, &found);
     return giveFound(found, arts, count);
+}
+
+AIErr getArtParent(AIArtHandle art, AIArtHandle* parent) {
+    given(parent) = artHandle(artOf(art).parent);
+    return kNoErr;
 }
 
 // The document's own generation in the high bits, so that another drawing never answers the same.
@@ -447,6 +466,7 @@ SuiteRecord artQuerySuite() {
         auto s = refusingSuite<AIArtQuerySuite>();
         s.FindArtAtPoint = served<findArtAtPoint>;
         s.FindArtByTag = served<findArtByTag>;
+        s.GetArtParent = served<getArtParent>;
         s.GetChangeCount = served<getChangeCount>;
         return s;
     }();

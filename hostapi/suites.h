@@ -315,7 +315,7 @@ enum AIThemeComponent : std::int32_t { kThemeBackground = 0, kThemeText = 1 };
 struct AIUIThemeSuite {
     // color[1..3]: red, green, blue, 0 to 1; color[0] is alpha.
     AIErr (*GetUIThemeColor)(std::int32_t component, float color[4]);
-    // 0 for a dark theme, nonzero for a light one.
+    // 0 for a light theme, nonzero for a dark one.
     AIErr (*GetThemeValue)(AIPlatformWindow window, std::int16_t* value);
 };
 
