@@ -1,6 +1,8 @@
 // All suites that the host offers, by name and version. Those that no caller needs are there to be acquired: empty
 // records with one slot that refuses.
 #include <array>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/host_state.h"
@@ -19,7 +21,7 @@ SuiteRecord empty() {
 }
 
 struct Row {
-    const char* name;
+    std::string_view name;
     std::int32_t version;
     SuiteRecord (*record)() = empty;
 };
@@ -142,15 +144,25 @@ bool offered(const Row& row) {
     const HostState* host = runningHost();
     if (host == nullptr) return true;
     if (host->options.failSuite == row.name) return false;
-    return host->options.offerArtQuery || row.name != std::string_view(kArtQuerySuiteName);
+    return host->options.offerArtQuery || row.name != kArtQuerySuiteName;
+}
+
+// Each name stands in the table once. Every message acquires and releases the whole table, so that looking through it
+// for each row would be most of what a small message costs.
+const std::unordered_map<std::string_view, int>& placesByName() {
+    static const std::unordered_map<std::string_view, int> places = [] {
+        std::unordered_map<std::string_view, int> made;
+        for (std::size_t i = 0; i < std::size(kRows); ++i) made.emplace(kRows[i].name, static_cast<int>(i));
+        return made;
+    }();
+    return places;
 }
 
 }  // namespace
 
 int suitePlace(std::string_view name, std::int32_t version) {
-    for (std::size_t i = 0; i < std::size(kRows); ++i)
-        if (kRows[i].version == version && kRows[i].name == name) return static_cast<int>(i);
-    return -1;
+    const auto found = placesByName().find(name);
+    return found != placesByName().end() && kRows[found->second].version == version ? found->second : -1;
 }
 
 const void* findSuite(std::string_view name, std::int32_t version, std::size_t* size) {

@@ -17,10 +17,14 @@ struct Affine {
 
     double x(double px, double py) const { return a * px + c * py + e; }
     double y(double px, double py) const { return b * px + d * py + f; }
-    // A zero has one sign only, so that equal points are equal bytes.
-    RealPoint point(double px, double py) const {
-        return {static_cast<float>(x(px, py)) + 0.0F, static_cast<float>(y(px, py)) + 0.0F};
+    // On a grid far finer than 32-bit floats of any use, so that a corner on the page's edge lies at 0 and not at the
+    // rounding error of the sum; a zero has one sign only.
+    static float coordinate(double value) {
+        // The sum's last bit is 2^-40. Doubles beyond 2048 are no finer by themselves.
+        constexpr double kShift = 0x1.8p12;
+        return static_cast<float>(std::abs(value) < 2048 ? value + kShift - kShift : value) + 0.0F;
     }
+    RealPoint point(double px, double py) const { return {coordinate(x(px, py)), coordinate(y(px, py))}; }
     double determinant() const { return a * d - b * c; }
     // What a width is multiplied with: the root of the area's scale.
     double scale() const { return std::sqrt(std::abs(determinant())); }

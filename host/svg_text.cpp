@@ -407,8 +407,9 @@ bool followsPath(const pugi::xml_node& element) {
 
 RealMatrix textMatrix(const Affine& map, double x, double y) {
     const double scale = map.scale() > 0 ? map.scale() : 1;
+    const RealPoint place = map.point(x, y);
     return {finiteFloat(map.a / scale),  finiteFloat(map.b / scale), finiteFloat(-map.c / scale),
-            finiteFloat(-map.d / scale), finiteFloat(map.x(x, y)),   finiteFloat(map.y(x, y))};
+            finiteFloat(-map.d / scale), finiteFloat(place.h),       finiteFloat(place.v)};
 }
 
 bool readText(const pugi::xml_node& element, const Affine& toDocument, const SvgStyle& style, const SvgNames& names,

@@ -1,0 +1,230 @@
+// What it costs to make all dimensions of a drawing true again: the recalculation by action, with the host's index and
+// without it, of a thousand and ten thousand dimensions in drawings of ten and a hundred thousand arts. Both roads must
+// leave the same drawing. The walking road rebuilds a selected tenth of the dimensions, which is then scaled. Run
+// bench_recalculate; it takes some minutes, nearly all of them on the walking road.
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/mixed_drawing.h"
+#include "bench/plugin_run.h"
+
+namespace {
+
+using namespace quorvel;
+using namespace quorvel::bench;
+
+constexpr int kTurns = 3;
+constexpr int kShare = 10;  // the walking road rebuilds one dimension in so many
+constexpr char kAction[] = "Recalculate_Dimension_lines";
+constexpr char kConfigTag[] = "QUORVEL_TOOLCNF";
+constexpr const char* kTools[] = {"Oblique Dimension Tool", "Straight Dimension Tool"};
+
+// --- drawings with dimensions ---------------------------------------------------------------------------------------
+
+void send(host::Host& host, const char* selector, RealPoint cursor) {
+    if (host.sendTool(selector, cursor, 0) != kNoErr) throw std::runtime_error("an event failed");
+}
+
+// The hand's way from anchor to anchor and aside. False when the tool beeps, since the two snap to one point.
+bool drawDimension(PluginRun& run, RealPoint from, RealPoint to) {
+    host::Host& host = run.host();
+    const std::size_t before = run.document().artCount();
+    const RealPoint aside{(from.h + to.h) / 2 + (from.v - to.v) / 2, (from.v + to.v) / 2 + (to.h - from.h) / 2};
+    send(host, kSelectorTrackCursor, from);
+    send(host, kSelectorMouseDown, from);
+    send(host, kSelectorMouseDrag, to);
+    send(host, kSelectorMouseUp, to);
+    send(host, kSelectorTrackCursor, aside);
+    send(host, kSelectorMouseDown, aside);
+    send(host, kSelectorMouseUp, aside);
+    return run.document().artCount() > before;
+}
+
+// Each dimension measures from one anchor of a path to another, path after path.
+void drawDimensions(PluginRun& run, const std::vector<host::ArtId>& paths, int count) {
+    int drawn = 0;
+    for (std::size_t round = 0; drawn < count && round < 8; ++round) {
+        run.host().selectTool(run.tool(kTools[round % std::size(kTools)]));
+        for (std::size_t i = 0; drawn < count && i < paths.size(); ++i) {
+            // Half of them by the one tool, half by the other.
+            if (round < std::size(kTools) && drawn == count / 2 && round == 0) break;
+            const host::ArtId path = paths[(i * 7919 + round * 13) % paths.size()];
+            const std::vector<PathSegment>& segments = run.document().find(path)->path->segments;
+            const RealPoint from = segments[round / 2 % segments.size()].p;
+            const RealPoint to = segments[(round / 2 + 1) % segments.size()].p;
+            if (drawDimension(run, from, to)) ++drawn;
+        }
+        run.user().takeTranscript();
+    }
+    if (drawn < count) throw std::runtime_error("there is no room for so many dimensions");
+}
+
+void copyArt(const host::Document& from, host::ArtId art, host::Document& to, host::ArtId copy,
+             std::map<host::ArtId, host::ArtId>* copies) {
+    const host::Art& original = *from.find(art);
+    host::Art& made = to.loading(copy);
+    made.selected = original.selected;
+    if (original.path) *made.path = *original.path;
+    if (original.text) *made.text = *original.text;
+    made.tags = original.tags;
+    made.svgId = original.svgId;
+    (*copies)[art] = copy;
+    for (host::ArtId child = original.lastChild; child != 0; child = from.find(child)->above)
+        copyArt(from, child, to, to.loadArt(from.find(child)->kind, copy), copies);
+}
+
+// The same drawing for another host, as if it had been saved and opened.
+std::unique_ptr<host::Document> copyOf(const host::Document& original) {
+    auto copy = std::make_unique<host::Document>(original.width(), original.height());
+    std::map<host::ArtId, host::ArtId> copies;
+    for (std::size_t i = original.layers().size(); i-- > 0;) {
+        const host::Layer& layer = *original.layer(original.layers()[i]);
+        const host::LayerId made = copy->loadLayer(layer.title);
+        copyArt(original, layer.root, *copy, copy->layer(made)->root, &copies);
+    }
+    copy->finishLoading();
+    return copy;
+}
+
+std::unique_ptr<host::Document> dimensionedDrawing(int arts, int dimensions) {
+    PluginRun run({.artQuery = true, .settings = {{"flUseFcrs", "0"}, {"flUseFops", "0"}}});
+    MixedDrawing drawing(arts);
+    run.open(drawing.take());
+    drawDimensions(run, drawing.paths(), dimensions);
+    return copyOf(run.document());
+}
+
+// --- passes ---------------------------------------------------------------------------------------------------------
+
+void visitArt(const host::Document& document, const std::function<void(const host::Art&)>& visit) {
+    for (const host::LayerId layer : document.layers()) {
+        const host::ArtId root = document.layer(layer)->root;
+        for (const host::Art* art = document.find(root); art != nullptr;) {
+            visit(*art);
+            host::ArtId next = art->firstChild;
+            while (next == 0 && art->id != root) {
+                next = art->below;
+                if (next == 0) art = document.find(art->parent);
+            }
+            art = next != 0 ? document.find(next) : nullptr;
+        }
+    }
+}
+
+std::vector<host::ArtId> dimensionsOf(const host::Document& document) {
+    std::vector<host::ArtId> groups;
+    visitArt(document, [&](const host::Art& art) {
+        if (document.tag(art.id, kConfigTag) != nullptr) groups.push_back(art.id);
+    });
+    return groups;
+}
+
+// What a pass leaves, each art as one text.
+std::vector<std::string> portrait(const host::Document& document) {
+    std::vector<std::string> all;
+    visitArt(document, [&](const host::Art& art) {
+        std::string text = std::to_string(art.kind) + art.svgId;
+        const auto add = [&text](const auto& value) {
+            text.append(reinterpret_cast<const char*>(&value), sizeof value);
+        };
+        if (art.path) {
+            for (const PathSegment& s : art.path->segments) {
+                for (const RealPoint& point : {s.p, s.in, s.out}) add(point);
+                add(s.corner);
+            }
+        }
+        if (art.text) {
+            for (const char16_t unit : art.text->text) add(unit);
+            add(art.text->matrix);
+        }
+        for (const host::Tag& tag : art.tags) text += tag.name + '=' + tag.value + '\n';
+        all.push_back(std::move(text));
+    });
+    return all;
+}
+
+double passSeconds(PluginRun& run) {
+    const std::uint64_t before = run.document().changeCount();
+    const double seconds = secondsOf([&] {
+        if (run.host().playAction(kAction) != kNoErr) throw std::runtime_error("the action failed");
+    });
+    if (run.document().changeCount() == before) throw std::runtime_error("the pass has changed nothing");
+    return seconds;
+}
+
+// The middle time of some passes over all dimensions, each undone again.
+double timeWhole(const host::Document& drawing) {
+    PluginRun run({.artQuery = true});
+    run.open(copyOf(drawing));
+    std::vector<double> seconds;
+    for (int turn = 0; turn < kTurns; ++turn) {
+        seconds.push_back(passSeconds(run));
+        if (turn + 1 < kTurns && !run.host().undo()) throw std::runtime_error("the pass cannot be undone");
+    }
+    return middleOf(seconds);
+}
+
+struct Share {
+    double seconds = 0;
+    std::vector<std::string> left;
+};
+
+Share timeShare(const host::Document& drawing, bool artQuery) {
+    PluginRun run({.artQuery = artQuery});
+    run.open(copyOf(drawing));
+    const std::vector<host::ArtId> groups = dimensionsOf(run.document());
+    const bool chosen = run.host().edit("Select", [&](host::Document& document) {
+        for (std::size_t i = 0; i < groups.size(); i += kShare) document.setSelected(groups[i], true);
+        return true;
+    });
+    if (!chosen) throw std::runtime_error("the dimensions cannot be selected");
+    Share share;
+    share.seconds = passSeconds(run);
+    share.left = portrait(run.document());
+    return share;
+}
+
+bool sameLeft(const Share& indexed, const Share& walked) {
+    if (indexed.left == walked.left) return true;
+    std::size_t i = 0;
+    while (i < indexed.left.size() && i < walked.left.size() && indexed.left[i] == walked.left[i]) ++i;
+    std::printf("FAIL  the two roads leave different drawings, first at art %zu of %zu and %zu\n", i,
+                indexed.left.size(), walked.left.size());
+    return false;
+}
+
+}  // namespace
+
+int main() {
+    constexpr int kArts[] = {10'000, 100'000}, kDimensions[] = {1000, 10'000};
+    Promises promises;
+    std::printf("%10s %12s %16s %28s %12s\n", "arts", "dimensions", "indexed, ms", "walked, ms (10 x a tenth)",
+                "ratio");
+    double ratio = 0;
+    std::map<int, double> growth;
+    for (const int arts : kArts) {
+        double before = 0;
+        for (const int dimensions : kDimensions) {
+            const std::unique_ptr<host::Document> drawing = dimensionedDrawing(arts, dimensions);
+            const double indexed = timeWhole(*drawing);
+            const Share byIndex = timeShare(*drawing, true), byWalk = timeShare(*drawing, false);
+            if (!sameLeft(byIndex, byWalk)) return 1;
+            const double walked = byWalk.seconds * kShare;
+            ratio = indexed / walked;
+            std::printf("%10d %12d %16.1f %28.0f %12.6f\n", arts, dimensions, indexed * 1e3, walked * 1e3, ratio);
+            std::fflush(stdout);
+            if (dimensions == kDimensions[1]) growth[arts] = indexed / before;
+            before = indexed;
+        }
+    }
+    std::printf("Both roads left the same drawings.\n");
+    promises.check("indexed / walked, 10000 dimensions in 100000 arts", ratio, 0.01);
+    for (const auto& [arts, times] : growth)
+        promises.check("indexed, 10000 dimensions / 1000, in " + std::to_string(arts) + " arts", times, 12);
+    return promises.exitCode();
+}
