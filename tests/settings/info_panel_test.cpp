@@ -210,18 +210,18 @@ TEST_F(InfoPanelTest, ARunShowsItsPointAndTheWayFromIt) {
 TEST_F(InfoPanelTest, TheThemeFollowsTheHost) {
     begin();
     ASSERT_EQ(spy_->themes.size(), 1U) << "an unchanged theme is not painted again";
-    EXPECT_TRUE(spy_->themes[0].secondIcons);
-    EXPECT_EQ(spy_->themes[0].highlight, 0xAAAAAAU);
+    EXPECT_FALSE(spy_->themes[0].secondIcons) << "dark strokes on the light ground";
+    EXPECT_EQ(spy_->themes[0].highlight, 0x444444U);
     host::Theme dark;
-    dark.value = 0;
+    dark.value = 1;
     dark.background[1] = 0.2F;  // 51 of 255
     dark.background[2] = 0.999F;
     dark.text[3] = 1;
     plugin_->host().setTheme(dark);
     tick();
     ASSERT_EQ(spy_->themes.size(), 2U);
-    EXPECT_FALSE(spy_->themes[1].secondIcons);
-    EXPECT_EQ(spy_->themes[1].highlight, 0x444444U);
+    EXPECT_TRUE(spy_->themes[1].secondIcons);
+    EXPECT_EQ(spy_->themes[1].highlight, 0xAAAAAAU);
     EXPECT_FLOAT_EQ(spy_->themes[1].background[0], 51.0F / 255);
     EXPECT_FLOAT_EQ(spy_->themes[1].background[1], 254.0F / 255) << "cut, not rounded";
     EXPECT_FLOAT_EQ(spy_->themes[1].text[2], 1);
