@@ -26,9 +26,9 @@ struct MeasuredPath {
     bool closed = false;
 
     int count() const { return static_cast<int>(segments.size()); }
-    int previous(int i) const { return i > 0 ? i - 1 : (closed ? count() - 1 : 0); }
-    int next(int i) const { return i + 1 < count() ? i + 1 : (closed ? 0 : count() - 1); }
-    const PathSegment& start(int span) const { return segments[static_cast<std::size_t>(previous(span))]; }
+    int PreviousIndex(int i) const { return i > 0 ? i - 1 : (closed ? count() - 1 : 0); }
+    int NextIndex(int i) const { return i + 1 < count() ? i + 1 : (closed ? 0 : count() - 1); }
+    const PathSegment& start(int span) const { return segments[static_cast<std::size_t>(PreviousIndex(span))]; }
     const PathSegment& end(int span) const { return segments[static_cast<std::size_t>(span)]; }
 };
 
@@ -87,7 +87,7 @@ int NearestSpan(const BezierBasisTables& tables, const MeasuredPath& path, const
 // ends lie.
 bool RunPasses(const MeasuredPath& path, const ChainEnds& ends, int e, double u, double v, double w) {
     int k = ends.i;
-    for (int step = 0; step < kStepLimit; ++step, k = path.next(k)) {
+    for (int step = 0; step < kStepLimit; ++step, k = path.NextIndex(k)) {
         if (k == e) break;
         if (k == ends.j && (!ends.sameSpanBack || step > 0)) return false;
     }
@@ -129,7 +129,7 @@ void CollectChain(const MeasuredPath& path, const ChainEnds& ends, ChainBuffer* 
         AppendToChain(chain, path.end(k));
         const bool goesRound = ends.sameSpanBack && step == 0;
         if ((k == ends.j && !goesRound) || (!path.closed && k == path.count() - 1)) break;
-        k = path.next(k);
+        k = path.NextIndex(k);
     }
 }
 
@@ -315,7 +315,7 @@ bool BuildCurveChain(PluginGlobals* globals, const DoublePoint& E, bool showProg
     ends = OrderEnds(tables, path, ends, E);
     if (PointsEqual(ends.from, ToDoublePoint(path.end(ends.i).p))) {
         // A first span of no length is dropped.
-        ends.i = path.next(ends.i);
+        ends.i = path.NextIndex(ends.i);
         ends.sameSpanBack = false;
     }
     CollectChain(path, ends, chain);

@@ -21,7 +21,7 @@ namespace {
 // A placement point relative to its base: how far from the base's middle, and turned by how much from the base's
 // direction.
 struct Placement {
-    double distance = 0, angle = 0;
+    double placeDistance = 0, placeAngle = 0;
 };
 
 // The middle in 32-bit floats, with the division in doubles.
@@ -37,8 +37,8 @@ Placement PlacementAbout(const DoublePoint& middle, const DoublePoint& base, con
 }
 
 RealPoint PlaceAgain(const Placement& placement, const DoublePoint& middle, const DoublePoint& base) {
-    const double angle = placement.angle + AngleBetweenPoints(middle, base);
-    return ToRealPoint(PolarPoint(middle, placement.distance, angle));
+    const double angle = placement.placeAngle + AngleBetweenPoints(middle, base);
+    return ToRealPoint(PolarPoint(middle, placement.placeDistance, angle));
 }
 
 bool ViewIsOpen() {
