@@ -1,0 +1,93 @@
+// A scripted user who also looks: what each dialog shows when it opens and after each deed, which controls are enabled
+// and shown, and in which font the preview stands. With it a way to write replies in one line, and to hold a dialog's
+// two templates against a table.
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/headless/headless.h"
+
+namespace quorvel::tests {
+
+using Steps = std::vector<platform::DialogStep>;
+
+inline platform::DialogStep Type(std::int32_t control, std::string text) {
+    return {platform::DialogStep::Kind::setText, control, std::move(text), 0};
+}
+inline platform::DialogStep Pick(std::int32_t control, std::int32_t row) {
+    return {platform::DialogStep::Kind::selectRow, control, {}, row};
+}
+inline platform::DialogStep Tick(std::int32_t control) { return {platform::DialogStep::Kind::check, control, {}, 0}; }
+inline platform::DialogStep Untick(std::int32_t control) {
+    return {platform::DialogStep::Kind::uncheck, control, {}, 0};
+}
+inline platform::DialogStep Press(std::int32_t control) { return {platform::DialogStep::Kind::press, control, {}, 0}; }
+inline platform::DialogStep Look(std::int32_t control, std::string text) {
+    return {platform::DialogStep::Kind::expectText, control, std::move(text), 0};
+}
+
+class DialogSpy : public platform::HeadlessBackend {
+  public:
+    // Called inside the dialog: as soon as it stands, and after each event and command of it.
+    std::function<void()> opened, changed;
+
+    // Of the dialog that stands on top; for use in the two calls above.
+    std::string text(std::int32_t control) { return controlText(window_, control); }
+    std::vector<std::string> rowsOf(std::int32_t control) { return rows(window_, control); }
+    std::int32_t selected(std::int32_t control) { return selectedRow(window_, control); }
+    bool isChecked(std::int32_t control) { return checked(window_, control); }
+    bool isEnabled(std::int32_t control) const { return flag(enabled_, control); }
+    bool isShown(std::int32_t control) const { return flag(shown_, control); }
+    bool rowIsDisabled(std::int32_t control, std::int32_t row) {
+        return logic_->rowDisabled != nullptr && logic_->rowDisabled(window_, control, row, context_);
+    }
+    // System name and size of the last font given to a control.
+    std::pair<std::string, float> font;
+
+    std::int32_t runDialog(const platform::DialogTemplate& dialog, const platform::WindowLogic& logic,
+                           void* context) override;
+    void enableControl(platform::WindowRef window, std::int32_t control, bool enabled) override;
+    void showControl(platform::WindowRef window, std::int32_t control, bool shown) override;
+    void setControlFont(platform::WindowRef window, std::int32_t control, const std::string& systemName,
+                        float points) override;
+    bool showMessageBox(const std::string& text, const std::string& title, platform::MessageButtons buttons,
+                        platform::MessageIcon icon) override;
+    bool askSaveFile(const std::string& filter, const std::string& proposedName, std::string* path) override;
+    bool askOpenFile(const std::string& filter, const std::string& proposedName, std::string* path) override;
+
+    platform::MessageIcon lastIcon = platform::MessageIcon::none;
+    platform::MessageButtons lastButtons = platform::MessageButtons::ok;
+    std::string lastFilter, lastProposedName;
+
+  private:
+    static bool flag(const std::map<std::int32_t, bool>& flags, std::int32_t control) {
+        const auto found = flags.find(control);
+        return found == flags.end() || found->second;
+    }
+
+    platform::WindowRef window_ = nullptr;
+    const platform::WindowLogic* logic_ = nullptr;
+    void* context_ = nullptr;
+    std::map<std::int32_t, bool> enabled_, shown_;
+};
+
+// A control as a table of the dialog names it. Controls without a label have empty ones.
+struct ExpectedControl {
+    std::int32_t id;
+    platform::ControlKind kind;
+    const char* english;
+    const char* japanese;
+    std::int32_t picture = 0;
+};
+// Both templates of the dialog (Japanese id) hold these controls and no others, each inside the window, and none upon
+// another but where both are in the set of those that share a place.
+void ExpectTemplates(std::int32_t japaneseId, const std::vector<ExpectedControl>& expected,
+                     std::initializer_list<std::int32_t> sharePlace = {});
+
+}  // namespace quorvel::tests
