@@ -122,8 +122,8 @@ void FillFonts(const PluginGlobals* globals, WindowRef window) {
     platform::SelectRow(window, kFontList, chosen);
 }
 
-void ShowFontPreview(WindowRef window) {
-    const float size = ReadPoints(window, kSizeEdit);
+// In whole points.
+void ShowFontPreview(WindowRef window, float size) {
     if (!(size < kLargestFloat)) return;
     char systemName[256] = {};
     sAIFont->GetSystemFontName(NthFont(platform::GetSelectedRow(window, kFontList)), systemName, sizeof systemName);
@@ -180,7 +180,8 @@ void OpenSettings(WindowRef window, void* context) {
     FillFonts(globals, window);
     if (!(prefs.flArFSize > 0) || !(prefs.flArFSize < kLargestFloat)) prefs.flArFSize = kStandardFontSize;
     ShowPoints(window, kSizeEdit, prefs.flArFSize);
-    ShowFontPreview(window);
+    // The size itself: its text in the ruler's unit may lie below a whole number of points.
+    ShowFontPreview(window, prefs.flArFSize);
     for (const BoxRow& box : kBoxes) platform::SetChecked(window, box.control, prefs.*box.setting != 0);
     ProvideScaleText(prefs.flScale, prefs.flScaleText, sizeof prefs.flScaleText);
     ProvideScaleText(prefs.flArLenScale, prefs.flArLenScaleText, sizeof prefs.flArLenScaleText);
@@ -263,7 +264,7 @@ void HandleEvent(WindowRef window, std::int32_t control, void* context) {
             return ShowShape(globals, window, platform::GetSelectedRow(window, kShapeList));
         case kFontList:
         case kSizeEdit:
-            return ShowFontPreview(window);
+            return ShowFontPreview(window, ReadPoints(window, kSizeEdit));
         case kArea2Box:
         case kArea3Box:
             return EnableAreaControls(window);

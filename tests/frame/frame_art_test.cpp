@@ -1,0 +1,334 @@
+// The art of a drawing frame against tables worked out by hand: a text size of 12 gives rows of 14 points, a title
+// block of 420 or 210 by 70, and a frame dragged from (100, 50) to (700, 450) puts the block's corner at 280 or 490.
+#include "plugin/frame/frame_art.h"
+
+#include <cmath>
+
+#include "host/fonts.h"
+#include "tests/support/drawing_hand.h"
+
+namespace quorvel::tests {
+namespace {
+
+using host::Art;
+using host::ArtId;
+
+constexpr float kNear = 2e-4F;
+constexpr char kBottomTool[] = "Schedule Tool [bottom]", kTopTool[] = "Schedule Tool [top + bottom]";
+constexpr char kJapaneseTool[] = "図面枠ツール [下に部品]";
+
+struct Line {
+    float left, bottom, width, height;
+    float stroke;
+    bool rectangle;
+};
+struct Cell {
+    const char* text;
+    float h, v;  // where the text's anchor stands
+    float width;
+    bool centred;
+};
+
+const std::vector<Line> kNarrowLines = {
+    {100, 50, 600, 400, 0.5F, true}, {490, 50, 210, 70, 0.5F, true}, {490, 78, 210, 0, 0.5F, false},
+    {574, 50, 0, 70, 0.5F, false},   {595, 50, 0, 70, 0.1F, false},  {490, 92, 84, 0, 0.1F, false},
+    {490, 106, 84, 0, 0.1F, false},  {574, 64, 126, 0, 0.1F, false}, {637, 50, 0, 28, 0.5F, false},
+    {658, 50, 0, 28, 0.1F, false},
+};
+const std::vector<Line> kWideLines = {
+    {100, 50, 600, 400, 0.5F, true}, {280, 50, 420, 70, 0.5F, true}, {280, 78, 420, 0, 0.5F, false},
+    {448, 50, 0, 70, 0.5F, false},   {490, 50, 0, 70, 0.1F, false},  {280, 92, 168, 0, 0.1F, false},
+    {280, 106, 168, 0, 0.1F, false}, {448, 64, 252, 0, 0.1F, false}, {553, 50, 0, 28, 0.5F, false},
+    {616, 50, 0, 28, 0.1F, false},
+};
+const std::vector<Cell> kNarrowCells = {
+    {"c3", 492, 80.8F, 84, false},       {"c2", 492, 94.8F, 84, false},       {"c1", 492, 108.8F, 84, false},
+    {"図　名", 584.5F, 94.8F, 21, true}, {"title", 647.5F, 94.8F, 105, true}, {"corp", 532, 59.8F, 84, true},
+    {"日　付", 584.5F, 52.8F, 21, true}, {"尺　度", 584.5F, 66.8F, 21, true}, {"date", 616, 52.8F, 42, true},
+    {"scale", 616, 66.8F, 42, true},     {"投影法", 647.5F, 52.8F, 21, true}, {"図　番", 647.5F, 66.8F, 21, true},
+    {"type", 679, 52.8F, 42, true},      {"pat", 679, 66.8F, 42, true},
+};
+std::vector<Cell> WideCells(bool english) {
+    return {{"c3", 282, 80.8F, 168, false},
+            {"c2", 282, 94.8F, 168, false},
+            {"c1", 282, 108.8F, 168, false},
+            {english ? "Drawing" : "図　名", 469, 94.8F, 42, true},
+            {"title", 595, 94.8F, 210, true},
+            {"corp", 364, 59.8F, 168, true},
+            {english ? "Date" : "日　付", 469, 52.8F, 42, true},
+            {english ? "Scale" : "尺　度", 469, 66.8F, 42, true},
+            {"date", 521.5F, 52.8F, 63, true},
+            {"scale", 521.5F, 66.8F, 63, true},
+            {english ? "Method of Projection" : "投影法", 584.5F, 52.8F, 63, true},
+            {english ? "Drawing number" : "図　番", 584.5F, 66.8F, 63, true},
+            {"type", 658, 52.8F, 84, true},
+            {"pat", 658, 66.8F, 84, true}};
+}
+
+// The header and two rows on the block's top at 120, or hanging from 450; rows step by 14.
+std::vector<Line> TableLines(float base, float step) {
+    std::vector<Line> lines = {{280, base, 420, 3 * step, 0.5F, true}};
+    for (const float h : {301.0F, 490.0F, 553.0F, 574.0F, 605.5F, 637.0F})
+        lines.push_back({h, base, 0, 3 * step, 0.1F, false});
+    lines.push_back({280, base + step, 420, 0, 0.1F, false});
+    lines.push_back({280, base + 2 * step, 420, 0, 0.1F, false});
+    return lines;
+}
+std::vector<Cell> TableCells(float header, float step, bool english) {
+    const float first = header + step, second = header + 2 * step;
+    return {{english ? "No." : "品番", 290.5F, header, 21, true},
+            {english ? "Item" : "名　　称", 395.5F, header, 189, true},
+            {english ? "Material" : "材質", 521.5F, header, 63, true},
+            {english ? "Quantity" : "個数", 563.5F, header, 21, true},
+            {english ? "Weight" : "重量", 589.75F, header, 31.5F, true},
+            {english ? "Work Schedule" : "工程", 621.25F, header, 31.5F, true},
+            {english ? "Description" : "記事", 668.5F, header, 63, true},
+            {"1", 290.5F, first, 21, true},
+            {"Bracket", 303, first, 189, false},
+            {"SS400", 521.5F, first, 63, true},
+            {"4", 563.5F, first, 21, true},
+            {"1.2", 589.75F, first, 31.5F, true},
+            {"cut", 621.25F, first, 31.5F, true},
+            {"see 2", 639, first, 63, false},
+            {"2", 290.5F, second, 21, true},
+            {"     ", 303, second, 189, false},
+            {"     ", 521.5F, second, 63, true},
+            {"     ", 563.5F, second, 21, true},
+            {"     ", 589.75F, second, 31.5F, true},
+            {"     ", 621.25F, second, 31.5F, true},
+            {"     ", 639, second, 63, false}};
+}
+
+void ExpectLine(const Art& art, const Line& line) {
+    ASSERT_EQ(art.kind, kPathArt);
+    const auto& segments = art.path->segments;
+    std::vector<RealPoint> corners = {{line.left, line.bottom}, {line.left + line.width, line.bottom + line.height}};
+    if (line.rectangle) {
+        corners.insert(corners.begin() + 1, {line.left + line.width, line.bottom});
+        corners.push_back({line.left, line.bottom + line.height});
+    }
+    ASSERT_EQ(segments.size(), corners.size());
+    EXPECT_EQ(art.path->closed, line.rectangle);
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const PathSegment& s = segments[i];
+        EXPECT_NEAR(s.p.h, corners[i].h, kNear);
+        EXPECT_NEAR(s.p.v, corners[i].v, kNear);
+        EXPECT_TRUE(s.in.h == s.p.h && s.in.v == s.p.v && s.out.h == s.p.h && s.out.v == s.p.v && s.corner != 0);
+    }
+    const AIPathStyle& style = *art.path->style;
+    EXPECT_TRUE(style.fillPaint == 0 && style.strokePaint != 0);
+    EXPECT_TRUE(style.stroke.kind == kGrayPaint && style.stroke.gray == 1 && style.fill.gray == 1);
+    EXPECT_EQ(style.strokeWidth, line.stroke);
+    EXPECT_EQ(style.miterLimit, 4.0F);
+}
+
+float AdvanceAt(float size, const std::u16string& text) {
+    float sum = 0;
+    for (const char16_t unit : text) sum += host::characterWidth(host::fonts().front(), unit);
+    return sum * size;
+}
+
+void ExpectCell(const Art& art, const Cell& cell) {
+    ASSERT_EQ(art.kind, kTextFrameArt);
+    const host::TextData& text = *art.text;
+    EXPECT_EQ(TextOf(art), cell.text);
+    EXPECT_NEAR(text.matrix.tx, cell.h, kNear) << cell.text;
+    EXPECT_NEAR(text.matrix.ty, cell.v, kNear) << cell.text;
+    const float k = std::min(1.0F, (cell.width - 4) / AdvanceAt(12, text.text));
+    EXPECT_NEAR(text.matrix.a, k, 1e-3F) << cell.text;
+    EXPECT_NEAR(text.matrix.d, k, 1e-3F) << cell.text;
+    EXPECT_TRUE(text.matrix.b == 0 && text.matrix.c == 0);
+    EXPECT_EQ(text.justification, cell.centred ? kJustifyCenter : kJustifyLeft) << cell.text;
+    ASSERT_EQ(text.runs.size(), 1U);
+    const host::CharFeatures& f = text.runs[0].features;
+    EXPECT_EQ(f.font, host::fonts().front().fullName);
+    EXPECT_TRUE(f.size == 12 && f.horizontalScale == 1 && f.verticalScale == 1 && f.miterLimit == 4);
+    EXPECT_TRUE(f.fillOn && !f.strokeOn && f.fill.kind == kGrayPaint && f.fill.gray == 1);
+}
+
+void SetText(char* field, const char* text) { std::snprintf(field, 32, "%s", text); }
+
+struct FrameArt : testing::Test {
+    void begin(const char* language, std::int16_t type) {
+        hand = std::make_unique<DrawingHand>(DrawingHand::speaking(language));
+        tool = std::string(language) == "JAPANESE" ? kJapaneseTool : kBottomTool;
+        PrefsRecord& p = hand->prefs();
+        p.flZwkDrawType = type;
+        const std::pair<char*, const char*> texts[] = {
+            {p.flZwkTitle, "title"}, {p.flZwkCorp, "corp"}, {p.flZwkDate, "date"},
+            {p.flZwkScale, "scale"}, {p.flZwkType, "type"}, {p.flZwkPatNo, "pat"},
+            {p.flZwkComm1, "c1"},    {p.flZwkComm2, "c2"},  {p.flZwkComm3, "c3"}};
+        for (const auto& [field, text] : texts) SetText(field, text);
+        ZwkPartRow& row = p.flZwkParts[0];
+        const std::pair<char*, const char*> parts[] = {{row.Name, "Bracket"}, {row.Source, "SS400"},
+                                                       {row.Quantity, "4"},   {row.Weight, "1.2"},
+                                                       {row.Progress, "cut"}, {row.News, "see 2"}};
+        for (const auto& [field, text] : parts) SetText(field, text);
+    }
+    const Art* draw(RealPoint from = {100, 50}, RealPoint to = {700, 450}) {
+        hand->take(tool.c_str());
+        hand->drag(from, to);
+        return hand->newest();
+    }
+    // Lines first, then cells: the order in the title block.
+    void expectBlock(const Art* frame, const std::vector<Line>& lines, const std::vector<Cell>& cells) {
+        const std::vector<const Art*> pieces = hand->piecesOf(hand->piecesOf(frame->id).at(0)->id);
+        ASSERT_EQ(pieces.size(), lines.size() + cells.size());
+        for (std::size_t i = 0; i < lines.size(); ++i) ExpectLine(*pieces[i], lines[i]);
+        for (std::size_t i = 0; i < cells.size(); ++i) ExpectCell(*pieces[lines.size() + i], cells[i]);
+    }
+    std::vector<const Art*> table(const Art* frame) { return hand->piecesOf(hand->piecesOf(frame->id).at(1)->id); }
+    // The rectangle, six verticals and seven headers, then each row's line and its seven cells.
+    void expectTable(const Art* frame, float base, float header, float step, bool english) {
+        ASSERT_EQ(hand->piecesOf(frame->id).size(), 2U);
+        const std::vector<const Art*> pieces = table(frame);
+        const std::vector<Line> lines = TableLines(base, step);
+        const std::vector<Cell> cells = TableCells(header, step, english);
+        ASSERT_EQ(pieces.size(), lines.size() + cells.size());
+        for (int i = 0; i < 7; ++i) ExpectLine(*pieces[i], lines[i]);
+        for (int i = 0; i < 7; ++i) ExpectCell(*pieces[7 + i], cells[i]);
+        for (int row = 0; row < 2; ++row) {
+            ExpectLine(*pieces[14 + 8 * row], lines[7 + row]);
+            for (int i = 0; i < 7; ++i) ExpectCell(*pieces[15 + 8 * row + i], cells[7 + 7 * row + i]);
+        }
+    }
+
+    std::string tool;
+    std::unique_ptr<DrawingHand> hand;
+};
+
+TEST_F(FrameArt, EachTypeHasItsLinesAndCells) {
+    begin("JAPANESE", 0);
+    expectBlock(draw(), kNarrowLines, kNarrowCells);
+    EXPECT_EQ(hand->piecesOf(hand->newest()->id).size(), 1U) << "no parts, no table";
+    hand->prefs().flZwkDrawType = 1;
+    expectBlock(draw(), kWideLines, WideCells(false));
+    hand->prefs().flZwkDrawType = 2;
+    expectBlock(draw(), kWideLines, WideCells(true));
+    EXPECT_EQ(hand->host().lastUndoName(), "図面枠 [下に部品]の取り消し");
+}
+
+TEST_F(FrameArt, OnlyJapaneseHasTheJapaneseTypes) {
+    for (const char* language : {"ENGLISH", "KOREAN"}) {
+        begin(language, 0);
+        const Art* frame = draw();
+        expectBlock(frame, kWideLines, WideCells(true));
+        EXPECT_EQ(hand->prefs().flZwkDrawType, 2);
+        EXPECT_TRUE(hand->tag(frame->id, "QUORVEL_ZWK_SETTING_1").starts_with("2,"));
+        hand.reset();
+    }
+}
+
+TEST_F(FrameArt, TheTableStandsOnTheBlockOrHangsFromTheTop) {
+    begin("JAPANESE", 1);
+    hand->prefs().flZwkNumOfParts = 2;
+    expectTable(draw(), 120, 122.8F, 14, false);
+    tool = "図面枠ツール [上に部品]";
+    expectTable(draw(), 450, 438.8F, -14, false);
+    hand.reset();
+    begin("ENGLISH", 2);
+    hand->prefs().flZwkNumOfParts = 2;
+    expectTable(draw(), 120, 122.8F, 14, true);
+    tool = kTopTool;
+    expectTable(draw(), 450, 438.8F, -14, true);
+}
+
+TEST_F(FrameArt, CornersComeInAnyOrder) {
+    begin("ENGLISH", 2);
+    hand->prefs().flZwkNumOfParts = 2;
+    for (const char* title : {kBottomTool, kTopTool}) {
+        tool = title;
+        for (const auto& [from, to] : {std::pair<RealPoint, RealPoint>{{700, 450}, {100, 50}},
+                                       {{100, 450}, {700, 50}},
+                                       {{700, 50}, {100, 450}}}) {
+            const Art* frame = draw(from, to);
+            expectBlock(frame, kWideLines, WideCells(true));
+            if (title == kBottomTool)
+                expectTable(frame, 120, 122.8F, 14, true);
+            else
+                expectTable(frame, 450, 438.8F, -14, true);
+        }
+    }
+}
+
+TEST_F(FrameArt, TheCountIsHeldToTheRowsWhereItIsDrawn) {
+    begin("ENGLISH", 2);
+    hand->prefs().flZwkNumOfParts = 150;
+    const Art* frame = draw();
+    EXPECT_EQ(table(frame).size(), 14U + 100 * 8);
+    ExpectLine(*table(frame)[0], {280, 120, 420, 14 * 101, 0.5F, true});
+    EXPECT_EQ(TextOf(*table(frame)[14 + 99 * 8 + 1]), "100");
+    EXPECT_TRUE(hand->tag(frame->id, "QUORVEL_ZWK_SETTING_1").ends_with(",150")) << "what was typed is kept";
+    EXPECT_EQ(hand->prefs().flZwkNumOfParts, 150);
+    hand->prefs().flZwkNumOfParts = -3;
+    frame = draw();
+    ASSERT_EQ(table(frame).size(), 14U) << "rectangle, verticals and header alone";
+    ExpectLine(*table(frame)[0], {280, 120, 420, -28, 0.5F, true});
+    EXPECT_EQ(TextOf(*table(frame)[7]), "No.");
+}
+
+TEST_F(FrameArt, LongTextsShrinkEvenly) {
+    begin("ENGLISH", 2);
+    std::snprintf(hand->prefs().flZwkTitle, sizeof hand->prefs().flZwkTitle, "%s", std::string(100, 'W').c_str());
+    const Art* title = hand->piecesOf(hand->piecesOf(draw()->id).at(0)->id).at(14);
+    const RealRect bounds = hand->document().bounds(title->id);
+    EXPECT_NEAR(bounds.right - bounds.left, 206, 0.05);  // half of 420, two points free on each side
+    EXPECT_NEAR((bounds.right + bounds.left) / 2, 595, 0.05);
+    EXPECT_LT(title->text->matrix.a, 0.2F);
+    EXPECT_EQ(title->text->matrix.a, title->text->matrix.d);
+}
+
+TEST_F(FrameArt, ACellTooNarrowForItsMarginTurnsItsText) {
+    begin("JAPANESE", 0);
+    hand->prefs().flZwkNumOfParts = 1;
+    hand->prefs().flArFSize = 2;  // rows of 4, a block of 60: the number's column is 3 wide
+    const std::vector<const Art*> pieces = table(draw());
+    EXPECT_LT(pieces.at(15)->text->matrix.a, 0);
+    EXPECT_NEAR(pieces.at(15)->text->matrix.tx, 700 - 60 + 1.5F, kNear);
+}
+
+TEST_F(FrameArt, TheFrameIsDrawnWhereItCanBe) {
+    begin("ENGLISH", 2);
+    host::Document& document = hand->document();
+    const std::size_t before = document.artCount();
+    hand->take(kBottomTool);
+    int beeps = hand->spy->beeps();
+    hand->click({300, 300});
+    EXPECT_EQ(hand->spy->beeps(), ++beeps) << "equal corners";
+    for (const bool locked : {true, false}) {
+        hand->host().edit("Layer", [&](host::Document& d) {
+            return locked ? d.setLayerEditable(d.currentLayer(), false) : d.setLayerVisible(d.currentLayer(), false);
+        });
+        hand->drag({100, 50}, {700, 450});
+        EXPECT_EQ(hand->spy->beeps(), ++beeps);
+        hand->host().edit("Layer", [&](host::Document& d) {
+            return d.setLayerEditable(d.currentLayer(), true) && d.setLayerVisible(d.currentLayer(), true);
+        });
+    }
+    EXPECT_EQ(document.artCount(), before);
+    hand->drag({100, 50}, {100, 450});
+    EXPECT_EQ(hand->spy->beeps(), beeps) << "a frame without width is a frame";
+    ExpectLine(*hand->piecesOf(hand->newestPieces().at(0)->id).at(0), {100, 50, 0, 400, 0.5F, true});
+    ExpectLine(*hand->piecesOf(hand->newestPieces().at(0)->id).at(1), {-320, 50, 420, 70, 0.5F, true});
+}
+
+TEST_F(FrameArt, TheBandFollowsTheHandAndGoes) {
+    begin("ENGLISH", 2);
+    hand->take(kBottomTool);
+    hand->press({100, 50});
+    hand->send(kSelectorMouseDrag, {200, 150});
+    EXPECT_EQ(hand->spy->visiblePixels(), 400U);  // a square of 100 pixels' sides
+    EXPECT_EQ(hand->spy->lastCursor(), 16104);
+    hand->send(kSelectorMouseDrag, {300, 250});
+    EXPECT_EQ(hand->spy->visiblePixels(), 800U);
+    // The grid first: (300, 300). Then Shift about the first corner: 320.156 away at 51 degrees becomes 45.
+    hand->prefs().flUseGrid = 1;
+    hand->prefs().flGrWidth = hand->prefs().flGrHeight = 50;
+    hand->send(kSelectorMouseDrag, {312, 290}, kShiftModifier);
+    hand->send(kSelectorMouseUp, {0, 0});
+    EXPECT_EQ(hand->spy->visiblePixels(), 0U);
+    ExpectLine(*hand->piecesOf(hand->newestPieces().at(0)->id).at(0), {100, 50, 226.3846F, 226.3846F, 0.5F, true});
+}
+
+}  // namespace
+}  // namespace quorvel::tests
