@@ -70,11 +70,20 @@ ArtIndex::~ArtIndex() { document_.removeObserver(this); }
 
 // --- noting --------------------------------------------------------------------------------------------------------
 
-void ArtIndex::noteArt(ArtId id) {
-    if (isChanged_.size() <= id) isChanged_.resize(std::max<std::size_t>(id + 1, isChanged_.size() * 2));
-    if (isChanged_[id]) return;
-    isChanged_[id] = true;
-    changed_.push_back(id);
+void ArtIndex::ChangeList::note(ArtId id) {
+    if (isNoted_.size() <= id) isNoted_.resize(std::max<std::size_t>(id + 1, isNoted_.size() * 2));
+    if (isNoted_[id]) return;
+    isNoted_[id] = true;
+    arts_.push_back(id);
+}
+
+template <typename Refresh>
+void ArtIndex::ChangeList::settle(Refresh refresh) {
+    for (ArtId id : arts_) {
+        isNoted_[id] = false;
+        refresh(id);
+    }
+    arts_.clear();
 }
 
 template <typename Visit>
@@ -92,8 +101,11 @@ void ArtIndex::visitSubtree(ArtId top, Visit visit) const {
 }
 
 void ArtIndex::noteSubtree(ArtId top) {
-    if (!filled_) return;
-    visitSubtree(top, [this](const Art& art) { noteArt(art.id); });
+    if (!boxesFilled_ && tagged_.empty()) return;
+    visitSubtree(top, [this](const Art& art) {
+        if (boxesFilled_) changedBoxes_.note(art.id);
+        if (!art.tags.empty()) changedTags_.note(art.id);
+    });
 }
 
 void ArtIndex::artInserted(ArtId art) { noteSubtree(art); }
@@ -101,32 +113,31 @@ void ArtIndex::artInserted(ArtId art) { noteSubtree(art); }
 void ArtIndex::artRemoved(ArtId art) { noteSubtree(art); }
 
 void ArtIndex::artChanged(ArtId art) {
-    if (filled_) noteArt(art);
+    if (boxesFilled_) changedBoxes_.note(art);
 }
 
-void ArtIndex::tagChanged(ArtId art, const std::string&) {
-    if (filled_) noteArt(art);
+void ArtIndex::tagChanged(ArtId art, const std::string& name) {
+    if (tagged_.contains(name)) changedTags_.note(art);
 }
 
 void ArtIndex::layersChanged() {}
 
 // --- keeping up ----------------------------------------------------------------------------------------------------
 
-void ArtIndex::catchUp() {
-    if (!filled_) fill();
-    for (ArtId id : changed_) {
-        isChanged_[id] = false;
-        refresh(id);
-    }
-    changed_.clear();
+void ArtIndex::catchUpBoxes() {
+    if (!boxesFilled_) fillBoxes();
+    changedBoxes_.settle([this](ArtId id) { refreshBox(id); });
 }
 
-void ArtIndex::fill() {
-    filled_ = true;
+void ArtIndex::catchUpTags() {
+    changedTags_.settle([this](ArtId id) { refreshTags(id); });
+}
+
+void ArtIndex::fillBoxes() {
+    boxesFilled_ = true;
     for (LayerId layer : document_.layers()) {
         std::vector<BoxTree::Item> items;
         visitSubtree(document_.layer(layer)->root, [&](const Art& art) {
-            refreshTags(art.id, &art);
             if (!isIndexed(art)) return;
             const RealRect box = boxOf(document_, art);
             if (isEmpty(box)) return;
@@ -143,9 +154,8 @@ BoxTree& ArtIndex::treeOf(LayerId layer) {
     return *tree;
 }
 
-void ArtIndex::refresh(ArtId id) {
+void ArtIndex::refreshBox(ArtId id) {
     const Art* art = document_.find(id);
-    refreshTags(id, art);
     LayerId& before = at(layerIndexed_, id);
     const RealRect box = art != nullptr && isIndexed(*art) ? boxOf(document_, *art) : emptyRect();
     const LayerId now = isEmpty(box) ? 0 : document_.layerOf(id);
@@ -155,24 +165,39 @@ void ArtIndex::refresh(ArtId id) {
     before = now;
 }
 
-void ArtIndex::refreshTags(ArtId id, const Art* art) {
-    static const std::vector<Tag> kNoTags;
-    const std::vector<Tag>& tags = art != nullptr ? art->tags : kNoTags;
-    const auto known = tagsIndexed_.find(id);
-    if (known == tagsIndexed_.end() && tags.empty()) return;
-    if (known != tagsIndexed_.end()) {
+void ArtIndex::refreshTags(ArtId id) {
+    if (const auto known = tagsIndexed_.find(id); known != tagsIndexed_.end()) {
         for (const Tag& tag : known->second) {
-            const auto byName = tagged_.find(tag.name);
-            byName->second.erase({tag.value, id});
-            if (byName->second.empty()) tagged_.erase(byName);
+            ArtByValue& byValue = tagged_.find(tag.name)->second;
+            const auto bearers = byValue.find(tag.value);
+            if (bearers == byValue.end()) continue;  // a damaged file may give an art one tag twice
+            bearers->second.erase(id);
+            if (bearers->second.empty()) byValue.erase(bearers);
         }
+        tagsIndexed_.erase(known);
     }
-    for (const Tag& tag : tags) tagged_[tag.name].insert({tag.value, id});
-    if (tags.empty()) {
-        tagsIndexed_.erase(id);
-    } else {
-        tagsIndexed_[id] = tags;
+    const Art* art = document_.find(id);
+    if (art == nullptr) return;
+    for (const Tag& tag : art->tags) {
+        if (tagged_.contains(tag.name)) addTag(tag, id);
     }
+}
+
+void ArtIndex::addTag(const Tag& tag, ArtId id) {
+    tagged_.find(tag.name)->second[tag.value].insert(id);
+    tagsIndexed_[id].push_back(tag);
+}
+
+ArtIndex::ArtByValue& ArtIndex::fillTag(std::string_view name) {
+    ArtByValue& arts = tagged_[std::string(name)];
+    for (LayerId layer : document_.layers()) {
+        visitSubtree(document_.layer(layer)->root, [&](const Art& art) {
+            for (const Tag& tag : art.tags) {
+                if (tag.name == name) addTag(tag, art.id);
+            }
+        });
+    }
+    return arts;
 }
 
 // --- questions -----------------------------------------------------------------------------------------------------
@@ -195,7 +220,7 @@ void ArtIndex::findAtPoint(LayerId layer, RealPoint point, float tolerance, std:
                            std::vector<ArtId>* out) {
     out->clear();
     if (document_.layer(layer) == nullptr) return;
-    catchUp();
+    catchUpBoxes();
     candidates_.clear();
     treeOf(layer).find({lowEnd(point.h, tolerance), highEnd(point.v, tolerance), highEnd(point.h, tolerance),
                         lowEnd(point.v, tolerance)},
@@ -209,12 +234,15 @@ void ArtIndex::findAtPoint(LayerId layer, RealPoint point, float tolerance, std:
 
 void ArtIndex::findByTag(std::string_view name, std::optional<std::string_view> value, std::vector<ArtId>* out) {
     out->clear();
-    catchUp();
+    catchUpTags();
     const auto byName = tagged_.find(name);
-    if (byName == tagged_.end()) return;
-    const TaggedArt& arts = byName->second;
-    auto at = value ? arts.lower_bound({std::string(*value), 0}) : arts.begin();
-    for (; at != arts.end() && (!value || at->first == *value); ++at) out->push_back(at->second);
+    const ArtByValue& arts = byName != tagged_.end() ? byName->second : fillTag(name);
+    if (value) {
+        const auto bearers = arts.find(std::string(*value));
+        if (bearers != arts.end()) out->assign(bearers->second.begin(), bearers->second.end());
+    } else {
+        for (const auto& [itsValue, bearers] : arts) out->insert(out->end(), bearers.begin(), bearers.end());
+    }
     sortInWalkOrder(out);
 }
 

@@ -1,5 +1,6 @@
 // Finds the art under a point and the art that bears a tag, at a cost that does not grow with the drawing. The index is
-// filled at the first question; from then on each change of the document costs its own share at the next one.
+// filled at the first question, for tags at the first one for each name; from then on each change of the document costs
+// its own share at the next one.
 #pragma once
 
 #include <cstdint>
@@ -44,14 +45,26 @@ class ArtIndex : public DocumentObserver {
     void layersChanged() override;
 
   private:
-    // Values first, so that all art with one value stands together.
-    using TaggedArt = std::set<std::pair<std::string, ArtId>>;
+    // Art to look at again, each once.
+    class ChangeList {
+      public:
+        void note(ArtId id);
+        template <typename Refresh>
+        void settle(Refresh refresh);
 
-    void catchUp();
-    void fill();
-    void refresh(ArtId id);
-    void refreshTags(ArtId id, const Art* art);
-    void noteArt(ArtId id);
+      private:
+        std::vector<ArtId> arts_;
+        std::vector<bool> isNoted_;  // by art
+    };
+    using ArtByValue = std::unordered_map<std::string, std::set<ArtId>>;
+
+    void catchUpBoxes();
+    void fillBoxes();
+    void refreshBox(ArtId id);
+    void catchUpTags();
+    void refreshTags(ArtId id);
+    void addTag(const Tag& tag, ArtId id);
+    ArtByValue& fillTag(std::string_view name);
     void noteSubtree(ArtId top);
     template <typename Visit>
     void visitSubtree(ArtId top, Visit visit) const;
@@ -60,14 +73,14 @@ class ArtIndex : public DocumentObserver {
     void sortInWalkOrder(std::vector<ArtId>* arts) const;
 
     Document& document_;
-    bool filled_ = false;
-    std::vector<ArtId> changed_;                   // looked at again by the next question
-    std::vector<bool> isChanged_;                  // by art
+    bool boxesFilled_ = false;
+    ChangeList changedBoxes_, changedTags_;        // apart, since a question needs but one of them
     std::vector<LayerId> layerIndexed_;            // by art: the layer in whose tree it stands, 0 for none
     std::vector<std::uint32_t> leafOf_;            // by art, for the trees
     std::vector<std::unique_ptr<BoxTree>> trees_;  // by layer
     std::vector<BoxTree::Item> candidates_;        // of the question that is asked
-    std::map<std::string, TaggedArt, std::less<>> tagged_;
+    // By name, those that have been asked for: a record has many tags, and few of them are ever looked for.
+    std::map<std::string, ArtByValue, std::less<>> tagged_;
     std::unordered_map<ArtId, std::vector<Tag>> tagsIndexed_;
 };
 

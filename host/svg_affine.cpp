@@ -48,12 +48,13 @@ void skipBlanks(const char** at, const char* end) {
 }
 
 // Powers of ten that a double holds exactly.
-constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10,
-                                   1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kExactDigits = 15;
 
-// Plain decimals of up to 15 digits, which nearly all numbers of a drawing are: the digits and the power of ten are both
-// exact in a double, so that one division rounds as any correct reader does (Clinger's fast path). Null: another form.
+// Plain decimals of up to 15 digits, which nearly all numbers of a drawing are: the digits and the power of ten are
+// both exact in a double, so that one division rounds as any correct reader does (Clinger's fast path). Null: another
+// form.
 const char* readPlainDecimal(const char* at, const char* end, double* value) {
     std::uint64_t digits = 0;
     const char* start = at;

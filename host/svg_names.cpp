@@ -2,6 +2,7 @@
 // thereby free to part what we add: "t-" before a name that could not begin an attribute's, "m3-" for a member.
 #include "host/svg_names.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace quorvel::host {
@@ -51,6 +52,31 @@ std::string encodeBytes(std::string_view bytes) {
 }
 
 std::string decodeBytes(std::string_view text) { return unescape(text, '%'); }
+
+std::string encodeList(const std::vector<std::string>& texts) {
+    std::string list;
+    for (const std::string& text : texts) {
+        if (&text != &texts.front()) list += ' ';
+        for (char c : encodeBytes(text)) {
+            if (c == ' ') {
+                list += "%20";
+            } else {
+                list += c;
+            }
+        }
+    }
+    return list;
+}
+
+std::vector<std::string> decodeList(std::string_view list) {
+    std::vector<std::string> texts;
+    for (std::size_t at = 0; at < list.size();) {
+        const std::size_t end = std::min(list.find(' ', at), list.size());
+        texts.push_back(decodeBytes(list.substr(at, end - at)));
+        at = end + 1;
+    }
+    return texts;
+}
 
 std::string tagAttribute(const TagPlace& tag) {
     std::string name;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorvel::host {
 
@@ -37,6 +38,10 @@ constexpr const char* kRuler = "page-ruler";
 // Printable ASCII but "%" as it is, every other byte as %XX.
 std::string encodeBytes(std::string_view bytes);
 std::string decodeBytes(std::string_view text);
+
+// Texts parted by blanks, each encoded.
+std::string encodeList(const std::vector<std::string>& texts);
+std::vector<std::string> decodeList(std::string_view list);
 
 // The attribute's name without prefix for a tag, of the element itself or of the member of its compound path with this
 // number (the lowest is 0).

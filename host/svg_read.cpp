@@ -283,16 +283,6 @@ LayerId layerById(const std::string& id, const SvgWalk& walk, SvgIds* ids) {
     return 0;
 }
 
-std::vector<std::string> splitTitles(std::string_view list) {
-    std::vector<std::string> titles;
-    for (std::size_t at = 0; at < list.size();) {
-        const std::size_t end = std::min(list.find(' ', at), list.size());
-        titles.push_back(decodeBytes(list.substr(at, end - at)));
-        at = end + 1;
-    }
-    return titles;
-}
-
 SvgReadResult refused(std::string error) {
     SvgReadResult result;
     result.error = std::move(error);
@@ -335,7 +325,7 @@ SvgReadResult readSvg(std::string text) {
     SvgIds ids(root);
     SvgWalk walk(document.get(), source.get(), &ids);
     walk.svgPrefixes = std::move(svgPrefixes);
-    walk.looseLayerTitles = splitTitles(rootOwn(own_attribute::kLayerTitles));
+    walk.looseLayerTitles = decodeList(rootOwn(own_attribute::kLayerTitles));
     for (const std::string& sheet : found.sheets) walk.resolver.sheet.add(sheet);
     source->hasStyleSheet = !walk.resolver.sheet.empty();
     if (walk.resolver.sheet.skippedSome()) walk.warnings.insert("some style sheet rules are not understood");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <optional>
 #include <span>
 
 #include "host/css.h"
@@ -167,6 +168,7 @@ class Splicer {
                 rootItems_.insert(rootItems_.end(), items.begin(), items.end());
             } else {
                 hasLayerElements = true;
+                if (layer->source == 0) wrapped_.push_back(layer);
                 rootItems_.push_back({root, layer, layer->source > 0 ? layer->source : -1});
             }
         }
@@ -176,26 +178,32 @@ class Splicer {
 
     // The titles of loose layers are said only where a reader would give them others.
     void planTitles(const std::vector<const Layer*>& loose, bool hasLayerElements) {
+        const StartTag root(startTagText(text_, source_.elements[0].nameOffset));
+        const std::vector<std::string> said =
+            decodeList(root.attribute(source_.names.own + own_attribute::kLayerTitles).value_or(""));
+        bool asSaid = true;
         bool asGiven = true;
+        std::vector<std::string> titles;
         for (std::size_t i = 0; i < loose.size(); ++i) {
             std::string given = "Layer 1";
             if (hasLayerElements) given = i == 0 ? "<root>" : "<root> " + std::to_string(i + 1);
+            titles.push_back(loose[i]->title);
             asGiven &= loose[i]->title == given;
-            std::string title;
-            for (char c : encodeBytes(loose[i]->title)) title += c == ' ' ? std::string("%20") : std::string(1, c);
-            if (i > 0) looseTitles_ += ' ';
-            looseTitles_ += title;
+            asSaid &= loose[i]->title == (i < said.size() ? said[i] : given);
         }
-        if (asGiven) looseTitles_.clear();
+        if (!asSaid) looseTitles_ = asGiven ? "" : encodeList(titles);
     }
 
     void planCurrentLayer() {
         const LayerId current = document_.currentLayer();
         const Layer* layer = document_.layer(current);
         if (!layer) return;
-        const LayerId given = document_.layer(source_.currentLayer) ? source_.currentLayer : document_.layers().front();
+        // What a reader would find: the named layer while it is where it was, else the topmost.
+        const auto wrapped = [&](const Layer* one) { return std::ranges::find(wrapped_, one) != wrapped_.end(); };
+        const Layer* named = document_.layer(source_.currentLayer);
+        const LayerId given = named && !wrapped(named) ? named->id : document_.layers().front();
         if (given == current) return;
-        const std::int32_t own = layer->source;
+        const std::int32_t own = wrapped(layer) ? -1 : layer->source;
         if (own >= 0) {
             const StartTag tag(startTagText(text_, element(own).nameOffset));
             currentId_ = tag.attribute("id").value_or("");
@@ -266,17 +274,15 @@ class Splicer {
     }
 
     void setRootAttributes(StartTag* tag) {
-        const std::string titles = source_.names.own + own_attribute::kLayerTitles;
-        if (!looseTitles_.empty()) {
-            tag->set(writer_.ownName(own_attribute::kLayerTitles), looseTitles_);
-        } else {
-            tag->remove(titles);
-        }
+        if (looseTitles_ && looseTitles_->empty()) tag->remove(source_.names.own + own_attribute::kLayerTitles);
+        if (looseTitles_ && !looseTitles_->empty())
+            tag->set(writer_.ownName(own_attribute::kLayerTitles), *looseTitles_);
         if (!rulerUnit_.empty() && rulerUnit_ != source_.rulerUnit)
             tag->set(writer_.ownName(own_attribute::kRuler), rulerUnit_);
         if (!currentId_.empty() && source_.namedViewOffset == 0)
             tag->set(writer_.ownName(own_attribute::kCurrentLayer), currentId_);
-        if (needsId_ && needsId_->source == 0) tag->set("id", currentId_);
+        if (needsId_ && needsId_->source == 0 && std::ranges::find(wrapped_, needsId_) == wrapped_.end())
+            tag->set("id", currentId_);
     }
 
     void finishRoot(StartTag* tag) {
@@ -581,9 +587,10 @@ class Splicer {
     std::vector<bool> dirty_;
     std::vector<ElementSpan> spans_;
     std::vector<Item> rootItems_;
-    std::string looseTitles_;         // empty: as a reader gives them
-    std::string currentId_;           // empty: as a reader finds it
-    const Layer* needsId_ = nullptr;  // the current layer, when its element has no id yet
+    std::vector<const Layer*> wrapped_;       // art in no layer element that gets one now
+    std::optional<std::string> looseTitles_;  // to be said, empty for none; nothing: what is said stands
+    std::string currentId_;                   // empty: as a reader finds it
+    const Layer* needsId_ = nullptr;          // the current layer, when its element has no id yet
 };
 
 // --- a new file ----------------------------------------------------------------------------------------------------

@@ -13,8 +13,7 @@ namespace quorvel::platform {
 
 namespace {
 
-// Coordinates that a view can show; the set of inverted pixels does not grow with a shape's length beyond it.
-constexpr std::int64_t kReach = 32768;
+constexpr std::int64_t kReach = ViewScreen::kReach;
 
 // Products of coordinate differences: 34 bits each, their doubled product does not fit 64.
 __extension__ typedef __int128 Wide;

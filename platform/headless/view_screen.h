@@ -38,6 +38,14 @@ class ViewScreen {
     void setTitle(const std::string& title);
     void repainted();
     std::size_t visiblePixels() const { return inverted_.size(); }
+    // Calls visit(h, v) for each pixel that is inverted now, counted from the canvas, in no order.
+    template <typename Visit>
+    void forEachInverted(Visit visit) const {
+        for (const std::uint64_t key : inverted_)
+            visit(static_cast<std::int64_t>(key >> 32) - kReach, static_cast<std::int64_t>(key & 0xFFFFFFFF) - kReach);
+    }
+    // Coordinates that a view can show; the set of inverted pixels does not grow with a shape's length beyond it.
+    static constexpr std::int64_t kReach = 32768;
     std::uint32_t generation() const { return generation_; }
 
     // Null for a window that does not stand any more.
