@@ -10,8 +10,7 @@
 #include "plugin/settings/info_panel.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/snapping/preview.h"
-#include "plugin/snapping/snap.h"
+#include "plugin/snapping/run_protocol.h"
 #include "plugin/walking/walk.h"
 
 namespace quorvel {
@@ -73,10 +72,7 @@ AIErr ArcDown(const AIToolMessage* message) {
     PluginGlobals* globals = gGlobals;
     ToolState& live = globals->liveState;
     if (live.toolStep == 0) {
-        if (globals->hitKind != kSnapNothing)
-            live.toolStep = 1;
-        else
-            EndRunWithBeep(globals);
+        PressFirstPoint(globals);
     } else if (live.toolStep == 2) {
         CommitCursor(globals);
         RedrawPreview(globals, PaintArc);
@@ -88,18 +84,7 @@ AIErr ArcDown(const AIToolMessage* message) {
     return kNoErr;
 }
 
-AIErr ArcUp(const AIToolMessage* /*message*/) {
-    PluginGlobals* globals = gGlobals;
-    ToolState& live = globals->liveState;
-    if (live.toolStep != 1) return kNoErr;
-    CommitCursor(globals);
-    RedrawPreview(globals, PaintArc);
-    if (globals->hitKind != kSnapNothing && !PointsEqual(live.fromPoint, live.toPoint))
-        live.toolStep = 2;
-    else
-        EndRunWithBeep(globals);
-    return kNoErr;
-}
+AIErr ArcUp(const AIToolMessage* /*message*/) { return ReleaseIntoPlacing(PaintArc); }
 
 // --- solver -------------------------------------------------------------------------------------------------------
 

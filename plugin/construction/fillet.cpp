@@ -9,8 +9,7 @@
 #include "plugin/settings/small_dialogs.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/snapping/preview.h"
-#include "plugin/snapping/snap.h"
+#include "plugin/snapping/run_protocol.h"
 #include "plugin/walking/walk.h"
 
 namespace quorvel {
@@ -19,22 +18,6 @@ namespace {
 
 constexpr std::int32_t kRefusingCursor = 16102, kPickingCursor = 16104;
 constexpr double kBoxSlack = 0.001;
-
-std::int16_t FilletSnap(PluginGlobals* globals) {
-    ToolState& live = globals->liveState;
-    const SnapResult result = RunSnapChain(globals, SnapFamily::fillet);
-    if (result.kind != kSnapNothing) {
-        if (live.toolStep == 0) {
-            live.fromKind = result.kind;
-            live.fromPoint = live.cursorPoint;
-        }
-        live.toKind = result.kind;
-        live.toPoint = live.cursorPoint;
-    }
-    if (live.toolStep == 0) live.fromCells[0] = result.cells[0];
-    live.toCells[0] = result.cells[0];
-    return result.kind;
-}
 
 void PaintFillet(const PreviewPen& pen, PluginGlobals* /*globals*/, ToolState* state, bool /*isDrawn*/) {
     if (state->toolStep == 1) DrawPreviewLine(pen, state->fromPoint, state->cursorPoint);
@@ -51,7 +34,7 @@ AIErr FilletEditOptions(const AIToolMessage* /*message*/) {
 
 AIErr FilletTrack(const AIToolMessage* /*message*/) {
     PluginGlobals* globals = gGlobals;
-    const std::int16_t kind = FilletSnap(globals);
+    const std::int16_t kind = SnapTwoPicks(globals, SnapFamily::fillet);
     globals->hitKind = static_cast<std::uint16_t>(kind);
     RedrawPreview(globals, PaintFillet);
     SetPanelRun(globals->liveState);
@@ -60,29 +43,12 @@ AIErr FilletTrack(const AIToolMessage* /*message*/) {
 }
 
 AIErr FilletDown(const AIToolMessage* /*message*/) {
-    PluginGlobals* globals = gGlobals;
-    if (globals->liveState.toolStep != 0) return kNoErr;
-    if (globals->hitKind != kSnapNothing)
-        globals->liveState.toolStep = 1;
-    else
-        EndRunWithBeep(globals);
+    PressFirstPoint(gGlobals);
     return kNoErr;
 }
 
 AIErr FilletUp(const AIToolMessage* message) {
-    PluginGlobals* globals = gGlobals;
-    const ToolState& live = globals->liveState;
-    if (live.toolStep != 1) return kNoErr;
-    CommitCursor(globals);
-    RedrawPreview(globals, PaintFillet);
-    if (globals->hitKind == kSnapNothing || PointsEqual(live.fromPoint, live.toPoint)) {
-        Beep();
-    } else {
-        NameUndoForTool(message->tool);
-        if (!BuildFillet()) Beep();
-    }
-    ContextBracket(globals);
-    return kNoErr;
+    return ReleaseTwoStep(message, {PaintFillet, TwoPointsPicked, BuildFillet});
 }
 
 // --- the corner of one path ---------------------------------------------------------------------------------------

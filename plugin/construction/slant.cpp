@@ -2,59 +2,23 @@
 // by anchor and hands all other art to the host.
 #include "plugin/construction/slant.h"
 
-#include "plugin/settings/info_panel.h"
-#include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/snapping/preview.h"
-#include "plugin/snapping/snap.h"
+#include "plugin/snapping/run_protocol.h"
 #include "plugin/walking/walk.h"
 
 namespace quorvel {
 
-namespace {
-
-void PaintSlant(const PreviewPen& pen, PluginGlobals* /*globals*/, ToolState* state, bool /*isDrawn*/) {
-    if (state->toolStep == 1 && !PointsEqual(state->fromPoint, state->cursorPoint))
-        DrawPreviewLine(pen, state->fromPoint, state->cursorPoint);
-}
-
-}  // namespace
-
 // --- events -------------------------------------------------------------------------------------------------------
 
-AIErr SlantTrack(const AIToolMessage* /*message*/) {
-    PluginGlobals* globals = gGlobals;
-    const std::int16_t kind = SnapTwoPoints(globals, SnapFamily::slant);
-    RedrawPreview(globals, PaintSlant);
-    SetPanelRun(globals->liveState);
-    SetToolCursor(CursorForSnapKind(kind));
-    return kNoErr;
-}
+AIErr SlantTrack(const AIToolMessage* /*message*/) { return TrackTwoPoints(SnapFamily::slant, PaintRubberLine); }
 
 AIErr SlantDown(const AIToolMessage* /*message*/) {
-    PluginGlobals* globals = gGlobals;
-    if (globals->liveState.toolStep != 0) return kNoErr;
-    if (globals->hitKind != kSnapNothing)
-        globals->liveState.toolStep = 1;
-    else
-        EndRunWithBeep(globals);
+    PressFirstPoint(gGlobals);
     return kNoErr;
 }
 
 AIErr SlantUp(const AIToolMessage* message) {
-    PluginGlobals* globals = gGlobals;
-    const ToolState& live = globals->liveState;
-    if (live.toolStep != 1) return kNoErr;
-    CommitCursor(globals);
-    RedrawPreview(globals, PaintSlant);
-    if (globals->hitKind != kSnapNothing && !PointsEqual(live.fromPoint, live.toPoint)) {
-        NameUndoForTool(message->tool);
-        if (!LevelSelection()) Beep();
-    } else {
-        Beep();
-    }
-    ContextBracket(globals);
-    return kNoErr;
+    return ReleaseTwoStep(message, {PaintRubberLine, TwoPointsPicked, LevelSelection});
 }
 
 // --- turning ------------------------------------------------------------------------------------------------------

@@ -10,8 +10,7 @@
 #include "plugin/settings/info_panel.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/snapping/preview.h"
-#include "plugin/snapping/snap.h"
+#include "plugin/snapping/run_protocol.h"
 #include "plugin/walking/walk.h"
 
 namespace quorvel {
@@ -25,20 +24,9 @@ void PaintAngle(const PreviewPen& pen, PluginGlobals* globals, ToolState* state,
 
 // The whole chain while the arc follows the cursor, the straight pick before.
 std::int16_t AngleSnap(PluginGlobals* globals) {
-    ToolState& live = globals->liveState;
+    if (globals->liveState.toolStep != 2) return SnapTwoPicks(globals, SnapFamily::angle);
     const SnapResult result = RunSnapChain(globals, SnapFamily::angle);
-    if (live.toolStep == 2) return result.kind != kSnapNothing ? result.kind : static_cast<std::int16_t>(kSnapFree);
-    if (result.kind != kSnapNothing) {
-        if (live.toolStep == 0) {
-            live.fromKind = result.kind;
-            live.fromPoint = live.cursorPoint;
-        }
-        live.toKind = result.kind;
-        live.toPoint = live.cursorPoint;
-    }
-    if (live.toolStep == 0) live.fromCells[0] = result.cells[0];
-    live.toCells[0] = result.cells[0];
-    return result.kind;
+    return result.kind != kSnapNothing ? result.kind : static_cast<std::int16_t>(kSnapFree);
 }
 
 std::int32_t AngleCursor(std::int16_t toolStep, std::int16_t kind) {
@@ -117,10 +105,7 @@ AIErr AngleDown(const AIToolMessage* message) {
     PluginGlobals* globals = gGlobals;
     ToolState& live = globals->liveState;
     if (live.toolStep == 0) {
-        if (globals->hitKind != kSnapNothing)
-            live.toolStep = 1;
-        else
-            EndRunWithBeep(globals);
+        PressFirstPoint(globals);
     } else if (live.toolStep == 2) {
         live.toolStep = 0;
         RedrawPreview(globals, PaintAngle);
@@ -132,18 +117,7 @@ AIErr AngleDown(const AIToolMessage* message) {
     return kNoErr;
 }
 
-AIErr AngleUp(const AIToolMessage* /*message*/) {
-    PluginGlobals* globals = gGlobals;
-    ToolState& live = globals->liveState;
-    if (live.toolStep != 1) return kNoErr;
-    CommitCursor(globals);
-    RedrawPreview(globals, PaintAngle);
-    if (globals->hitKind != kSnapNothing && !PointsEqual(live.fromPoint, live.toPoint))
-        live.toolStep = 2;
-    else
-        EndRunWithBeep(globals);
-    return kNoErr;
-}
+AIErr AngleUp(const AIToolMessage* /*message*/) { return ReleaseIntoPlacing(PaintAngle); }
 
 // --- preview ------------------------------------------------------------------------------------------------------
 

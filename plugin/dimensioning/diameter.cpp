@@ -25,13 +25,13 @@ AIErr DiameterTrack(const AIToolMessage* /*message*/) {
 }
 
 AIErr DiameterDown(const AIToolMessage* /*message*/) {
-    PressRound();
+    PressFirstPoint(gGlobals);
     return kNoErr;
 }
 
 AIErr DiameterUp(const AIToolMessage* message) {
-    ReleaseRound(kDiameterRoundTool, message->tool, PaintDiameter);
-    return kNoErr;
+    return ReleaseTwoStep(message,
+                          {PaintDiameter, RoundPickIsPlaced, [] { return BuildDiameterDimension(nullptr) != 0; }});
 }
 
 std::int32_t DiameterGeometry(const DoublePoint& placement, double* r, DoublePoint* P0, DoublePoint* S,

@@ -106,13 +106,12 @@ AIErr RadiusTrack(const AIToolMessage* /*message*/) {
 }
 
 AIErr RadiusDown(const AIToolMessage* /*message*/) {
-    PressRound();
+    PressFirstPoint(gGlobals);
     return kNoErr;
 }
 
 AIErr RadiusUp(const AIToolMessage* message) {
-    ReleaseRound(kRadiusRoundTool, message->tool, PaintRadius);
-    return kNoErr;
+    return ReleaseTwoStep(message, {PaintRadius, RoundPickIsPlaced, [] { return BuildRadiusDimension(nullptr) != 0; }});
 }
 
 void TrackRound(const RoundTool& tool, PreviewPainter painter) {
@@ -125,28 +124,8 @@ void TrackRound(const RoundTool& tool, PreviewPainter painter) {
     SetToolCursor(RoundCursor(step, kind));
 }
 
-void PressRound() {
-    PluginGlobals* globals = gGlobals;
-    if (globals->liveState.toolStep != 0) return;
-    if (globals->hitKind != kSnapNothing)
-        globals->liveState.toolStep = 1;
-    else
-        EndRunWithBeep(globals);
-}
-
-void ReleaseRound(const RoundTool& tool, AIToolHandle handle, PreviewPainter painter) {
-    PluginGlobals* globals = gGlobals;
-    ToolState& live = globals->liveState;
-    if (live.toolStep != 1) return;
-    CommitCursor(globals);
-    RedrawPreview(globals, painter);
-    if (PointsEqual(live.fromPoint, live.toPoint)) {
-        Beep();
-    } else {
-        NameUndoForTool(handle);
-        if (BuildRound(tool, nullptr) == 0) Beep();
-    }
-    ContextBracket(globals);
+bool RoundPickIsPlaced(const PluginGlobals* globals) {
+    return !PointsEqual(globals->liveState.fromPoint, globals->liveState.toPoint);
 }
 
 // --- preview ------------------------------------------------------------------------------------------------------

@@ -5,8 +5,7 @@
 #include "hostapi/messages.h"
 #include "plugin/dimensioning/units.h"
 #include "plugin/shell/globals.h"
-#include "plugin/snapping/preview.h"
-#include "plugin/snapping/snap.h"
+#include "plugin/snapping/run_protocol.h"
 
 namespace quorvel {
 
@@ -43,8 +42,8 @@ struct RoundLeader {
 };
 bool SolveRoundLeader(const RoundTool& tool, const SnapCell& cell, const DoublePoint& placement, RoundLeader* leader);
 void TrackRound(const RoundTool& tool, PreviewPainter painter);
-void PressRound();
-void ReleaseRound(const RoundTool& tool, AIToolHandle handle, PreviewPainter painter);
+// The second point is never set by these tools: only a pick at the origin equals it.
+bool RoundPickIsPlaced(const PluginGlobals* globals);
 void PaintRound(const RoundTool& tool, const PreviewPen& pen, const ToolState& state);
 std::int32_t BuildRound(const RoundTool& tool, AIArtHandle oldGroup);
 

@@ -2,10 +2,7 @@
 #include "plugin/frame/schedule.h"
 
 #include "plugin/frame/frame_art.h"
-#include "plugin/settings/info_panel.h"
-#include "plugin/shell/services.h"
-#include "plugin/snapping/preview.h"
-#include "plugin/snapping/snap.h"
+#include "plugin/snapping/run_protocol.h"
 
 namespace quorvel {
 
@@ -21,39 +18,15 @@ void PaintRubberBand(const PreviewPen& pen, PluginGlobals* /*globals*/, ToolStat
 
 }  // namespace
 
-AIErr ScheduleTrack(const AIToolMessage* /*message*/) {
-    PluginGlobals* globals = gGlobals;
-    const std::int16_t kind = SnapTwoPoints(globals, SnapFamily::schedule);
-    RedrawPreview(globals, PaintRubberBand);
-    SetPanelRun(globals->liveState);
-    SetToolCursor(CursorForSnapKind(kind));
-    return kNoErr;
-}
+AIErr ScheduleTrack(const AIToolMessage* /*message*/) { return TrackTwoPoints(SnapFamily::schedule, PaintRubberBand); }
 
 AIErr ScheduleDown(const AIToolMessage* /*message*/) {
-    PluginGlobals* globals = gGlobals;
-    if (globals->liveState.toolStep != 0) return kNoErr;
-    if (globals->hitKind != kSnapNothing)
-        globals->liveState.toolStep = 1;
-    else
-        EndRunWithBeep(globals);
+    PressFirstPoint(gGlobals);
     return kNoErr;
 }
 
 AIErr ScheduleUp(const AIToolMessage* message) {
-    PluginGlobals* globals = gGlobals;
-    ToolState& live = globals->liveState;
-    if (live.toolStep != 1) return kNoErr;
-    CommitCursor(globals);
-    RedrawPreview(globals, PaintRubberBand);
-    if (PointsEqual(live.fromPoint, live.toPoint)) {
-        Beep();
-    } else {
-        NameUndoForTool(message->tool);
-        if (BuildSchedule() == 0) Beep();
-    }
-    ContextBracket(globals);
-    return kNoErr;
+    return ReleaseTwoStep(message, {PaintRubberBand, TwoPointsPicked, [] { return BuildSchedule() != 0; }});
 }
 
 }  // namespace quorvel

@@ -37,7 +37,15 @@ __attribute__((format(printf, 1, 2))) std::string Print(const char* format, ...)
     return text;
 }
 
-std::string StopTag(int number) { return Print("QUORVEL_STOPCELL%2.2d", number); }
+// Every record is asked for all of them, though few have any.
+const std::string& StopTag(int number) {
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> made;
+        for (int i = 0; i <= kStopLimit; ++i) made.push_back(Print("QUORVEL_STOPCELL%2.2d", i));
+        return made;
+    }();
+    return names[static_cast<std::size_t>(number)];
+}
 
 double NumberIn(std::string_view text, int index) {
     std::string field;
@@ -159,7 +167,7 @@ void WriteCellList(AIArtHandle group, const char* tagName, const SnapCell* cells
 }
 
 void WriteStopList(AIArtHandle group, int number, const StopRecord& stop) {
-    const std::string tagName = StopTag(number);
+    const std::string& tagName = StopTag(number);
     std::string text = PairsText(stop.cells, tagName.c_str());
     if (!text.empty()) text += ',';
     WriteTag(group, tagName.c_str(), text + Print("0,%g,%g", stop.point.h, stop.point.v));
