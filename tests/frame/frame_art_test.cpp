@@ -3,8 +3,10 @@
 #include "plugin/frame/frame_art.h"
 
 #include <cmath>
+#include <regex>
 
 #include "host/fonts.h"
+#include "host/svg.h"
 #include "tests/support/drawing_hand.h"
 
 namespace quorvel::tests {
@@ -276,6 +278,26 @@ TEST_F(FrameArt, LongTextsShrinkEvenly) {
     EXPECT_NEAR((bounds.right + bounds.left) / 2, 595, 0.05);
     EXPECT_LT(title->text->matrix.a, 0.2F);
     EXPECT_EQ(title->text->matrix.a, title->text->matrix.d);
+}
+
+TEST_F(FrameArt, AShrunkTextIsShrunkInTheFileToo) {
+    begin("ENGLISH", 2);
+    std::snprintf(hand->prefs().flZwkTitle, sizeof hand->prefs().flZwkTitle, "%s", std::string(50, 'W').c_str());
+    const host::TextData& title = *hand->piecesOf(hand->piecesOf(draw()->id).at(0)->id).at(14)->text;
+    const std::string saved = host::writeSvg(hand->document());
+    // As a program shows it that knows nothing of our own attributes.
+    const std::string plain = std::regex_replace(saved, std::regex(" quorvel:text-exact=\"[^\"]*\""), "");
+    ASSERT_NE(plain, saved);
+    const host::SvgReadResult read = host::readSvg(plain);
+    ASSERT_NE(read.document, nullptr) << read.error;
+    const host::Document& document = *read.document;
+    const host::ArtId root = document.layer(document.currentLayer())->root;
+    const Art* text =
+        document.find(document.find(document.find(document.find(root)->firstChild)->lastChild)->lastChild);
+    for (int i = 0; i < 14; ++i) text = document.find(text->above);
+    ASSERT_EQ(TextOf(*text), std::string(50, 'W'));
+    EXPECT_NEAR(text->text->runs[0].features.size * text->text->matrix.a, 12 * title.matrix.a, 1e-3);
+    EXPECT_NEAR(text->text->matrix.tx, 595, kNear);
 }
 
 TEST_F(FrameArt, ACellTooNarrowForItsMarginTurnsItsText) {

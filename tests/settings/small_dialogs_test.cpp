@@ -90,13 +90,17 @@ TEST_P(SmallDialogs, FilletRefusesWhatIsNoRadius) {
 // The two dialogs are one but for the mode's field; the row of the list belongs to both.
 TEST_P(SmallDialogs, RadiusAndDiameterShareThePosition) {
     const std::int32_t list = 7;
-    const char* along = text("Along line", "寸法線に沿う");
     // Lists speak English in English alone.
     const bool english = std::strcmp(GetParam(), "ENGLISH") == 0;
-    if (!english) along = "寸法線に沿う";
-    EXPECT_FALSE(run(
-        16266, {look(5, "on"), look(6, "off"), look(list, along), press(6), {Kind::selectRow, list, "", 2}, press(2)},
-        RunRadiusDialog));
+    const auto row = [&](const char* name, const char* other) { return look(list, english ? name : other); };
+    EXPECT_FALSE(run(16266,
+                     {look(5, "on"),
+                      look(6, "off"),
+                      row("Along line", "寸法線に沿う"),
+                      press(6),
+                      {Kind::selectRow, list, "", 2},
+                      press(2)},
+                     RunRadiusDialog));
     EXPECT_EQ(prefs.flRadiusMode, 0);
     EXPECT_EQ(prefs.flRdSpos, 0);
     EXPECT_TRUE(run(16266, {press(6), {Kind::selectRow, list, "", 2}, press(1)}, RunRadiusDialog));
@@ -105,7 +109,7 @@ TEST_P(SmallDialogs, RadiusAndDiameterShareThePosition) {
     EXPECT_EQ(prefs.flDiameterMode, 0);
     EXPECT_TRUE(run(16265,
                     {look(5, "on"),
-                     look(list, english ? "Sub line (Right)" : "右側に補助線"),
+                     row("Sub line (Right)", "右側に補助線"),
                      press(6),
                      press(5),
                      press(6),
@@ -113,10 +117,8 @@ TEST_P(SmallDialogs, RadiusAndDiameterShareThePosition) {
                      press(1)},
                     RunDiameterDialog));
     EXPECT_EQ(prefs.flDiameterMode, 1);
-    EXPECT_TRUE(run(
-        16266,
-        {look(5, "off"), look(6, "on"), look(list, english ? "Sub line (Left)" : "左側に補助線"), press(5), press(1)},
-        RunRadiusDialog));
+    EXPECT_TRUE(run(16266, {look(5, "off"), look(6, "on"), row("Sub line (Left)", "左側に補助線"), press(5), press(1)},
+                    RunRadiusDialog));
     EXPECT_EQ(prefs.flRadiusMode, 0);
     EXPECT_EQ(prefs.flRdSpos, 1);
 }

@@ -1,0 +1,222 @@
+// Reads the command's options, fills the title block through the Schedule dialog and drags the Schedule tool.
+#include "cli/frame_command.h"
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <filesystem>
+#include <iostream>
+#include <set>
+
+#include "cli/commands.h"
+#include "cli/script.h"
+#include "platform/file.h"
+#include "platform/headless/folders.h"
+#include "platform/text.h"
+
+namespace quorvel::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::DialogStep;
+
+// The Schedule tools and their dialog, in the two languages that the plug-in speaks.
+struct ScheduleWords {
+    const char *bottomTool, *topTool;
+    std::int32_t dialog;
+};
+constexpr ScheduleWords kWords[] = {{"Schedule Tool [bottom]", "Schedule Tool [top + bottom]", 16259},
+                                    {"図面枠ツール [下に部品]", "図面枠ツール [上に部品]", 16159}};
+constexpr std::int32_t kPresetList = 106, kOkControl = 1;
+// Without a preset the list is "Untitled", then seven rows of commands, "Import" the last.
+constexpr std::int32_t kImportRow = 7;
+
+// A profile for one run with the settings of another: what the run imports does not end up in the user's own settings,
+// and no preset stands in the way of the list's command rows.
+class BorrowedProfile {
+  public:
+    explicit BorrowedProfile(const std::string& lender) {
+        std::string pattern = (fs::temp_directory_path() / "quorvel-frame-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) throw InputError(pattern + ": cannot be created");
+        path_ = pattern;
+        const fs::path settings = fs::path("Adobe") / "Illustrator" / "Prefs" / "Quorvel.ini";
+        const fs::path from = fs::path(lender.empty() ? platform::UserDocumentsFolder() : lender) / settings;
+        std::error_code error;
+        if (!fs::is_regular_file(from, error)) return;  // a first run has none
+        fs::create_directories((path_ / settings).parent_path(), error);
+        if (!fs::copy_file(from, path_ / settings, error)) throw InputError(from.string() + ": " + error.message());
+    }
+    ~BorrowedProfile() {
+        std::error_code error;
+        fs::remove_all(path_, error);
+    }
+    BorrowedProfile(const BorrowedProfile&) = delete;
+    BorrowedProfile& operator=(const BorrowedProfile&) = delete;
+
+    std::string path() const { return path_.string(); }
+
+  private:
+    fs::path path_;
+};
+
+struct Corners {
+    RealPoint lower, upper;
+};
+
+Corners parseCorners(const std::string& text) {
+    std::array<float, 4> numbers{};
+    std::size_t start = 0;
+    try {
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            const std::size_t end = i + 1 < numbers.size() ? text.find(',', start) : text.size();
+            if (end == std::string::npos) throw std::invalid_argument("four numbers, LEFT,BOTTOM,RIGHT,TOP");
+            ScriptWord word;
+            word.text = text.substr(start, end - start);
+            numbers[i] = static_cast<float>(numberIn(word));
+            start = end + 1;
+        }
+    } catch (const std::invalid_argument& cause) {
+        throw InputError("--at " + text + ": " + cause.what());
+    }
+    const Corners corners{{numbers[0], numbers[1]}, {numbers[2], numbers[3]}};
+    if (corners.lower.h == corners.upper.h && corners.lower.v == corners.upper.v)
+        throw InputError("--at " + text + ": the two corners are one point");
+    return corners;
+}
+
+// The output of each drawing, in their order.
+std::vector<std::string> outputPaths(const FrameOptions& options) {
+    if (options.output.empty() == options.outputFolder.empty())
+        throw InputError("frame: -o for one drawing, --out-dir for several");
+    if (!options.output.empty()) {
+        if (options.files.size() != 1) throw InputError("frame: several drawings need --out-dir");
+        return {options.output};
+    }
+    if (!platform::CreateFolder(options.outputFolder)) throw InputError(options.outputFolder + ": cannot be created");
+    std::vector<std::string> paths;
+    std::set<std::string> taken;
+    for (const std::string& file : options.files) {
+        paths.push_back((fs::path(options.outputFolder) / fs::path(file).filename()).string());
+        if (!taken.insert(paths.back()).second) throw InputError(paths.back() + ": two drawings of this name");
+    }
+    return paths;
+}
+
+const ScheduleWords& wordsOf(Session& session) {
+    for (const ScheduleWords& words : kWords)
+        if (session.host().toolByTitle(words.bottomTool) != nullptr) return words;
+    throw InputError("frame: the profile's settings leave the Schedule tools out (oldmode)");
+}
+
+void throwFault(Session& session) {
+    const std::string fault = session.user().takeFault();
+    session.user().takeTranscript();
+    if (!fault.empty()) throw InputError("frame: " + fault);
+}
+
+void importParts(Session& session, const ScheduleWords& words, const std::string& parts) {
+    // The dialog passes over a file that it cannot read in silence.
+    if (!platform::FileCanBeOpened(parts)) throw InputError(parts + ": cannot be read");
+    session.newDrawing(100, 100);  // without a frame in it, so that the dialog edits what the next one will say
+    session.user().queueDialog(
+        {words.dialog,
+         {{DialogStep::Kind::selectRow, kPresetList, "", kImportRow}, {DialogStep::Kind::press, kOkControl, "", 0}}});
+    session.user().queueFile(parts);
+    session.host().editOptions(*session.host().toolByTitle(words.bottomTool));
+    throwFault(session);
+}
+
+void applySets(Session& session, const std::vector<std::string>& sets) {
+    for (const std::string& set : sets) {
+        const std::size_t equals = set.find('=');
+        if (equals == std::string::npos) throw InputError("--set " + set + ": KEY=TEXT");
+        const std::string value = platform::FromUtf8(set.substr(equals + 1), platform::kCodePageJapanese);
+        if (!session.host().setField(set.substr(0, equals), value)) throw InputError("--set " + set + ": unknown key");
+    }
+}
+
+void drawFrame(Session& session, const char* toolTitle, const Corners& corners) {
+    host::Host& host = session.host();
+    const int beeps = session.user().beeps();
+    host.selectTool(*host.toolByTitle(toolTitle));
+    // The first event is only looked at when it moves the cursor away from where the last run has left it.
+    host.sendTool(kSelectorTrackCursor, corners.upper, 0);
+    host.sendTool(kSelectorTrackCursor, corners.lower, 0);
+    host.sendTool(kSelectorMouseDown, corners.lower, 0);
+    host.sendTool(kSelectorMouseDrag, corners.upper, 0);
+    host.sendTool(kSelectorMouseUp, corners.upper, 0);
+    throwFault(session);
+    if (session.user().beeps() != beeps) throw InputError("the current layer is hidden or locked");
+}
+
+// On a terminal only, and only when there is something to wait for.
+class Progress {
+  public:
+    explicit Progress(std::size_t total) : total_(total), shown_(total > 1 && isatty(STDERR_FILENO) != 0) {}
+    ~Progress() { clear(); }
+    void begin(std::size_t index, const std::string& file) const {
+        if (shown_) std::cerr << "\r\x1b[K" << index + 1 << " of " << total_ << ": " << file << std::flush;
+    }
+    void clear() const {
+        if (shown_) std::cerr << "\r\x1b[K" << std::flush;
+    }
+
+  private:
+    std::size_t total_;
+    bool shown_;
+};
+
+std::string namedError(const std::string& file, const std::string& cause) {
+    return cause.starts_with(file + ":") ? cause : file + ": " + cause;
+}
+
+}  // namespace
+
+void addFrameOptions(CLI::App& command, FrameOptions* options) {
+    command.add_option("FILE", options->files, "the drawings")->required();
+    command.add_option("--parts", options->parts, "the parts list, CSV in code page 932")->required();
+    command.add_option("--set", options->sets, "a setting on top of the list's, KEY=TEXT, such as flZwkTitle=Bracket");
+    command.add_option("--mode", options->mode, "the table stands on the title block or hangs from the top")
+        ->check(CLI::IsMember({"bottom", "top"}));
+    command.add_option("--at", options->at, "the frame, LEFT,BOTTOM,RIGHT,TOP in document points")->required();
+    command.add_option("-o,--output", options->output, "where the drawing goes");
+    command.add_option("--out-dir", options->outputFolder, "the folder where all drawings go, by their names");
+}
+
+int drawFrames(const FrameOptions& options, const SessionOptions& sessionOptions) {
+    const Corners corners = parseCorners(options.at);
+    const std::vector<std::string> outputs = outputPaths(options);
+    const BorrowedProfile profile(sessionOptions.profile);
+    SessionOptions borrowed = sessionOptions;
+    borrowed.profile = profile.path();
+    Session session(borrowed);
+    session.start();
+    const ScheduleWords& words = wordsOf(session);
+    importParts(session, words, options.parts);
+    applySets(session, options.sets);
+    session.host().setField("flUseGrid", "0");  // the corners are meant as they are given
+    const char* tool = options.mode == "top" ? words.topTool : words.bottomTool;
+    const Progress progress(options.files.size());
+    int status = kExitOk;
+    for (std::size_t i = 0; i < options.files.size(); ++i) {
+        const std::string& file = options.files[i];
+        progress.begin(i, file);
+        try {
+            session.openDrawing(file);
+            if (!session.warnings().empty()) progress.clear();
+            for (const std::string& warning : session.warnings()) std::cerr << file << ": " << warning << '\n';
+            drawFrame(session, tool, corners);
+            session.saveDrawing(outputs[i]);
+        } catch (const InputError& error) {
+            progress.clear();
+            std::cerr << namedError(file, error.what()) << '\n';
+            status = kExitBadInput;
+        }
+    }
+    return status;
+}
+
+}  // namespace quorvel::cli

@@ -1,0 +1,56 @@
+// Any bytes as the tags of a drawing frame, parted by zeros: the frame is found, read into the dialog and drawn anew,
+// and the new frame's tags say what was read.
+#include <cstdio>
+
+#include "fuzz/fuzz_support.h"
+
+using namespace quorvel;
+
+namespace {
+
+constexpr std::int32_t kDialog = 16159, kOk = 1, kCancel = 2;
+constexpr char kTool[] = "図面枠ツール [下に部品]";
+
+// The four pieces of the header, then the two halves of each row.
+std::string tagName(std::size_t index) {
+    char name[40];
+    if (index < 4)
+        std::snprintf(name, sizeof name, "QUORVEL_ZWK_SETTING_%zu", index + 1);
+    else
+        std::snprintf(name, sizeof name, "QUORVEL_ZWK_PARTS%3.3zu_%zu", (index - 4) / 2 + 1, (index - 4) % 2 + 1);
+    return name;
+}
+
+void makeFrame(host::Document& document, const std::vector<std::string>& values) {
+    const host::ArtId group = document.insertArt(kGroupArt, kPlaceAboveAll, 0);
+    const host::ArtId line = document.insertArt(kPathArt, kPlaceInsideOnTop, group);
+    const PathSegment ends[] = {{{10, 10}, {10, 10}, {10, 10}, 1}, {{500, 300}, {500, 300}, {500, 300}, 1}};
+    document.setSegments(line, 0, ends);
+    for (std::size_t i = 0; i < values.size() && i < 204; ++i)
+        if (!values[i].empty()) document.setTag(group, tagName(i), values[i]);
+    document.setSelected(group, true);
+}
+
+void openDialog(fuzz::PluginUnderTest& plugin, std::int32_t button) {
+    plugin.user().queueDialog({kDialog, {{platform::DialogStep::Kind::press, button, "", 0}}});
+    plugin.host().editOptions(*plugin.host().toolByTitle(kTool));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static fuzz::PluginUnderTest plugin;
+    host::Document& document = plugin.begin();
+    makeFrame(document, fuzz::cutAtZeros(data, size));
+    openDialog(plugin, kOk);
+    // As the dialog has stored it: bytes that are no text of the code page have become question marks.
+    const std::string stored = fuzz::scheduleText(*gGlobals);
+    const host::ArtId made = document.find(document.layer(document.currentLayer())->root)->firstChild;
+    if (document.tag(made, "QUORVEL_ZWK_SETTING_1") != nullptr) {
+        document.setSelected(made, true);
+        openDialog(plugin, kCancel);
+        fuzz::require(fuzz::scheduleText(*gGlobals) == stored);
+    }
+    plugin.end();
+    return 0;
+}
