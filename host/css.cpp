@@ -16,7 +16,7 @@ namespace {
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
 
 // Rules tried for all elements together: a sheet of a real drawing stays far below.
-constexpr std::size_t kMostWork = 20'000'000;
+constexpr std::size_t kMostWork = 5'000'000;
 
 // Where the next of the stops stands outside quotes, brackets and comments; the end when there is none.
 std::size_t findOutside(std::string_view text, std::size_t from, std::string_view stops) {

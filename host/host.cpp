@@ -55,6 +55,19 @@ class Raised {
 
 }  // namespace
 
+const char* MessageTexts::keep(const std::string& text) {
+    std::string_view& recent = recent_[std::hash<std::string_view>()(text) % recent_.size()];
+    if (recent.data() != nullptr && recent == text) return recent.data();
+    const std::size_t size = text.size() + 1;
+    if (blocks_.empty() || blocks_.back().capacity() - blocks_.back().size() < size)
+        blocks_.emplace_back().reserve(std::max(size, kBlock));
+    std::vector<char>& block = blocks_.back();
+    const std::size_t start = block.size();
+    block.insert(block.end(), text.c_str(), text.c_str() + size);
+    recent = {block.data() + start, text.size()};
+    return recent.data();
+}
+
 void MessageArena::clear() {
     const auto next = static_cast<std::uint16_t>(generation + 1);
     *this = {};

@@ -2,6 +2,7 @@
 // length of one message. The message pump and the suites' slots share it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -33,11 +34,24 @@ struct ParaFeatures {
     ATEJustification justification = kJustifyLeft;
 };
 
+// Copies of texts, packed closely: a recalculation reads the records of all dimensions in one message. The settings in
+// those records are mostly the same, so a text that was kept lately is given again.
+class MessageTexts {
+  public:
+    const char* keep(const std::string& text);
+
+  private:
+    static constexpr std::size_t kBlock = 1 << 16;
+
+    std::deque<std::vector<char>> blocks_;       // each reserved once, so that its texts stay where they are
+    std::array<std::string_view, 64> recent_{};  // by hash
+};
+
 // What slots give for the length of a message. A handle is the place in its list, from 1, with the generation.
 struct MessageArena {
     std::uint16_t generation = 1;
     std::deque<std::vector<std::uint16_t>> strings;
-    std::deque<std::string> texts;
+    MessageTexts texts;
     std::deque<TextRange> ranges;
     std::deque<CharFeatures> charFeatures;
     std::deque<ParaFeatures> paraFeatures;
@@ -84,7 +98,7 @@ struct HostState {
     std::unique_ptr<ArtIndex> artIndex;
     std::uint16_t documentSerial = 0;
     std::uint32_t lastGroupNumber = 0;  // of the ids given to groups of this document
-    std::uint64_t notifiedChange = 0;  // the document's change count when its changes were last told
+    std::uint64_t notifiedChange = 0;   // the document's change count when its changes were last told
     View view;
     std::string rulerUnit = "pt";
     AIPathStyle currentStyle;

@@ -313,8 +313,7 @@ AIErr getTag(AIArtHandle art, const char* name, const char* type, const void** v
         return kNoErr;
     }
     // A copy, since setting another tag may move the texts of an art.
-    std::deque<std::string>& texts = theHost().arena.texts;
-    *value = texts.emplace_back(*text).c_str();
+    *value = theHost().arena.texts.keep(*text);
     return kNoErr;
 }
 

@@ -525,7 +525,9 @@ class TextFormatter {
             }
         }
         hasTransform_ = !(transform_ == Affine{1, 0, 0, 1, transform_.e, transform_.f});
-        if (h == 1 && v == 1) scale_ = compose(container_, transform_).scale();
+        // A scale of the matrix itself is the transform's to show, not the size's to make good.
+        const bool turnsOnly = std::abs(std::abs(double(m.a) * m.d - double(m.b) * m.c) - 1) < 1e-5;
+        if (h == 1 && v == 1 && turnsOnly) scale_ = compose(container_, transform_).scale();
     }
 
     std::string length(float points) const {
