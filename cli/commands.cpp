@@ -8,6 +8,7 @@
 
 #include "cli/check_many.h"
 #include "cli/dump.h"
+#include "cli/frame_command.h"
 #include "cli/list.h"
 #include "cli/recalculation.h"
 #include "cli/script.h"
@@ -26,6 +27,7 @@ struct Options {
     std::vector<std::string> files, ids;
     bool json = false, all = false;
     SnapQuestion snap;
+    FrameOptions frame;
 };
 
 std::string readFile(const std::string& path) {
@@ -165,6 +167,10 @@ int runCommandLine(int argc, char** argv) {
                                  "out/bracket.svg");
     check->add_option("FILE", options.files, "the drawings")->required();
     check->add_flag("--json", options.json, "as JSON");
+    CLI::App* frame =
+        addCommand(app, &options, "frame", "draw a drawing frame with title block and parts table",
+                   "examples/bracket.svg --parts examples/bracket.csv --at 40,40,800,555 -o out/sheet.svg");
+    addFrameOptions(*frame, &options.frame);
 
     try {
         app.parse(argc, argv);
@@ -173,6 +179,7 @@ int runCommandLine(int argc, char** argv) {
         if (list->parsed()) return listFile(options);
         if (snap->parsed()) return snapAt(options);
         if (recalc->parsed()) return recalculateFile(options);
+        if (frame->parsed()) return drawFrames(options.frame, options.session);
         return checkMany(options.files, options.session, options.json);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kExitOk : kExitBadInput;
