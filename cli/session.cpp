@@ -130,6 +130,9 @@ void Session::newDrawing(float width, float height) {
 
 void Session::saveDrawing(const std::string& path) {
     std::string error;
+    std::error_code noFolder;  // a folder that cannot be made shows when the file is written
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    if (!folder.empty()) std::filesystem::create_directories(folder, noFolder);
     if (!host::saveSvgFile(*host_->document(), path, host_->rulerUnit(), &error)) throw InputError(path + ": " + error);
     host_->document()->markSaved();
 }

@@ -170,9 +170,10 @@ void ArtIndex::refreshTags(ArtId id) {
         for (const Tag& tag : known->second) {
             ArtByValue& byValue = tagged_.find(tag.name)->second;
             const auto bearers = byValue.find(tag.value);
-            if (bearers == byValue.end()) continue;  // a damaged file may give an art one tag twice
-            bearers->second.erase(id);
-            if (bearers->second.empty()) byValue.erase(bearers);
+            std::vector<ArtId>& arts = bearers->second;
+            const auto place = std::lower_bound(arts.begin(), arts.end(), id);
+            arts.erase(place);
+            if (arts.empty()) byValue.erase(bearers);
         }
         tagsIndexed_.erase(known);
     }
@@ -184,7 +185,10 @@ void ArtIndex::refreshTags(ArtId id) {
 }
 
 void ArtIndex::addTag(const Tag& tag, ArtId id) {
-    tagged_.find(tag.name)->second[tag.value].insert(id);
+    std::vector<ArtId>& arts = tagged_.find(tag.name)->second[tag.value];
+    const auto place = std::lower_bound(arts.begin(), arts.end(), id);
+    if (place != arts.end() && *place == id) return;  // a damaged file may give an art one tag twice
+    arts.insert(place, id);
     tagsIndexed_[id].push_back(tag);
 }
 
@@ -212,10 +216,6 @@ bool ArtIndex::reachable(const Art& art, std::string_view excludeUnder) const {
     return true;
 }
 
-void ArtIndex::sortInWalkOrder(std::vector<ArtId>* arts) const {
-    std::sort(arts->begin(), arts->end(), [this](ArtId a, ArtId b) { return document_.precedes(a, b); });
-}
-
 void ArtIndex::findAtPoint(LayerId layer, RealPoint point, float tolerance, std::string_view excludeUnder,
                            std::vector<ArtId>* out) {
     out->clear();
@@ -229,7 +229,7 @@ void ArtIndex::findAtPoint(LayerId layer, RealPoint point, float tolerance, std:
         const Art& art = *document_.find(candidate.name);
         if (holds(art, candidate.box, point, tolerance) && reachable(art, excludeUnder)) out->push_back(art.id);
     }
-    sortInWalkOrder(out);
+    document_.sortInWalkOrder(out);
 }
 
 void ArtIndex::findByTag(std::string_view name, std::optional<std::string_view> value, std::vector<ArtId>* out) {
@@ -239,11 +239,11 @@ void ArtIndex::findByTag(std::string_view name, std::optional<std::string_view> 
     const ArtByValue& arts = byName != tagged_.end() ? byName->second : fillTag(name);
     if (value) {
         const auto bearers = arts.find(std::string(*value));
-        if (bearers != arts.end()) out->assign(bearers->second.begin(), bearers->second.end());
+        if (bearers != arts.end()) *out = bearers->second;
     } else {
         for (const auto& [itsValue, bearers] : arts) out->insert(out->end(), bearers.begin(), bearers.end());
     }
-    sortInWalkOrder(out);
+    document_.sortInWalkOrder(out);
 }
 
 }  // namespace quorvel::host

@@ -7,7 +7,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -56,7 +55,7 @@ class ArtIndex : public DocumentObserver {
         std::vector<ArtId> arts_;
         std::vector<bool> isNoted_;  // by art
     };
-    using ArtByValue = std::unordered_map<std::string, std::set<ArtId>>;
+    using ArtByValue = std::unordered_map<std::string, std::vector<ArtId>>;  // rising
 
     void catchUpBoxes();
     void fillBoxes();
@@ -70,7 +69,6 @@ class ArtIndex : public DocumentObserver {
     void visitSubtree(ArtId top, Visit visit) const;
     bool reachable(const Art& art, std::string_view excludeUnder) const;
     BoxTree& treeOf(LayerId layer);
-    void sortInWalkOrder(std::vector<ArtId>* arts) const;
 
     Document& document_;
     bool boxesFilled_ = false;

@@ -163,6 +163,33 @@ bool Document::precedes(ArtId a, ArtId b) const {
     return drawing.livingLayer(layerA)->position < drawing.livingLayer(layerB)->position;
 }
 
+// Each art's way down from the layers is looked up once, so that the sorting itself stays within two arrays.
+void Document::sortInWalkOrder(std::vector<ArtId>* arts) const {
+    if (arts->size() < 2) return;
+    struct Way {
+        std::size_t first, end;
+        ArtId art;
+    };
+    const Drawing& drawing = impl_->drawing;
+    std::vector<std::uint64_t> steps;
+    std::vector<Way> ways;
+    ways.reserve(arts->size());
+    for (ArtId art : *arts) {
+        const std::size_t first = steps.size();
+        ArtId id = art;
+        for (; drawing.tree.slot(id).art.parent != 0; id = drawing.tree.slot(id).art.parent)
+            steps.push_back(drawing.tree.slot(id).order);
+        steps.push_back(drawing.livingLayer(drawing.tree.slot(id).art.layer)->position);
+        std::reverse(steps.begin() + std::ptrdiff_t(first), steps.end());
+        ways.push_back({first, steps.size(), art});
+    }
+    std::sort(ways.begin(), ways.end(), [&steps](const Way& a, const Way& b) {
+        const std::uint64_t* all = steps.data();
+        return std::lexicographical_compare(all + a.first, all + a.end, all + b.first, all + b.end);
+    });
+    std::transform(ways.begin(), ways.end(), arts->begin(), [](const Way& way) { return way.art; });
+}
+
 // --- the tree ------------------------------------------------------------------------------------------------------
 
 std::optional<Place> Document::Impl::placeFor(AIArtType kind, AIPaintOrder placement, ArtId prep) const {

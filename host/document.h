@@ -136,8 +136,9 @@ class Document {
     RealRect controlBounds(ArtId id) const;  // with control points
     // In walk order (layers top first, depth first, first child first): is a before b?
     bool precedes(ArtId a, ArtId b) const;
-    std::uint64_t changeCount() const;  // changes whenever anything but the view has changed
-    bool modified() const;              // since it was read or last saved
+    void sortInWalkOrder(std::vector<ArtId>* arts) const;  // all of them living
+    std::uint64_t changeCount() const;                     // changes whenever anything but the view has changed
+    bool modified() const;                                 // since it was read or last saved
     void markSaved();
 
     // --- changing: each goes into the journal; false or 0 when it is refused ---------------------------------------

@@ -8,6 +8,7 @@
 #include "host/path_data.h"
 #include "host/svg_content.h"
 #include "host/svg_text.h"
+#include "host/svg_text_exact.h"
 
 namespace quorvel::host {
 namespace {
@@ -293,10 +294,12 @@ bool SvgArtWriter::moveText(StartTag* tag, const Art& art, const SvgElement& rec
         own = rounded;
         break;
     }
+    const std::string transform = formatMatrix(own);
+    if (!parseTransform(transform, &own)) return false;
     if (own == Affine{}) {
         tag->remove("transform");
     } else {
-        tag->set("transform", formatMatrix(own));
+        tag->set("transform", transform);
     }
     setOwn(tag, own_attribute::kText, exactMatrix(*art.text, textMatrix(compose(scope.map, own), origin.x, origin.y)));
     return true;

@@ -248,15 +248,20 @@ std::optional<std::string> StartTag::attribute(std::string_view name) const {
 }
 
 void StartTag::set(std::string_view name, std::string_view value) {
-    std::string raw = "=\"" + escapeXml(value) + "\"";
+    std::string escaped = escapeXml(value);
     const auto found = std::ranges::find(attributes_, name, &Attribute::name);
-    if (found != attributes_.end()) {
-        if (unescapeXml(found->value()) != value) found->raw = std::move(raw);
+    if (found == attributes_.end()) {
+        // A first attribute has no neighbour to stand like.
+        const std::string before = attributes_.empty() ? " " : attributes_.back().before;
+        attributes_.push_back({before, std::string(name), "=\"" + escaped + "\""});
         return;
     }
-    // An only attribute may stand on the name's line while its followers would not; a blank is right in either case.
-    const std::string before = attributes_.empty() ? " " : attributes_.back().before;
-    attributes_.push_back({before, std::string(name), std::move(raw)});
+    if (unescapeXml(found->value()) == value) return;
+    const std::size_t open = found->raw.find_first_of("\"'");
+    const char quote = found->raw[open];
+    for (std::size_t at = 0; quote == '\'' && (at = escaped.find('\'', at)) != std::string::npos;)
+        escaped.replace(at, 1, "&apos;");
+    found->raw = found->raw.substr(0, open + 1) + escaped + quote;
 }
 
 void StartTag::remove(std::string_view name) {

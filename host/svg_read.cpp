@@ -165,6 +165,16 @@ bool expandEntities(const ParsedFile& file, const std::vector<Entity>& entities,
 
 // --- the root ------------------------------------------------------------------------------------------------------
 
+// Of an element or attribute, without colon. The parser lets more pass.
+bool isName(std::string_view name) {
+    const auto isLetter = [](char c) {
+        return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+    };
+    return !name.empty() && isLetter(name.front()) && std::ranges::all_of(name, [&](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    });
+}
+
 // The prefixes under which the root knows the namespaces.
 void readNamespaces(const pugi::xml_node& root, SvgNames* names, std::vector<std::string>* svgPrefixes) {
     const std::string_view name = root.name();
@@ -187,7 +197,8 @@ void readNamespaces(const pugi::xml_node& root, SvgNames* names, std::vector<std
             if (uri == kSvgNamespace) svgPrefixes->push_back("");
             defaultIsOther = uri != kSvgNamespace;
         }
-        if (!declared.starts_with("xmlns:")) continue;
+        // A prefix that could not begin an attribute's name is no prefix that we could write under.
+        if (!declared.starts_with("xmlns:") || !isName(declared.substr(6))) continue;
         const std::string prefix = std::string(declared.substr(6)) + ":";
         if (uri == kSvgNamespace) svgPrefixes->push_back(prefix);
         for (const Known& row : known) {

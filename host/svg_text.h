@@ -50,7 +50,5 @@ SvgTextParts formatText(const TextData& text, const Affine& toDocument, const Sv
 // texts that are only moved and for elements that are kept as they are. Empty when the container is flat.
 Affine concat(const RealMatrix& motion, const Affine& was);
 std::string formatMatrix(const Affine& matrix);
-// The exact attribute of a moved text, empty when the element says it all.
-std::string exactMatrix(const TextData& text, const RealMatrix& plain);
 
 }  // namespace quorvel::host

@@ -2,7 +2,6 @@
 // out which elements have anything changed in or below them; all others go through in one piece.
 #include <algorithm>
 #include <cmath>
-#include <deque>
 #include <optional>
 #include <span>
 
@@ -10,55 +9,10 @@
 #include "host/svg.h"
 #include "host/svg_art_writer.h"
 #include "host/svg_content.h"
+#include "host/svg_rope.h"
 
 namespace quorvel::host {
 namespace {
-
-// The new text as pieces of the old one and texts of its own.
-class Rope {
-  public:
-    explicit Rope(std::string_view source) : source_(source) {}
-
-    void copy(std::size_t begin, std::size_t end) {
-        if (begin >= end) return;
-        const std::string_view piece = source_.substr(begin, end - begin);
-        if (!pieces_.empty() && pieces_.back().data() + pieces_.back().size() == piece.data()) {
-            pieces_.back() = {pieces_.back().data(), pieces_.back().size() + piece.size()};
-        } else {
-            pieces_.push_back(piece);
-        }
-    }
-
-    void add(std::string text) {
-        own_.push_back(std::move(text));
-        pieces_.push_back(own_.back());
-    }
-
-    // A place for a text that is known later.
-    std::size_t leave() {
-        pieces_.emplace_back();
-        return pieces_.size() - 1;
-    }
-
-    void fill(std::size_t place, std::string text) {
-        own_.push_back(std::move(text));
-        pieces_[place] = own_.back();
-    }
-
-    std::string join() const {
-        std::size_t size = 0;
-        for (std::string_view piece : pieces_) size += piece.size();
-        std::string out;
-        out.reserve(size);
-        for (std::string_view piece : pieces_) out += piece;
-        return out;
-    }
-
-  private:
-    std::string_view source_;
-    std::deque<std::string> own_;
-    std::vector<std::string_view> pieces_;
-};
 
 // What is written as one element: an art, a layer, or a stretch of art in no layer element that becomes a layer.
 struct Item {
@@ -384,7 +338,10 @@ class Splicer {
         const auto cutUpTo = [&](std::size_t child, std::size_t end) {
             for (; nextChild < child; ++nextChild) {
                 const ElementSpan& gone = span(children[nextChild]);
-                const std::size_t cut = gone.begin - lineBreakBefore(gone.begin).size();
+                // Its line goes with it when nothing else stands there.
+                const bool lineEnds =
+                    text_.find_first_of(" \t\r\n", gone.end) == gone.end || text_.substr(gone.end, 2) == "</";
+                const std::size_t cut = gone.begin - (lineEnds ? lineBreakBefore(gone.begin).size() : 0);
                 gap(cursor, std::max(cut, cursor));
                 cursor = gone.end;
             }

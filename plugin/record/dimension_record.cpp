@@ -2,6 +2,7 @@
 // "%g": six digits, and that loss is part of the format.
 #include "plugin/record/dimension_record.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -112,12 +113,15 @@ void RepointDimensions(AIArtHandle art, const char* tagName, std::int32_t oldId,
     for (AIArtHandle group : CollectDimensionGroups()) {
         std::string text;
         if (!ReadTag(group, tagName, &text)) continue;
+        const std::vector<std::pair<int, int>> pairs = ReadPairs(text);
+        const auto bearsOldId = [oldId](const std::pair<int, int>& pair) { return pair.first == oldId; };
+        if (std::none_of(pairs.begin(), pairs.end(), bearsOldId)) continue;
         RealRect bounds;
         sAIArt->GetArtBounds(group, &bounds);
         const RealPoint near{(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};
         bool changed = false;
         std::string rebuilt;
-        for (auto [id, index] : ReadPairs(text)) {
+        for (auto [id, index] : pairs) {
             if (id == oldId && FindArtById(oldId, index, near) == art) {
                 id = newId;
                 changed = true;

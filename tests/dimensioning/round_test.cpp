@@ -89,6 +89,23 @@ TEST_F(Round, RadiusPlacedOutsideInsideAndOnTheCircle) {
     }
 }
 
+// On the circle counts as inside: the leader's end is then the computed surface point, not the placement, to the bit.
+TEST_F(Round, OnTheCircleIsInside) {
+    const host::ArtId about = table.drawCircle({0, 0}, 65);
+    for (const auto& [h, v] :
+         {std::pair{16, 63}, {63, 16}, {33, 56}, {56, 33}, {25, 60}, {60, 25}, {39, 52}, {52, 39}}) {
+        const DoublePoint placement{double(h), double(v)};
+        double r = 0;
+        DoublePoint inner, surface, outer;
+        table.inside([&] {
+            table.globals().liveState.fromCells[0] = {table.handle(about), 1};
+            ASSERT_EQ(RadiusGeometry(placement, &r, &inner, &surface, &outer), 1);
+        });
+        ASSERT_EQ(r, 65);
+        EXPECT_TRUE(PointsEqual(outer, surface)) << h << " " << v;
+    }
+}
+
 TEST_F(Round, TextReadsFromLeftToRightOnTheOtherSideToo) {
     const std::vector<Piece> art = label("Radius Tool", kOnArc, {140, 120});
     expectPoint(art[1].segments[1].p, kFarSurface);
@@ -190,7 +207,14 @@ TEST_F(Round, RecordLinksBothEndsOfTheSegment) {
     EXPECT_EQ(first, id + ",1,0,200,250 " + id + ",0,0,250,200");
     // The closing segment ends in the first anchor.
     EXPECT_EQ(listsFor({235.35534F, 164.64466F}), id + ",0,0,250,200 " + id + ",3,0,200,150");
-    EXPECT_EQ(table.globals().liveState.toCells[0].art, nullptr);
+    // The second link is lent to the record alone.
+    ToolState& live = table.globals().liveState;
+    live.fromCells[0] = {table.handle(circle), 1};
+    live.toCells[0] = {nullptr, 7};
+    live.endPoint = kOutside;
+    table.inside([] { EXPECT_EQ(BuildRadiusDimension(nullptr), 1); });
+    EXPECT_EQ(live.toCells[0].art, nullptr);
+    EXPECT_EQ(live.toCells[0].index, 7);
 }
 
 TEST_F(Round, RefusalsBeepAndMakeNothing) {

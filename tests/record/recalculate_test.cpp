@@ -119,6 +119,16 @@ TEST_F(Recalculate, ALevelLineOfTheStraightToolEndsUpUpright) {
     expectLine(table.dimension(), {390, 0}, {390, 200});
 }
 
+// The mode stands twice in a record, and the one beside the kind decides.
+TEST_F(Recalculate, TheModeBesideTheKindDecides) {
+    table.drawLines({{100, 100}, {300, 160}}, false);
+    const ArtId made = oblique({100, 100}, {300, 160}, {150, 10});
+    table.change([&](Document& document) { return document.setTag(made, "QUORVEL_TOOLCNF", "5001,0,0,0,0"); });
+    recalculate();
+    expectLine(table.dimension(), {100, 10}, {300, 10});
+    EXPECT_EQ(table.tag(table.dimension(), "QUORVEL_TOOLCNF"), "5001,0,0,0,0");
+}
+
 TEST_F(Recalculate, OneLostEndMovesAlongAndTwoStay) {
     const ArtId left = table.drawLines({{100, 100}, {100, 200}}, false);
     const ArtId right = table.drawLines({{300, 100}, {300, 200}}, false);

@@ -1,0 +1,83 @@
+// A whole day's work as the examples have it, in both languages: every tool, dialog and command in one run, held by the
+// script's own expectations, by the dimensions that it promises, and by taking all of it back.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <sstream>
+
+#include "host/svg.h"
+#include "tests/support/script_run.h"
+
+namespace quorvel::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Day : testing::TestWithParam<const char*> {
+    std::string script() const { return std::string(QUORVEL_SOURCE_DIR) + "/examples/" + GetParam() + ".script"; }
+    // As a user runs it: the drawing is found beside the script, and what it makes goes to the folder out.
+    void SetUp() override {
+        text = readBytes(script());
+        // A run works in a folder of its own, which it does not know before it is made.
+        const std::string saved = "save out/", here = "save ";
+        for (std::size_t at; (at = text.find(saved)) != std::string::npos;) text.replace(at, saved.size(), here);
+        for (std::size_t at; (at = text.find("file out/")) != std::string::npos;) text.replace(at, 9, "file ");
+        run = std::make_unique<ScriptRun>(text, script());
+        ASSERT_EQ(run->fault(), "");
+    }
+
+    std::string text;
+    std::unique_ptr<ScriptRun> run;
+};
+INSTANTIATE_TEST_SUITE_P(Languages, Day, testing::Values("day", "day_ja"),
+                         [](const auto& info) { return std::string(info.param); });
+
+TEST_P(Day, UsesEveryToolAndDialog) {
+    std::set<std::string> taken, dialogs;
+    for (const cli::ScriptLine& line : run->lines()) {
+        if (line.verb == "tool") taken.insert(line.words[0].text);
+        if (line.verb == "dialog") dialogs.insert(line.words[0].text);
+    }
+    for (const host::ToolRecord& tool : run->session().host().tools()) EXPECT_TRUE(taken.contains(tool.title));
+    EXPECT_EQ(taken.size(), 19U);
+    EXPECT_EQ(dialogs.size(), 9U);
+    EXPECT_FALSE(run->session().user().repliesLeft());
+}
+
+TEST_P(Day, ShowsTheDimensionsItPromises) {
+    std::vector<std::string> promised, shown;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        if (line.starts_with("# shows ")) promised.push_back(line.substr(8));
+    for (const cli::RecordedDimension& dimension : run->dimensions()) {
+        if (dimension.kind == "frame") continue;
+        std::string line = dimension.kind;
+        for (const std::string& value : dimension.texts) line += " \"" + value + "\"";
+        shown.push_back(line);
+    }
+    // The script tells them by what they measure, the drawing holds them by when they were rebuilt.
+    std::ranges::sort(shown);
+    std::ranges::sort(promised);
+    EXPECT_EQ(shown, promised);
+}
+
+TEST_P(Day, GoesBackToTheBytesItBeganWith) {
+    const std::string done = run->saved();
+    EXPECT_EQ(done, readBytes(run->folder() + "/" + GetParam() + ".svg"));
+    host::Host& host = run->session().host();
+    int steps = 0;
+    while (host.undo()) ++steps;
+    EXPECT_EQ(run->saved(), readBytes(std::string(QUORVEL_SOURCE_DIR) + "/examples/day.svg"));
+    for (int i = 0; i < steps; ++i) ASSERT_TRUE(host.redo());
+    EXPECT_FALSE(host.redo());
+    EXPECT_EQ(run->saved(), done);
+    const std::size_t undone = static_cast<std::size_t>(std::count_if(
+        run->lines().begin(), run->lines().end(), [](const cli::ScriptLine& line) { return line.verb == "redo"; }));
+    EXPECT_EQ(static_cast<int>(undone), steps) << "the script takes back all that it did";
+    EXPECT_EQ(host.suitesHeld(), 0);
+}
+
+}  // namespace
+}  // namespace quorvel::tests

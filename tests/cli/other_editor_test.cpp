@@ -1,0 +1,232 @@
+// A drawing with dimensions goes through another editor and comes back: the check names exactly the dimensions whose
+// art was changed there, one recalculation makes them true, and a second one finds nothing to do. The editor is
+// Inkscape, driven from its command line; where it is not installed the tests are skipped.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "tests/support/script_run.h"
+
+namespace quorvel::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+// One unit is one point, and 4/3 of the pixels in which the editor's own moves are given.
+constexpr char kDrawing[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<svg xmlns="http://www.w3.org/2000/svg" width="400pt" height="300pt" viewBox="0 0 400 300">
+  <g id="parts" fill="none" stroke="#000000" stroke-width="0.5">
+    <path id="plate" d="M 40,40 H 140 V 100 H 40 Z"/>
+    <path id="slope" d="M 200,40 L 280,100"/>
+    <path id="channel" d="M 40,250 V 150 H 140 V 250"/>
+    <circle id="hole" cx="240" cy="180" r="36"/>
+    <path id="level" d="M 300,280 H 380"/>
+    <path id="leg" d="M 300,280 L 360,220"/>
+    <path id="unmeasured" d="M 320,40 H 380 V 100 Z"/>
+  </g>
+</svg>
+)";
+
+// The plate's width, the slope's length, the way along the channel, the hole, the legs' angle, and 50 points of paper.
+constexpr char kDimensions[] = R"(
+tool "Straight Dimension Tool"
+track 40 260
+down
+drag 140 260
+up
+track 90 285
+down
+tool "Oblique Dimension Tool"
+track 200 260
+down
+drag 280 200
+up
+track 260 250
+down
+tool "Curve Dimension Tool"
+track 40 50
+down
+drag 140 50
+up
+track 30 100
+down
+tool "Radius Tool"
+track 265.4 145.5
+down
+drag 300 180
+up
+tool "Angle Tool"
+track 380 20
+down
+drag 360 80
+up
+track 365 35
+down
+tool "Oblique Dimension Tool"
+track 170 30
+down
+drag 210 60
+up
+track 170 70
+down
+expect no-beep
+)";
+
+const std::set<std::string> kTrueTexts = {"quorvel-1 straight \"100\"", "quorvel-2 oblique \"100\"",
+                                          "quorvel-3 curve \"300\"",    "quorvel-4 radius \"R36\"",
+                                          "quorvel-5 angle \" 45˚\"",   "quorvel-6 oblique \"50\""};
+
+bool editorIsInstalled() { return std::system("command -v inkscape >/dev/null 2>&1") == 0; }
+
+// The lines of a text without their beginning.
+std::set<std::string> linesBehind(const std::string& beginning, const std::string& text) {
+    std::set<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        EXPECT_EQ(line.rfind(beginning, 0), 0U) << line;
+        lines.insert(line.substr(std::min(beginning.size(), line.size())));
+    }
+    return lines;
+}
+
+// The group with the measured art, as the bytes stand in the file.
+std::string partsOf(const std::string& svg) {
+    const std::size_t from = svg.find("id=\"parts\"");
+    const std::size_t to = svg.find("</g>", from);
+    return from == std::string::npos || to == std::string::npos ? std::string() : svg.substr(from, to - from);
+}
+
+class OtherEditor : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!editorIsInstalled()) GTEST_SKIP() << "inkscape is not installed";
+        folder_ = fs::path(testing::TempDir()) / ("quorvel_other_editor_" + std::to_string(getpid()));
+        fs::create_directories(folder_);
+        std::ofstream(path("plain.svg"), std::ios::binary) << kDrawing;
+        const ScriptRun run(
+            "set language ENGLISH\nset flArFName \"DejaVu Sans\"\nset flArUnit 5\nset flScFix 2\n"
+            "open \"" +
+            path("plain.svg") + "\"" + kDimensions + "save \"" + path("drawn.svg") + "\"\n");
+        ASSERT_EQ(run.fault(), "");
+        ASSERT_EQ(shown("drawn.svg"), kTrueTexts);
+    }
+    void TearDown() override {
+        if (!folder_.empty()) fs::remove_all(folder_);
+    }
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+    int runCommand(const std::string& command) {
+        const int status = std::system(("cd '" + folder_.string() + "' && " + command + " >out.txt 2>err.txt").c_str());
+        out_ = readBytes(path("out.txt"));
+        err_ = readBytes(path("err.txt"));
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    int runProgram(const std::string& arguments) {
+        return runCommand("timeout 60 '" QUORVEL_PROGRAM_FILE "' " + arguments + " --profile profile --language en");
+    }
+
+    // Opens drawn.svg in the editor, does this there, and saves it as edited.svg. Its settings are its first ones, in
+    // which a stroke grows with its path.
+    void edit(const std::string& actions) {
+        fs::remove(path("edited.svg"));
+        runCommand("env -u DISPLAY HOME=. INKSCAPE_PROFILE_DIR=./editor timeout 60 inkscape drawn.svg --actions='" +
+                   actions + "export-filename:edited.svg;export-do'");
+        ASSERT_TRUE(fs::exists(path("edited.svg"))) << err_;
+    }
+
+    // What the dimensions show, without points and links.
+    std::set<std::string> shown(const std::string& file) {
+        EXPECT_EQ(runProgram("list " + file + " --json"), 0) << err_;
+        std::set<std::string> texts;
+        for (const cli::Json& dimension : cli::Json::parse(out_))
+            texts.insert(dimension["id"].get<std::string>() + " " + dimension["kind"].get<std::string>() + " \"" +
+                         dimension["texts"][0].get<std::string>() + "\"");
+        return texts;
+    }
+
+    void expectSilent(const std::string& file) {
+        EXPECT_EQ(runProgram("check " + file), 0);
+        EXPECT_EQ(out_, "") << file;
+    }
+
+    fs::path folder_;
+    std::string out_, err_;
+};
+
+TEST_F(OtherEditor, LeavesDimensionsTrueWhoseArtItDoesNotChange) {
+    const char* const edits[] = {
+        "",
+        "export-plain-svg;",
+        "select-by-id:unmeasured;transform-translate:30,-15;transform-scale:2;",
+        "select-by-id:parts;selection-ungroup;",
+        "select-by-id:hole;selection-group;",
+        "select-by-id:plate;object-set-attribute:style, stroke-width:3;",
+    };
+    for (const char* actions : edits) {
+        SCOPED_TRACE(actions);
+        ASSERT_NO_FATAL_FAILURE(edit(actions));
+        EXPECT_EQ(shown("edited.svg"), kTrueTexts);
+        expectSilent("edited.svg");
+        EXPECT_EQ(runProgram("recalc edited.svg -o again.svg"), 0) << err_;
+        EXPECT_EQ(readBytes(path("again.svg")), readBytes(path("edited.svg")));
+    }
+}
+
+TEST_F(OtherEditor, MakesStaleExactlyWhatOneRecalculationMends) {
+    struct Edit {
+        const char* actions;
+        std::set<std::string> stale;
+    };
+    const Edit edits[] = {
+        {"select-by-id:plate;transform-scale:1.5;", {"quorvel-1 straight \"100\" -> \"150\", moved"}},
+        {"select-by-id:slope;transform-translate:30,-15;", {"quorvel-2 oblique \"100\" -> \"100\", moved"}},
+        {"select-by-id:channel;transform-scale:0.5;", {"quorvel-3 curve \"300\" -> \"150\", moved"}},
+        {"select-by-id:hole;transform-scale:2;", {"quorvel-4 radius \"R36\" -> \"R72\", moved"}},
+        // Clockwise as one looks at it: the leg that rises by 45 degrees to the right sinks to 30.
+        {"select-by-id:leg;transform-rotate:15;", {"quorvel-5 angle \" 45˚\" -> \" 30˚\", moved"}},
+        // The line on free paper goes back to the points that it was drawn on.
+        {"select-by-id:quorvel-6;transform-translate:8,8;", {"quorvel-6 oblique \"50\" -> \"50\", moved"}},
+        {"select-by-id:slope;delete-selection;", {"quorvel-2 oblique \"100\" -> \"100\", 2 links lost"}},
+        {"select-by-id:slope;transform-translate:-9,6;transform-scale:1.2;select-clear;"
+         "select-by-id:hole;transform-translate:12,0;",
+         {"quorvel-2 oblique \"100\" -> \"120\", moved", "quorvel-4 radius \"R36\" -> \"R36\", moved"}},
+        {"select-by-id:parts;transform-scale:1.1;",
+         {"quorvel-1 straight \"100\" -> \"110\", moved", "quorvel-2 oblique \"100\" -> \"110\", moved",
+          "quorvel-3 curve \"300\" -> \"330\", moved", "quorvel-4 radius \"R36\" -> \"R39.6\", moved",
+          "quorvel-5 angle \" 45˚\" -> \" 45˚\", moved"}},
+    };
+    for (const auto& [actions, stale] : edits) {
+        SCOPED_TRACE(actions);
+        ASSERT_NO_FATAL_FAILURE(edit(actions));
+        EXPECT_EQ(runProgram("check edited.svg"), 1) << err_;
+        EXPECT_EQ(linesBehind("edited.svg: ", out_), stale);
+        EXPECT_EQ(shown("edited.svg"), kTrueTexts);
+
+        EXPECT_EQ(runProgram("recalc edited.svg -o mended.svg"), 0) << err_;
+        EXPECT_EQ(out_, "mended.svg: " + std::to_string(stale.size()) + " rebuilt\n");
+        expectSilent("mended.svg");
+        std::set<std::string> mended = kTrueTexts;
+        for (const std::string& line : stale) {
+            const std::size_t text = line.find(" \""), arrow = line.find("\" -> ");
+            mended.erase(line.substr(0, arrow + 1));
+            mended.insert(line.substr(0, text + 1) + line.substr(arrow + 5, line.rfind('"') - arrow - 4));
+        }
+        EXPECT_EQ(shown("mended.svg"), mended);
+        const std::string art = partsOf(readBytes(path("edited.svg")));
+        EXPECT_FALSE(art.empty());
+        EXPECT_EQ(partsOf(readBytes(path("mended.svg"))), art);
+
+        EXPECT_EQ(runProgram("recalc mended.svg -o again.svg"), 0) << err_;
+        EXPECT_EQ(readBytes(path("again.svg")), readBytes(path("mended.svg")));
+    }
+}
+
+}  // namespace
+}  // namespace quorvel::tests
