@@ -1,0 +1,359 @@
+// Keeps the picture of the drawing true: changes are noted art by art, and the next painting draws what they cover. The
+// preview is inverted over a copy, so that nothing of it can stay behind.
+#include "desktop/canvas.h"
+
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+
+#include "desktop/outline.h"
+
+namespace quorvel::desktop {
+
+namespace {
+
+constexpr double kSmallestZoom = 0.01, kLargestZoom = 640;
+constexpr double kZoomStep = 1.25;
+constexpr int kFitMargin = 28;
+constexpr int kMarkReach = 4;  // pixels of a selection's marks beyond the art
+const QColor kPaper(0xff, 0xff, 0xff);
+
+// Shades of the pasteboard and of the page's edge and shadow.
+struct Ground {
+    QColor board, edge, shadow;
+};
+const Ground kLightGround{QColor(0xd4, 0xd7, 0xdb), QColor(0x8c, 0x92, 0x99), QColor(0, 0, 0, 46)};
+const Ground kDarkGround{QColor(0x2b, 0x2e, 0x33), QColor(0x14, 0x15, 0x17), QColor(0, 0, 0, 110)};
+
+}  // namespace
+
+Canvas::Canvas(Desk* desk, QWidget* parent) : QWidget(parent), desk_(desk) {
+    setObjectName(QStringLiteral("canvas"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumSize(240, 240);
+    options_.guides = true;
+    options_.selected = true;
+    connect(desk, &Desk::surfaceDrawn, this, [this] { update(); });
+    connect(desk, &Desk::viewRepainted, this, [this] {
+        drawAllAnew();
+        emit viewChanged();
+    });
+}
+
+Canvas::~Canvas() { drawingLeaves(); }
+
+// --- the drawing
+// ------------------------------------------------------------------------------------------------------
+
+void Canvas::drawingLeaves() {
+    if (observed_ != nullptr) observed_->removeObserver(this);
+    observed_ = nullptr;
+    painter_.reset();
+    boxes_.clear();
+    stale_.clear();
+    drawAllAnew();
+}
+
+void Canvas::drawingReplaced(const QString& name, const QString& folder) {
+    drawingLeaves();
+    name_ = name;
+    observed_ = desk_->document();
+    if (observed_ == nullptr) return desk_->closeView();
+    observed_->addObserver(this);
+    painter_ = std::make_unique<DocumentPainter>(*observed_, folder);
+    for (const host::LayerId layer : observed_->layers()) rememberBoxes(observed_->layer(layer)->root);
+    desk_->openView(name_, width(), height());
+    fit();
+}
+
+void Canvas::rememberBoxes(host::ArtId top) {
+    const host::Art* art = observed_->find(top);
+    if (art == nullptr) return;
+    if (art->parent != 0) boxes_[top] = DrawnBox(*observed_, *art);
+    ForEachChildUpwards(*observed_, *art, [this](const host::Art& child) { rememberBoxes(child.id); });
+}
+
+void Canvas::noteSubtree(host::ArtId top) {
+    const host::Art* art = observed_->find(top);
+    if (art == nullptr) return;
+    stale_.push_back(top);
+    ForEachChildUpwards(*observed_, *art, [this](const host::Art& child) { noteSubtree(child.id); });
+    update();
+}
+
+void Canvas::artInserted(host::ArtId art) { noteSubtree(art); }
+void Canvas::artRemoved(host::ArtId art) { noteSubtree(art); }
+void Canvas::tagChanged(host::ArtId, const std::string&) {}
+void Canvas::layersChanged() { drawAllAnew(); }
+
+// Hiding a group changes what is drawn of all that is in it.
+void Canvas::artChanged(host::ArtId art) { noteSubtree(art); }
+
+void Canvas::drawAllAnew() {
+    allStale_ = true;
+    update();
+}
+
+QRect Canvas::damageInPixels() {
+    const QTransform map = toPixels();
+    QRectF damage;
+    const auto add = [&](const QRectF& box) {
+        if (box.isEmpty()) return;
+        damage |= map.mapRect(box).adjusted(-kMarkReach, -kMarkReach, kMarkReach, kMarkReach);
+    };
+    for (const host::ArtId id : stale_) {
+        if (const auto before = boxes_.find(id); before != boxes_.end()) {
+            add(before->second);
+            boxes_.erase(before);
+        }
+        const host::Art* art = observed_->find(id);
+        if (art != nullptr && art->parent != 0) add(boxes_[id] = DrawnBox(*observed_, *art));
+    }
+    stale_.clear();
+    return damage.isEmpty() ? QRect() : (damage & QRectF(rect())).toAlignedRect();
+}
+
+// --- the picture
+// ------------------------------------------------------------------------------------------------------
+
+void Canvas::refresh() {
+    const QSize pixels = size() * devicePixelRatioF();
+    if (kept_.size() != pixels) {
+        kept_ = QImage(pixels, QImage::Format_RGB32);
+        kept_.setDevicePixelRatio(devicePixelRatioF());
+        allStale_ = true;
+    }
+    const QRect damage = observed_ != nullptr ? damageInPixels() : QRect();
+    if (allStale_)
+        drawInto(&kept_, rect());
+    else if (!damage.isEmpty())
+        drawInto(&kept_, damage);
+    allStale_ = false;
+}
+
+void Canvas::drawInto(QImage* image, const QRect& part) {
+    QPainter painter(image);
+    painter.setClipRect(part);
+    drawGround(&painter, part);
+    if (painter_ == nullptr) return;
+    options_.mark = palette().color(QPalette::Highlight);
+    painter_->paint(&painter, toPixels(), part, options_);
+}
+
+void Canvas::drawGround(QPainter* painter, const QRect& part) const {
+    const Ground& ground = desk_->dark() ? kDarkGround : kLightGround;
+    painter->fillRect(part, ground.board);
+    if (observed_ == nullptr) return;
+    const QRect page = toPixels().mapRect(QRectF(0, 0, observed_->width(), observed_->height())).toRect();
+    for (int i = 1; i <= 4; ++i) {
+        QColor shadow = ground.shadow;
+        shadow.setAlpha(shadow.alpha() / (i + 1));
+        painter->fillRect(page.translated(i, i), shadow);
+    }
+    painter->fillRect(page, kPaper);
+    painter->setPen(ground.edge);
+    painter->drawRect(page.adjusted(-1, -1, 0, 0));
+}
+
+// Inverts exactly the pixels that are told; where a pixel of the view is several of the screen, all of them.
+void Canvas::invertPreview(QImage* image, QPoint origin) const {
+    const int block = std::max(1, static_cast<int>(std::lround(image->devicePixelRatio())));
+    desk_->user().screen().forEachInverted([&](std::int64_t h, std::int64_t v) {
+        const std::int64_t left = (h - origin.x()) * block, top = (v - origin.y()) * block;
+        for (std::int64_t y = std::max<std::int64_t>(0, top); y < std::min<std::int64_t>(top + block, image->height());
+             ++y) {
+            auto* line = reinterpret_cast<QRgb*>(image->scanLine(static_cast<int>(y)));
+            for (std::int64_t x = std::max<std::int64_t>(0, left);
+                 x < std::min<std::int64_t>(left + block, image->width()); ++x)
+                line[x] ^= 0x00FFFFFF;
+        }
+    });
+}
+
+QImage Canvas::shown() {
+    refresh();
+    QImage image = kept_.copy();
+    invertPreview(&image, {});
+    return image;
+}
+
+QImage Canvas::fresh() {
+    QImage image(kept_.size(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(kept_.devicePixelRatio());
+    drawInto(&image, rect());
+    return image;
+}
+
+void Canvas::paintEvent(QPaintEvent* event) {
+    refresh();
+    QPainter painter(this);
+    if (desk_->user().screen().visiblePixels() == 0) {
+        painter.drawImage(QPoint(), kept_);
+    } else {
+        QImage image = kept_.copy();
+        invertPreview(&image, {});
+        painter.drawImage(QPoint(), image);
+    }
+    if (hand_ != nullptr) hand_->paint(painter);
+    event->accept();
+}
+
+void Canvas::resizeEvent(QResizeEvent*) {
+    if (observed_ != nullptr) desk_->openView(name_, width(), height());
+    drawAllAnew();
+    emit viewChanged();
+}
+
+void Canvas::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) drawAllAnew();
+    QWidget::changeEvent(event);
+}
+
+void Canvas::setGuidesShown(bool shown) {
+    options_.guides = shown;
+    drawAllAnew();
+}
+
+// --- the view
+// ---------------------------------------------------------------------------------------------------------
+
+QTransform Canvas::toPixels() const {
+    const host::View& view = desk_->host().view();
+    const double zoom = view.zoom;
+    return {zoom, 0, 0, -zoom, width() / 2.0 - view.centre.h * zoom, height() / 2.0 + view.centre.v * zoom};
+}
+
+RealPoint Canvas::toArtwork(QPointF pixel) const { return FromQt(toPixels().inverted().map(pixel)); }
+QPointF Canvas::toPixel(RealPoint point) const { return toPixels().map(ToQt(point)); }
+
+void Canvas::zoomAt(QPointF pixel, double factor) {
+    if (observed_ == nullptr) return;
+    host::View& view = desk_->host().view();
+    const double zoom = std::clamp(view.zoom * factor, kSmallestZoom, kLargestZoom);
+    const QPointF fixed = toPixels().inverted().map(pixel);
+    view.centre =
+        FromQt({fixed.x() - (pixel.x() - width() / 2.0) / zoom, fixed.y() + (pixel.y() - height() / 2.0) / zoom});
+    desk_->recorder().zoom(static_cast<float>(zoom));
+    desk_->host().setZoom(static_cast<float>(zoom));
+}
+
+void Canvas::setZoom(double zoom) { zoomAt(QRectF(rect()).center(), zoom / desk_->host().view().zoom); }
+
+void Canvas::zoomToBox(QRectF pixels) {
+    if (observed_ == nullptr || pixels.isEmpty()) return;
+    const QPointF centre = toPixels().inverted().map(pixels.center());
+    const double factor = std::min(width() / pixels.width(), height() / pixels.height());
+    desk_->host().view().centre = FromQt(centre);
+    zoomAt(QRectF(rect()).center(), factor);
+}
+
+void Canvas::fit() {
+    if (observed_ == nullptr) return;
+    const double across = (width() - 2.0 * kFitMargin) / observed_->width();
+    const double down = (height() - 2.0 * kFitMargin) / observed_->height();
+    desk_->host().view().centre = {observed_->width() / 2, observed_->height() / 2};
+    setZoom(std::max(kSmallestZoom, std::min(across, down)));
+}
+
+void Canvas::scrollBy(QPointF pixels) {
+    if (observed_ == nullptr) return;
+    const host::View& view = desk_->host().view();
+    desk_->host().setCentre(FromQt({view.centre.h - pixels.x() / view.zoom, view.centre.v + pixels.y() / view.zoom}));
+}
+
+// --- mouse and keys
+// ---------------------------------------------------------------------------------------------------
+
+HandEvent Canvas::handEvent(const QMouseEvent& event) const {
+    return {event.position(), toArtwork(event.position()), event.modifiers()};
+}
+
+void Canvas::setHand(Hand* hand) {
+    if (hand_ != nullptr) hand_->cancel();
+    hand_ = hand;
+    drawing_ = false;
+    showCursor();
+    update();
+}
+
+void Canvas::showCursor() {
+    if (panning())
+        setCursor(Qt::ClosedHandCursor);
+    else if (spaceHeld_)
+        setCursor(Qt::OpenHandCursor);
+    else
+        setCursor(hand_ != nullptr ? hand_->cursor() : QCursor());
+}
+
+void Canvas::mousePressEvent(QMouseEvent* event) {
+    if (panning() || drawing_) return;
+    if (event->button() == Qt::MiddleButton || (event->button() == Qt::LeftButton && spaceHeld_)) {
+        panButton_ = event->button();
+        panFrom_ = event->position();
+        showCursor();
+    } else if (event->button() == Qt::LeftButton && hand_ != nullptr && observed_ != nullptr) {
+        drawing_ = true;
+        hand_->press(handEvent(*event));
+    }
+}
+
+void Canvas::mouseMoveEvent(QMouseEvent* event) {
+    emit cursorMoved(toArtwork(event->position()), event->position());
+    if (panning()) {
+        scrollBy(event->position() - panFrom_);
+        panFrom_ = event->position();
+    } else if (hand_ != nullptr && observed_ != nullptr) {
+        if (drawing_)
+            hand_->drag(handEvent(*event));
+        else
+            hand_->hover(handEvent(*event));
+    }
+}
+
+void Canvas::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == panButton_) {
+        panButton_ = Qt::NoButton;
+        showCursor();
+    } else if (event->button() == Qt::LeftButton && drawing_) {
+        drawing_ = false;
+        if (hand_ != nullptr && observed_ != nullptr) hand_->release(handEvent(*event));
+    }
+}
+
+void Canvas::wheelEvent(QWheelEvent* event) {
+    const QPoint turned = event->angleDelta();
+    if (event->modifiers() & Qt::ShiftModifier)
+        scrollBy({(turned.y() + turned.x()) / 2.0, 0});
+    else if (event->modifiers() & Qt::ControlModifier)
+        scrollBy(QPointF(turned) / 2.0);
+    else if (turned.y() != 0)
+        zoomAt(event->position(), std::pow(kZoomStep, turned.y() / 120.0));
+    event->accept();
+}
+
+void Canvas::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Space && !event->isAutoRepeat()) {
+        spaceHeld_ = true;
+        showCursor();
+    } else if (event->key() == Qt::Key_Escape && hand_ != nullptr) {
+        hand_->cancel();
+        update();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void Canvas::keyReleaseEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Space || event->isAutoRepeat()) return QWidget::keyReleaseEvent(event);
+    spaceHeld_ = false;
+    showCursor();
+}
+
+void Canvas::leaveEvent(QEvent*) { emit cursorLeft(); }
+
+}  // namespace quorvel::desktop

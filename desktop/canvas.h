@@ -1,0 +1,103 @@
+// The sheet on the desk: shows the drawing on its page and pasteboard, zooms at the mouse, pans, and lets the hand that
+// is in force draw. What is drawn is kept as a picture, of which only what has changed is drawn again.
+#pragma once
+
+#include <QImage>
+#include <QTransform>
+#include <QWidget>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "desktop/desk.h"
+#include "desktop/hand.h"
+#include "desktop/painter.h"
+#include "host/document.h"
+
+namespace quorvel::desktop {
+
+class Canvas : public QWidget, private host::DocumentObserver {
+    Q_OBJECT
+
+  public:
+    explicit Canvas(Desk* desk, QWidget* parent = nullptr);
+    ~Canvas() override;
+
+    void setHand(Hand* hand);
+    Hand* hand() const { return hand_; }
+    void refreshCursor() { showCursor(); }
+    // Another drawing is open, or none. folder: of the file.
+    void drawingReplaced(const QString& name, const QString& folder);
+    // Before the drawing that is open goes away.
+    void drawingLeaves();
+
+    void zoomAt(QPointF pixel, double factor);
+    void setZoom(double zoom);
+    void zoomToBox(QRectF pixels);
+    void fit();
+    void scrollBy(QPointF pixels);
+    void setGuidesShown(bool shown);
+    bool guidesShown() const { return options_.guides; }
+
+    RealPoint toArtwork(QPointF pixel) const;
+    QPointF toPixel(RealPoint point) const;
+    QTransform toPixels() const;  // document points to the canvas's pixels
+
+    // What stands on the screen now, and what a drawing of it from scratch looks like.
+    QImage shown();
+    QImage fresh();
+
+    QSize sizeHint() const override { return {900, 700}; }
+
+  signals:
+    void cursorMoved(quorvel::RealPoint point, QPointF pixel);
+    void cursorLeft();
+    void viewChanged();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void artInserted(host::ArtId art) override;
+    void artRemoved(host::ArtId art) override;
+    void artChanged(host::ArtId art) override;
+    void tagChanged(host::ArtId art, const std::string& name) override;
+    void layersChanged() override;
+
+    void drawAllAnew();
+    void noteSubtree(host::ArtId top);
+    void rememberBoxes(host::ArtId top);
+    QRect damageInPixels();
+    void refresh();  // the kept picture is true afterwards
+    void drawInto(QImage* image, const QRect& part);
+    void drawGround(QPainter* painter, const QRect& part) const;
+    void invertPreview(QImage* image, QPoint origin) const;
+    HandEvent handEvent(const QMouseEvent& event) const;
+    void showCursor();
+    bool panning() const { return panButton_ != Qt::NoButton; }
+
+    Desk* desk_;
+    Hand* hand_ = nullptr;
+    std::unique_ptr<DocumentPainter> painter_;
+    host::Document* observed_ = nullptr;
+    PaintOptions options_;
+    QString name_;
+    QImage kept_;
+    bool allStale_ = true;
+    std::vector<host::ArtId> stale_;
+    std::unordered_map<host::ArtId, QRectF> boxes_;  // in document points, as last drawn
+    Qt::MouseButton panButton_ = Qt::NoButton;
+    bool spaceHeld_ = false, drawing_ = false;
+    QPointF panFrom_;
+};
+
+}  // namespace quorvel::desktop

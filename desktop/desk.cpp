@@ -1,0 +1,162 @@
+// Sets host, plug-in and backend up in the order in which each needs the other, and takes them down the other way
+// round.
+#include "desktop/desk.h"
+
+#include <QCursor>
+#include <cmath>
+#include <regex>
+#include <sstream>
+
+#include "cli/session.h"
+#include "platform/file.h"
+#include "platform/text.h"
+
+namespace quorvel::desktop {
+
+namespace {
+
+constexpr char kEnglishTool[] = "Oblique Dimension Tool";
+
+std::string ProfilePath(const std::string& documents) {
+    std::string folder = documents;
+    for (const char* part : {"Adobe", "Illustrator", "Prefs"}) folder = platform::JoinPath(folder, part);
+    return platform::JoinPath(folder, "Quorvel.ini");
+}
+
+}  // namespace
+
+Desk::Desk(const DeskOptions& options) : options_(options) {
+    // The language is written into the profile before anything of it is read.
+    if (!options.language.empty()) cli::Session({options.profile, options.language, {}, {}});
+    user_ = std::make_unique<platform::QtBackend>(options.profile);
+    platform::InstallBackend(user_.get());
+    host::HostOptions hostOptions;
+    hostOptions.seed = options.seed;
+    host_ = std::make_unique<host::Host>(hostOptions);
+    connectHost();
+    connectUser();
+}
+
+Desk::~Desk() {
+    shutdown();
+    host_.reset();
+    platform::InstallBackend(nullptr);
+}
+
+void Desk::connectHost() {
+    host::HostCallbacks& calls = host_->callbacks;
+    calls.errorAlert = [this](const std::string& text) { user_->showAlert(text); };
+    calls.yesNoAlert = [this](const std::string& text) { return user_->askQuestion(text); };
+    calls.progress = [this](int current, int maximum) { emit progressed(current, maximum); };
+    calls.createPanelWindow = [this](const host::PanelRecord&) {
+        void* window = user_->createPanelWindow();
+        panelPage_ = platform::QtBackend::panelWidget(window);
+        return window;
+    };
+    calls.destroyPanelWindow = [this](void* window) {
+        user_->destroyPanelWindow(window);
+        panelPage_ = nullptr;
+    };
+    calls.panelShown = [this](const host::PanelRecord& panel) { emit panelShown(panel.shown); };
+    calls.viewRepainted = [this] {
+        user_->setViewTitle(viewTitle());
+        user_->viewRepainted();
+        emit viewRepainted();
+    };
+    calls.stepMade = [this](const std::string& name) {
+        recorder_.stepMade();
+        emit stepMade(QString::fromStdString(name));
+    };
+}
+
+void Desk::connectUser() {
+    platform::QtBackendEvents& events = user_->events;
+    events.surfaceDrawn = [this] { emit surfaceDrawn(); };
+    events.cursorChosen = [this](std::int32_t, const QCursor& cursor) { emit cursorChosen(cursor); };
+    events.beeped = [this] { emit beeped(); };
+    events.dialogAnswered = [this](const platform::DialogReply& reply) { recorder_.dialogAnswered(reply); };
+    events.boxAnswered = [this](bool accepted, bool) { recorder_.boxAnswered(accepted); };
+    events.fileChosen = [this](const std::optional<std::string>& path) { recorder_.fileChosen(path); };
+    events.panelUsed = [this](const platform::DialogStep& step) {
+        // The button that recalculates is pressed; all others are switched.
+        constexpr std::int32_t kRecalculate = 31;
+        recorder_.panelUsed(step, step.control != kRecalculate);
+    };
+}
+
+bool Desk::start(QString* error) {
+    const std::string file = options_.pluginFile.empty() ? cli::findPluginFile() : options_.pluginFile;
+    std::string cause;
+    if (!options_.recordFile.empty()) {
+        if (!recorder_.open(options_.recordFile)) {
+            *error = QString::fromStdString(options_.recordFile + ": cannot be written");
+            return false;
+        }
+        recordSettings();
+    }
+    if (!host_->loadPlugin(file, &cause)) {
+        *error = QString::fromStdString(file + ": " + cause);
+        return false;
+    }
+    started_ = true;
+    const AIErr result = host_->startup();
+    if (result != kNoErr) *error = QString::fromStdString(file + ": start-up failed with " + std::to_string(result));
+    english_ = host_->toolByTitle(kEnglishTool) != nullptr;
+    return result == kNoErr;
+}
+
+void Desk::shutdown() {
+    if (!started_) return;
+    started_ = false;
+    host_->shutdown();
+    recorder_.flush();
+}
+
+// The settings in force are a part of what is recorded: another machine has others.
+void Desk::recordSettings() {
+    std::string bytes;
+    if (!platform::ReadWholeFile(ProfilePath(user_->documentsFolder()), &bytes)) return;
+    static const std::regex kLine("^\\s*([A-Za-z_0-9]+)\\s*=\\s*(\"([^\"]*)\"|\\S*)\\s*$");
+    std::istringstream text(platform::ToUtf8(bytes, platform::kCodePageJapanese));
+    for (std::string line; std::getline(text, line);) {
+        std::smatch found;
+        if (!std::regex_match(line, found, kLine)) continue;
+        const bool quoted = found[3].matched;
+        recorder_.line("set " + found[1].str() + ' ' + Quoted(quoted ? found[3].str() : found[2].str()));
+    }
+}
+
+QString Desk::say(const char* english, const char* japanese) const {
+    return QString::fromUtf8(english_ ? english : japanese);
+}
+
+void Desk::setDark(bool dark, const QColor& background, const QColor& text) {
+    dark_ = dark;
+    host::Theme theme;
+    const auto put = [](const QColor& color, float(&to)[4]) {
+        to[0] = 1;
+        to[1] = color.redF();
+        to[2] = color.greenF();
+        to[3] = color.blueF();
+    };
+    put(background, theme.background);
+    put(text, theme.text);
+    theme.value = dark ? 1 : 0;
+    host_->setTheme(theme);
+}
+
+std::string Desk::viewTitle() const {
+    return viewName_.toStdString() + " @ " + std::to_string(std::lround(host_->view().zoom * 100)) + "%";
+}
+
+void Desk::openView(const QString& name, int width, int height) {
+    viewName_ = name;
+    host::View& view = host_->view();
+    view.width = width;
+    view.height = height;
+    user_->openView(viewTitle(), width, height);
+}
+
+void Desk::closeView() { user_->closeView(); }
+
+}  // namespace quorvel::desktop

@@ -1,0 +1,70 @@
+// The file behind the drawing that is open, and what keeps the user's work: unsaved changes are asked for, a copy is
+// put aside while work goes on, and a file that another program has changed is not overwritten unasked.
+#pragma once
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+
+#include "desktop/desk.h"
+
+class QWidget;
+
+namespace quorvel::desktop {
+
+class DrawingFile : public QObject {
+    Q_OBJECT
+
+  public:
+    DrawingFile(Desk* desk, QWidget* window);
+
+    // Empty for a drawing that has no file yet.
+    const QString& path() const { return path_; }
+    QString name() const;
+    QString folder() const;
+
+    bool open(const QString& path);  // asks for unsaved changes first
+    void openAsking();
+    void newPage();  // asks for its size
+    void newPage(float width, float height);
+    bool save();
+    bool saveAs();
+    bool saveTo(const QString& path);
+    bool mayLeave();  // false when the user wants to stay
+    bool unsaved() const;
+
+    static QStringList recentFiles();
+    // A copy that a crash has left behind; asks whether it is to be opened. True when it is.
+    bool offerRescuedCopy();
+    // Called by the timer; public for those who cannot wait.
+    void putCopyAside();
+
+  signals:
+    void drawingLeaves();
+    void drawingReplaced();
+    void saved();  // or otherwise changed its standing with the disk
+    void warned(const QStringList& warnings);
+
+  private:
+    bool load(const QString& from);
+    void opened(const QString& path);
+    bool changedOutside() const;
+    void noteOnDisk();
+    void dropCopy();
+    static QString copiesFolder();
+    QString copyPath() const;
+    void tell(const QString& text);
+
+    Desk* desk_;
+    QWidget* window_;
+    QString path_;
+    QDateTime onDisk_;
+    qint64 sizeOnDisk_ = -1;
+    QTimer copyTimer_;
+    std::uint64_t copiedChange_ = 0;
+    bool rescued_ = false;  // what is open has never been saved where it belongs
+};
+
+}  // namespace quorvel::desktop

@@ -1,0 +1,32 @@
+// What the mouse does on the canvas: one hand is in force at a time, that of the plug-in's tool or one of the window's
+// own.
+#pragma once
+
+#include <QCursor>
+#include <QPainter>
+#include <QPointF>
+
+#include "hostapi/types.h"
+
+namespace quorvel::desktop {
+
+struct HandEvent {
+    QPointF pixel;    // of the canvas
+    RealPoint point;  // of the document
+    Qt::KeyboardModifiers keys;
+};
+
+class Hand {
+  public:
+    virtual ~Hand() = default;
+    virtual void hover(const HandEvent& event) = 0;
+    virtual void press(const HandEvent& event) = 0;
+    virtual void drag(const HandEvent& event) = 0;
+    virtual void release(const HandEvent& event) = 0;
+    virtual void cancel() {}
+    virtual QCursor cursor() const = 0;
+    // Over the drawing, in the canvas's pixels.
+    virtual void paint(QPainter&) {}
+};
+
+}  // namespace quorvel::desktop

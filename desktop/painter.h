@@ -1,0 +1,51 @@
+// Draws a drawing: the same on the canvas, on paper, in PDF and in PNG.
+#pragma once
+
+#include <QPainter>
+#include <QString>
+#include <QTransform>
+#include <memory>
+
+#include "desktop/source_looks.h"
+#include "host/document.h"
+
+namespace quorvel::desktop {
+
+struct PaintOptions {
+    bool guides = false;    // they are for the screen alone
+    bool selected = false;  // the selection is marked
+    QColor mark = QColor(0x2f, 0x6f, 0xe4);
+};
+
+// What a piece of art may cover, in document points: its bounds grown by its stroke, or by what glyphs leave their
+// boxes. Null for art that shows nothing.
+QRectF DrawnBox(const host::Document& document, const host::Art& art);
+
+class DocumentPainter {
+  public:
+    // folder: where pictures that the drawing links to are looked for.
+    DocumentPainter(const host::Document& document, QString folder);
+    ~DocumentPainter();
+
+    // toDevice takes document points, y up, to the painter's pixels. Only what meets clip, in those pixels, is drawn.
+    void paint(QPainter* painter, const QTransform& toDevice, const QRectF& clip, const PaintOptions& options);
+
+  private:
+    void paintArt(const host::Art& art);
+    void paintPath(const host::Art& art);
+    void paintText(const host::Art& art);
+    void paintSelection(const host::Art& art);
+    bool outOfSight(const host::Art& art) const;
+    QBrush brushOf(const AIColor& color, const host::Art& art, double opacity);
+    QPen penOf(const AIPathStyle& style, const QBrush& ink) const;
+
+    const host::Document& document_;
+    SourceLooks looks_;
+    QPainter* painter_ = nullptr;
+    PaintOptions options_;
+    QTransform toDevice_;
+    QRectF sight_;      // in document points
+    double pixel_ = 1;  // points
+};
+
+}  // namespace quorvel::desktop

@@ -1,0 +1,32 @@
+// The rulers along the canvas, in the drawing's unit, with the place of the mouse on them.
+#pragma once
+
+#include <QWidget>
+#include <optional>
+#include <string>
+
+#include "desktop/canvas.h"
+
+namespace quorvel::desktop {
+
+class Ruler : public QWidget {
+  public:
+    Ruler(Desk* desk, Canvas* canvas, Qt::Orientation orientation, QWidget* parent = nullptr);
+    static constexpr int kWidth = 20;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    double at(double points) const;  // the pixel along the ruler
+
+    Desk* desk_;
+    Canvas* canvas_;
+    Qt::Orientation orientation_;
+    std::optional<QPointF> mouse_;
+};
+
+// Points of one unit: "mm", "cm", "in", "pt", "pc", "px" or "H".
+double PointsOfUnit(const std::string& unit);
+
+}  // namespace quorvel::desktop

@@ -1,0 +1,76 @@
+// Draws the panel's buttons pixel by pixel as they are meant, and keeps the state of a command list's rows true.
+#include "platform/qt/panel_button.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QStandardItemModel>
+#include <QWheelEvent>
+
+#include "platform/qt/pictures.h"
+
+namespace quorvel::platform {
+
+namespace {
+
+constexpr int kIconSize = 32;
+
+QColor ColorOf(const float (&channels)[3]) { return QColor::fromRgbF(channels[0], channels[1], channels[2]); }
+
+}  // namespace
+
+PanelButton::PanelButton(QWidget* parent, std::int32_t picture, std::int32_t secondPicture)
+    : QAbstractButton(parent), picture_(picture), secondPicture_(secondPicture) {
+    setFocusPolicy(Qt::TabFocus);
+    theme_.highlight = 0x444444;
+}
+
+void PanelButton::setLit(bool lit) {
+    lit_ = lit;
+    update();
+}
+
+void PanelButton::setTheme(const PanelTheme& theme) {
+    theme_ = theme;
+    update();
+}
+
+// The icon is shown unscaled and cut off at the button's edge: its middle is what is drawn for this size.
+void PanelButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const bool lit = lit_ || isDown();
+    const QColor highlight(QRgb{theme_.highlight});
+    painter.fillRect(rect(), lit ? highlight : ColorOf(theme_.background));
+    const bool second = theme_.secondIcons != lit;
+    const QPixmap icon = Picture(second ? secondPicture_ : picture_, devicePixelRatioF());
+    painter.drawPixmap(QPointF((width() - kIconSize) / 2.0, (height() - kIconSize) / 2.0), icon);
+    painter.setPen(hasFocus() ? palette().color(QPalette::Highlight) : highlight);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void CommandList::refreshRows() {
+    auto* items = qobject_cast<QStandardItemModel*>(model());
+    if (items == nullptr) return;
+    for (int row = 0; row < items->rowCount(); ++row) {
+        QStandardItem* item = items->item(row);
+        const QString text = item->text();
+        const bool separator = text.isEmpty() || text == QLatin1String("-");
+        item->setAccessibleDescription(separator ? QStringLiteral("separator") : QString());
+        const bool enabled = !separator && !(rowDisabled && rowDisabled(row));
+        item->setFlags(enabled ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags);
+    }
+}
+
+void CommandList::showPopup() {
+    refreshRows();
+    QComboBox::showPopup();
+}
+
+void CommandList::keyPressEvent(QKeyEvent* event) {
+    refreshRows();
+    QComboBox::keyPressEvent(event);
+}
+
+// A turn of the wheel over the dialog must not run a command by accident.
+void CommandList::wheelEvent(QWheelEvent* event) { event->ignore(); }
+
+}  // namespace quorvel::platform

@@ -1,0 +1,18 @@
+// The plug-in's pictures by their resource numbers: icons, drawings in dialogs, cursors with their hot spots.
+#pragma once
+
+#include <QCursor>
+#include <QPixmap>
+#include <QString>
+#include <cstdint>
+
+namespace quorvel::platform {
+
+// Makes the pictures known; before the first is asked for.
+void InitPictures();
+bool PictureExists(std::int32_t id);
+// At its own size, or fitted into the size given; null when there is none.
+QPixmap Picture(std::int32_t id, qreal pixelRatio, QSize size = {});
+QCursor PictureCursor(std::int32_t id, qreal pixelRatio);
+
+}  // namespace quorvel::platform

@@ -1,0 +1,180 @@
+// A draftsman's first minutes at the window, by mouse, keys and real dialogs.
+#include <QAction>
+#include <QMenuBar>
+#include <QPainter>
+
+#include "host/svg.h"
+#include "platform/qt/panel_button.h"
+#include "tests/desktop/window_rig.h"
+
+namespace quorvel::tests {
+namespace {
+
+TEST(Window, StraightDimensionByMouseSnapsUndoesSavesAndReopens) {
+    WindowRig rig;
+    rig.press("Straight Dimension Tool");
+    const std::size_t before = rig.document().artCount();
+    rig.dimensionEdge();
+    EXPECT_EQ(rig.newestText(), "71");  // 200 points are 70.56 mm: both ends have snapped to the corners
+    EXPECT_GT(rig.document().artCount(), before);
+    EXPECT_EQ(rig.desk->user().screen().visiblePixels(), 0U);
+    rig.picture(rig.window.get(), "straight-en-light");
+
+    const std::size_t drawn = rig.document().artCount();
+    rig.window->undo();
+    EXPECT_EQ(rig.document().artCount(), before);
+    rig.window->redo();
+    EXPECT_EQ(rig.document().artCount(), drawn);
+
+    const std::string dump = rig.dump();
+    ASSERT_TRUE(rig.window->file().save());
+    EXPECT_FALSE(rig.window->isWindowModified());
+    ASSERT_TRUE(rig.window->file().open(rig.drawing()));
+    EXPECT_EQ(rig.dump(), dump);
+}
+
+TEST(Window, MovedArtTakesItsDimensionAlong) {
+    WindowRig rig;
+    rig.dimensionEdge();
+    rig.press("select");
+    const host::ArtId plate = rig.document().findBySvgId("plate");
+    const RealRect before = rig.document().bounds(plate);
+    rig.drag(rig.pixel(150, 150), rig.pixel(150, 150) + QPoint(40, -30));
+    const RealRect after = rig.document().bounds(plate);
+    const double zoom = rig.desk->host().view().zoom;
+    EXPECT_NEAR(after.left - before.left, 40 / zoom, 0.01);
+    EXPECT_NEAR(after.bottom - before.bottom, 30 / zoom, 0.01);
+    const host::Art* root = rig.document().find(rig.document().layer(rig.document().currentLayer())->root);
+    const RealRect dimension = rig.document().bounds(root->firstChild);
+    EXPECT_GT(dimension.right, 300 + 20 / zoom);
+}
+
+TEST(Window, RadiusOptionsByDoubleClick) {
+    WindowRig rig;
+    desktop::ToolSlot* slot = rig.window->tools()->slotOf("Radius Tool");
+    ASSERT_NE(slot, nullptr);
+    const auto open = [&] { QTest::mouseDClick(slot, Qt::LeftButton, {}, QPoint(8, 8)); };
+    rig.inDialog(open, [&](QWidget* dialog) {
+        EXPECT_EQ(dialog->objectName(), "dialog16266");
+        rig.picture(dialog, "radius-options-en-light");
+        QTest::mouseClick(rig.control<QAbstractButton>(dialog, 6), Qt::LeftButton, {}, QPoint(8, 8));
+        auto* list = rig.control<QComboBox>(dialog, 7);
+        EXPECT_EQ(list->count(), 3);
+        list->setCurrentIndex(2);
+        emit list->activated(2);
+        QTest::keyClick(dialog, Qt::Key_Return);
+    });
+    rig.inDialog(open, [&](QWidget* dialog) {
+        EXPECT_TRUE(rig.control<QAbstractButton>(dialog, 6)->isChecked());
+        EXPECT_EQ(rig.control<QComboBox>(dialog, 7)->currentIndex(), 2);
+        QTest::keyClick(dialog, Qt::Key_Escape);
+    });
+}
+
+TEST(Window, SettingsRefuseAValueAndStoreNothing) {
+    for (const char* language : {"en", "ja"}) {
+        WindowRig rig({language, true, false});
+        const auto open = [&] { rig.window->menuGo("Orvane Group"); };
+        rig.inDialog(open, [&](QWidget* dialog) {
+            rig.picture(dialog, QStringLiteral("settings-%1-dark").arg(language));
+            auto* width = rig.control<QLineEdit>(dialog, 19);
+            auto* angle = rig.control<QLineEdit>(dialog, 20);
+            width->selectAll();
+            QTest::keyClicks(width, "3");
+            angle->selectAll();
+            QTest::keyClicks(angle, "-1");
+            QTest::mouseClick(rig.control<QPushButton>(dialog, 1), Qt::LeftButton);
+            EXPECT_TRUE(dialog->isVisible());
+            EXPECT_EQ(dialog->focusWidget(), angle);
+            EXPECT_EQ(angle->selectedText(), "-1");
+            QTest::mouseClick(rig.control<QPushButton>(dialog, 2), Qt::LeftButton);
+        });
+        rig.inDialog(open, [&](QWidget* dialog) {
+            EXPECT_EQ(rig.control<QLineEdit>(dialog, 20)->text(), "15");
+            auto* angle = rig.control<QLineEdit>(dialog, 20);
+            angle->selectAll();
+            QTest::keyClicks(angle, "20");
+            QTest::mouseClick(rig.control<QPushButton>(dialog, 1), Qt::LeftButton);
+        });
+        rig.inDialog(open, [&](QWidget* dialog) {
+            EXPECT_EQ(rig.control<QLineEdit>(dialog, 20)->text(), "20");
+            dialog->close();
+        });
+    }
+}
+
+TEST(Window, ScheduleDialogTurnsPagesAndOffersPresets) {
+    for (const char* language : {"en", "ja"}) {
+        WindowRig rig({language, false, false});
+        const QString title =
+            QString::fromUtf8(language[0] == 'e' ? "Schedule Tool [bottom]" : "図面枠ツール [下に部品]");
+        desktop::ToolSlot* slot = rig.window->tools()->slotOf(title);
+        ASSERT_NE(slot, nullptr);
+        rig.inDialog([&] { QTest::mouseDClick(slot, Qt::LeftButton, {}, QPoint(8, 8)); },
+                     [&](QWidget* dialog) {
+                         auto* name = rig.control<QLineEdit>(dialog, 35);
+                         QTest::keyClicks(name, "Bracket");
+                         QTest::mouseClick(rig.control<QPushButton>(dialog, 6), Qt::LeftButton);
+                         EXPECT_EQ(name->text(), "");
+                         QTest::mouseClick(rig.control<QPushButton>(dialog, 5), Qt::LeftButton);
+                         EXPECT_EQ(name->text(), "Bracket");
+                         auto* presets = rig.control<platform::CommandList>(dialog, 106);
+                         presets->refreshRows();
+                         int disabled = 0;
+                         for (int row = 0; row < presets->count(); ++row)
+                             disabled +=
+                                 presets->model()->flags(presets->model()->index(row, 0)) & Qt::ItemIsEnabled ? 0 : 1;
+                         EXPECT_GE(disabled, 3);  // separators, and Save and Delete while there is no preset
+                         rig.picture(dialog, QStringLiteral("schedule-%1-light").arg(language));
+                         QTest::mouseClick(rig.control<QPushButton>(dialog, 1), Qt::LeftButton);
+                     });
+    }
+}
+
+TEST(Window, PanelTogglesAndItsMenuItem) {
+    WindowRig rig({"ja", true, false});
+    platform::ControlForm* form = rig.desk->user().panelForm();
+    ASSERT_NE(form, nullptr);
+    const bool lit = form->checked(12);
+    QTest::mouseClick(form->widget(12), Qt::LeftButton);
+    EXPECT_NE(form->checked(12), lit);
+    rig.window->tick();
+    rig.moveTo(rig.pixel(150, 150));
+    rig.picture(rig.window.get(), "window-ja-dark");
+    EXPECT_TRUE(rig.window->infoDock()->isVisible());
+    rig.window->menuGo("Orvane Info Group");
+    EXPECT_FALSE(rig.window->infoDock()->isVisible());
+    rig.window->menuGo("Orvane Info Group");
+    EXPECT_TRUE(rig.window->infoDock()->isVisible());
+}
+
+TEST(Window, FileThatAnotherProgramChangedIsAskedFor) {
+    WindowRig rig;
+    rig.dimensionEdge();
+    QFile file(rig.drawing());
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write("<!-- changed -->\n");
+    file.close();
+    rig.inDialog([&] { EXPECT_FALSE(rig.window->file().save()); },
+                 [](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    QFile kept(rig.drawing());
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(kept.readAll().endsWith("<!-- changed -->\n"));
+    rig.document().markSaved();
+}
+
+TEST(Window, CutAndPasteKeepTags) {
+    WindowRig rig;
+    rig.dimensionEdge();
+    const std::string text = rig.newestText();
+    rig.window->editing().selectAll();
+    rig.window->editing().cut();
+    EXPECT_EQ(rig.document().findBySvgId("plate"), 0U);
+    rig.window->editing().paste();
+    EXPECT_EQ(rig.window->editing().selection().size(), 3U);
+    EXPECT_EQ(rig.newestText(), text);
+    rig.document().markSaved();
+}
+
+}  // namespace
+}  // namespace quorvel::tests

@@ -1,0 +1,156 @@
+// The real window with a profile and a drawing of its own, and a hand at its mouse and dialogs.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "cli/dump.h"
+#include "desktop/look.h"
+#include "desktop/main_window.h"
+
+namespace quorvel::tests {
+
+// A plate of 200 by 100 points with its lower left corner at (100, 100), and a round hole of 20 points' radius.
+constexpr char kPlate[] =
+    "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"600pt\" height=\"400pt\" viewBox=\"0 0 600 400\">\n"
+    "  <defs><linearGradient id=\"steel\"><stop offset=\"0\" stop-color=\"#eef2f6\"/>"
+    "<stop offset=\"1\" stop-color=\"#b9c4d0\"/></linearGradient></defs>\n"
+    "  <g id=\"part\" xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" inkscape:groupmode=\"layer\" "
+    "inkscape:label=\"Part\">\n"
+    "    <path id=\"plate\" d=\"M100 300 L300 300 L300 200 L100 200 Z\" fill=\"url(#steel)\" stroke=\"#000\"/>\n"
+    "    <circle id=\"hole\" cx=\"400\" cy=\"250\" r=\"20\" fill=\"none\" stroke=\"#000\" stroke-dasharray=\"6 2 1 "
+    "2\"/>\n"
+    "  </g>\n</svg>\n";
+
+struct WindowRig {
+    struct Options {
+        std::string language = "en";
+        bool dark = false;
+        bool record = false;
+    };
+    explicit WindowRig(Options options) {
+        const std::string folder = home.path().toStdString();
+        QFile file(drawing());
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(kPlate);
+        file.close();
+        desktop::ApplyLook(qobject_cast<QApplication*>(QApplication::instance()),
+                           options.dark ? desktop::Look::dark : desktop::Look::light);
+        desktop::DeskOptions deskOptions;
+        deskOptions.profile = folder;
+        deskOptions.language = options.language;
+        deskOptions.seed = 1;
+        deskOptions.pluginFile = QUORVEL_PLUGIN_FILE;
+        if (options.record) deskOptions.recordFile = folder + "/recorded.script";
+        desk = std::make_unique<desktop::Desk>(deskOptions);
+        QString error;
+        EXPECT_TRUE(desk->start(&error)) << error.toStdString();
+        window = std::make_unique<desktop::MainWindow>(desk.get());
+        window->resize(1240, 820);
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        EXPECT_TRUE(window->file().open(drawing()));
+        QApplication::processEvents();
+    }
+    WindowRig() : WindowRig(Options()) {}
+
+    QString drawing() const { return home.path() + QStringLiteral("/plate.svg"); }
+    desktop::Canvas& canvas() { return *window->canvas(); }
+    host::Document& document() { return *desk->document(); }
+
+    QPoint pixel(double h, double v) {
+        return canvas().toPixel({static_cast<float>(h), static_cast<float>(v)}).toPoint();
+    }
+    void press(const QString& slot) {
+        QTest::mouseClick(window->tools()->slotOf(slot), Qt::LeftButton, {}, QPoint(8, 8));
+    }
+    void moveTo(QPoint at, Qt::MouseButtons held = Qt::NoButton) {
+        QMouseEvent event(QEvent::MouseMove, at, canvas().mapToGlobal(at), Qt::NoButton, held, Qt::NoModifier);
+        QApplication::sendEvent(&canvas(), &event);
+    }
+    void drag(QPoint from, QPoint to) {
+        moveTo(from);
+        QTest::mousePress(&canvas(), Qt::LeftButton, {}, from);
+        moveTo((from + to) / 2, Qt::LeftButton);
+        moveTo(to, Qt::LeftButton);
+        QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, to);
+    }
+    void click(QPoint at) {
+        moveTo(at);
+        QTest::mouseClick(&canvas(), Qt::LeftButton, {}, at);
+    }
+    // Dimensions the plate's lower edge; the cursor is a few pixels off the corners, and snaps.
+    void dimensionEdge() {
+        window->tools()->choose(QStringLiteral("Straight Dimension Tool"));
+        drag(pixel(100, 100) + QPoint(1, 1), pixel(300, 100) + QPoint(-1, 1));
+        const QPoint place = pixel(200, 60);
+        moveTo(place + QPoint(20, 0));
+        click(place);
+    }
+    // The text of the topmost text frame below the art.
+    std::string textBelow(host::ArtId id) {
+        const host::Art* art = document().find(id);
+        if (art->text != nullptr) return cli::toUtf8(art->text->text);
+        for (host::ArtId child = art->firstChild; child != 0; child = document().find(child)->below)
+            if (const std::string text = textBelow(child); !text.empty()) return text;
+        return {};
+    }
+    std::string newestText() {
+        const host::Art* root = document().find(document().layer(document().currentLayer())->root);
+        return textBelow(root->firstChild);
+    }
+    std::string dump() { return cli::dumpDocument(document(), desk->host().rulerUnit()).dump(1); }
+
+    // The picture of the window, or of a dialog over it, for people to look at.
+    static void picture(QWidget* of, const QString& name) {
+        const QString folder = QStringLiteral(QUORVEL_SOURCE_DIR "/out/window");
+        QDir().mkpath(folder);
+        EXPECT_TRUE(of->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
+    }
+    // Runs deed, and what is given on the dialog that it opens.
+    static void inDialog(const std::function<void()>& deed, const std::function<void(QWidget*)>& there) {
+        bool came = false;
+        QTimer waiting;
+        QObject::connect(&waiting, &QTimer::timeout, [&] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            if (dialog == nullptr || came) return;
+            came = true;
+            there(dialog);
+            if (QApplication::activeModalWidget() == dialog) {
+                ADD_FAILURE() << "the dialog stays open";
+                dialog->close();
+            }
+        });
+        waiting.start(20);
+        deed();
+        EXPECT_TRUE(came) << "no dialog came";
+    }
+    template <typename Widget>
+    static Widget* control(QWidget* dialog, int id) {
+        auto* found = dialog->findChild<Widget*>(QStringLiteral("control%1").arg(id));
+        EXPECT_NE(found, nullptr) << "control " << id;
+        return found;
+    }
+
+    QTemporaryDir home;
+    std::unique_ptr<desktop::Desk> desk;
+    std::unique_ptr<desktop::MainWindow> window;
+    ~WindowRig() {
+        window.reset();
+        desk.reset();
+    }
+};
+
+}  // namespace quorvel::tests
