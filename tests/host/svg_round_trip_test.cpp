@@ -208,8 +208,9 @@ class Draughtsman {
     }
 
     TextData text() {
-        static const std::u16string kTexts[] = {u"50",           u"R 12.5",    u"  two  blanks ", u"",
-                                                u"寸法線 < & >", u"a\rb\r\rc", u"\U0001F600",     u"\"quoted\" \x1B\x01"};
+        static const std::u16string kTexts[] = {
+            u"50",           u"R 12.5",    u"  two  blanks ", u"",
+            u"寸法線 < & >", u"a\rb\r\rc", u"\U0001F600",     u"\"quoted\" \x1B\x01"};
         static const char* kFonts[] = {"DejaVu Sans", "DejaVu Sans Bold", "No Such Font", "IPAGothic"};
         TextData result;
         result.text = kTexts[upTo(7)];
