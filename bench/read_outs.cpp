@@ -12,7 +12,7 @@ using namespace quorvel::bench;
 
 constexpr int kPaths = 100'000;
 constexpr int kTicks = 51;
-constexpr std::int32_t kLengthField = 5, kAreaField = 6;
+constexpr std::int32_t kLengthField = 10, kAreaField = 30;
 
 double tickSeconds(PluginRun& run) {
     return secondsOf([&] {
