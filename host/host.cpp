@@ -56,16 +56,20 @@ class Raised {
 }  // namespace
 
 const char* MessageTexts::keep(const std::string& text) {
+    if (text.size() < kLong) return add(text);
     std::string_view& recent = recent_[std::hash<std::string_view>()(text) % recent_.size()];
-    if (recent.data() != nullptr && recent == text) return recent.data();
+    if (recent.data() == nullptr || recent != text) recent = {add(text), text.size()};
+    return recent.data();
+}
+
+const char* MessageTexts::add(const std::string& text) {
     const std::size_t size = text.size() + 1;
     if (blocks_.empty() || blocks_.back().capacity() - blocks_.back().size() < size)
         blocks_.emplace_back().reserve(std::max(size, kBlock));
     std::vector<char>& block = blocks_.back();
     const std::size_t start = block.size();
     block.insert(block.end(), text.c_str(), text.c_str() + size);
-    recent = {block.data() + start, text.size()};
-    return recent.data();
+    return block.data() + start;
 }
 
 void MessageArena::clear() {

@@ -35,16 +35,18 @@ struct ParaFeatures {
 };
 
 // Copies of texts, packed closely: a recalculation reads the records of all dimensions in one message. The settings in
-// those records are mostly the same, so a text that was kept lately is given again.
+// those records are long and mostly the same, so a long text that was kept lately is given again.
 class MessageTexts {
   public:
     const char* keep(const std::string& text);
 
   private:
-    static constexpr std::size_t kBlock = 1 << 16;
+    static constexpr std::size_t kBlock = 1 << 16, kLong = 64;
+
+    const char* add(const std::string& text);
 
     std::deque<std::vector<char>> blocks_;       // each reserved once, so that its texts stay where they are
-    std::array<std::string_view, 64> recent_{};  // by hash
+    std::array<std::string_view, 64> recent_{};  // long ones by hash
 };
 
 // What slots give for the length of a message. A handle is the place in its list, from 1, with the generation.

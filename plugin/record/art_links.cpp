@@ -37,13 +37,15 @@ bool ArtIsOnUsableLayer(AIArtHandle art) {
     return sAIArt->GetLayerOfArt(art, &layer) == kNoErr && LayerIsUsable(layer);
 }
 
+AIArtHandle ParentOf(AIArtHandle art) {
+    AIArtHandle parent = nullptr;
+    return sArtQuery->GetArtParent(art, &parent) == kNoErr ? parent : nullptr;
+}
+
 // Is every art above it a plain group? stopAtTools: and none of them a dimension?
 bool StandsInGroups(AIArtHandle art, bool stopAtTools) {
-    AIArtHandle parent = nullptr;
-    while (sArtQuery->GetArtParent(art, &parent) == kNoErr && parent != nullptr) {
+    for (AIArtHandle parent = ParentOf(art); parent != nullptr; parent = ParentOf(parent))
         if (ArtType(parent) != kGroupArt || (stopAtTools && IsDimensionGroup(parent))) return false;
-        art = parent;
-    }
     return true;
 }
 
@@ -159,9 +161,17 @@ std::vector<AIArtHandle> CollectDimensionGroups() {
     std::int32_t count = 0;
     if (sArtQuery != nullptr && sArtQuery->FindArtByTag(kToolConfigTag, nullptr, &bearers, &count) == kNoErr) {
         const std::vector<AIArtHandle> found(bearers, bearers + count);
-        for (AIArtHandle art : found)
-            if (ArtType(art) == kGroupArt && ArtIsOnUsableLayer(art) && StandsInGroups(art, true))
-                groups.push_back(art);
+        // Siblings share layer and ancestors, and most dimensions are siblings.
+        AIArtHandle sharedParent = nullptr;
+        bool reached = false;
+        for (AIArtHandle art : found) {
+            if (ArtType(art) != kGroupArt) continue;
+            const AIArtHandle parent = ParentOf(art);
+            if (parent == nullptr || parent != sharedParent)
+                reached = ArtIsOnUsableLayer(art) && StandsInGroups(art, true);
+            sharedParent = parent;
+            if (reached) groups.push_back(art);
+        }
         return groups;
     }
     WalkUsableRoots([&](AIArtHandle root) { WalkDimensions(root, &groups); });

@@ -59,7 +59,7 @@ void AppendPartRows(const PrefsRecord& prefs, std::string* text) {
     for (int i = 0; i < kPartRowCount; ++i) {
         const ZwkPartRow& row = prefs.flZwkParts[i];
         if (PartRowIsEmpty(row)) continue;
-        char digits[8];
+        char digits[16];
         std::snprintf(digits, sizeof digits, "%2.2d", i);
         for (const PartColumn& column : kPartColumns) {
             *text += FileLine(std::string(column.key) + digits, Quoted(PartText(row, column)));
