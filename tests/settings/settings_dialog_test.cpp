@@ -222,6 +222,7 @@ TEST_P(SettingsDialog, RefusedValuesAreShownOneAfterTheOther) {
         EXPECT_EQ(refused, std::vector<std::int32_t>(std::begin(order), std::end(order))) << bad;
         EXPECT_EQ(snapshot(), before) << bad;
         hand.spy->changed = nullptr;
+        hand.spy->opened = nullptr;
     }
     for (const auto& [control, bad] : {std::pair{10, "0"}, {10, "abc"}, {20, "3.4028235e38"}, {24, "3.4028235e38"}}) {
         const int beeps = hand.spy->beeps();
