@@ -166,42 +166,17 @@ void ArtIndex::refreshBox(ArtId id) {
 }
 
 void ArtIndex::refreshTags(ArtId id) {
-    if (const auto known = tagsIndexed_.find(id); known != tagsIndexed_.end()) {
-        for (const Tag& tag : known->second) {
-            ArtByValue& byValue = tagged_.find(tag.name)->second;
-            const auto bearers = byValue.find(tag.value);
-            std::vector<ArtId>& arts = bearers->second;
-            const auto place = std::lower_bound(arts.begin(), arts.end(), id);
-            arts.erase(place);
-            if (arts.empty()) byValue.erase(bearers);
-        }
-        tagsIndexed_.erase(known);
-    }
-    const Art* art = document_.find(id);
-    if (art == nullptr) return;
-    for (const Tag& tag : art->tags) {
-        if (tagged_.contains(tag.name)) addTag(tag, id);
-    }
+    for (auto& [name, index] : tagged_) index.put(id, document_.tag(id, name));
 }
 
-void ArtIndex::addTag(const Tag& tag, ArtId id) {
-    std::vector<ArtId>& arts = tagged_.find(tag.name)->second[tag.value];
-    const auto place = std::lower_bound(arts.begin(), arts.end(), id);
-    if (place != arts.end() && *place == id) return;  // a damaged file may give an art one tag twice
-    arts.insert(place, id);
-    tagsIndexed_[id].push_back(tag);
-}
-
-ArtIndex::ArtByValue& ArtIndex::fillTag(std::string_view name) {
-    ArtByValue& arts = tagged_[std::string(name)];
+const TagIndex& ArtIndex::tagIndex(std::string_view name) {
+    if (const auto known = tagged_.find(name); known != tagged_.end()) return known->second;
+    TagIndex& index = tagged_[std::string(name)];
     for (LayerId layer : document_.layers()) {
-        visitSubtree(document_.layer(layer)->root, [&](const Art& art) {
-            for (const Tag& tag : art.tags) {
-                if (tag.name == name) addTag(tag, art.id);
-            }
-        });
+        visitSubtree(document_.layer(layer)->root,
+                     [&](const Art& art) { index.put(art.id, document_.tag(art.id, name)); });
     }
-    return arts;
+    return index;
 }
 
 // --- questions -----------------------------------------------------------------------------------------------------
@@ -235,13 +210,12 @@ void ArtIndex::findAtPoint(LayerId layer, RealPoint point, float tolerance, std:
 void ArtIndex::findByTag(std::string_view name, std::optional<std::string_view> value, std::vector<ArtId>* out) {
     out->clear();
     catchUpTags();
-    const auto byName = tagged_.find(name);
-    const ArtByValue& arts = byName != tagged_.end() ? byName->second : fillTag(name);
+    const TagIndex& index = tagIndex(name);
     if (value) {
-        const auto bearers = arts.find(std::string(*value));
-        if (bearers != arts.end()) *out = bearers->second;
+        index.find(*value, out);
+        std::erase_if(*out, [&](ArtId art) { return *document_.tag(art, name) != *value; });
     } else {
-        for (const auto& [itsValue, bearers] : arts) out->insert(out->end(), bearers.begin(), bearers.end());
+        index.all(out);
     }
     document_.sortInWalkOrder(out);
 }

@@ -9,12 +9,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "host/box_tree.h"
 #include "host/document.h"
+#include "host/tag_index.h"
 
 namespace quorvel::host {
 
@@ -34,7 +33,7 @@ class ArtIndex : public DocumentObserver {
     // as is art that a walk through groups and compound paths does not reach.
     void findAtPoint(LayerId layer, RealPoint point, float tolerance, std::string_view excludeUnder,
                      std::vector<ArtId>* out);
-    // The art of all layers that bears the tag with this value, or with any.
+    // The art of all layers that bears the tag with this value, or with any. Of two tags of one name the first counts.
     void findByTag(std::string_view name, std::optional<std::string_view> value, std::vector<ArtId>* out);
 
     void artInserted(ArtId art) override;
@@ -55,15 +54,13 @@ class ArtIndex : public DocumentObserver {
         std::vector<ArtId> arts_;
         std::vector<bool> isNoted_;  // by art
     };
-    using ArtByValue = std::unordered_map<std::string, std::vector<ArtId>>;  // rising
 
     void catchUpBoxes();
     void fillBoxes();
     void refreshBox(ArtId id);
     void catchUpTags();
     void refreshTags(ArtId id);
-    void addTag(const Tag& tag, ArtId id);
-    ArtByValue& fillTag(std::string_view name);
+    const TagIndex& tagIndex(std::string_view name);
     void noteSubtree(ArtId top);
     template <typename Visit>
     void visitSubtree(ArtId top, Visit visit) const;
@@ -78,8 +75,7 @@ class ArtIndex : public DocumentObserver {
     std::vector<std::unique_ptr<BoxTree>> trees_;  // by layer
     std::vector<BoxTree::Item> candidates_;        // of the question that is asked
     // By name, those that have been asked for: a record has many tags, and few of them are ever looked for.
-    std::map<std::string, ArtByValue, std::less<>> tagged_;
-    std::unordered_map<ArtId, std::vector<Tag>> tagsIndexed_;
+    std::map<std::string, TagIndex, std::less<>> tagged_;
 };
 
 }  // namespace quorvel::host

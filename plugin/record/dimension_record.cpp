@@ -28,6 +28,8 @@ struct NewId {
 };
 constexpr std::size_t kNewIdCapacity = 100;
 std::vector<NewId> gNewIds;
+// All dimensions, from the first copy that is met to the end of the write, which neither adds nor removes any.
+std::vector<AIArtHandle> gDimensions;
 
 __attribute__((format(printf, 1, 2))) std::string Print(const char* format, ...) {
     char text[512];
@@ -110,8 +112,9 @@ std::vector<std::pair<int, int>> ReadPairs(std::string_view text) {
 // Dimensions that measure this art by its old id, through the tag of this name, are pointed at its new one. Their lists
 // end with the last pair then.
 void RepointDimensions(AIArtHandle art, const char* tagName, std::int32_t oldId, std::int32_t newId) {
-    for (AIArtHandle group : CollectDimensionGroups()) {
-        std::string text;
+    if (gDimensions.empty()) gDimensions = CollectDimensionGroups();
+    std::string text;
+    for (AIArtHandle group : gDimensions) {
         if (!ReadTag(group, tagName, &text)) continue;
         const std::vector<std::pair<int, int>> pairs = ReadPairs(text);
         const auto bearsOldId = [oldId](const std::pair<int, int>& pair) { return pair.first == oldId; };
@@ -290,6 +293,7 @@ void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mod
     PluginGlobals* globals = gGlobals;
     const ToolState& state = globals->liveState;
     gNewIds.clear();
+    gDimensions.clear();
     WriteStateTags(group, kind, mode, state);
     WriteTagPieces(group, kSettingTag, SettingsText(globals));
     WriteCellList(group, kFromCellTag, state.fromCells);
