@@ -28,7 +28,7 @@ void PaintFillet(const PreviewPen& pen, PluginGlobals* /*globals*/, ToolState* s
 // --- events -------------------------------------------------------------------------------------------------------
 
 AIErr FilletEditOptions(const AIToolMessage* /*message*/) {
-    RunFilletDialog(gGlobals);
+    FilletRadiusDialog(gGlobals);
     return kNoErr;
 }
 
@@ -155,7 +155,7 @@ bool BuildFillet() {
     FilletPick first, second;
     if (!ReadFilletPick(live.fromCells[0], live.fromPoint, &first)) return false;
     if (!ReadFilletPick(live.toCells[0], live.toPoint, &second)) return false;
-    if (globals->prefs.flRadius == 0.0F && !RunFilletDialog(globals)) return false;
+    if (globals->prefs.flRadius == 0.0F && !FilletRadiusDialog(globals)) return false;
 
     const double radius = globals->prefs.flRadius;
     const bool firstStraight = IsStraightSegment(first.s, first.t);

@@ -111,7 +111,7 @@ bool RunObjectNumberDialog(PluginGlobals* globals) {
     });
 }
 
-bool RunFilletDialog(PluginGlobals* globals) {
+bool FilletRadiusDialog(PluginGlobals* globals) {
     return RunSimpleDialog<StoreFilletRadius>(globals, kFilletDialog, [](WindowRef window, void* context) {
         char text[kValueTextSize];
         FormatPointsWithRulerUnit(static_cast<PluginGlobals*>(context)->prefs.flRadius, text);

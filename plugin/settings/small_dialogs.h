@@ -11,7 +11,7 @@ namespace quorvel {
 bool RunCommentDialog(PluginGlobals* globals);
 bool RunObjectNumberDialog(PluginGlobals* globals);
 // A radius of 0 and below is refused.
-bool RunFilletDialog(PluginGlobals* globals);
+bool FilletRadiusDialog(PluginGlobals* globals);
 bool RunRadiusDialog(PluginGlobals* globals);
 bool RunDiameterDialog(PluginGlobals* globals);
 // name: proposed, and what was typed (up to 255 bytes, unchecked).

@@ -18,7 +18,8 @@ struct SelectionEntry {
 };
 
 // Valid between save and restore, which are never nested.
-std::vector<SelectionEntry> savedSelection;
+using SavedSelection = std::vector<SelectionEntry>;
+SavedSelection savedSelection;
 
 bool NeverStop() { return false; }
 
@@ -143,7 +144,7 @@ void SaveSelection() {
 void RestoreSelection() {
     const EntryRuns runs = FindEntryRuns();
     VisitAllLayers([&](AIArtHandle root) { return RestoreArt(root, runs); });
-    std::vector<SelectionEntry>().swap(savedSelection);
+    SavedSelection().swap(savedSelection);
 }
 
 }  // namespace quorvel

@@ -73,17 +73,18 @@ TEST_P(SmallDialogs, ObjectNumber) {
 
 TEST_P(SmallDialogs, FilletRefusesWhatIsNoRadius) {
     table.host().setRulerUnit("mm");
-    EXPECT_FALSE(run(16260, {look(7, text("Radius:", "半径：")), look(5, "0 mm"), press(2)}, RunFilletDialog));
+    EXPECT_FALSE(run(16260, {look(7, text("Radius:", "半径：")), look(5, "0 mm"), press(2)}, FilletRadiusDialog));
     for (const char* refused : {"0", "-3mm", "", "1e39", "radius"}) {
         const int beeps = table.beeps();
-        EXPECT_FALSE(run(16260, {type(5, refused), press(1), look(5, refused), press(2)}, RunFilletDialog)) << refused;
+        EXPECT_FALSE(run(16260, {type(5, refused), press(1), look(5, refused), press(2)}, FilletRadiusDialog))
+            << refused;
         EXPECT_EQ(table.beeps(), beeps + 1) << refused;
         EXPECT_EQ(table.user().lastFocus(), 5) << refused;
         EXPECT_EQ(prefs.flRadius, 0) << refused;
     }
-    EXPECT_TRUE(run(16260, {type(5, "0"), press(1), type(5, "3mm"), press(1)}, RunFilletDialog));
+    EXPECT_TRUE(run(16260, {type(5, "0"), press(1), type(5, "3mm"), press(1)}, FilletRadiusDialog));
     EXPECT_FLOAT_EQ(prefs.flRadius, 8.503937F);
-    EXPECT_TRUE(run(16260, {look(5, "3 mm"), type(5, "2"), press(1)}, RunFilletDialog));
+    EXPECT_TRUE(run(16260, {look(5, "3 mm"), type(5, "2"), press(1)}, FilletRadiusDialog));
     EXPECT_FLOAT_EQ(prefs.flRadius, 5.669291F);  // without a unit the ruler's
 }
 
