@@ -492,5 +492,55 @@ TEST(RealDrawings, ShowLengthsAlongPathsRoundPartsAndAngles) {
     EXPECT_TRUE(parallel.dimensions().empty());
 }
 
+// Square user units of each closed stroke of an element's path data, which are straight and relative, by the shoelace
+// formula.
+std::vector<double> areasOf(const std::string& file, const std::string& id) {
+    const std::string svg = readBytes(sharedDrawing(file));
+    std::smatch data;
+    EXPECT_TRUE(std::regex_search(svg, data, std::regex("id=\"" + id + "\"\\s+d=\"([mz0-9. -]+)\"")));
+    const std::string strokes = data[1];
+    std::vector<double> areas;
+    Point at;
+    std::size_t begin = 0;
+    for (std::size_t end; (end = strokes.find('z', begin)) != std::string::npos; begin = end + 1) {
+        const std::string one = strokes.substr(begin, end - begin);
+        const Point start = at;
+        Point first;
+        double twice = 0;
+        bool none = true;
+        static const std::regex kPair("(-?[0-9]*\\.?[0-9]+)\\s*(-?[0-9]*\\.?[0-9]+)");
+        for (std::sregex_iterator pair(one.begin(), one.end(), kPair), last; pair != last; ++pair) {
+            const Point next = (none ? start : at) + Point{std::stod((*pair)[1]), std::stod((*pair)[2])};
+            if (none)
+                first = next;
+            else
+                twice += at.h * next.v - next.h * at.v;
+            at = next;
+            none = false;
+        }
+        twice += at.h * first.v - first.h * at.v;
+        at = first;
+        areas.push_back(std::abs(twice) / 2);
+    }
+    return areas;
+}
+
+// The selection's area leaves the hole out; a leader to what is not selected means the stroke that it points at.
+TEST(RealDrawings, TellTheAreaOfAWheelLessItsHole) {
+    NEEDS_DRAWING(kSheet);
+    const std::vector<double> areas = areasOf(kSheet.file, "path126");  // square millimetres
+    ASSERT_EQ(areas.size(), 2U);
+    for (const bool selected : {true, false}) {
+        ScriptRun run(speaking("ENGLISH", "set flUseTani 1\nset flArDim1ConvUnit 0\n") + kSheet.open() +
+                      (selected ? "select path126\n" : "") + taking("Dimention Comment Tool") + "track" +
+                      where(kSheet.at(138 + 7.7927, 192 + 3.4504)) + "\ndown\ndrag 380 80\nup\nexpect no-beep\n");
+        ASSERT_EQ(run.fault(), "");
+        std::ostringstream text;
+        text.precision(2);
+        text << '"' << std::fixed << areas[0] - (selected ? areas[1] : 0) << " mm2\"";
+        EXPECT_NE(run.dump().dump().find(text.str()), std::string::npos) << text.str();
+    }
+}
+
 }  // namespace
 }  // namespace quorvel::tests
