@@ -8,6 +8,7 @@
 
 #include "cli/check_many.h"
 #include "cli/dump.h"
+#include "cli/export_command.h"
 #include "cli/frame_command.h"
 #include "cli/list.h"
 #include "cli/recalculation.h"
@@ -28,6 +29,7 @@ struct Options {
     bool json = false, all = false;
     SnapQuestion snap;
     FrameOptions frame;
+    ExportOptions exported;
 };
 
 std::string readFile(const std::string& path) {
@@ -171,6 +173,9 @@ int runCommandLine(int argc, char** argv) {
         addCommand(app, &options, "frame", "draw a drawing frame with title block and parts table",
                    "examples/bracket.svg --parts examples/bracket.csv --at 40,40,800,555 -o out/sheet.svg");
     addFrameOptions(*frame, &options.frame);
+    CLI::App* exported = addCommand(app, &options, "export", "drawings as PDF or PNG, as the window shows them",
+                                    "examples/bracket.svg -o out/bracket.pdf");
+    addExportOptions(*exported, &options.exported);
 
     try {
         app.parse(argc, argv);
@@ -180,6 +185,7 @@ int runCommandLine(int argc, char** argv) {
         if (snap->parsed()) return snapAt(options);
         if (recalc->parsed()) return recalculateFile(options);
         if (frame->parsed()) return drawFrames(options.frame, options.session);
+        if (exported->parsed()) return exportDrawings(options.exported);
         return checkMany(options.files, options.session, options.json);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kExitOk : kExitBadInput;

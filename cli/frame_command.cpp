@@ -2,8 +2,6 @@
 #include "cli/frame_command.h"
 
 #include <stdlib.h>
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <array>
 #include <filesystem>
@@ -11,6 +9,8 @@
 #include <set>
 
 #include "cli/commands.h"
+#include "cli/output_paths.h"
+#include "cli/progress_line.h"
 #include "cli/script.h"
 #include "platform/file.h"
 #include "platform/headless/folders.h"
@@ -87,24 +87,6 @@ Corners parseCorners(const std::string& text) {
     return corners;
 }
 
-// The output of each drawing, in their order.
-std::vector<std::string> outputPaths(const FrameOptions& options) {
-    if (options.output.empty() == options.outputFolder.empty())
-        throw InputError("frame: -o for one drawing, --out-dir for several");
-    if (!options.output.empty()) {
-        if (options.files.size() != 1) throw InputError("frame: several drawings need --out-dir");
-        return {options.output};
-    }
-    if (!platform::CreateFolder(options.outputFolder)) throw InputError(options.outputFolder + ": cannot be created");
-    std::vector<std::string> paths;
-    std::set<std::string> taken;
-    for (const std::string& file : options.files) {
-        paths.push_back((fs::path(options.outputFolder) / fs::path(file).filename()).string());
-        if (!taken.insert(paths.back()).second) throw InputError(paths.back() + ": two drawings of this name");
-    }
-    return paths;
-}
-
 const ScheduleWords& wordsOf(Session& session) {
     for (const ScheduleWords& words : kWords)
         if (session.host().toolByTitle(words.bottomTool) != nullptr) return words;
@@ -152,23 +134,6 @@ void drawFrame(Session& session, const char* toolTitle, const Corners& corners) 
     if (session.user().beeps() != beeps) throw InputError("the current layer is hidden or locked");
 }
 
-// On a terminal only, and only when there is something to wait for.
-class Progress {
-  public:
-    explicit Progress(std::size_t total) : total_(total), shown_(total > 1 && isatty(STDERR_FILENO) != 0) {}
-    ~Progress() { clear(); }
-    void begin(std::size_t index, const std::string& file) const {
-        if (shown_) std::cerr << "\r\x1b[K" << index + 1 << " of " << total_ << ": " << file << std::flush;
-    }
-    void clear() const {
-        if (shown_) std::cerr << "\r\x1b[K" << std::flush;
-    }
-
-  private:
-    std::size_t total_;
-    bool shown_;
-};
-
 std::string namedError(const std::string& file, const std::string& cause) {
     return cause.starts_with(file + ":") ? cause : file + ": " + cause;
 }
@@ -188,7 +153,8 @@ void addFrameOptions(CLI::App& command, FrameOptions* options) {
 
 int drawFrames(const FrameOptions& options, const SessionOptions& sessionOptions) {
     const Corners corners = parseCorners(options.at);
-    const std::vector<std::string> outputs = outputPaths(options);
+    const std::vector<std::string> outputs =
+        outputPaths({"frame", options.files, options.output, options.outputFolder, ""});
     const BorrowedProfile profile(sessionOptions.profile);
     SessionOptions borrowed = sessionOptions;
     borrowed.profile = profile.path();
@@ -199,11 +165,11 @@ int drawFrames(const FrameOptions& options, const SessionOptions& sessionOptions
     applySets(session, options.sets);
     session.host().setField("flUseGrid", "0");  // the corners are meant as they are given
     const char* tool = options.mode == "top" ? words.topTool : words.bottomTool;
-    const Progress progress(options.files.size());
+    const ProgressLine progress(options.files.size());
     int status = kExitOk;
     for (std::size_t i = 0; i < options.files.size(); ++i) {
         const std::string& file = options.files[i];
-        progress.begin(i, file);
+        progress.show(i + 1, ": " + file);
         try {
             session.openDrawing(file);
             if (!session.warnings().empty()) progress.clear();

@@ -19,13 +19,19 @@ namespace quorvel::desktop {
 namespace {
 
 constexpr double kPointsPerInch = 72;
-constexpr double kLargestSide = 32000;  // pixels of a picture
+constexpr double kMostPixels = 4e8;           // of a picture: 1.6 GB
+constexpr double kLargestSide = 32767;        // QPainter's own limit
+constexpr double kLargestPdfPage = 200 * 72;  // points; PDF 32000-1, annex C.2
 
 QTransform PageTransform(const host::Document& document, double scale) {
     return {scale, 0, 0, -scale, 0, document.height() * scale};
 }
 
 bool ExportPdf(const host::Document& document, const QString& folder, const QString& path, QString* error) {
+    if (!(document.width() <= kLargestPdfPage && document.height() <= kLargestPdfPage)) {
+        *error = QStringLiteral("the page is larger than PDF allows, 200 inches");
+        return false;
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         *error = file.errorString();
@@ -48,14 +54,20 @@ bool ExportPdf(const host::Document& document, const QString& folder, const QStr
     return false;
 }
 
-bool ExportPng(const host::Document& document, const QString& folder, const QString& path, QString* error) {
-    const double wanted = kPngResolution / kPointsPerInch;
-    const double scale = std::min(wanted, kLargestSide / std::max(document.width(), document.height()));
-    const QSize size(std::max(1, static_cast<int>(std::lround(document.width() * scale))),
-                     std::max(1, static_cast<int>(std::lround(document.height() * scale))));
+bool ExportPng(const host::Document& document, const QString& folder, const ExportTarget& target, QString* error) {
+    const double scale = target.dotsPerInch / kPointsPerInch;
+    const double across = std::max(1.0, std::round(document.width() * scale));
+    const double down = std::max(1.0, std::round(document.height() * scale));
+    if (!(across <= kLargestSide && down <= kLargestSide && across * down <= kMostPixels)) {
+        *error = QStringLiteral("%1 by %2 pixels are too many; take fewer dots per inch")
+                     .arg(across, 0, 'f', 0)
+                     .arg(down, 0, 'f', 0);
+        return false;
+    }
+    const QSize size(static_cast<int>(across), static_cast<int>(down));
     QImage image(size, QImage::Format_RGB32);
     if (image.isNull()) {
-        *error = QStringLiteral("the page is too large for a picture");
+        *error = QStringLiteral("there is no memory for the picture");
         return false;
     }
     image.fill(Qt::white);
@@ -63,9 +75,9 @@ bool ExportPng(const host::Document& document, const QString& folder, const QStr
         QPainter painter(&image);
         DocumentPainter(document, folder).paint(&painter, PageTransform(document, scale), image.rect(), {});
     }
-    image.setDotsPerMeterX(static_cast<int>(scale * kPointsPerInch / 0.0254));
+    image.setDotsPerMeterX(static_cast<int>(std::lround(target.dotsPerInch / 0.0254)));
     image.setDotsPerMeterY(image.dotsPerMeterX());
-    QSaveFile file(path);
+    QSaveFile file(target.path);
     if (file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") && file.commit()) return true;
     *error = file.errorString();
     return false;
@@ -73,10 +85,14 @@ bool ExportPng(const host::Document& document, const QString& folder, const QStr
 
 }  // namespace
 
-bool ExportDrawing(const host::Document& document, const QString& folder, const QString& path, QString* error) {
-    const QString ending = QFileInfo(path).suffix().toLower();
-    if (ending == QLatin1String("pdf")) return ExportPdf(document, folder, path, error);
-    if (ending == QLatin1String("png")) return ExportPng(document, folder, path, error);
+bool ExportDrawing(const host::Document& document, const QString& folder, const ExportTarget& target, QString* error) {
+    const QString ending = QFileInfo(target.path).suffix().toLower();
+    if (!(document.width() > 0 && document.height() > 0)) {
+        *error = QStringLiteral("the page is empty");
+        return false;
+    }
+    if (ending == QLatin1String("pdf")) return ExportPdf(document, folder, target.path, error);
+    if (ending == QLatin1String("png")) return ExportPng(document, folder, target, error);
     *error = QStringLiteral("the name must end in .pdf or .png");
     return false;
 }

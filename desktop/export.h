@@ -11,8 +11,14 @@ namespace quorvel::desktop {
 
 constexpr double kPngResolution = 192;  // dots per inch
 
-// By the name's ending, .pdf or .png; path's folder: where linked pictures lie. False with the cause.
-bool ExportDrawing(const host::Document& document, const QString& folder, const QString& path, QString* error);
+struct ExportTarget {
+    QString path;                         // its ending says what it becomes: .pdf or .png
+    double dotsPerInch = kPngResolution;  // of PNG
+};
+
+// folder: where linked pictures lie. False with the cause; then nothing is left under the target's name that was not
+// there before.
+bool ExportDrawing(const host::Document& document, const QString& folder, const ExportTarget& target, QString* error);
 void PrintDrawing(const host::Document& document, const QString& folder, QPrinter* printer);
 
 }  // namespace quorvel::desktop

@@ -193,7 +193,7 @@ void MainWindow::exportAs(const char* ending) {
     if (path.isEmpty()) return;
     if (QFileInfo(path).suffix().isEmpty()) path += QLatin1Char('.') + suffix;
     QString cause;
-    if (!ExportDrawing(*desk_->document(), file_.folder(), path, &cause))
+    if (!ExportDrawing(*desk_->document(), file_.folder(), {path}, &cause))
         QMessageBox::warning(this, QStringLiteral("Quorvel"),
                              QFileInfo(path).fileName() + QStringLiteral(": ") + cause);
 }

@@ -1,8 +1,11 @@
 // Reads the command line; exports without a window, or opens one.
 #include "desktop/program.h"
 
+#include <unistd.h>
+
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QFileInfo>
 #include <clocale>
 #include <cstdio>
@@ -25,17 +28,19 @@ int Fail(const QString& text) {
 }
 
 // Each drawing goes to the name given, or, when that begins with a dot (".pdf"), beside itself under its own name.
-int ExportAll(const QString& output, const QStringList& files) {
+int ExportAll(const QString& output, double dotsPerInch, const QStringList& files) {
     const host::Host measuring;  // texts measure as they do while the plug-in runs
     for (const QString& file : files) {
         const QFileInfo info(file);
         const QString path = output.startsWith(QLatin1Char('.')) && output.count(QLatin1Char('/')) == 0
                                  ? info.path() + QLatin1Char('/') + info.completeBaseName() + output
                                  : output;
+        if (QFileInfo(path).absoluteFilePath() == info.absoluteFilePath())
+            return Fail(path + QStringLiteral(": is the drawing itself"));
         const host::SvgReadResult read = host::readSvgFile(QFile::encodeName(file).toStdString());
         if (read.document == nullptr) return Fail(file + QStringLiteral(": ") + QString::fromStdString(read.error));
         QString cause;
-        if (!ExportDrawing(*read.document, info.absolutePath(), path, &cause))
+        if (!ExportDrawing(*read.document, info.absolutePath(), {path, dotsPerInch}, &cause))
             return Fail(path + QStringLiteral(": ") + cause);
     }
     return kExitOk;
@@ -52,9 +57,19 @@ int OpenWindow(QApplication& program, const DeskOptions& options, Look look, con
     return program.exec();
 }
 
+// Where a session has made no folder for running programs, Qt makes one in the place for temporary files and complains.
+void NameRuntimeFolder() {
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) return;
+    const QString folder = QDir::tempPath() + QStringLiteral("/runtime-quorvel-") + QString::number(getuid());
+    QDir().mkpath(folder);
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
+}
+
 }  // namespace
 
 int RunProgram(int argc, char** argv) {
+    NameRuntimeFolder();
     // Exporting asks for no screen.
     for (int i = 1; i < argc; ++i)
         if (qstrcmp(argv[i], "--export") == 0 || QByteArray(argv[i]).startsWith("--export="))
@@ -69,6 +84,8 @@ int RunProgram(int argc, char** argv) {
     const QCommandLineOption exportTo(
         QStringLiteral("export"), QStringLiteral("write OUT.pdf or OUT.png and end; .pdf or .png: beside each drawing"),
         QStringLiteral("OUT"));
+    const QCommandLineOption dpi(QStringLiteral("dpi"), QStringLiteral("dots per inch of a PNG export"),
+                                 QStringLiteral("N"), QString::number(kPngResolution));
     const QCommandLineOption record(QStringLiteral("record"), QStringLiteral("write what is done as a script"),
                                     QStringLiteral("FILE"));
     const QCommandLineOption profile(QStringLiteral("profile"),
@@ -80,14 +97,16 @@ int RunProgram(int argc, char** argv) {
                                   QStringLiteral("N"));
     const QCommandLineOption look(QStringLiteral("look"), QStringLiteral("light or dark; the desktop's own without it"),
                                   QStringLiteral("LOOK"));
-    words.addOptions({exportTo, record, profile, language, seed, look});
+    words.addOptions({exportTo, dpi, record, profile, language, seed, look});
     words.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("the drawing"), QStringLiteral("[FILE...]"));
     words.process(program);
 
     const QStringList files = words.positionalArguments();
     if (words.isSet(exportTo)) {
         if (files.isEmpty()) return Fail(QStringLiteral("--export: no drawing is named"));
-        return ExportAll(words.value(exportTo), files);
+        const double dotsPerInch = words.value(dpi).toDouble();
+        if (!(dotsPerInch > 0)) return Fail(QStringLiteral("--dpi: a number above 0 is needed"));
+        return ExportAll(words.value(exportTo), dotsPerInch, files);
     }
     const QString tongue = words.value(language);
     if (!tongue.isEmpty() && tongue != QLatin1String("ja") && tongue != QLatin1String("en") &&
