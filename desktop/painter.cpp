@@ -17,6 +17,7 @@ constexpr double kDotPixels = 0.5;
 // A stroke reaches out of its path's bounds by half its width, at a sharp corner by the miter limit times that; a group
 // does not know its members' strokes, so that it is left out only when it is far away.
 constexpr double kWidestReach = 36, kFarAway = 1e6;
+constexpr double kLargestPicture = 4096;  // dots of a side, of art that is painted apart
 const QColor kGuideColor(0x00, 0xb4, 0xd8);
 
 QBrush Faded(const QBrush& brush, double opacity) {
@@ -95,8 +96,29 @@ bool DocumentPainter::outOfSight(const host::Art& art) const {
 void DocumentPainter::paintArt(const host::Art& art) {
     if (art.hidden || outOfSight(art)) return;
     const Looks looks = looks_.of(art);
-    const double before = painter_->opacity();
-    if (looks.opacity < 1) painter_->setOpacity(before * looks.opacity);
+    const bool clipped = !looks.clip.isEmpty();
+    if (clipped) {
+        const QTransform user = looks_.userSpace(art);
+        const auto [outline, there] =
+            looks_.clips().clip(looks.clip, user.inverted().mapRect(ToQt(document_.bounds(art.id))));
+        painter_->save();
+        if (there) painter_->setClipPath(user.map(outline), Qt::IntersectClip);
+    }
+    const host::PathData* path = PaintedPath(document_, art);
+    const bool overlaps = art.kind == kGroupArt || (path != nullptr && path->style != nullptr &&
+                                                    path->style->fillPaint != 0 && path->style->strokePaint != 0);
+    if (!looks.mask.isEmpty() || (looks.opacity < 1 && overlaps)) {
+        paintApart(art, looks);
+    } else {
+        const double before = painter_->opacity();
+        if (looks.opacity < 1) painter_->setOpacity(before * looks.opacity);
+        paintContent(art);
+        painter_->setOpacity(before);
+    }
+    if (clipped) painter_->restore();
+}
+
+void DocumentPainter::paintContent(const host::Art& art) {
     switch (art.kind) {
         case kGroupArt:
             ForEachChildUpwards(document_, art, [this](const host::Art& child) { paintArt(child); });
@@ -114,7 +136,47 @@ void DocumentPainter::paintArt(const host::Art& art) {
         case kUnknownArt:
             break;
     }
-    painter_->setOpacity(before);
+}
+
+void DocumentPainter::paintApart(const host::Art& art, const Looks& looks) {
+    const QTransform toDevice = painter_->deviceTransform();
+    const QRectF seen =
+        ToQt(document_.bounds(art.id)).adjusted(-kWidestReach, -kWidestReach, kWidestReach, kWidestReach) & sight_;
+    const QRect place = toDevice.mapRect(seen).toAlignedRect();
+    if (place.isEmpty()) return;
+    // Paper has more dots than a picture needs.
+    const double shrink = std::min(1.0, kLargestPicture / std::max(place.width(), place.height()));
+    const QTransform toPicture =
+        toDevice * QTransform::fromTranslate(-place.x(), -place.y()) * QTransform::fromScale(shrink, shrink);
+    QImage picture(QSize(static_cast<int>(std::ceil(place.width() * shrink)),
+                         static_cast<int>(std::ceil(place.height() * shrink))),
+                   QImage::Format_ARGB32_Premultiplied);
+    if (picture.isNull()) return;
+    picture.fill(Qt::transparent);
+    QPainter* const below = painter_;
+    {
+        QPainter apart(&picture);
+        apart.setRenderHint(QPainter::Antialiasing);
+        apart.setTransform(toPicture);
+        painter_ = &apart;
+        paintContent(art);
+        painter_ = below;
+        if (!looks.mask.isEmpty()) {
+            const QTransform user = looks_.userSpace(art);
+            const QRectF box = user.inverted().mapRect(ToQt(document_.bounds(art.id)));
+            const QImage through = looks_.clips().mask(looks.mask, user * toPicture, picture.size(), box);
+            apart.resetTransform();
+            apart.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+            if (!through.isNull()) apart.drawImage(QPoint(), through);
+        }
+    }
+    // From the picture's dots to the painter's own coordinates, whatever lies between those and the device.
+    painter_->save();
+    painter_->setTransform(toPicture.inverted(), true);
+    painter_->setOpacity(painter_->opacity() * looks.opacity);
+    painter_->setRenderHint(QPainter::SmoothPixmapTransform, shrink < 1);
+    painter_->drawImage(QPoint(), picture);
+    painter_->restore();
 }
 
 // --- paths
@@ -187,13 +249,18 @@ void DocumentPainter::paintText(const host::Art& art) {
     const RealRect bounds = document_.bounds(art.id);
     if (double(bounds.top) - bounds.bottom < pixel_ && double(bounds.right) - bounds.left < pixel_) return;
     const Looks looks = looks_.of(art);
+    // In the text's own coordinates, where the outlines are.
+    const double strokeWidth =
+        looks.strokeWidth * std::sqrt(std::abs(looks_.userSpace(art).determinant() /
+                                               std::max(1e-12, std::abs(ToQt(art.text->matrix).determinant()))));
     painter_->save();
     painter_->setTransform(ToQt(art.text->matrix), true);
     for (const TextPiece& piece : TextPieces(*art.text)) {
         if (piece.features->fillOn)
             painter_->fillPath(piece.outline, brushOf(piece.features->fill, art, looks.fillOpacity));
         if (piece.features->strokeOn)
-            painter_->strokePath(piece.outline, QPen(brushOf(piece.features->stroke, art, looks.strokeOpacity), 1));
+            painter_->strokePath(piece.outline,
+                                 QPen(brushOf(piece.features->stroke, art, looks.strokeOpacity), strokeWidth));
     }
     painter_->restore();
 }

@@ -32,6 +32,9 @@ class DocumentPainter {
 
   private:
     void paintArt(const host::Art& art);
+    void paintContent(const host::Art& art);
+    // Paints the art on a picture of its own, which is laid down as a whole.
+    void paintApart(const host::Art& art, const Looks& looks);
     void paintPath(const host::Art& art);
     void paintText(const host::Art& art);
     void paintSelection(const host::Art& art);

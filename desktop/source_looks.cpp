@@ -89,8 +89,22 @@ QImage LoadImage(const QString& href, const QString& folder) {
 SourceLooks::SourceLooks(const host::Document& document, QString folder)
     : document_(document), source_(document.source()), folder_(std::move(folder)) {
     if (source_ == nullptr) return;
-    for (const char* word : {"opacity", "evenodd"})
+    for (const char* word : {"opacity", "evenodd", "clip-path", "mask", "<text"})
         hasLooks_ = hasLooks_ || source_->text.find(word) != std::string::npos;
+    if (hasLooks_ && source_->hasStyleSheet) readStyleSheet();
+    clips_ = std::make_unique<Clips>(source_->text);
+}
+
+void SourceLooks::readStyleSheet() {
+    QXmlStreamReader in(QByteArray::fromStdString(source_->text));
+    while (!in.atEnd())
+        if (in.readNext() == QXmlStreamReader::StartElement && in.name() == QLatin1String("style"))
+            sheet_.add(in.readElementText(QXmlStreamReader::SkipChildElements).toStdString());
+}
+
+QTransform SourceLooks::userSpace(const host::Art& art) const {
+    const host::SvgElement* own = element(art.source);
+    return own == nullptr ? QTransform() : ToQt(source_->ctms[own->ctm]);
 }
 
 SourceLooks::~SourceLooks() = default;
@@ -109,10 +123,17 @@ Looks SourceLooks::read(std::int32_t index) {
     if (own->parent >= 0) looks = read(own->parent);  // what is inherited
     looks.opacity = 1;
     const host::StartTag tag(host::startTagText(source_->text, own->nameOffset));
-    const QString style = QString::fromStdString(tag.attribute("style").value_or(""));
+    const std::string style = tag.attribute("style").value_or("");
+    // The weakest first: the attribute, the style sheets, the style attribute.
+    std::vector<host::CssDeclaration> declarations;
+    const std::string type = tag.name().substr(tag.name().find(':') + 1);
+    const std::string id = tag.attribute("id").value_or(""), classes = tag.attribute("class").value_or("");
+    if (!sheet_.empty() && !sheet_.match(type, id, classes, &declarations)) declarations.clear();
+    host::parseDeclarations(style, &declarations);
     const auto word = [&](const char* name) {
-        const QString styled = FromStyle(style, QLatin1String(name));
-        return styled.isEmpty() ? QString::fromStdString(tag.attribute(name).value_or("")) : styled;
+        for (auto one = declarations.rbegin(); one != declarations.rend(); ++one)
+            if (one->property == name) return QString::fromUtf8(one->value.data(), qsizetype(one->value.size()));
+        return QString::fromStdString(tag.attribute(name).value_or(""));
     };
     looks.opacity = std::clamp(Number(word("opacity"), 1), 0.0, 1.0);
     looks.fillOpacity = std::clamp(Number(word("fill-opacity"), looks.fillOpacity), 0.0, 1.0);
@@ -120,6 +141,9 @@ Looks SourceLooks::read(std::int32_t index) {
     const QString rule = word("fill-rule");
     if (rule == QLatin1String("evenodd")) looks.fillRule = Qt::OddEvenFill;
     if (rule == QLatin1String("nonzero")) looks.fillRule = Qt::WindingFill;
+    looks.strokeWidth = std::max(0.0, Number(word("stroke-width"), looks.strokeWidth));
+    looks.clip = PaintedId(word("clip-path").toStdString());
+    looks.mask = PaintedId(word("mask").toStdString());
     looks_.emplace(index, looks);
     return looks;
 }
