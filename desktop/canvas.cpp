@@ -1,5 +1,5 @@
-// Keeps the picture of the drawing true: changes are noted art by art, and the next painting draws what they cover. The
-// preview is inverted over a copy, so that nothing of it can stay behind.
+// Changes are noted art by art, and the next painting draws what they cover. The preview is inverted over a copy of the
+// kept picture, so that nothing of it can stay behind.
 #include "desktop/canvas.h"
 
 #include <QMouseEvent>
@@ -30,7 +30,12 @@ const Ground kDarkGround{QColor(0x2b, 0x2e, 0x33), QColor(0x14, 0x15, 0x17), QCo
 
 }  // namespace
 
-Canvas::Canvas(Desk* desk, QWidget* parent) : QWidget(parent), desk_(desk) {
+Canvas::Canvas(Desk* desk, QWidget* parent)
+    : QWidget(parent),
+      desk_(desk),
+      picture_([this](QPainter* painter, const KeptPicture::View& view, const QRect& part) {
+          drawGround(painter, view, part);
+      }) {
     setObjectName(QStringLiteral("canvas"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
@@ -38,14 +43,20 @@ Canvas::Canvas(Desk* desk, QWidget* parent) : QWidget(parent), desk_(desk) {
     setMinimumSize(240, 240);
     options_.guides = true;
     options_.selected = true;
+    connect(&picture_, &KeptPicture::sharpened, this, [this] { update(); });
+    // Queued: a bar that appears in the middle of a painting would change the window under it.
+    connect(&picture_, &KeptPicture::progressed, this, &Canvas::pictureProgressed, Qt::QueuedConnection);
     connect(desk, &Desk::surfaceDrawn, this, [this] { update(); });
     connect(desk, &Desk::viewRepainted, this, [this] {
-        drawAllAnew();
+        update();
         emit viewChanged();
     });
 }
 
-Canvas::~Canvas() { drawingLeaves(); }
+Canvas::~Canvas() {
+    disconnect();  // nobody watches any more
+    drawingLeaves();
+}
 
 // --- the drawing
 // ------------------------------------------------------------------------------------------------------
@@ -53,6 +64,7 @@ Canvas::~Canvas() { drawingLeaves(); }
 void Canvas::drawingLeaves() {
     if (observed_ != nullptr) observed_->removeObserver(this);
     observed_ = nullptr;
+    picture_.setPainter(nullptr);
     painter_.reset();
     boxes_.clear();
     stale_.clear();
@@ -66,6 +78,7 @@ void Canvas::drawingReplaced(const QString& name, const QString& folder) {
     if (observed_ == nullptr) return desk_->closeView();
     observed_->addObserver(this);
     painter_ = std::make_unique<DocumentPainter>(*observed_, folder);
+    picture_.setPainter(painter_.get());
     for (const host::LayerId layer : observed_->layers()) rememberBoxes(observed_->layer(layer)->root);
     desk_->openView(name_, width(), height());
     fit();
@@ -122,34 +135,21 @@ QRect Canvas::damageInPixels() {
 // ------------------------------------------------------------------------------------------------------
 
 void Canvas::refresh() {
-    const QSize pixels = size() * devicePixelRatioF();
-    if (kept_.size() != pixels) {
-        kept_ = QImage(pixels, QImage::Format_RGB32);
-        kept_.setDevicePixelRatio(devicePixelRatioF());
-        allStale_ = true;
-    }
+    options_.mark = palette().color(QPalette::Highlight);
+    const bool begun = picture_.setView({toPixels(), size(), devicePixelRatioF()}, options_);
     const QRect damage = observed_ != nullptr ? damageInPixels() : QRect();
-    if (allStale_)
-        drawInto(&kept_, rect());
-    else if (!damage.isEmpty())
-        drawInto(&kept_, damage);
+    if (allStale_ && !begun)
+        picture_.drawAnew();
+    else if (!begun)
+        picture_.draw(damage);
     allStale_ = false;
 }
 
-void Canvas::drawInto(QImage* image, const QRect& part) {
-    QPainter painter(image);
-    painter.setClipRect(part);
-    drawGround(&painter, part);
-    if (painter_ == nullptr) return;
-    options_.mark = palette().color(QPalette::Highlight);
-    painter_->paint(&painter, toPixels(), part, options_);
-}
-
-void Canvas::drawGround(QPainter* painter, const QRect& part) const {
+void Canvas::drawGround(QPainter* painter, const KeptPicture::View& view, const QRect& part) const {
     const Ground& ground = desk_->dark() ? kDarkGround : kLightGround;
     painter->fillRect(part, ground.board);
     if (observed_ == nullptr) return;
-    const QRect page = toPixels().mapRect(QRectF(0, 0, observed_->width(), observed_->height())).toRect();
+    const QRect page = view.toPixels.mapRect(QRectF(0, 0, observed_->width(), observed_->height())).toRect();
     for (int i = 1; i <= 4; ++i) {
         QColor shadow = ground.shadow;
         shadow.setAlpha(shadow.alpha() / (i + 1));
@@ -177,25 +177,24 @@ void Canvas::invertPreview(QImage* image, QPoint origin) const {
 
 QImage Canvas::shown() {
     refresh();
-    QImage image = kept_.copy();
+    picture_.finish();
+    QImage image = picture_.image().copy();
     invertPreview(&image, {});
     return image;
 }
 
 QImage Canvas::fresh() {
-    QImage image(kept_.size(), QImage::Format_RGB32);
-    image.setDevicePixelRatio(kept_.devicePixelRatio());
-    drawInto(&image, rect());
-    return image;
+    refresh();
+    return picture_.fromScratch();
 }
 
 void Canvas::paintEvent(QPaintEvent* event) {
     refresh();
     QPainter painter(this);
     if (desk_->user().screen().visiblePixels() == 0) {
-        painter.drawImage(QPoint(), kept_);
+        painter.drawImage(QPoint(), picture_.image());
     } else {
-        QImage image = kept_.copy();
+        QImage image = picture_.image().copy();
         invertPreview(&image, {});
         painter.drawImage(QPoint(), image);
     }
@@ -205,7 +204,7 @@ void Canvas::paintEvent(QPaintEvent* event) {
 
 void Canvas::resizeEvent(QResizeEvent*) {
     if (observed_ != nullptr) desk_->openView(name_, width(), height());
-    drawAllAnew();
+    update();
     emit viewChanged();
 }
 

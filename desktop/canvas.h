@@ -11,6 +11,7 @@
 
 #include "desktop/desk.h"
 #include "desktop/hand.h"
+#include "desktop/kept_picture.h"
 #include "desktop/painter.h"
 #include "host/document.h"
 
@@ -43,9 +44,10 @@ class Canvas : public QWidget, private host::DocumentObserver {
     QPointF toPixel(RealPoint point) const;
     QTransform toPixels() const;  // document points to the canvas's pixels
 
-    // What stands on the screen now, and what a drawing of it from scratch looks like.
+    // What stands on the screen once the picture is sharp, and what a drawing of it from scratch looks like.
     QImage shown();
     QImage fresh();
+    bool isSharp() const { return picture_.isSharp(); }
 
     QSize sizeHint() const override { return {900, 700}; }
 
@@ -53,6 +55,7 @@ class Canvas : public QWidget, private host::DocumentObserver {
     void cursorMoved(quorvel::RealPoint point, QPointF pixel);
     void cursorLeft();
     void viewChanged();
+    void pictureProgressed(int done, int total);  // equal when it is sharp
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -77,9 +80,8 @@ class Canvas : public QWidget, private host::DocumentObserver {
     void noteSubtree(host::ArtId top);
     void rememberBoxes(host::ArtId top);
     QRect damageInPixels();
-    void refresh();  // the kept picture is true afterwards
-    void drawInto(QImage* image, const QRect& part);
-    void drawGround(QPainter* painter, const QRect& part) const;
+    void refresh();  // the kept picture is up to date afterwards, or on its way
+    void drawGround(QPainter* painter, const KeptPicture::View& view, const QRect& part) const;
     void invertPreview(QImage* image, QPoint origin) const;
     HandEvent handEvent(const QMouseEvent& event) const;
     void showCursor();
@@ -91,7 +93,7 @@ class Canvas : public QWidget, private host::DocumentObserver {
     host::Document* observed_ = nullptr;
     PaintOptions options_;
     QString name_;
-    QImage kept_;
+    KeptPicture picture_;
     bool allStale_ = true;
     std::vector<host::ArtId> stale_;
     std::unordered_map<host::ArtId, QRectF> boxes_;  // in document points, as last drawn

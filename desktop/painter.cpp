@@ -58,30 +58,78 @@ DocumentPainter::DocumentPainter(const host::Document& document, QString folder)
 
 DocumentPainter::~DocumentPainter() = default;
 
-void DocumentPainter::paint(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
-                            const PaintOptions& options) {
-    painter_ = painter;
+void DocumentPainter::look(const QTransform& toDevice, const QRectF& clip, const PaintOptions& options) {
     options_ = options;
-    toDevice_ = toDevice;
     pixel_ = 1 / std::max(1e-9, std::sqrt(std::abs(toDevice.determinant())));
     sight_ = toDevice.inverted().mapRect(clip);
+}
+
+void DocumentPainter::paint(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
+                            const PaintOptions& options) {
+    paintItems(painter, toDevice, clip, options, order(toDevice, clip, options), 0,
+               QDeadlineTimer(QDeadlineTimer::Forever));
+}
+
+std::vector<PaintItem> DocumentPainter::order(const QTransform& toDevice, const QRectF& clip,
+                                              const PaintOptions& options) {
+    look(toDevice, clip, options);
+    std::vector<PaintItem> items;
+    const auto& layers = document_.layers();
+    for (const bool marks : {false, true}) {
+        if (marks && !options.selected) break;
+        for (auto id = layers.rbegin(); id != layers.rend(); ++id) {
+            if (!document_.layer(*id)->visible) continue;
+            ForEachChildUpwards(document_, *document_.find(document_.layer(*id)->root), [&](const host::Art& art) {
+                if (marks)
+                    addMarks(art, &items);
+                else
+                    addItems(art, &items);
+            });
+        }
+    }
+    return items;
+}
+
+// A group that is only its members is no item of its own, so that a large one can be painted in steps.
+void DocumentPainter::addItems(const host::Art& art, std::vector<PaintItem>* items) {
+    if (art.hidden || outOfSight(art)) return;
+    if (art.kind == kGroupArt) {
+        const Looks looks = looks_.of(art);
+        if (!(looks.opacity < 1) && looks.clip.isEmpty() && looks.mask.isEmpty())
+            return ForEachChildUpwards(document_, art, [&](const host::Art& child) { addItems(child, items); });
+    }
+    items->push_back({art.id, false});
+}
+
+void DocumentPainter::addMarks(const host::Art& art, std::vector<PaintItem>* items) const {
+    if (art.hidden || outOfSight(art)) return;
+    if (art.kind == kGroupArt)
+        ForEachChildUpwards(document_, art, [&](const host::Art& child) { addMarks(child, items); });
+    if (art.selected) items->push_back({art.id, true});
+}
+
+std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
+                                        const PaintOptions& options, const std::vector<PaintItem>& items,
+                                        std::size_t first, const QDeadlineTimer& until) {
+    constexpr std::size_t kBetweenLooksAtTheClock = 32;
+    look(toDevice, clip, options);
+    painter_ = painter;
     painter->save();
     painter->setClipRect(clip, Qt::IntersectClip);
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setTransform(toDevice, true);
-    const auto& layers = document_.layers();
-    for (auto id = layers.rbegin(); id != layers.rend(); ++id) {
-        const host::Layer* layer = document_.layer(*id);
-        if (!layer->visible) continue;
-        ForEachChildUpwards(document_, *document_.find(layer->root), [this](const host::Art& art) { paintArt(art); });
+    std::size_t next = first;
+    while (next < items.size()) {
+        const host::Art* art = document_.find(items[next].art);
+        if (art != nullptr && items[next].mark)
+            paintMark(*art);
+        else if (art != nullptr)
+            paintArt(*art);
+        if (++next % kBetweenLooksAtTheClock == 0 && until.hasExpired()) break;
     }
-    if (options.selected)
-        for (auto id = layers.rbegin(); id != layers.rend(); ++id)
-            if (document_.layer(*id)->visible)
-                ForEachChildUpwards(document_, *document_.find(document_.layer(*id)->root),
-                                    [this](const host::Art& art) { paintSelection(art); });
     painter->restore();
     painter_ = nullptr;
+    return next;
 }
 
 bool DocumentPainter::outOfSight(const host::Art& art) const {
@@ -269,11 +317,7 @@ void DocumentPainter::paintText(const host::Art& art) {
 // --------------------------------------------------------------------------------------------------------
 
 // A line of one pixel along what is selected, and its anchors while there are few enough to tell apart.
-void DocumentPainter::paintSelection(const host::Art& art) {
-    if (art.hidden || outOfSight(art)) return;
-    if (art.kind == kGroupArt)
-        ForEachChildUpwards(document_, art, [this](const host::Art& child) { paintSelection(child); });
-    if (!art.selected) return;
+void DocumentPainter::paintMark(const host::Art& art) {
     const QPen line(options_.mark, 1.2 * pixel_);
     if (art.kind == kPathArt || art.kind == kCompoundPathArt) {
         painter_->strokePath(OutlineOf(document_, art), line);

@@ -1,10 +1,12 @@
 // Draws a drawing: the same on the canvas, on paper, in PDF and in PNG.
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QPainter>
 #include <QString>
 #include <QTransform>
 #include <memory>
+#include <vector>
 
 #include "desktop/source_looks.h"
 #include "host/document.h"
@@ -21,6 +23,12 @@ struct PaintOptions {
 // boxes. Null for art that shows nothing.
 QRectF DrawnBox(const host::Document& document, const host::Art& art);
 
+// A piece of the painting: art that is painted as one, or the mark of its selection.
+struct PaintItem {
+    host::ArtId art = 0;
+    bool mark = false;
+};
+
 class DocumentPainter {
   public:
     // folder: where pictures that the drawing links to are looked for.
@@ -30,6 +38,14 @@ class DocumentPainter {
     // toDevice takes document points, y up, to the painter's pixels. Only what meets clip, in those pixels, is drawn.
     void paint(QPainter* painter, const QTransform& toDevice, const QRectF& clip, const PaintOptions& options);
 
+    // The same in steps: what there is to paint, the lowest first, and the painting of items[first] and those behind it
+    // until the time is up. Gives the index of the first that is not painted yet. Art that has gone in between is
+    // passed over.
+    std::vector<PaintItem> order(const QTransform& toDevice, const QRectF& clip, const PaintOptions& options);
+    std::size_t paintItems(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
+                           const PaintOptions& options, const std::vector<PaintItem>& items, std::size_t first,
+                           const QDeadlineTimer& until);
+
   private:
     void paintArt(const host::Art& art);
     void paintContent(const host::Art& art);
@@ -37,7 +53,10 @@ class DocumentPainter {
     void paintApart(const host::Art& art, const Looks& looks);
     void paintPath(const host::Art& art);
     void paintText(const host::Art& art);
-    void paintSelection(const host::Art& art);
+    void paintMark(const host::Art& art);
+    void look(const QTransform& toDevice, const QRectF& clip, const PaintOptions& options);
+    void addItems(const host::Art& art, std::vector<PaintItem>* items);
+    void addMarks(const host::Art& art, std::vector<PaintItem>* items) const;
     bool outOfSight(const host::Art& art) const;
     QBrush brushOf(const AIColor& color, const host::Art& art, double opacity);
     QPen penOf(const AIPathStyle& style, const QBrush& ink) const;

@@ -59,7 +59,8 @@ TEST(Canvas, PreviewIsTheDrawingInvertedAndNothingElse) {
                 ++other;
         }
     EXPECT_EQ(other, 0U);
-    EXPECT_EQ(inverted, rig.desk->user().screen().visiblePixels());
+    const double ratio = rig.canvas().devicePixelRatioF();  // of the screen's pixels to the view's, each way
+    EXPECT_EQ(double(inverted), double(rig.desk->user().screen().visiblePixels()) * ratio * ratio);
     EXPECT_GT(inverted, 100U);
     rig.picture(rig.window.get(), "preview-en-light");
     QTest::mouseRelease(&rig.canvas(), Qt::LeftButton, {}, rig.pixel(300, 200));
@@ -81,6 +82,47 @@ TEST(Canvas, EditsRedrawAllTheyTouch) {
     EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "undone";
     rig.window->editing().remove();
     EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "deleted";
+    rig.document().markSaved();
+}
+
+// A drawing too large for one slice: what stands there meanwhile is never blank, and the end is exact whatever happens
+// before it.
+TEST(Canvas, LargePictureIsSharpInTheEnd) {
+    WindowRig rig;
+    {
+        QFile file(rig.drawing());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        std::mt19937 random(3);
+        QByteArray svg =
+            "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"600pt\" height=\"400pt\" viewBox=\"0 0 600 400\">"
+            "<g id=\"all\" fill=\"none\" stroke=\"#246\">";
+        for (int i = 0; i < 30'000; ++i)
+            svg += "<circle r=\"9\" cx=\"" + QByteArray::number(int(random() % 600)) + "\" cy=\"" +
+                   QByteArray::number(int(random() % 400)) + "\"/>";
+        file.write(svg + "</g><path id=\"plate\" stroke=\"#000\" fill=\"none\" d=\"M100 300H300V200H100Z\"/></svg>");
+    }
+    ASSERT_TRUE(rig.window->file().open(rig.drawing()));
+    int steps = 0;
+    QObject::connect(&rig.canvas(), &desktop::Canvas::pictureProgressed,
+                     [&](int done, int total) { steps += done < total ? 1 : 0; });
+    rig.canvas().shown();
+    rig.canvas().zoomAt({300, 200}, 1.25);
+    rig.canvas().repaint();
+    EXPECT_FALSE(rig.canvas().isSharp());
+    QApplication::processEvents();
+    EXPECT_GT(steps, 0);
+    rig.dimensionEdge();  // drawn over what stands there, and into what is in the making
+    rig.canvas().repaint();
+    EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "an edit meanwhile";
+    rig.canvas().scrollBy({30, -20});
+    rig.canvas().repaint();
+    rig.canvas().scrollBy({-7.5, 12.25});
+    rig.canvas().repaint();
+    rig.document().setLayerVisible(rig.document().currentLayer(), false);
+    rig.canvas().repaint();
+    rig.window->undo();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return rig.canvas().isSharp(); }, 20'000)) << "the slices come to an end";
+    EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "scrolled, hidden, undone";
     rig.document().markSaved();
 }
 

@@ -117,6 +117,7 @@ struct WindowRig {
     static void picture(QWidget* of, const QString& name) {
         const QString folder = QStringLiteral(QUORVEL_SOURCE_DIR "/out/window");
         QDir().mkpath(folder);
+        if (auto* canvas = of->findChild<desktop::Canvas*>()) canvas->shown();  // sharp
         EXPECT_TRUE(of->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
     }
     // Runs deed, and what is given on the dialog that it opens.
