@@ -1,6 +1,8 @@
 // Selecting, moving, turning, copying and deleting art by its SVG id, and the layers' states.
 #include "cli/editing.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -27,7 +29,7 @@ std::string noArt(const std::string& id) { return "no art has the id \"" + id + 
 
 template <typename Change>
 std::string changeArt(host::Host& host, const std::string& id, const char* name, Change change) {
-    const host::ArtId art = host.document()->findBySvgId(id);
+    const host::ArtId art = ArtNames(*host.document()).find(id);
     if (art == 0) return noArt(id);
     return host.edit(name, [&](host::Document& document) { return change(document, art); })
                ? std::string{}
@@ -36,12 +38,42 @@ std::string changeArt(host::Host& host, const std::string& id, const char* name,
 
 }  // namespace
 
+void ArtNames::count(host::ArtId parent) {
+    for (host::ArtId child = document_.find(parent)->firstChild; child != 0; child = document_.find(child)->below) {
+        places_.emplace(child, arts_.size());
+        arts_.push_back(child);
+        count(child);
+    }
+}
+
+void ArtNames::countAll() {
+    if (!arts_.empty()) return;
+    for (const host::LayerId layer : document_.layers()) count(document_.layer(layer)->root);
+}
+
+host::ArtId ArtNames::find(const std::string& name) {
+    if (const host::ArtId art = document_.findBySvgId(name); art != 0 || name.empty() || name[0] != '@') return art;
+    std::size_t place = 0;
+    const char* end = name.data() + name.size();
+    const auto read = std::from_chars(name.data() + 1, end, place);
+    if (read.ec != std::errc{} || read.ptr != end) return 0;
+    countAll();
+    return place < arts_.size() ? arts_[place] : 0;
+}
+
+std::string ArtNames::of(host::ArtId art) {
+    if (const std::string& id = document_.find(art)->svgId; !id.empty()) return id;
+    countAll();
+    return "@" + std::to_string(places_.at(art));
+}
+
 std::string selectArt(host::Host& host, const std::vector<std::string>& ids) {
     std::vector<host::ArtId> arts;
     const bool all = ids.size() == 1 && ids[0] == "all", none = ids.size() == 1 && ids[0] == "none";
     if (!all && !none) {
+        ArtNames names(*host.document());
         for (const std::string& id : ids) {
-            arts.push_back(host.document()->findBySvgId(id));
+            arts.push_back(names.find(id));
             if (arts.back() == 0) return noArt(id);
         }
     }
@@ -83,11 +115,30 @@ std::string deleteArt(host::Host& host, const std::string& id) {
                      [](host::Document& document, host::ArtId art) { return document.removeArt(art); });
 }
 
+namespace {
+
+// The topmost of the title; 0 when there is none.
+host::LayerId layerTitled(const host::Document& document, const std::string& title) {
+    for (const host::LayerId layer : document.layers())
+        if (document.layer(layer)->title == title) return layer;
+    return 0;
+}
+
+std::string noLayer(const std::string& title) { return "no layer is titled \"" + title + "\""; }
+
+}  // namespace
+
+std::string renameLayer(host::Host& host, const std::string& title, const std::string& newTitle) {
+    const host::LayerId found = layerTitled(*host.document(), title);
+    if (found == 0) return noLayer(title);
+    const bool done =
+        host.edit("Layer", [&](host::Document& document) { return document.setLayerTitle(found, newTitle); });
+    return done ? std::string{} : "the layer \"" + title + "\" cannot be changed";
+}
+
 std::string changeLayer(host::Host& host, const std::string& title, const std::string& what) {
-    host::LayerId found = 0;
-    for (const host::LayerId layer : host.document()->layers())
-        if (found == 0 && host.document()->layer(layer)->title == title) found = layer;
-    if (what != "new" && found == 0) return "no layer is titled \"" + title + "\"";
+    const host::LayerId found = layerTitled(*host.document(), title);
+    if (what != "new" && found == 0) return noLayer(title);
     if (what == "current") {
         host.document()->setCurrentLayer(found);
         return {};
@@ -96,6 +147,12 @@ std::string changeLayer(host::Host& host, const std::string& title, const std::s
         if (what == "new") {
             const host::LayerId made = document.insertLayer(title, 0);
             return made != 0 && document.setCurrentLayer(made);
+        }
+        if (what == "up" || what == "down") {
+            const auto& layers = document.layers();
+            const auto place = std::size_t(std::find(layers.begin(), layers.end(), found) - layers.begin());
+            if (what == "up") return place > 0 && document.moveLayer(found, place - 1);
+            return document.moveLayer(found, place + 1);
         }
         if (what == "hide" || what == "show") return document.setLayerVisible(found, what == "show");
         return document.setLayerEditable(found, what == "unlock");

@@ -20,7 +20,7 @@ constexpr VerbRow kVerbs[] = {
     {"new", 2, 2, "nn"},    {"open", 1, 1, ""},     {"save", 1, 1, ""},   {"set", 2, 2, ""},     {"tool", 1, 1, ""},
     {"options", 1, 1, ""},  {"track", 2, 4, "nn"},  {"drag", 2, 4, "nn"}, {"down", 0, 2, ""},    {"up", 0, 2, ""},
     {"answer", 1, 1, ""},   {"dialog", 1, -1, "n"}, {"file", 1, 1, ""},   {"select", 1, -1, ""}, {"move", 3, 3, ".nn"},
-    {"turn", 4, 4, ".nnn"}, {"copy", 2, 2, ""},     {"delete", 1, 1, ""}, {"layer", 2, 2, ""},   {"zoom", 1, 1, "n"},
+    {"turn", 4, 4, ".nnn"}, {"copy", 2, 2, ""},     {"delete", 1, 1, ""}, {"layer", 2, 3, ""},   {"zoom", 1, 1, "n"},
     {"ruler", 1, 1, ""},    {"action", 1, 1, ""},   {"notify", 1, 1, ""}, {"menu", 1, 1, ""},    {"flyout", 1, 1, "n"},
     {"tick", 0, 1, "n"},    {"panel", 2, 3, ".n"},  {"undo", 0, 0, ""},   {"redo", 0, 0, ""},    {"expect", 1, 3, ""},
 };
@@ -34,7 +34,7 @@ struct ChoiceRow {
 
 constexpr ChoiceRow kChoices[] = {
     {"answer", 0, "yes no ok cancel"},
-    {"layer", 1, "new current hide show lock unlock"},
+    {"layer", 1, "new current hide show lock unlock up down title"},
     {"panel", 0, "toggle text press"},
     {"ruler", 0, "mm cm in pt pc px H"},
     {"expect", 0, "beep no-beep question alert undo cursor panel focus menu preview arts"},
@@ -130,6 +130,11 @@ void checkPanel(const ScriptLine& line) {
     if (line.words.size() != (takesText ? 3U : 2U)) throw std::invalid_argument("panel has too few or too many words");
 }
 
+void checkLayer(const ScriptLine& line) {
+    const bool takesTitle = line.words[1].text == "title";
+    if (line.words.size() != (takesTitle ? 3U : 2U)) throw std::invalid_argument("layer has too few or too many words");
+}
+
 void checkLine(const ScriptLine& line) {
     const VerbRow* row = nullptr;
     for (const VerbRow& candidate : kVerbs)
@@ -146,9 +151,25 @@ void checkLine(const ScriptLine& line) {
     }
     if (line.verb == "expect") checkExpect(line);
     if (line.verb == "panel") checkPanel(line);
+    if (line.verb == "layer") checkLayer(line);
 }
 
 }  // namespace
+
+std::string quotedWord(std::string_view text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\')
+            (out += '\\') += c;
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\r')
+            out += "\\r";
+        else
+            out += c;
+    }
+    return out + "\"";
+}
 
 double numberIn(const ScriptWord& word) {
     double value = 0;

@@ -31,6 +31,8 @@ struct ScriptLine {
 
 // Throws InputError "NAME:LINE: cause" for an unknown verb, an open quote or words that the verb does not take.
 std::vector<ScriptLine> parseScript(std::string_view text, const std::string& name);
+// A text as a script writes it, in quotation marks.
+std::string quotedWord(std::string_view text);
 
 // One finite decimal number; throws std::invalid_argument with the cause.
 double numberIn(const ScriptWord& word);

@@ -27,21 +27,6 @@ struct Happened {
     std::string undoName;
 };
 
-std::string quotedText(const std::string& text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\')
-            (out += '\\') += c;
-        else if (c == '\n')
-            out += "\\n";
-        else if (c == '\r')
-            out += "\\r";
-        else
-            out += c;
-    }
-    return out + "\"";
-}
-
 class Runner {
   public:
     Runner(const std::string& name, Session& session) : name_(name), session_(session) {}
@@ -129,7 +114,7 @@ void Runner::collect() {
     happened_.lines = session_.user().takeTranscript();
     for (const std::string& line : happened_.lines)
         if (line == "beep") ++happened_.beeps;
-    for (const std::string& step : session_.takeSteps()) happened_.lines.push_back("undo " + quotedText(step));
+    for (const std::string& step : session_.takeSteps()) happened_.lines.push_back("undo " + quotedWord(step));
     happened_.undoName = session_.host().lastUndoName();
 }
 
@@ -167,7 +152,7 @@ void Runner::set(const ScriptLine& line) {
 
 const host::ToolRecord& Runner::toolNamed(const std::string& title) {
     const host::ToolRecord* tool = session_.host().toolByTitle(title);
-    if (tool == nullptr) throw ScriptFault("no tool is titled " + quotedText(title));
+    if (tool == nullptr) throw ScriptFault("no tool is titled " + quotedWord(title));
     return *tool;
 }
 
@@ -205,7 +190,7 @@ platform::DialogStep dialogStep(const ScriptWord& word) {
     };
     if (text.rfind("press:", 0) == 0) return {Kind::press, control(std::string_view(text).substr(6)), {}, 0};
     const std::size_t equals = text.find('=');
-    if (equals == std::string::npos || equals == 0) throw ScriptFault("dialog does not take " + quotedText(text));
+    if (equals == std::string::npos || equals == 0) throw ScriptFault("dialog does not take " + quotedWord(text));
     const bool compares = text[equals - 1] == '?';
     const std::int32_t id = control(std::string_view(text).substr(0, compares ? equals - 1 : equals));
     const std::string value = text.substr(equals + 1);
@@ -264,7 +249,9 @@ void Runner::change(const ScriptLine& line) {
 }
 
 void Runner::layer(const ScriptLine& line) {
-    const std::string cause = changeLayer(session_.host(), line.words[0].text, line.words[1].text);
+    const std::string &title = line.words[0].text, &what = line.words[1].text;
+    const std::string cause = what == "title" ? renameLayer(session_.host(), title, line.words[2].text)
+                                              : changeLayer(session_.host(), title, what);
     if (!cause.empty()) throw ScriptFault(cause);
 }
 
@@ -289,7 +276,7 @@ void Runner::action(const ScriptLine& line) {
         session_.host().playAction(record.event);
         return;
     }
-    throw ScriptFault("no action is named " + quotedText(line.words[0].text));
+    throw ScriptFault("no action is named " + quotedWord(line.words[0].text));
 }
 
 void Runner::notify(const ScriptLine& line) { session_.host().notify(line.words[0].text); }
@@ -300,7 +287,7 @@ void Runner::menu(const ScriptLine& line) {
         session_.host().menuGo(item.name);
         return;
     }
-    throw ScriptFault("no menu item is named " + quotedText(line.words[0].text));
+    throw ScriptFault("no menu item is named " + quotedWord(line.words[0].text));
 }
 
 void Runner::flyout(const ScriptLine& line) { session_.host().chooseFlyout(integerIn(line.words[0])); }
@@ -321,7 +308,7 @@ void Runner::panel(const ScriptLine& line) {
 // -----------------------------------------------------------------------------------------------------
 
 void Runner::expectTranscript(const ScriptLine& line, const char* const* prefixes) {
-    const std::string wanted = quotedText(line.words[1].text);
+    const std::string wanted = quotedWord(line.words[1].text);
     std::string found;
     for (const std::string& happened : happened_.lines) {
         for (const char* const* prefix = prefixes; *prefix != nullptr; ++prefix) {
@@ -357,8 +344,8 @@ void Runner::expect(const ScriptLine& line) {
     } else if (what == "alert") {
         expectTranscript(line, kAlerts);
     } else if (what == "undo") {
-        require(happened_.undoName == line.words[1].text, "undo " + quotedText(line.words[1].text),
-                quotedText(happened_.undoName));
+        require(happened_.undoName == line.words[1].text, "undo " + quotedWord(line.words[1].text),
+                quotedWord(happened_.undoName));
     } else if (what == "cursor") {
         expectNumber(line, "cursor", session_.user().lastCursor(), 1);
     } else if (what == "focus") {
@@ -372,8 +359,8 @@ void Runner::expect(const ScriptLine& line) {
         std::string found;
         require(session_.user().panelText(integerIn(line.words[1]), &found), "panel control " + line.words[1].text,
                 "none");
-        require(found == line.words[2].text, "panel " + line.words[1].text + " " + quotedText(line.words[2].text),
-                quotedText(found));
+        require(found == line.words[2].text, "panel " + line.words[1].text + " " + quotedWord(line.words[2].text),
+                quotedWord(found));
     } else if (what == "menu") {
         session_.host().menuUpdate(line.words[1].text);
         std::string found = "no such item";

@@ -7,6 +7,7 @@
 #include <regex>
 #include <sstream>
 
+#include "cli/script.h"
 #include "cli/session.h"
 #include "platform/file.h"
 #include "platform/text.h"
@@ -122,7 +123,7 @@ void Desk::recordSettings() {
         std::smatch found;
         if (!std::regex_match(line, found, kLine)) continue;
         const bool quoted = found[3].matched;
-        recorder_.line("set " + found[1].str() + ' ' + Quoted(quoted ? found[3].str() : found[2].str()));
+        recorder_.line("set " + found[1].str() + ' ' + cli::quotedWord(quoted ? found[3].str() : found[2].str()));
     }
 }
 

@@ -18,6 +18,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "cli/script.h"
 #include "host/svg.h"
 
 namespace quorvel::desktop {
@@ -92,7 +93,7 @@ void DrawingFile::opened(const QString& path) {
 bool DrawingFile::open(const QString& path) {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     if (!mayLeave()) return false;
-    desk_->recorder().line("open " + Quoted(QFile::encodeName(absolute).toStdString()));
+    desk_->recorder().line("open " + cli::quotedWord(QFile::encodeName(absolute).toStdString()));
     if (!load(absolute)) return false;
     opened(absolute);
     return true;
@@ -183,7 +184,7 @@ bool DrawingFile::saveTo(const QString& path) {
         tell(QFileInfo(path).fileName() + QStringLiteral(": ") + QString::fromStdString(cause));
         return false;
     }
-    desk_->recorder().line("save " + Quoted(target));
+    desk_->recorder().line("save " + cli::quotedWord(target));
     desk_->document()->markSaved();
     dropCopy();
     rescued_ = false;

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "cli/editing.h"
+#include "cli/script.h"
 #include "desktop/outline.h"
 #include "desktop/recorder.h"
 
@@ -128,9 +130,9 @@ QRectF Editing::selectionBox() const {
 void Editing::select(const std::vector<host::ArtId>& objects) {
     if (desk_->document() == nullptr || objects == selection()) return;
     std::string words;
-    for (const host::ArtId id : objects) {
-        const host::Art* art = desk_->document()->find(id);
-        if (art != nullptr && !art->svgId.empty()) words += ' ' + Quoted(art->svgId);
+    if (desk_->recorder().on()) {
+        cli::ArtNames names(*desk_->document());
+        for (const host::ArtId id : objects) words += ' ' + cli::quotedWord(names.of(id));
     }
     desk_->recorder().line("select" + (words.empty() ? " none" : words));
     desk_->host().edit("Select", [&](host::Document& document) {
@@ -161,9 +163,11 @@ void Editing::changeSelection(const char* name, Change change, const std::string
     const std::vector<host::ArtId> objects = selection();
     if (objects.empty()) return;
     std::vector<std::string> lines;
-    for (const host::ArtId id : objects) {
-        const std::string& svgId = desk_->document()->find(id)->svgId;
-        lines.push_back(svgId.empty() ? "# " + verb + " of art without an id" : verb + ' ' + Quoted(svgId) + words);
+    if (desk_->recorder().on()) {
+        // The last first: what is deleted takes a place from those behind it alone.
+        cli::ArtNames names(*desk_->document());
+        for (auto id = objects.rbegin(); id != objects.rend(); ++id)
+            lines.push_back(verb + ' ' + cli::quotedWord(names.of(*id)) + words);
     }
     const bool done = desk_->host().edit(name, [&](host::Document& document) {
         bool all = true;
@@ -258,17 +262,20 @@ void Editing::paste() {
         for (auto copy = clipboard_.rbegin(); copy != clipboard_.rend(); ++copy) {
             const host::Art* original = copy->drawing == drawing_ ? document.find(copy->id) : nullptr;
             const std::string name = freeId(document);
+            const std::string from =
+                original != nullptr && desk_->recorder().on() ? cli::ArtNames(document).of(copy->id) : std::string();
             const host::ArtId id =
                 original != nullptr ? document.duplicateArt(copy->id, name) : insert(document, *copy, 0);
             if (id == 0) return false;
             if (original == nullptr) document.setSvgId(id, name);
             document.transform(id, beside, 1);
             made.push_back(id);
-            const bool said = original != nullptr && !original->svgId.empty();
-            lines.push_back(said ? "copy " + Quoted(original->svgId) + ' ' + Quoted(name)
-                                 : "# paste of art without an id");
+            const bool said = original != nullptr;
+            lines.push_back(said ? "copy " + cli::quotedWord(from) + ' ' + cli::quotedWord(name)
+                                 : "# paste of art that does not stand in this drawing any more");
             if (said)
-                lines.push_back("move " + Quoted(name) + ' ' + Shortest(kPasteOffset) + ' ' + Shortest(-kPasteOffset));
+                lines.push_back("move " + cli::quotedWord(name) + ' ' + Shortest(kPasteOffset) + ' ' +
+                                Shortest(-kPasteOffset));
         }
         return true;
     });

@@ -119,8 +119,8 @@ void KeptPicture::drawSlice(int milliseconds) {
 
 void KeptPicture::draw(const QRect& part) {
     if (shown_.isNull() || part.isEmpty()) return;
-    // Whole rows: QPainter adds gradients up from where a row's span starts, so that the last bit of a colour depends on
-    // where it is cut off.
+    // Whole rows: QPainter adds gradients up from where a row's span starts, so that the last bit of a colour depends
+    // on where it is cut off.
     const QRect rows(0, part.top(), view_.size.width(), part.height());
     drawInto(&shown_, rows);
     if (drawing_) changed_ += rows;

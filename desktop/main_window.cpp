@@ -12,6 +12,7 @@
 #include <QToolButton>
 #include <cmath>
 
+#include "cli/script.h"
 #include "desktop/icons.h"
 
 namespace quorvel::desktop {
@@ -153,7 +154,7 @@ void MainWindow::connectAll() {
                                                   "クリックまたはドラッグで拡大、Alt+クリックで縮小します。"));
     });
     connect(tools_, &ToolPalette::optionsWanted, this, [this](const QString& title) {
-        desk_->recorder().line("options " + Quoted(title.toStdString()));
+        desk_->recorder().line("options " + cli::quotedWord(title.toStdString()));
         if (const host::ToolRecord* tool = desk_->host().toolByTitle(title.toStdString()))
             desk_->host().editOptions(*tool);
     });
@@ -199,7 +200,7 @@ void MainWindow::choosePluginTool(const QString& title) {
     const host::ToolRecord* tool = desk_->host().toolByTitle(title.toStdString());
     if (tool == nullptr) return;
     canvas_->setHand(pluginHand_.get());
-    desk_->recorder().line("tool " + Quoted(tool->title));
+    desk_->recorder().line("tool " + cli::quotedWord(tool->title));
     desk_->host().selectTool(*tool);
     pluginHand_->toolSelected();
     hint_->setText(title);

@@ -8,6 +8,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 
+#include "cli/script.h"
 #include "desktop/export.h"
 #include "desktop/main_window.h"
 
@@ -157,7 +158,7 @@ void MainWindow::addPluginItems(QMenu* menu, const std::string& group) {
 }
 
 void MainWindow::menuGo(const std::string& name) {
-    desk_->recorder().line("menu " + Quoted(name));
+    desk_->recorder().line("menu " + cli::quotedWord(name));
     desk_->host().menuGo(name);
     refreshMenus();
 }

@@ -4,6 +4,8 @@
 
 #include <charconv>
 
+#include "cli/script.h"
+
 namespace quorvel::desktop {
 
 namespace {
@@ -30,7 +32,7 @@ std::string StepText(const platform::DialogStep& step) {
     const std::string control = std::to_string(step.control);
     switch (step.kind) {
         case StepKind::setText:
-            return control + "=" + Quoted(step.text);
+            return control + "=" + cli::quotedWord(step.text);
         case StepKind::selectRow:
             return control + "=row:" + std::to_string(step.row);
         case StepKind::check:
@@ -40,27 +42,12 @@ std::string StepText(const platform::DialogStep& step) {
         case StepKind::press:
             return "press:" + control;
         case StepKind::expectText:
-            return control + "?=" + Quoted(step.text);
+            return control + "?=" + cli::quotedWord(step.text);
     }
     return {};
 }
 
 }  // namespace
-
-std::string Quoted(std::string_view text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\')
-            (out += '\\') += c;
-        else if (c == '\n')
-            out += "\\n";
-        else if (c == '\r')
-            out += "\\r";
-        else
-            out += c;
-    }
-    return out + '"';
-}
 
 std::string Shortest(double value) { return Printed(value); }
 std::string Shortest(float value) { return Printed(value); }
@@ -174,14 +161,14 @@ void Recorder::boxAnswered(bool accepted) {
 }
 
 void Recorder::fileChosen(const std::optional<std::string>& path) {
-    if (on()) replies_.push_back(path ? "file " + Quoted(*path) : "file cancel");
+    if (on()) replies_.push_back(path ? "file " + cli::quotedWord(*path) : "file cancel");
 }
 
 void Recorder::panelUsed(const platform::DialogStep& step, bool isToggle) {
     if (!on()) return;
     const std::string control = std::to_string(step.control);
     if (step.kind == StepKind::setText)
-        line("panel text " + control + ' ' + Quoted(step.text));
+        line("panel text " + control + ' ' + cli::quotedWord(step.text));
     else if (step.kind == StepKind::press)
         line((isToggle ? "panel toggle " : "panel press ") + control);
     tickMatters_ = true;

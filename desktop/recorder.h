@@ -62,8 +62,7 @@ class Recorder {
     bool tickMatters_ = false;
 };
 
-// A text in quotes, as scripts have it.
-std::string Quoted(std::string_view text);
+// The fewest digits that read back as the same number.
 std::string Shortest(double value);
 std::string Shortest(float value);
 

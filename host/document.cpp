@@ -546,6 +546,17 @@ LayerId Document::insertLayer(const std::string& title, LayerId above) {
     return layer.id;
 }
 
+bool Document::moveLayer(LayerId id, std::size_t position) {
+    Drawing& drawing = impl_->drawing;
+    const LayerSlot* layer = drawing.livingLayer(id);
+    if (layer == nullptr || position >= drawing.layerOrder.size()) return false;
+    const std::size_t from = layer->position;
+    if (from == position) return true;
+    drawing.moveLayer(id, position);
+    impl_->journal.add({.kind = TreeChange::kMoveLayer, .layer = id, .position = position, .fromPosition = from});
+    return true;
+}
+
 template <typename Value>
 bool Document::Impl::changeLayer(LayerId id, Value Layer::*field, const Value& value) {
     LayerSlot* slot = drawing.livingLayer(id);

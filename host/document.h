@@ -165,6 +165,7 @@ class Document {
     bool setLocked(ArtId id, bool locked);
     bool setSvgId(ArtId id, const std::string& svgId);
     LayerId insertLayer(const std::string& title, LayerId above);  // above 0: on top
+    bool moveLayer(LayerId id, std::size_t position);              // 0: on top; refused behind the last
     bool setLayerTitle(LayerId id, const std::string& title);
     bool setLayerVisible(LayerId id, bool visible);
     bool setLayerEditable(LayerId id, bool editable);

@@ -76,6 +76,13 @@ void Drawing::removeLayer(LayerId id) {
     tellLayersChanged();
 }
 
+void Drawing::moveLayer(LayerId id, std::size_t position) {
+    layerOrder.erase(layerOrder.begin() + std::ptrdiff_t(layers[id - 1].position));
+    layerOrder.insert(layerOrder.begin() + std::ptrdiff_t(position), id);
+    renumberLayers();
+    tellLayersChanged();
+}
+
 void Drawing::selectLayer(LayerId layer) {
     currentLayer = layer;
     tellLayersChanged();

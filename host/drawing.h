@@ -36,6 +36,7 @@ struct Drawing {
     void move(ArtId art, Place place);
     void insertLayer(LayerId layer, std::size_t position);
     void removeLayer(LayerId layer);
+    void moveLayer(LayerId layer, std::size_t position);
     void selectLayer(LayerId layer);
     void tellChanged(ArtId art);
     void tellTagChanged(ArtId art, const std::string& name);

@@ -193,6 +193,9 @@ void Journal::revert(const TreeChange& change) {
         case TreeChange::kInsertLayer:
             drawing_.removeLayer(change.layer);
             break;
+        case TreeChange::kMoveLayer:
+            drawing_.moveLayer(change.layer, change.fromPosition);
+            break;
     }
 }
 
@@ -209,6 +212,9 @@ void Journal::apply(const TreeChange& change) {
             break;
         case TreeChange::kInsertLayer:
             drawing_.insertLayer(change.layer, change.position);
+            break;
+        case TreeChange::kMoveLayer:
+            drawing_.moveLayer(change.layer, change.position);
             break;
     }
 }

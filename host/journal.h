@@ -22,11 +22,12 @@ enum Aspect : std::uint8_t {
 };
 
 struct TreeChange {
-    enum Kind { kInsert, kRemove, kMove, kInsertLayer } kind = kInsert;
+    enum Kind { kInsert, kRemove, kMove, kInsertLayer, kMoveLayer } kind = kInsert;
     ArtId art = 0;
     LayerId layer = 0;
     Place from{}, to{};        // of art: before and after
-    std::size_t position = 0;  // of a layer
+    std::size_t position = 0;  // of a layer, after the change
+    std::size_t fromPosition = 0;
 };
 
 struct KeptSelection {

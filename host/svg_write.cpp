@@ -111,17 +111,20 @@ class Splicer {
     void planLayers() {
         const std::vector<LayerId>& layers = document_.layers();
         std::vector<const Layer*> loose;
-        bool hasLayerElements = false;
+        bool hasLayerElements = false, behindLoose = false;
         for (auto id = layers.rbegin(); id != layers.rend(); ++id) {
             const Layer* layer = document_.layer(*id);
             const Art* root = document_.find(layer->root);
             const bool sayable = layer->visible && layer->editable && (root->firstChild != 0 || layers.size() == 1);
-            if (layer->source == 0 && sayable) {
+            // Two such layers that have come to lie on each other would be read as one.
+            if (layer->source == 0 && sayable && !behindLoose) {
+                behindLoose = true;
                 loose.push_back(layer);
                 const std::vector<Item> items = itemsOf(*root);
                 rootItems_.insert(rootItems_.end(), items.begin(), items.end());
             } else {
                 hasLayerElements = true;
+                behindLoose = false;
                 if (layer->source == 0) wrapped_.push_back(layer);
                 rootItems_.push_back({root, layer, layer->source > 0 ? layer->source : -1});
             }

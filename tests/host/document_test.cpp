@@ -218,6 +218,24 @@ TEST(Document, CurrentLayerFollowsTheStepThatMadeItsLayer) {
     EXPECT_EQ(d.currentLayer(), made);
 }
 
+TEST(Document, LayersChangePlacesAndBack) {
+    Fixture f;
+    Document& d = f.document;
+    const LayerId low = d.currentLayer(), middle = d.insertLayer("middle", 0), top = d.insertLayer("top", 0);
+    d.markSaved();
+    d.begin();
+    EXPECT_TRUE(d.moveLayer(low, 0));
+    EXPECT_FALSE(d.moveLayer(low, 3));
+    ASSERT_TRUE(d.commit("Layer", "Layer"));
+    EXPECT_EQ(d.layers(), (std::vector<LayerId>{low, top, middle}));
+    EXPECT_TRUE(d.modified());
+    d.undo();
+    EXPECT_EQ(d.layers(), (std::vector<LayerId>{top, middle, low}));
+    EXPECT_FALSE(d.modified());
+    d.redo();
+    EXPECT_EQ(d.layers(), (std::vector<LayerId>{low, top, middle}));
+}
+
 // What an undone step had removed lives again, and a new step that removes it too needs its content.
 TEST(Document, StepsThatAreDroppedTakeNothingFromThoseThatStay) {
     Fixture f;

@@ -307,7 +307,10 @@ class Draughtsman {
     void changeLayer() {
         const auto& layers = document_.layers();
         const LayerId layer = layers[static_cast<std::size_t>(upTo(static_cast<int>(layers.size()) - 1))];
-        switch (upTo(5)) {
+        switch (upTo(6)) {
+            case 5:
+                document_.moveLayer(layer, static_cast<std::size_t>(upTo(static_cast<int>(layers.size()) - 1)));
+                break;
             case 0:
                 document_.insertLayer("Dim <" + std::to_string(upTo(99)) + "> 寸法", oneIn(2) ? 0 : layer);
                 break;
