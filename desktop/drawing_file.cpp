@@ -278,12 +278,13 @@ bool DrawingFile::offerRescuedCopy() {
                                         "Quorvel が正しく終了しませんでした。%1 の控えを開きますか？");
         const auto answer = QMessageBox::question(window_, QStringLiteral("Quorvel"), text.arg(shown),
                                                   QMessageBox::Open | QMessageBox::Discard);
-        const bool taken = answer == QMessageBox::Open && mayLeave() && load(copy);
-        origin.remove();
-        if (!taken) {
+        if (answer == QMessageBox::Discard) {
+            origin.remove();
             QFile::remove(copy);
             continue;
         }
+        if (!mayLeave() || !load(copy)) continue;  // offered again next time
+        origin.remove();
         opened({});
         rescued_ = true;
         QFile::rename(copy, copyPath());

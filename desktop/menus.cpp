@@ -150,7 +150,9 @@ void MainWindow::buildOtherMenus() {
 void MainWindow::addPluginItems(QMenu* menu, const std::string& group) {
     for (const host::MenuItemRecord& item : desk_->host().menuItems()) {
         if (item.group != group) continue;
-        QAction* action = add(menu, QString::fromStdString(item.text), {}, [this, name = item.name] { menuGo(name); });
+        const QKeySequence keys(group == kPreferencesGroup ? Qt::CTRL | Qt::Key_Comma : QKeyCombination());
+        QAction* action =
+            add(menu, QString::fromStdString(item.text), keys, [this, name = item.name] { menuGo(name); });
         action->setCheckable(item.wantsUpdate);
         action->setObjectName(QString::fromStdString(item.name));
         pluginItems_.emplace_back(action, item.name);

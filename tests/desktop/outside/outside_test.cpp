@@ -1,0 +1,324 @@
+// The program as a user has it: its own process on a screen of its own, with nothing but a mouse and keys (xdotool
+// under Xvfb). Where things stand is asked of a window of the same size in this process, since no place is promised.
+// Pictures of each step go to out/window where ImageMagick's import is there.
+#include <QProcess>
+#include <QStandardPaths>
+#include <cmath>
+#include <regex>
+
+#include "cli/list.h"
+#include "cli/script.h"
+#include "cli/script_runner.h"
+#include "cli/session.h"
+#include "desktop/layers_panel.h"
+#include "host/svg.h"
+#include "tests/desktop/window_rig.h"
+
+namespace quorvel::tests {
+namespace {
+
+constexpr double kPoints = 72 / 25.4, kPageHeight = 210;
+constexpr double kFitMargin = 28;  // pixels
+constexpr int kPatience = 15'000;  // milliseconds, for a window to come
+
+struct Case {
+    const char* language;
+    const char* look;
+    const char *straight, *radius, *schedule, *settings;
+};
+constexpr Case kCases[] = {
+    {"en", "light", "Straight Dimension Tool", "Radius Tool", "Schedule Tool [bottom]", "Quorvel Settings"},
+    {"ja", "dark", "寸法線ツール", "半径ツール", "図面枠ツール [下に部品]", "Quorvel 設定"}};
+
+bool Present(const char* program) { return !QStandardPaths::findExecutable(QLatin1String(program)).isEmpty(); }
+
+class Outside : public ::testing::TestWithParam<Case> {
+  protected:
+    void SetUp() override {
+        if (!Present("Xvfb") || !Present("xdotool")) GTEST_SKIP() << "Xvfb or xdotool is not here";
+        screen_.start(
+            QStringLiteral("Xvfb"),
+            {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
+             QStringLiteral("1400x950x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+        ASSERT_TRUE(screen_.waitForStarted());
+        QByteArray number;
+        while (!number.contains('\n') && screen_.waitForReadyRead(kPatience)) number += screen_.readAllStandardOutput();
+        ASSERT_FALSE(number.trimmed().isEmpty()) << "no display";
+        around_ = QProcessEnvironment::systemEnvironment();
+        around_.insert(QStringLiteral("DISPLAY"), QLatin1Char(':') + QString::fromLatin1(number.trimmed()));
+        around_.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+        for (const char* name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"})
+            around_.insert(QLatin1String(name), home_.path());
+        QFile::copy(QStringLiteral(QUORVEL_SOURCE_DIR "/examples/bracket.svg"), drawing());
+    }
+    void TearDown() override {
+        for (QProcess* process : {&program_, &screen_}) {
+            if (process->state() == QProcess::NotRunning) continue;
+            process->kill();
+            process->waitForFinished(5000);
+        }
+    }
+    QString drawing() const { return home_.filePath(QStringLiteral("bracket.svg")); }
+    QString script() const { return home_.filePath(QStringLiteral("recorded.script")); }
+
+    void startProgram() {
+        program_.setProcessEnvironment(around_);
+        program_.setProcessChannelMode(QProcess::MergedChannels);
+        program_.start(
+            QStringLiteral(QUORVEL_DESKTOP_FILE),
+            {QStringLiteral("--language"), QLatin1String(GetParam().language), QStringLiteral("--look"),
+             QLatin1String(GetParam().look), QStringLiteral("--profile"), home_.filePath("profile"),
+             QStringLiteral("--seed"), QStringLiteral("1"), QStringLiteral("--record"), script(), drawing()});
+        ASSERT_TRUE(program_.waitForStarted());
+        window_ = awaitWindow(QStringLiteral("bracket.svg"));
+        ASSERT_FALSE(window_.isEmpty()) << program_.readAll().toStdString();
+        tool({"windowmove", window_, "0", "0"});
+        tool({"windowsize", "--sync", window_, "1240", "820"});
+        settle();
+    }
+
+    // What xdotool says, without the last line's end.
+    QString tool(const QStringList& words) const {
+        QProcess process;
+        process.setProcessEnvironment(around_);
+        process.start(QStringLiteral("xdotool"), words);
+        process.waitForFinished(kPatience);
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    }
+    // The number of a window with this in its title; empty when none comes.
+    QString awaitWindow(const QString& title) const {
+        QString found;
+        (void)QTest::qWaitFor(
+            [&] {
+                found = tool({"search", "--onlyvisible", "--name", QRegularExpression::escape(title)})
+                            .section(QLatin1Char('\n'), -1);
+                return !found.isEmpty();
+            },
+            kPatience);
+        return found;
+    }
+    bool awaitGone(const QString& title) const {
+        return QTest::qWaitFor(
+            [&] {
+                return tool({"search", "--onlyvisible", "--name", QRegularExpression::escape(title)}).isEmpty();
+            },
+            kPatience);
+    }
+    // Until two pictures of the screen, a moment apart, would be the same: the program sleeps in its event loop.
+    void settle() const { QTest::qWait(150); }
+
+    void moveTo(QPoint at) const {
+        tool({"mousemove", QString::number(at.x()), QString::number(at.y())});
+        settle();
+    }
+    void click(QPoint at, int times = 1) const {
+        moveTo(at);
+        tool({"click", "--repeat", QString::number(times), "--delay", "60", "1"});
+        settle();
+    }
+    // There is no window manager that would hand the keys on.
+    void key(const char* name) const {
+        tool({"windowfocus", "--sync", window_});
+        tool({"key", QLatin1String(name)});
+        settle();
+    }
+    void type(const QString& dialogWindow, const char* text) const {
+        tool({"windowfocus", "--sync", dialogWindow});
+        tool({"key", "ctrl+a"});
+        tool({"type", "--", QLatin1String(text)});
+        settle();
+    }
+    void picture(const char* name) const {
+        if (!Present("import")) return;
+        const QString folder = QStringLiteral(QUORVEL_SOURCE_DIR "/out/window");
+        QDir().mkpath(folder);
+        QProcess process;
+        process.setProcessEnvironment(around_);
+        process.start(QStringLiteral("import"),
+                      {QStringLiteral("-window"), QStringLiteral("root"),
+                       folder + QStringLiteral("/outside-%1-%2-%3.png")
+                                    .arg(QLatin1String(name), QLatin1String(GetParam().language),
+                                         QLatin1String(GetParam().look))});
+        process.waitForFinished(kPatience);
+    }
+
+    // Pixels for each point, as the recorded script says it of the second fit but last.
+    double recordedZoom() const {
+        double zoom = 0;
+        (void)QTest::qWaitFor(
+            [&] {
+                QFile file(script());
+                if (!file.open(QIODevice::ReadOnly)) return false;
+                const QString text = QString::fromUtf8(file.readAll());
+                const qsizetype last = text.lastIndexOf(QStringLiteral("\nzoom "));
+                if (last >= 0) zoom = text.mid(last + 6).section(QLatin1Char('\n'), 0, 0).toDouble();
+                return zoom > 0;
+            },
+            kPatience);
+        return zoom;
+    }
+
+    // A control of the dialog that has come, by where it stands in one of the same kind in this process.
+    QPoint controlAt(const QString& dialogWindow, const QMap<int, QPoint>& places, int control) const {
+        const QString geometry = tool({"getwindowgeometry", "--shell", dialogWindow});
+        const auto number = [&](const char* name) {
+            return QRegularExpression(QLatin1String(name) + QStringLiteral("=(-?\\d+)"))
+                .match(geometry)
+                .captured(1)
+                .toInt();
+        };
+        return QPoint(number("X"), number("Y")) + places.value(control);
+    }
+
+    QTemporaryDir home_;
+    QProcessEnvironment around_;
+    QProcess screen_, program_;
+    QString window_;
+};
+
+// Places in a dialog where its controls take a click: near their left ends, where boxes have their marks.
+QMap<int, QPoint> PlacesIn(QWidget* dialog) {
+    QMap<int, QPoint> places;
+    for (QWidget* one : dialog->findChildren<QWidget*>(QRegularExpression(QStringLiteral("^control\\d+$"))))
+        places.insert(one->objectName().mid(7).toInt(),
+                      one->mapTo(dialog, QPoint(std::min(10, one->width() / 2), one->height() / 2)));
+    return places;
+}
+
+TEST_P(Outside, ADraftsmansFirstMinutes) {
+    const Case& words = GetParam();
+    // Where things are.
+    QMap<int, QPoint> settingsPlaces, radiusPlaces, schedulePlaces;
+    QMap<QString, QPoint> slotPlaces;
+    QPoint canvas;
+    int canvasHeight = 0;
+    {
+        WindowRig rig({words.language, words.look[0] == 'd', false});
+        QFile::copy(QStringLiteral(QUORVEL_SOURCE_DIR "/examples/bracket.svg"), rig.home.filePath("bracket.svg"));
+        ASSERT_TRUE(rig.window->file().open(rig.home.filePath("bracket.svg")));
+        QApplication::processEvents();
+        rig.canvas().fit();
+        for (const char* title : {words.straight, words.radius, words.schedule}) {
+            desktop::ToolSlot* slot = rig.window->tools()->slotOf(QString::fromUtf8(title));
+            ASSERT_NE(slot, nullptr) << title;
+            slotPlaces.insert(QString::fromUtf8(title), slot->mapTo(rig.window.get(), QPoint(8, 8)));
+        }
+        canvas = rig.canvas().mapTo(rig.window.get(), QPoint());
+        canvasHeight = rig.canvas().height();
+        const auto options = [&](const char* title) {
+            return [&rig, title] {
+                QTest::mouseDClick(rig.window->tools()->slotOf(QString::fromUtf8(title)), Qt::LeftButton, {}, {8, 8});
+            };
+        };
+        rig.inDialog([&] { rig.window->menuGo("Orvane Group"); },
+                     [&](QWidget* dialog) { settingsPlaces = PlacesIn(dialog), dialog->close(); });
+        rig.inDialog(options(words.radius), [&](QWidget* dialog) { radiusPlaces = PlacesIn(dialog), dialog->close(); });
+        rig.inDialog(options(words.schedule),
+                     [&](QWidget* dialog) { schedulePlaces = PlacesIn(dialog), dialog->close(); });
+        rig.document().markSaved();
+    }
+    ASSERT_NO_FATAL_FAILURE(startProgram());
+    for (int i = 0; i < 3; ++i) key("ctrl+0");  // the whole page
+    picture("open");
+    // A page that fits is as wide as the canvas but for its margins, or as high; its middle is the canvas's.
+    const double zoom = recordedZoom(), pageWidth = 297 * kPoints, pageHeight = kPageHeight * kPoints;
+    ASSERT_GT(zoom, 0);
+    const double canvasWidth = zoom * pageWidth + 2 * kFitMargin;
+    ASSERT_GT((canvasHeight - 2 * kFitMargin) / pageHeight, zoom) << "the canvas is too wide for this reckoning";
+    const auto at = [&](double x, double y) {
+        return canvas + QPointF(canvasWidth / 2 + (x * kPoints - pageWidth / 2) * zoom,
+                                canvasHeight / 2.0 + (y * kPoints - pageHeight / 2) * zoom)
+                            .toPoint();
+    };
+
+    // The overall width, snapped at both corners.
+    // The straight tool is the second of its slot: held, the slot opens.
+    moveTo(slotPlaces.value(QString::fromUtf8(words.straight)));
+    tool({"mousedown", "1"});
+    QTest::qWait(900);
+    tool({"mouseup", "1"});
+    picture("slot");
+    for (const char* name : {"Down", "Down", "Return"}) {
+        tool({"key", QLatin1String(name)});
+        settle();
+    }
+    moveTo(at(45, 140) + QPoint(-1, 1));
+    tool({"mousedown", "1"});
+    moveTo(at(100, 142));
+    moveTo(at(165, 140) + QPoint(1, 1));
+    picture("snap");
+    tool({"mouseup", "1"});
+    moveTo(at(120, 150));
+    click(at(105, 156));
+    picture("dimension");
+
+    // The radius tool's options, kept.
+    moveTo(slotPlaces.value(QString::fromUtf8(words.radius)));
+    click(slotPlaces.value(QString::fromUtf8(words.radius)), 2);
+    const QString radiusTitle = QString::fromUtf8(words.language[0] == 'e' ? "Radius" : "半径");
+    QString dialog = awaitWindow(radiusTitle);
+    ASSERT_FALSE(dialog.isEmpty()) << "no options of the radius tool";
+    picture("radius");
+    click(controlAt(dialog, radiusPlaces, 6));
+    click(controlAt(dialog, radiusPlaces, 1));
+    EXPECT_TRUE(awaitGone(radiusTitle));
+
+    // Settings: a value that is refused, then a good one.
+    key("ctrl+comma");
+    dialog = awaitWindow(QString::fromUtf8(words.settings));
+    ASSERT_FALSE(dialog.isEmpty()) << "no settings";
+    click(controlAt(dialog, settingsPlaces, 20));
+    type(dialog, "-1");
+    click(controlAt(dialog, settingsPlaces, 1));
+    picture("refused");
+    EXPECT_FALSE(awaitWindow(QString::fromUtf8(words.settings)).isEmpty());
+    type(dialog, "25");  // the field has the focus, all of it selected
+    click(controlAt(dialog, settingsPlaces, 1));
+    EXPECT_TRUE(awaitGone(QString::fromUtf8(words.settings)));
+
+    // The schedule, a preset of its own.
+    click(slotPlaces.value(QString::fromUtf8(words.schedule)), 2);
+    const QString scheduleTitle = QString::fromUtf8(words.language[0] == 'e' ? "Schedule" : "図面枠");
+    dialog = awaitWindow(scheduleTitle);
+    ASSERT_FALSE(dialog.isEmpty()) << "no schedule";
+    click(controlAt(dialog, schedulePlaces, 8));
+    type(dialog, "Mounting bracket");
+    click(controlAt(dialog, schedulePlaces, 35));
+    type(dialog, "Bracket");
+    picture("schedule");
+    click(controlAt(dialog, schedulePlaces, 1));
+    EXPECT_TRUE(awaitGone(scheduleTitle));
+
+    picture("panel");
+    key("ctrl+z");
+    key("ctrl+shift+z");
+    key("ctrl+s");
+    key("ctrl+q");
+    if (program_.state() != QProcess::NotRunning && !program_.waitForFinished(kPatience)) {
+        picture("left-open");
+        FAIL() << "the program does not end";
+    }
+    EXPECT_EQ(program_.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program_.readAll().toStdString(), "") << "nothing to complain of";
+
+    const host::Host measuring;
+    const host::SvgReadResult read = host::readSvgFile(drawing().toStdString());
+    ASSERT_NE(read.document, nullptr);
+    const std::vector<cli::RecordedDimension> found = cli::listDimensions(*read.document);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].kind, "straight");
+    EXPECT_EQ(found[0].texts, std::vector<std::string>{"120"}) << "snapped to both corners";
+    QFile settings(home_.filePath("profile/Adobe/Illustrator/Prefs/Quorvel.ini"));
+    ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+    const QByteArray kept = settings.readAll();
+    EXPECT_TRUE(kept.contains("flArAngle = 25")) << kept.toStdString();
+    EXPECT_TRUE(kept.contains("flZwkTitle = \"Mounting bracket\""));
+    EXPECT_TRUE(kept.contains("flZwkPartsName00 = \"Bracket\""));
+    EXPECT_TRUE(kept.contains("flRadiusMode = 1")) << "the surface is shown";
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, Outside, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.language) + info.param.look; });
+
+}  // namespace
+}  // namespace quorvel::tests
