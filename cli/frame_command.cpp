@@ -42,12 +42,12 @@ class BorrowedProfile {
         std::string pattern = (fs::temp_directory_path() / "quorvel-frame-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr) throw InputError(pattern + ": cannot be created");
         path_ = pattern;
-        const fs::path settings = fs::path("Adobe") / "Illustrator" / "Prefs" / "Quorvel.ini";
-        const fs::path from = fs::path(lender.empty() ? platform::UserDocumentsFolder() : lender) / settings;
+        const fs::path from = settingsFileBelow(lender.empty() ? platform::UserDocumentsFolder() : lender);
+        const fs::path to = settingsFileBelow(path_.string());
         std::error_code error;
         if (!fs::is_regular_file(from, error)) return;  // a first run has none
-        fs::create_directories((path_ / settings).parent_path(), error);
-        if (!fs::copy_file(from, path_ / settings, error)) throw InputError(from.string() + ": " + error.message());
+        fs::create_directories(to.parent_path(), error);
+        if (!fs::copy_file(from, to, error)) throw InputError(from.string() + ": " + error.message());
     }
     ~BorrowedProfile() {
         std::error_code error;

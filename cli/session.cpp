@@ -44,6 +44,10 @@ std::string findPluginFile() {
     return (folder / "quorvel_plugin.so").string();
 }
 
+std::string settingsFileBelow(const std::string& documents) {
+    return (std::filesystem::path(documents) / "Adobe" / "Illustrator" / "Prefs" / "Quorvel.ini").string();
+}
+
 Session::Session(const SessionOptions& options) : options_(options) {
     user_ = std::make_unique<platform::HeadlessBackend>();
     user_->setDocumentsFolder(options.profile);
@@ -71,14 +75,11 @@ Session::~Session() {
 }
 
 std::string Session::settingsPath() const {
-    std::string folder = platform::DocumentsFolder();
+    const std::filesystem::path path = settingsFileBelow(platform::DocumentsFolder());
     std::error_code error;
-    std::filesystem::create_directories(folder, error);  // a failure shows when the next folder is made
-    for (const char* part : {"Adobe", "Illustrator", "Prefs"}) {
-        folder = platform::JoinPath(folder, part);
-        if (!platform::CreateFolder(folder)) throw InputError(folder + ": cannot be created");
-    }
-    return platform::JoinPath(folder, "Quorvel.ini");
+    std::filesystem::create_directories(path.parent_path(), error);
+    if (error) throw InputError(path.parent_path().string() + ": cannot be created");
+    return path.string();
 }
 
 void Session::writeSetting(std::string_view key, std::string_view valueUtf8) {

@@ -21,6 +21,9 @@ struct SessionOptions {
     std::string pluginFile;  // empty: beside the program
 };
 
+// Where the plug-in keeps its settings below a documents folder.
+std::string settingsFileBelow(const std::string& documents);
+
 class Session {
   public:
     explicit Session(const SessionOptions& options);

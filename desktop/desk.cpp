@@ -18,12 +18,6 @@ namespace {
 
 constexpr char kEnglishTool[] = "Oblique Dimension Tool";
 
-std::string ProfilePath(const std::string& documents) {
-    std::string folder = documents;
-    for (const char* part : {"Adobe", "Illustrator", "Prefs"}) folder = platform::JoinPath(folder, part);
-    return platform::JoinPath(folder, "Quorvel.ini");
-}
-
 }  // namespace
 
 Desk::Desk(const DeskOptions& options) : options_(options) {
@@ -116,7 +110,7 @@ void Desk::shutdown() {
 // The settings in force are a part of what is recorded: another machine has others.
 void Desk::recordSettings() {
     std::string bytes;
-    if (!platform::ReadWholeFile(ProfilePath(user_->documentsFolder()), &bytes)) return;
+    if (!platform::ReadWholeFile(cli::settingsFileBelow(user_->documentsFolder()), &bytes)) return;
     static const std::regex kLine("^\\s*([A-Za-z_0-9]+)\\s*=\\s*(\"([^\"]*)\"|\\S*)\\s*$");
     std::istringstream text(platform::ToUtf8(bytes, platform::kCodePageJapanese));
     for (std::string line; std::getline(text, line);) {

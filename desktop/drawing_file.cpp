@@ -2,8 +2,6 @@
 // named by its number, so that a copy without its process is one that a crash has left.
 #include "desktop/drawing_file.h"
 
-#include <signal.h>
-
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDialog>
@@ -39,6 +37,12 @@ struct PageSize {
 constexpr PageSize kPageSizes[] = {
     {"A4", 210, 297}, {"A3", 297, 420}, {"A2", 420, 594}, {"A1", 594, 841}, {"A0", 841, 1189}};
 
+// Whether the process is one of this program's.
+bool AtWork(const QString& process) {
+    const QString program = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process));
+    return !program.isEmpty() && program.startsWith(QCoreApplication::applicationFilePath());
+}
+
 }  // namespace
 
 DrawingFile::DrawingFile(Desk* desk, QWidget* window) : desk_(desk), window_(window) {
@@ -47,10 +51,15 @@ DrawingFile::DrawingFile(Desk* desk, QWidget* window) : desk_(desk), window_(win
 }
 
 QString DrawingFile::name() const {
-    return path_.isEmpty() ? desk_->say("Untitled", "名称未設定") : QFileInfo(path_).fileName();
+    if (!path_.isEmpty()) return QFileInfo(path_).fileName();
+    if (!origin_.isEmpty()) return desk_->say("Copy of %1", "%1 の控え").arg(QFileInfo(origin_).fileName());
+    return desk_->say("Untitled", "名称未設定");
 }
 
-QString DrawingFile::folder() const { return path_.isEmpty() ? QDir::currentPath() : QFileInfo(path_).absolutePath(); }
+QString DrawingFile::folder() const {
+    const QString& beside = path_.isEmpty() ? origin_ : path_;
+    return beside.isEmpty() ? QDir::currentPath() : QFileInfo(beside).absolutePath();
+}
 
 void DrawingFile::tell(const QString& text) {
     QMessageBox(QMessageBox::Warning, QStringLiteral("Quorvel"), text, QMessageBox::Ok, window_).exec();
@@ -74,9 +83,10 @@ bool DrawingFile::load(const QString& from) {
     return true;
 }
 
-void DrawingFile::opened(const QString& path) {
+void DrawingFile::opened(const QString& path, const std::optional<QString>& rescuedFrom) {
     dropCopy();
-    rescued_ = false;
+    rescued_ = rescuedFrom.has_value();
+    origin_ = rescuedFrom.value_or(QString());
     path_ = path;
     desk_->recorder().forgetSteps();
     copiedChange_ = desk_->document()->changeCount();
@@ -188,6 +198,7 @@ bool DrawingFile::saveTo(const QString& path) {
     desk_->document()->markSaved();
     dropCopy();
     rescued_ = false;
+    origin_.clear();
     path_ = path;
     noteOnDisk();
     emit saved();
@@ -209,9 +220,11 @@ bool DrawingFile::save() {
 
 bool DrawingFile::saveAs() {
     if (desk_->document() == nullptr) return false;
-    QString path = QFileDialog::getSaveFileName(window_, desk_->say("Save As", "別名で保存"),
-                                                path_.isEmpty() ? folder() + QStringLiteral("/Untitled.svg") : path_,
-                                                QLatin1String(kFilter));
+    const QString proposed = !path_.isEmpty()     ? path_
+                             : !origin_.isEmpty() ? origin_
+                                                  : folder() + QStringLiteral("/Untitled.svg");
+    QString path =
+        QFileDialog::getSaveFileName(window_, desk_->say("Save As", "別名で保存"), proposed, QLatin1String(kFilter));
     if (path.isEmpty()) return false;
     if (QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".svg");
     return saveTo(path);
@@ -255,8 +268,12 @@ void DrawingFile::putCopyAside() {
     if (!host::saveSvgFile(*document, QFile::encodeName(copyPath()).toStdString(), desk_->host().rulerUnit(), &cause))
         return;
     copiedChange_ = document->changeCount();
+    noteOrigin();
+}
+
+void DrawingFile::noteOrigin() {
     QFile origin(copyPath() + QLatin1String(kOriginEnding));
-    if (origin.open(QIODevice::WriteOnly)) origin.write(path_.toUtf8());
+    if (origin.open(QIODevice::WriteOnly)) origin.write((path_.isEmpty() ? origin_ : path_).toUtf8());
 }
 
 void DrawingFile::dropCopy() {
@@ -267,9 +284,8 @@ void DrawingFile::dropCopy() {
 bool DrawingFile::offerRescuedCopy() {
     const QDir folder(copiesFolder());
     for (const QString& file : folder.entryList({QStringLiteral("*.svg")}, QDir::Files, QDir::Time)) {
-        const auto process = static_cast<pid_t>(QFileInfo(file).completeBaseName().toLongLong());
+        if (AtWork(QFileInfo(file).completeBaseName())) continue;
         const QString copy = folder.absoluteFilePath(file);
-        if (process > 0 && ::kill(process, 0) == 0) continue;  // it is still at work
         QFile origin(copy + QLatin1String(kOriginEnding));
         const QString path = origin.open(QIODevice::ReadOnly) ? QString::fromUtf8(origin.readAll()) : QString();
         const QString shown =
@@ -277,18 +293,17 @@ bool DrawingFile::offerRescuedCopy() {
         const QString text = desk_->say("Quorvel did not end properly. Open the copy of %1 that was put aside?",
                                         "Quorvel が正しく終了しませんでした。%1 の控えを開きますか？");
         const auto answer = QMessageBox::question(window_, QStringLiteral("Quorvel"), text.arg(shown),
-                                                  QMessageBox::Open | QMessageBox::Discard);
+                                                  QMessageBox::Open | QMessageBox::Discard | QMessageBox::Cancel);
         if (answer == QMessageBox::Discard) {
             origin.remove();
             QFile::remove(copy);
             continue;
         }
-        if (!mayLeave() || !load(copy)) continue;  // offered again next time
+        if (answer != QMessageBox::Open || !mayLeave() || !load(copy)) continue;  // offered again next time
+        opened({}, path);
         origin.remove();
-        opened({});
-        rescued_ = true;
         QFile::rename(copy, copyPath());
-        emit saved();
+        noteOrigin();
         return true;
     }
     return false;

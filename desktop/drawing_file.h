@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTimer>
+#include <optional>
 
 #include "desktop/desk.h"
 
@@ -49,10 +50,11 @@ class DrawingFile : public QObject {
 
   private:
     bool load(const QString& from);
-    void opened(const QString& path);
+    void opened(const QString& path, const std::optional<QString>& rescuedFrom = {});
     bool changedOutside() const;
     void noteOnDisk();
     void dropCopy();
+    void noteOrigin();
     static QString copiesFolder();
     QString copyPath() const;
     void tell(const QString& text);
@@ -60,6 +62,7 @@ class DrawingFile : public QObject {
     Desk* desk_;
     QWidget* window_;
     QString path_;
+    QString origin_;  // of a rescued copy: the file whose drawing it is
     QDateTime onDisk_;
     qint64 sizeOnDisk_ = -1;
     QTimer copyTimer_;

@@ -22,11 +22,20 @@ void SelectBelow(host::Document& document, host::ArtId id, bool selected) {
         SelectBelow(document, child, selected);
 }
 
-bool SelectedSomewhere(const host::Document& document, const host::Art& art) {
-    if (art.selected) return true;
-    for (host::ArtId child = art.firstChild; child != 0; child = document.find(child)->below)
-        if (SelectedSomewhere(document, *document.find(child))) return true;
-    return false;
+// Gives the largest objects whose parts are all selected, the top one first; true when the art itself is one of them.
+bool GatherSelected(const host::Document& document, const host::Art& art, std::vector<host::ArtId>* found) {
+    const std::size_t before = found->size();
+    bool whole = art.selected;
+    if (!whole && art.kind == kGroupArt && art.firstChild != 0) {
+        whole = true;
+        for (host::ArtId child = art.firstChild; child != 0; child = document.find(child)->below)
+            whole = GatherSelected(document, *document.find(child), found) && whole;
+    }
+    if (whole) {
+        found->resize(before);
+        found->push_back(art.id);
+    }
+    return whole;
 }
 
 // Calls visit(object, layer) from the top one down, until it gives false.
@@ -91,6 +100,18 @@ host::ArtId Editing::objectAt(RealPoint point, double tolerance) const {
     return found;
 }
 
+host::ArtId Editing::partAt(RealPoint point, double tolerance) const {
+    const host::Document& document = *desk_->document();
+    host::ArtId found = objectAt(point, tolerance);
+    for (host::ArtId child = found; child != 0;) {
+        const host::Art* art = document.find(child);
+        const bool hit = !art->locked && Hits(document, *art, ToQt(point), tolerance);
+        if (hit) found = child;
+        child = !hit ? art->below : art->kind == kGroupArt ? art->firstChild : 0;
+    }
+    return found;
+}
+
 std::vector<host::ArtId> Editing::objectsIn(const QRectF& box) const {
     std::vector<host::ArtId> found;
     ForEachObject(*desk_->document(), [&](const host::Art& art, const host::Layer& layer) {
@@ -107,7 +128,7 @@ std::vector<host::ArtId> Editing::selection() const {
     std::vector<host::ArtId> found;
     if (desk_->document() == nullptr) return found;
     ForEachObject(*desk_->document(), [&](const host::Art& art, const host::Layer&) {
-        if (SelectedSomewhere(*desk_->document(), art)) found.push_back(art.id);
+        GatherSelected(*desk_->document(), art, &found);
         return true;
     });
     return found;
@@ -137,7 +158,7 @@ void Editing::select(const std::vector<host::ArtId>& objects) {
     desk_->recorder().line("select" + (words.empty() ? " none" : words));
     desk_->host().edit("Select", [&](host::Document& document) {
         ForEachObject(document, [&](const host::Art& art, const host::Layer&) {
-            if (SelectedSomewhere(document, art)) SelectBelow(document, art.id, false);
+            SelectBelow(document, art.id, false);
             return true;
         });
         for (const host::ArtId id : objects) SelectBelow(document, id, true);

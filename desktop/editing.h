@@ -1,5 +1,5 @@
-// The window's own editing: what is selected is moved, turned, copied and deleted as whole objects, those that lie
-// directly in a layer. Each deed is one step, and one that can be recorded.
+// The window's own editing: what is selected is moved, turned, copied and deleted. An object is what lies directly in a
+// layer; a part of one is taken on demand. Each deed is one step, and one that can be recorded.
 #pragma once
 
 #include <QPointF>
@@ -33,8 +33,10 @@ class Editing {
 
     // Topmost object at the point that can be taken; 0 for none. tolerance in points.
     host::ArtId objectAt(RealPoint point, double tolerance) const;
+    // The same, but of groups the member that lies there.
+    host::ArtId partAt(RealPoint point, double tolerance) const;
     std::vector<host::ArtId> objectsIn(const QRectF& box) const;  // wholly inside
-    std::vector<host::ArtId> selection() const;                   // objects, the top one first
+    std::vector<host::ArtId> selection() const;                   // objects and parts, the top one first
     QRectF selectionBox() const;                                  // document points, y up; null without a selection
 
     void select(const std::vector<host::ArtId>& objects);  // these and no others

@@ -92,7 +92,9 @@ void SelectHand::press(const HandEvent& event) {
         deed_ = Deed::turn;
         return;
     }
-    taken_ = editing_->objectAt(event.point, kPickReach / desk_->host().view().zoom);
+    const double reach = kPickReach / desk_->host().view().zoom;
+    taken_ = event.keys & Qt::ControlModifier ? editing_->partAt(event.point, reach)
+                                              : editing_->objectAt(event.point, reach);
     deed_ = taken_ != 0 ? Deed::click : Deed::band;
     const bool already = std::find(selected.begin(), selected.end(), taken_) != selected.end();
     if (taken_ == 0 || already) return;

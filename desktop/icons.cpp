@@ -10,8 +10,7 @@ namespace quorvel::desktop {
 namespace {
 
 template <typename Draw>
-QIcon Drawn(const QColor& ink, Draw draw) {
-    QIcon icon;
+void AddDrawn(QIcon* icon, QIcon::Mode mode, const QColor& ink, Draw draw) {
     for (const int size : {16, 24, 32, 48}) {
         QPixmap pixmap(size, size);
         pixmap.fill(Qt::transparent);
@@ -19,24 +18,39 @@ QIcon Drawn(const QColor& ink, Draw draw) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.scale(size / 16.0, size / 16.0);
         painter.setPen(QPen(ink, 1.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        draw(painter);
-        icon.addPixmap(pixmap);
+        draw(painter, ink);
+        icon->addPixmap(pixmap, mode);
     }
+}
+
+template <typename Draw>
+QIcon Drawn(const QColor& ink, Draw draw) {
+    QIcon icon;
+    AddDrawn(&icon, QIcon::Normal, ink, draw);
+    return icon;
+}
+
+// In a list: a selected row's ground is another one.
+template <typename Draw>
+QIcon DrawnInList(const QPalette& colors, Draw draw) {
+    QIcon icon;
+    AddDrawn(&icon, QIcon::Normal, colors.color(QPalette::Text), draw);
+    AddDrawn(&icon, QIcon::Selected, colors.color(QPalette::HighlightedText), draw);
     return icon;
 }
 
 }  // namespace
 
-QIcon ArrowIcon(const QColor& ink) {
-    return Drawn(ink, [&](QPainter& painter) {
+QIcon ArrowIcon(const QColor& color) {
+    return Drawn(color, [](QPainter& painter, const QColor& ink) {
         painter.setBrush(ink);
         painter.drawPolygon(
             QPolygonF({{4, 2}, {4, 12.5}, {6.6, 10.2}, {8.4, 14}, {10, 13.2}, {8.3, 9.6}, {11.8, 9.4}}));
     });
 }
 
-QIcon MagnifierIcon(const QColor& ink) {
-    return Drawn(ink, [&](QPainter& painter) {
+QIcon MagnifierIcon(const QColor& color) {
+    return Drawn(color, [](QPainter& painter, const QColor& ink) {
         painter.drawEllipse(QPointF(6.5, 6.5), 4.2, 4.2);
         painter.drawLine(QPointF(4.7, 6.5), QPointF(8.3, 6.5));
         painter.drawLine(QPointF(6.5, 4.7), QPointF(6.5, 8.3));
@@ -45,8 +59,8 @@ QIcon MagnifierIcon(const QColor& ink) {
     });
 }
 
-QIcon EyeIcon(const QColor& ink, bool open) {
-    return Drawn(ink, [&](QPainter& painter) {
+QIcon EyeIcon(const QPalette& colors, bool open) {
+    return DrawnInList(colors, [open](QPainter& painter, const QColor& ink) {
         QPainterPath lids(QPointF(1.5, 8));
         lids.quadTo({8, open ? 2.0 : 9.5}, {14.5, 8});
         if (open) lids.quadTo({8, 14}, {1.5, 8});
@@ -57,10 +71,10 @@ QIcon EyeIcon(const QColor& ink, bool open) {
     });
 }
 
-QIcon LockIcon(const QColor& ink, bool locked) {
-    return Drawn(ink, [&](QPainter& painter) {
+QIcon LockIcon(const QPalette& colors, bool locked) {
+    return DrawnInList(colors, [locked](QPainter& painter, const QColor& ink) {
         QColor faint = ink;
-        if (!locked) faint.setAlpha(90);
+        if (!locked) faint.setAlpha(120);
         painter.setPen(QPen(faint, 1.2));
         QPainterPath bow(QPointF(5, 8));
         bow.lineTo(5, 5.5);
@@ -73,13 +87,13 @@ QIcon LockIcon(const QColor& ink, bool locked) {
 }
 
 QIcon MenuIcon(const QColor& ink) {
-    return Drawn(ink, [](QPainter& painter) {
+    return Drawn(ink, [](QPainter& painter, const QColor&) {
         for (const double y : {4.5, 8.0, 11.5}) painter.drawLine(QPointF(3, y), QPointF(13, y));
     });
 }
 
 QIcon PlusIcon(const QColor& ink) {
-    return Drawn(ink, [](QPainter& painter) {
+    return Drawn(ink, [](QPainter& painter, const QColor&) {
         painter.drawLine(QPointF(3, 8), QPointF(13, 8));
         painter.drawLine(QPointF(8, 3), QPointF(8, 13));
     });

@@ -98,7 +98,6 @@ void LayersPanel::refresh() {
     stale_ = false;
     filling_ = true;
     list_->clear();
-    const QColor ink = palette().color(QPalette::Text);
     if (observed_ != nullptr) {
         for (const host::LayerId id : observed_->layers()) {
             const host::Layer* layer = observed_->layer(id);
@@ -106,8 +105,8 @@ void LayersPanel::refresh() {
             item->setData(kTitle, Qt::UserRole, id);
             item->setText(kTitle, QString::fromStdString(layer->title));
             item->setFlags((item->flags() | Qt::ItemIsEditable) & ~Qt::ItemIsDropEnabled);
-            item->setIcon(kEye, EyeIcon(ink, layer->visible));
-            item->setIcon(kLock, LockIcon(ink, !layer->editable));
+            item->setIcon(kEye, EyeIcon(palette(), layer->visible));
+            item->setIcon(kLock, LockIcon(palette(), !layer->editable));
             item->setToolTip(kEye, desk_->say("Show or hide", "表示／非表示"));
             item->setToolTip(kLock, desk_->say("Lock or unlock", "ロック／解除"));
             const bool current = id == observed_->currentLayer();

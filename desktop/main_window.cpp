@@ -145,9 +145,11 @@ void MainWindow::buildStatusLine() {
 void MainWindow::connectAll() {
     connect(tools_, &ToolPalette::pluginToolChosen, this, &MainWindow::choosePluginTool);
     connect(tools_, &ToolPalette::selectChosen, this, [this] {
-        chooseOwnHand(selectHand_.get(),
-                      desk_->say("Click or drag to select; drag to move; the handle turns.",
-                                 "クリックまたはドラッグで選択、ドラッグで移動、ハンドルで回転します。"));
+        chooseOwnHand(
+            selectHand_.get(),
+            desk_->say("Click or drag to select, Ctrl-click inside groups; drag to move; the handle turns.",
+                       "クリックまたはドラッグで選択、Ctrl+クリックでグループ内を選択、ドラッグで移動、ハンドルで"
+                       "回転します。"));
     });
     connect(tools_, &ToolPalette::zoomChosen, this, [this] {
         chooseOwnHand(zoomHand_.get(), desk_->say("Click or drag to zoom in; Alt-click zooms out.",
@@ -254,9 +256,9 @@ void MainWindow::redo() {
     refreshMenus();
 }
 
-// A modal dialog has the plug-in's message still open; the clock waits until it is closed.
+// While a dialog is shown, or progress, the plug-in's message is still open; the clock waits until it has ended.
 void MainWindow::tick() {
-    if (QApplication::activeModalWidget() != nullptr) return;
+    if (QApplication::activeModalWidget() != nullptr || desk_->host().busy()) return;
     desk_->recorder().tick();
     desk_->host().tick();
 }

@@ -7,8 +7,10 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <clocale>
 #include <cstdio>
+#include <exception>
 
 #include "desktop/desk.h"
 #include "desktop/export.h"
@@ -57,6 +59,20 @@ int OpenWindow(QApplication& program, const DeskOptions& options, Look look, con
     return program.exec();
 }
 
+// What the window's own code throws is told, and the window stays.
+class Application : public QApplication {
+  public:
+    using QApplication::QApplication;
+    bool notify(QObject* receiver, QEvent* event) override {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::exception& thrown) {
+            QMessageBox(QMessageBox::Critical, QStringLiteral("Quorvel"), QString::fromUtf8(thrown.what())).exec();
+            return false;
+        }
+    }
+};
+
 // Where a session has made no folder for running programs, Qt makes one in the place for temporary files and complains.
 void NameRuntimeFolder() {
     if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) return;
@@ -74,7 +90,7 @@ int RunProgram(int argc, char** argv) {
     for (int i = 1; i < argc; ++i)
         if (qstrcmp(argv[i], "--export") == 0 || QByteArray(argv[i]).startsWith("--export="))
             qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication program(argc, argv);
+    Application program(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // numbers in files have points whatever the user's language
     QApplication::setApplicationName(QStringLiteral("quorvel-desktop"));
     QApplication::setOrganizationName(QStringLiteral("Selkie Works"));

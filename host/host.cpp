@@ -172,6 +172,8 @@ AIErr Host::send(const char* caller, const char* selector, SPMessageData* messag
     return result;
 }
 
+bool Host::busy() const { return impl_->depth > 0; }
+
 AIErr Host::notify(std::string_view type) {
     if (impl_->depth > 0 || impl_->sending > 0) {
         impl_->queued.emplace_back(type);

@@ -140,6 +140,7 @@ class Host {
     AIErr menuUpdate(std::string_view name);
     const std::vector<TimerRecord>& timers() const;
     AIErr tick();                         // one AI Go to each timer
+    bool busy() const;                    // a message is running: wait with the next
     AIErr notify(std::string_view type);  // to each notifier of that type; later, when a message is running
     const std::vector<ActionRecord>& actions() const;
     AIErr playAction(std::string_view event);

@@ -223,6 +223,35 @@ TEST(Window, FileThatAnotherProgramChangedIsAskedFor) {
     rig.document().markSaved();
 }
 
+// Drawings from elsewhere hold everything in groups.
+TEST(Window, CtrlClickTakesAPartOfAGroup) {
+    WindowRig rig;
+    rig.dimensionEdge();
+    host::Document& document = rig.document();
+    const host::ArtId plate = document.findBySvgId("plate"), hole = document.findBySvgId("hole");
+    host::ArtId group = 0;
+    rig.desk->host().edit("Group", [&](host::Document& d) {
+        group = d.insertArt(kGroupArt, kPlaceAbove, plate);
+        return d.moveArt(plate, kPlaceInsideOnTop, group) && d.moveArt(hole, kPlaceInsideOnTop, group);
+    });
+    rig.press("select");
+    rig.click(rig.pixel(120, 180));
+    EXPECT_EQ(rig.window->editing().selection(), std::vector<host::ArtId>({group}));
+    const QPoint inside = rig.pixel(120, 180);
+    rig.click(rig.pixel(50, 350));
+    QTest::mouseClick(&rig.canvas(), Qt::LeftButton, Qt::ControlModifier, inside);
+    EXPECT_EQ(rig.window->editing().selection(), std::vector<host::ArtId>({plate}));
+    QTest::mouseClick(&rig.canvas(), Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier,
+                      rig.pixel(420, 150));                                           // the hole's edge
+    EXPECT_EQ(rig.window->editing().selection(), std::vector<host::ArtId>({group}));  // both of its parts
+    rig.window->editing().select({plate});
+    const RealRect still = document.bounds(hole);
+    rig.window->editing().move({20, 0});
+    EXPECT_EQ(document.bounds(hole).left, still.left);
+    EXPECT_EQ(document.bounds(plate).left, 120);
+    document.markSaved();
+}
+
 TEST(Window, CutAndPasteKeepTags) {
     WindowRig rig;
     rig.dimensionEdge();

@@ -39,6 +39,7 @@ struct WindowRig {
         std::string language = "en";
         bool dark = false;
         bool record = false;
+        std::string pluginFile = QUORVEL_PLUGIN_FILE;
     };
     explicit WindowRig(Options options) {
         const std::string folder = home.path().toStdString();
@@ -52,7 +53,7 @@ struct WindowRig {
         deskOptions.profile = folder;
         deskOptions.language = options.language;
         deskOptions.seed = 1;
-        deskOptions.pluginFile = QUORVEL_PLUGIN_FILE;
+        deskOptions.pluginFile = options.pluginFile;
         if (options.record) deskOptions.recordFile = folder + "/recorded.script";
         desk = std::make_unique<desktop::Desk>(deskOptions);
         QString error;
