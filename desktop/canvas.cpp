@@ -340,7 +340,7 @@ void Canvas::keyPressEvent(QKeyEvent* event) {
         spaceHeld_ = true;
         showCursor();
     } else if (event->key() == Qt::Key_Escape && hand_ != nullptr) {
-        hand_->cancel();
+        hand_->abandon();
         update();
     } else {
         QWidget::keyPressEvent(event);

@@ -23,7 +23,8 @@ class Hand {
     virtual void press(const HandEvent& event) = 0;
     virtual void drag(const HandEvent& event) = 0;
     virtual void release(const HandEvent& event) = 0;
-    virtual void cancel() {}
+    virtual void cancel() {}              // the hand is taken off the canvas
+    virtual void abandon() { cancel(); }  // the Escape key
     virtual QCursor cursor() const = 0;
     // Over the drawing, in the canvas's pixels.
     virtual void paint(QPainter&) {}

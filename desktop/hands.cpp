@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "cli/script.h"
 #include "desktop/icons.h"
 #include "desktop/outline.h"
 #include "hostapi/messages.h"
@@ -48,6 +49,17 @@ PluginHand::PluginHand(Desk* desk, Canvas* canvas) : desk_(desk), canvas_(canvas
         cursor_ = cursor;
         if (desk_->host().selectedTool() != nullptr) canvas_->refreshCursor();
     });
+}
+
+void PluginHand::take(const host::ToolRecord& tool) {
+    desk_->recorder().line("tool " + cli::quotedWord(tool.title));
+    desk_->host().selectTool(tool);
+    last_.reset();
+}
+
+// A tool that is selected anew begins from its first point.
+void PluginHand::abandon() {
+    if (const host::ToolRecord* tool = desk_->host().selectedTool()) take(*tool);
 }
 
 void PluginHand::send(const char* verb, const char* selector, const HandEvent& event) {

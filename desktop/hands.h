@@ -16,11 +16,12 @@ namespace quorvel::desktop {
 class PluginHand : public Hand {
   public:
     PluginHand(Desk* desk, Canvas* canvas);
-    void toolSelected() { last_.reset(); }
+    void take(const host::ToolRecord& tool);  // selects it
     void hover(const HandEvent& event) override;
     void press(const HandEvent& event) override;
     void drag(const HandEvent& event) override;
     void release(const HandEvent& event) override;
+    void abandon() override;  // what the tool has begun
     QCursor cursor() const override { return cursor_; }
 
   private:

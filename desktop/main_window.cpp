@@ -202,9 +202,7 @@ void MainWindow::choosePluginTool(const QString& title) {
     const host::ToolRecord* tool = desk_->host().toolByTitle(title.toStdString());
     if (tool == nullptr) return;
     canvas_->setHand(pluginHand_.get());
-    desk_->recorder().line("tool " + cli::quotedWord(tool->title));
-    desk_->host().selectTool(*tool);
-    pluginHand_->toolSelected();
+    pluginHand_->take(*tool);
     hint_->setText(title);
 }
 

@@ -18,6 +18,8 @@ class Guide : public ::testing::Test {
   protected:
     static constexpr int kAlt = 1;
 
+    explicit Guide(WindowRig::Options options = {}) : rig(options) {}
+
     void open() {
         QFile::copy(QStringLiteral(QUORVEL_SOURCE_DIR "/examples/bracket.svg"), bracket());
         ASSERT_TRUE(rig.window->file().open(bracket()));
@@ -70,6 +72,24 @@ class Guide : public ::testing::Test {
         list->setCurrentIndex(found);
         emit list->activated(found);
     }
+    void pickRow(QWidget* dialog, int control, int row) {
+        auto* list = rig.control<QComboBox>(dialog, control);
+        list->setCurrentIndex(row);
+        emit list->activated(row);
+    }
+    void layout(QWidget* dialog) {
+        pickRow(dialog, 5, 1);  // filled triangles
+        type(dialog, 28, "9pt");
+        pick(dialog, 6, "0.0");
+        pick(dialog, 8, "DejaVu Sans");
+        type(dialog, 10, "9pt");
+        type(dialog, 19, "0.5pt");
+        type(dialog, 20, "10");
+        type(dialog, 21, "5pt");
+        type(dialog, 23, "3pt");
+        auto* layer = rig.control<QCheckBox>(dialog, 15);
+        if (!layer->isChecked()) layer->click();
+    }
     static void ok(QWidget* dialog) { QTest::mouseClick(WindowRig::control<QPushButton>(dialog, 1), Qt::LeftButton); }
     // How often each value stands on the drawing's dimensions.
     std::map<std::string, int> values() {
@@ -90,17 +110,8 @@ TEST_F(Guide, FromADrawingToASheet) {
 
     const auto settings = [&] { rig.window->menuGo("Orvane Group"); };
     rig.inDialog(settings, [&](QWidget* dialog) {
-        pick(dialog, 5, "Triangular");
-        type(dialog, 28, "9pt");
-        pick(dialog, 6, "0.0");
-        pick(dialog, 8, "DejaVu Sans");
-        type(dialog, 10, "9pt");
-        type(dialog, 19, "0.5pt");
-        type(dialog, 20, "10");
-        type(dialog, 21, "5pt");
-        type(dialog, 23, "3pt");
-        auto* layer = rig.control<QCheckBox>(dialog, 15);
-        if (!layer->isChecked()) layer->click();
+        layout(dialog);
+        EXPECT_EQ(rig.control<QComboBox>(dialog, 5)->currentText(), "Triangular");
         WindowRig::picture(dialog, QStringLiteral("guide-2-settings"));
         ok(dialog);
     });
@@ -139,9 +150,7 @@ TEST_F(Guide, FromADrawingToASheet) {
     draw("Diameter Tool", at(105 + 14 * std::sqrt(0.5), 88 - 14 * std::sqrt(0.5)), at(130, 66));
     draw("Radius Tool", at(165 - 15 * (1 - std::sqrt(0.5)), 50 + 15 * (1 - std::sqrt(0.5))), at(176, 40));
     EXPECT_EQ(values()["R15"], 1);
-    EXPECT_EQ(values()["\xC3\xB8"
-                       "28"],
-              1);
+    EXPECT_EQ(values()["ø28"], 1);
     draw("Curve Dimension Tool", at(223, 140), at(205, 122));
     place(at(206, 139));
     EXPECT_EQ(values()["28.3"], 1);  // a quarter of a circle of 18
@@ -206,6 +215,31 @@ TEST_F(Guide, FromADrawingToASheet) {
     EXPECT_EQ(values()["80"], 1);
     EXPECT_EQ(values()["25"], 1);
     show("10-true-again");
+    rig.document().markSaved();
+}
+
+class JapaneseGuide : public Guide {
+  protected:
+    JapaneseGuide() : Guide({.language = "ja", .dark = true}) {}
+};
+
+TEST_F(JapaneseGuide, TheSameToolsInJapaneseOnDarkGround) {
+    open();
+    rig.inDialog([&] { rig.window->menuGo("Orvane Group"); },
+                 [&](QWidget* dialog) {
+                     layout(dialog);
+                     ok(dialog);
+                 });
+    draw("寸法線ツール", at(45, 140), at(165, 140));
+    place(at(105, 156));
+    draw("寸法線ツール", at(45, 140), at(60, 50));
+    place(at(27, 132));
+    draw("直径ツール", at(105 + 14 * std::sqrt(0.5), 88 - 14 * std::sqrt(0.5)), at(130, 66));
+    draw("半径ツール", at(165 - 15 * (1 - std::sqrt(0.5)), 50 + 15 * (1 - std::sqrt(0.5))), at(176, 40));
+    EXPECT_EQ(values(), (Values{{"120", 1}, {"90", 1}, {"R15", 1}, {"φ28", 1}}));
+    draw("部品番号ツール", at(118, 112), at(180, 105));
+    draw("コメントツール", at(215, 60), at(235, 52));
+    show("ja-dark");
     rig.document().markSaved();
 }
 

@@ -223,6 +223,23 @@ TEST(Window, FileThatAnotherProgramChangedIsAskedFor) {
     rig.document().markSaved();
 }
 
+TEST(Window, EscapeGivesUpWhatAToolHasBegun) {
+    WindowRig rig;
+    const std::string dump = rig.dump();
+    rig.window->tools()->choose("Straight Dimension Tool");
+    rig.drag(rig.pixel(100, 100), rig.pixel(300, 100));
+    rig.moveTo(rig.pixel(200, 60));
+    EXPECT_GT(rig.desk->user().screen().visiblePixels(), 0U);
+    QTest::keyClick(&rig.canvas(), Qt::Key_Escape);
+    EXPECT_EQ(rig.desk->user().screen().visiblePixels(), 0U);
+    rig.click(rig.pixel(200, 60));  // a first point again, and no third
+    EXPECT_EQ(rig.dump(), dump);
+    EXPECT_FALSE(rig.window->isWindowModified());
+    rig.dimensionEdge();
+    EXPECT_EQ(rig.newestText(), "71");
+    rig.document().markSaved();
+}
+
 // Drawings from elsewhere hold everything in groups.
 TEST(Window, CtrlClickTakesAPartOfAGroup) {
     WindowRig rig;
