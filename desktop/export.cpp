@@ -97,15 +97,30 @@ bool ExportDrawing(const host::Document& document, const QString& folder, const 
     return false;
 }
 
+// A drawing on paper is measured: true size goes before the margins, which a sheet's frame keeps clear by itself.
+QTransform PrintTransform(const host::Document& document, const QPageLayout& paper, int dotsPerInch) {
+    constexpr double kPaperTolerance = 2;  // points; printers' sheets are whole points, and some a little short
+    const double scale = dotsPerInch / kPointsPerInch;
+    const QRectF within = paper.paintRect(QPageLayout::Point), whole = paper.fullRect(QPageLayout::Point);
+    const QSizeF page(document.width(), document.height());
+    const auto holds = [&](const QRectF& sheet) {
+        return page.width() <= sheet.width() + kPaperTolerance && page.height() <= sheet.height() + kPaperTolerance;
+    };
+    double fit = 1;
+    QPointF corner = within.topLeft();
+    if (!holds(within) && holds(whole))
+        corner = whole.center() - QPointF(page.width(), page.height()) / 2;
+    else if (!holds(within))
+        fit = std::min(within.width() / page.width(), within.height() / page.height());
+    return PageTransform(document, fit * scale) * QTransform::fromTranslate(corner.x() * scale, corner.y() * scale);
+}
+
 void PrintDrawing(const host::Document& document, const QString& folder, QPrinter* printer) {
+    printer->setFullPage(true);
     QPainter painter(printer);
-    const QRectF sheet = printer->pageLayout().paintRectPixels(printer->resolution());
-    // At true size where the sheet holds it: a drawing on paper is measured.
-    const double trueScale = printer->resolution() / kPointsPerInch;
-    const double scale = std::min({trueScale, sheet.width() / document.width(), sheet.height() / document.height()});
+    const QTransform toPaper = PrintTransform(document, printer->pageLayout(), printer->resolution());
     DocumentPainter(document, folder)
-        .paint(&painter, PageTransform(document, scale),
-               QRectF(0, 0, document.width() * scale, document.height() * scale), {});
+        .paint(&painter, toPaper, toPaper.mapRect(QRectF(0, 0, document.width(), document.height())), {});
 }
 
 }  // namespace quorvel::desktop

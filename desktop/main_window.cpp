@@ -180,7 +180,9 @@ void MainWindow::connectAll() {
         if (infoDock_ != nullptr) infoDock_->setVisible(shown);
     });
     connect(desk_, &Desk::progressed, this, &MainWindow::showProgress);
-    connect(canvas_, &Canvas::pictureProgressed, this, &MainWindow::showProgress);
+    connect(canvas_, &Canvas::pictureProgressed, this, [this](int current, int maximum) {
+        if (!desk_->host().busy()) showProgress(current, maximum);
+    });
     connect(&file_, &DrawingFile::drawingLeaves, this, &MainWindow::leaveDrawing);
     connect(&file_, &DrawingFile::drawingReplaced, this, &MainWindow::replaceDrawing);
     connect(&file_, &DrawingFile::saved, this, [this] { refreshTitle(); });

@@ -204,7 +204,10 @@ void MainWindow::exportAs(const char* ending) {
 void MainWindow::print() {
     if (desk_->document() == nullptr) return;
     QPrinter printer(QPrinter::HighResolution);
-    const bool across = desk_->document()->width() > desk_->document()->height();
+    const host::Document& drawing = *desk_->document();
+    const bool across = drawing.width() > drawing.height();
+    const QSizeF upright(std::min(drawing.width(), drawing.height()), std::max(drawing.width(), drawing.height()));
+    printer.setPageSize(QPageSize(upright, QPageSize::Point));
     printer.setPageOrientation(across ? QPageLayout::Landscape : QPageLayout::Portrait);
     QPrintDialog dialog(&printer, this);
     if (dialog.exec() == QDialog::Accepted) PrintDrawing(*desk_->document(), file_.folder(), &printer);

@@ -151,6 +151,33 @@ TEST_F(Painting, FilesSayWhyTheyAreNotWritten) {
     }
 }
 
+// Millimetres on paper are those of the drawing, though its frame may run into the printer's margins.
+TEST_F(Painting, PrintsAtTrueSizeWherePaperHoldsIt) {
+    constexpr int kDots = 300;
+    const QPageLayout paper(QPageSize(QPageSize::A4), QPageLayout::Landscape, {10, 10, 10, 10},
+                            QPageLayout::Millimeter);
+    const auto onPaper = [&](const char* size) {
+        const host::SvgReadResult read =
+            host::readSvg(std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" ") + size + "/>");
+        const QTransform toPaper = desktop::PrintTransform(*read.document, paper, kDots);
+        const QRectF dots = toPaper.mapRect(QRectF(0, 0, read.document->width(), read.document->height()));
+        const double millimetres = 25.4 / kDots;
+        return QRectF(dots.topLeft() * millimetres, dots.size() * millimetres);
+    };
+    const QRectF same = onPaper("width=\"297mm\" height=\"210mm\"");
+    EXPECT_NEAR(same.width(), 297, 0.01);
+    EXPECT_NEAR(same.left(), 0, 0.3);
+    EXPECT_NEAR(same.top(), 0, 0.3);
+    const QRectF small = onPaper("width=\"100mm\" height=\"50mm\"");
+    EXPECT_NEAR(small.width(), 100, 0.01);
+    EXPECT_NEAR(small.left(), 10, 0.3);
+    const QRectF larger = onPaper("width=\"420mm\" height=\"297mm\"");
+    EXPECT_NEAR(larger.height(), 190, 0.3);  // the margins leave 277 by 190
+    EXPECT_NEAR(larger.width() / larger.height(), 420.0 / 297, 0.001);
+    EXPECT_LE(larger.bottom(), 200.3);
+    EXPECT_LE(larger.right(), 287.3);
+}
+
 TEST_F(Painting, TheCommandExportsManyAndTellsWhatItCannot) {
     const QTemporaryDir folder;
     const auto run = [&](const std::string& words) {

@@ -2,6 +2,9 @@
 #include <QAction>
 #include <QMenuBar>
 #include <QPainter>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <algorithm>
 
 #include "host/svg.h"
 #include "platform/qt/panel_button.h"
@@ -237,6 +240,45 @@ TEST(Window, EscapeGivesUpWhatAToolHasBegun) {
     EXPECT_FALSE(rig.window->isWindowModified());
     rig.dimensionEdge();
     EXPECT_EQ(rig.newestText(), "71");
+    rig.document().markSaved();
+}
+
+// A dimension along many curves is built for a while: the window shows how far it is and paints, and its clock waits.
+TEST(Window, LongBuildShowsItsProgress) {
+    WindowRig rig;
+    constexpr int kSpans = 40;
+    const QString wave = rig.home.filePath("wave.svg");
+    QFile file(wave);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"600pt\" height=\"400pt\" viewBox=\"0 0 600 400\">"
+        "<path fill=\"none\" stroke=\"#000\" d=\"M100 200");
+    for (int i = 0; i < kSpans; ++i) file.write(i % 2 == 0 ? " c3 -4 7 -4 10 0" : " c3 4 7 4 10 0");
+    file.write("\"/></svg>");
+    file.close();
+    ASSERT_TRUE(rig.window->file().open(wave));
+    QApplication::processEvents();
+    auto* bar = rig.window->statusBar()->findChild<QProgressBar*>();
+    std::vector<int> seen;
+    bool hidden = false;
+    QObject::connect(rig.desk.get(), &desktop::Desk::progressed, [&](int current, int maximum) {
+        seen.push_back(current);
+        hidden = hidden || bar->isVisible() != (current < maximum);
+        rig.window->tick();  // a clock that strikes in the middle
+        EXPECT_TRUE(rig.desk->host().busy());
+    });
+    rig.window->tools()->choose("Curve Dimension Tool");
+    rig.drag(rig.pixel(100, 200), rig.pixel(500, 200));
+    rig.moveTo(rig.pixel(300, 240));
+    EXPECT_TRUE(seen.empty()) << "a preview shows none";
+    rig.click(rig.pixel(300, 240));
+    EXPECT_EQ(seen.size(), kSpans + 2U);
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+    EXPECT_EQ(seen.front(), 0);
+    EXPECT_EQ(seen.back(), 100);
+    EXPECT_FALSE(hidden);
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_EQ(rig.newestText(), "171");  // 40 curves of 12.0967 points, summed over 100,000 chords each
     rig.document().markSaved();
 }
 
