@@ -72,6 +72,15 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
+std::optional<double> readWholeNumber(std::string_view text) {
+    text = trimmed(text);
+    const char* at = text.data();
+    const char* end = at + text.size();
+    double value = 0;
+    if (!readNumber(&at, end, &value) || at != end) return std::nullopt;
+    return value;
+}
+
 void parseDeclarations(std::string_view block, std::vector<CssDeclaration>* declarations) {
     for (std::size_t at = 0; at < block.size();) {
         const std::size_t end = findOutside(block, at, ";");

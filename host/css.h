@@ -20,6 +20,8 @@ struct CssDeclaration {
 // Appends the declarations of a style attribute or of a rule's block.
 void parseDeclarations(std::string_view block, std::vector<CssDeclaration>* declarations);
 std::string_view trimmed(std::string_view text);
+// The number that is all of the text, but for blanks round it.
+std::optional<double> readWholeNumber(std::string_view text);
 
 class StyleSheet {
   public:

@@ -189,6 +189,11 @@ bool parseTransform(std::string_view text, Affine* map) {
     return true;
 }
 
+float finiteFloat(double value) {
+    const auto result = static_cast<float>(value);
+    return std::isfinite(result) ? result + 0.0F : 0.0F;
+}
+
 void appendNumber(std::string* out, double value) {
     if (!std::isfinite(value)) value = 0;
     value += 0.0;  // no "-0"

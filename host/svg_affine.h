@@ -39,6 +39,8 @@ Affine compose(const Affine& outer, const Affine& inner);
 // A number of SVG's grammar at *at, which moves behind it. False for anything else, also "nan", "inf" and numbers too
 // large for a double; numbers too small for one are 0.
 [[nodiscard]] bool readNumber(const char** at, const char* end, double* number);
+// 0 where a float cannot hold it.
+float finiteFloat(double value);
 // Skips blanks and at most one comma.
 void skipSeparator(const char** at, const char* end);
 

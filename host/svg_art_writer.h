@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "host/svg_markup.h"
+#include "host/svg_path_style.h"
 #include "host/svg_source.h"
-#include "host/svg_style.h"
 
 namespace quorvel::host {
 

@@ -8,8 +8,6 @@
 #include <cstring>
 #include <pugixml.hpp>
 
-#include "host/svg_content.h"
-#include "host/svg_names.h"
 #include "host/svg_source.h"
 
 namespace quorvel::host {
@@ -86,15 +84,6 @@ std::optional<Property> propertyOf(std::string_view name) {
     return row->property;
 }
 
-std::optional<double> readWhole(std::string_view text) {
-    text = trimmed(text);
-    const char* at = text.data();
-    const char* end = at + text.size();
-    double value = 0;
-    if (!readNumber(&at, end, &value) || at != end) return std::nullopt;
-    return value;
-}
-
 void readDashes(std::string_view value, const LengthContext& context, SvgStyle* style) {
     style->dashCount = 0;
     if (value == "none") return;
@@ -145,7 +134,7 @@ void readFontWeight(std::string_view value, const SvgStyle& parent, SvgStyle* st
         style->fontWeight = parent.fontWeight < 400 ? 400 : parent.fontWeight < 600 ? 700 : 900;
     } else if (value == "lighter") {
         style->fontWeight = parent.fontWeight < 600 ? 100 : parent.fontWeight < 800 ? 400 : 700;
-    } else if (const std::optional<double> weight = readWhole(value); weight && *weight >= 1 && *weight <= 1000) {
+    } else if (const std::optional<double> weight = readWholeNumber(value); weight && *weight >= 1 && *weight <= 1000) {
         style->fontWeight = static_cast<int>(*weight);
     }
 }
@@ -197,18 +186,7 @@ std::optional<std::uint8_t> indexOf(std::string_view value, std::array<std::stri
     return static_cast<std::uint8_t>(found - words.begin());
 }
 
-constexpr std::array<std::string_view, 3> kCaps = {"butt", "round", "square"};
-constexpr std::array<std::string_view, 3> kJoins = {"miter", "round", "bevel"};
-
 }  // namespace
-
-SvgPaint parsePaint(std::string_view value) {
-    value = trimmed(value);
-    if (value == "none" || value == "transparent") return {};
-    if (value == "currentColor" || value == "currentcolor") return {SvgPaint::kCurrentColor, {}, {}};
-    if (const std::optional<CssColor> color = parseColor(value)) return {SvgPaint::kColor, *color, {}};
-    return {SvgPaint::kReference, {}, value};
-}
 
 void StyleResolver::apply(std::string_view name, std::string_view value, const SvgStyle& parent, SvgStyle* style) {
     const std::optional<Property> property = propertyOf(name);
@@ -231,13 +209,13 @@ void StyleResolver::apply(std::string_view name, std::string_view value, const S
             break;
         case Property::kMiterLimit:
             // Below 1 is no CSS, but the host's own paths may have it.
-            if (const auto limit = readWhole(value); limit && *limit >= 0) style->miterLimit = *limit;
+            if (const auto limit = readWholeNumber(value); limit && *limit >= 0) style->miterLimit = *limit;
             break;
         case Property::kLineCap:
-            style->cap = inherit ? parent.cap : indexOf(value, kCaps).value_or(style->cap);
+            style->cap = inherit ? parent.cap : indexOf(value, kCapWords).value_or(style->cap);
             break;
         case Property::kLineJoin:
-            style->join = inherit ? parent.join : indexOf(value, kJoins).value_or(style->join);
+            style->join = inherit ? parent.join : indexOf(value, kJoinWords).value_or(style->join);
             break;
         case Property::kDashArray:
             if (!inherit) readDashes(value, widths, style);
@@ -357,258 +335,6 @@ bool StyleResolver::compute(const pugi::xml_node& element, const SvgStyle& paren
         last_ = *style;
     }
     return true;
-}
-
-// Gray where the three channels agree: the drafting tools paint in gray, and it is the same colour.
-AIColor colorOf(const CssColor& color) {
-    AIColor result;
-    if (color.r == color.g && color.g == color.b) {
-        result.kind = kGrayPaint;
-        result.gray = static_cast<float>(1 - color.r);
-    } else {
-        result.kind = kRgbPaint;
-        result.rgb[0] = static_cast<float>(color.r);
-        result.rgb[1] = static_cast<float>(color.g);
-        result.rgb[2] = static_cast<float>(color.b);
-    }
-    return result;
-}
-
-AIColor colorOf(const SvgPaint& paint, const CssColor& currentColor, const Affine& toDocument, PaintLookup* lookup) {
-    switch (paint.kind) {
-        case SvgPaint::kColor:
-            return colorOf(paint.color);
-        case SvgPaint::kCurrentColor:
-            return colorOf(currentColor);
-        case SvgPaint::kReference:
-            return lookup->paintOf(paint.reference, toDocument);
-        case SvgPaint::kNone:
-            break;
-    }
-    AIColor none;
-    none.gray = 1;
-    return none;
-}
-
-namespace {
-
-float finiteFloat(double value) {
-    const auto result = static_cast<float>(value);
-    return std::isfinite(result) ? result + 0.0F : 0.0F;
-}
-
-}  // namespace
-
-AIPathStyle pathStyleOf(const SvgStyle& style, const Affine& toDocument, PaintLookup* lookup) {
-    const double scale = toDocument.scale();
-    AIPathStyle result;
-    result.fillPaint = style.fill.kind != SvgPaint::kNone;
-    result.strokePaint = style.stroke.kind != SvgPaint::kNone;
-    result.fill = colorOf(style.fill, style.color, toDocument, lookup);
-    result.stroke = colorOf(style.stroke, style.color, toDocument, lookup);
-    result.strokeWidth = finiteFloat(style.strokeWidth * scale);
-    result.miterLimit = finiteFloat(style.miterLimit);
-    result.cap = style.cap;
-    result.join = style.join;
-    result.dashOffset = finiteFloat(style.dashOffset * scale);
-    result.dashCount = style.dashCount;
-    for (int i = 0; i < style.dashCount; ++i) result.dashes[i] = finiteFloat(style.dashes[i] * scale);
-    return result;
-}
-
-std::int32_t StyleTable::add(const AIPathStyle& style) {
-    Fingerprint print;
-    print.add(style);
-    const auto [row, added] = byFingerprint_.try_emplace(print.value(), static_cast<std::int32_t>(styles_->size()));
-    if (added) styles_->push_back(std::make_shared<const AIPathStyle>(style));
-    return row->second;
-}
-
-// --- writing -------------------------------------------------------------------------------------------------------
-
-namespace {
-
-// The byte that stands for exactly this channel, or -1.
-int byteOf(double channel, float exact, bool gray) {
-    const int byte = static_cast<int>(std::lround(std::clamp(channel, 0.0, 1.0) * 255));
-    const double back = byte / 255.0;
-    return static_cast<float>(gray ? 1 - back : back) == exact ? byte : -1;
-}
-
-void appendPercent(std::string* out, double channel, float exact, bool gray) {
-    const double percent = fewestDecimals(channel * 100, [&](double q) {
-        const double back = std::clamp(q / 100, 0.0, 1.0);
-        return static_cast<float>(gray ? 1 - back : back) == exact;
-    });
-    appendNumber(out, percent);
-    *out += '%';
-}
-
-}  // namespace
-
-std::string cssPaint(bool on, const AIColor& color, const PaintSources& sources) {
-    if (!on) return "none";
-    if (color.kind == kGradientPaint || color.kind == kOtherPaint) {
-        const auto number = static_cast<std::size_t>(color.reference);
-        if (color.reference > 0 && number <= sources.size()) return sources[number - 1];
-        return "#000000";
-    }
-    const bool gray = color.kind == kGrayPaint;
-    const float exact[3] = {gray ? color.gray : color.rgb[0], gray ? color.gray : color.rgb[1],
-                            gray ? color.gray : color.rgb[2]};
-    std::string hex = "#";
-    std::string percent = "rgb(";
-    bool hexWorks = true;
-    for (int i = 0; i < 3; ++i) {
-        const double channel = gray ? 1.0 - exact[i] : exact[i];
-        const int byte = byteOf(channel, exact[i], gray);
-        hexWorks &= byte >= 0;
-        if (byte >= 0) {
-            hex += "0123456789abcdef"[byte >> 4];
-            hex += "0123456789abcdef"[byte & 15];
-        }
-        if (i > 0) percent += ',';
-        appendPercent(&percent, channel, exact[i], gray);
-    }
-    return hexWorks ? hex : percent + ")";
-}
-
-std::string colorSpec(const AIColor& color) {
-    std::string spec;
-    const auto add = [&](float value) {
-        spec += ':';
-        appendNumber(&spec, localLength(1, value));
-    };
-    switch (color.kind) {
-        case kRgbPaint:
-            spec = "rgb";
-            for (float channel : color.rgb) add(channel);
-            break;
-        case kGradientPaint:
-            spec = "gradient";
-            add(color.gradientAngle);
-            add(color.gradientHiliteAngle);
-            break;
-        case kOtherPaint:
-            spec = "other";
-            break;
-        default:
-            spec = "gray";
-            add(color.gray);
-    }
-    return spec;
-}
-
-std::optional<AIColor> parseColorSpec(std::string_view spec) {
-    std::vector<std::string_view> parts;
-    for (std::size_t at = 0; at <= spec.size();) {
-        const std::size_t end = std::min(spec.find(':', at), spec.size());
-        parts.push_back(spec.substr(at, end - at));
-        at = end + 1;
-    }
-    std::vector<float> values;
-    for (std::size_t i = 1; i < parts.size(); ++i) {
-        const std::optional<double> value = readWhole(parts[i]);
-        if (!value) return std::nullopt;
-        values.push_back(finiteFloat(*value));
-    }
-    AIColor color;
-    if (parts[0] == "gray" && values.size() == 1) {
-        color.gray = values[0];
-    } else if (parts[0] == "rgb" && values.size() == 3) {
-        color.kind = kRgbPaint;
-        std::ranges::copy(values, color.rgb);
-    } else if (parts[0] == "gradient" && values.size() == 2) {
-        color.kind = kGradientPaint;
-        color.gradientAngle = values[0];
-        color.gradientHiliteAngle = values[1];
-    } else if (parts[0] == "other" && values.empty()) {
-        color.kind = kOtherPaint;
-    } else {
-        return std::nullopt;
-    }
-    return color;
-}
-
-std::string exactPaint(const AIColor& color, const PaintSources& sources) {
-    const std::string css = cssPaint(true, color, sources);
-    const SvgPaint paint = parsePaint(css);
-    if (paint.kind == SvgPaint::kColor && paintsAlike(colorOf(paint.color), color)) return "";
-    return encodeBytes(css) + " = " + colorSpec(color);
-}
-
-AIColor withExactPaint(const AIColor& plain, const SvgPaint& paint, std::string_view attribute) {
-    const std::size_t parting = attribute.rfind(" = ");
-    if (parting == std::string_view::npos) return plain;
-    const std::string css = decodeBytes(attribute.substr(0, parting));
-    if (!(parsePaint(css) == paint)) return plain;
-    std::optional<AIColor> exact = parseColorSpec(attribute.substr(parting + 3));
-    if (!exact) return plain;
-    const bool needsReference = exact->kind == kGradientPaint || exact->kind == kOtherPaint;
-    if (needsReference != (paint.kind == SvgPaint::kReference)) return plain;
-    exact->reference = plain.reference;
-    return *exact;
-}
-
-std::vector<StyleProperty> styleProperties(const AIPathStyle& style, const AIPathStyle* inForce, double scale,
-                                           const PaintSources& sources) {
-    std::vector<StyleProperty> properties;
-    const auto number = [](double value) {
-        std::string text;
-        appendNumber(&text, value);
-        return text;
-    };
-    const auto length = [&](float value) { return number(localLength(scale, value)); };
-    const std::string fill = cssPaint(style.fillPaint != 0, style.fill, sources);
-    const std::string stroke = cssPaint(style.strokePaint != 0, style.stroke, sources);
-    if (!inForce || fill != cssPaint(inForce->fillPaint != 0, inForce->fill, sources))
-        properties.push_back({"fill", fill});
-    if (!inForce || stroke != cssPaint(inForce->strokePaint != 0, inForce->stroke, sources))
-        properties.push_back({"stroke", stroke});
-    if (!inForce || style.strokeWidth != inForce->strokeWidth)
-        properties.push_back({"stroke-width", length(style.strokeWidth)});
-    if (!inForce || style.miterLimit != inForce->miterLimit)
-        properties.push_back({"stroke-miterlimit", number(localLength(1, style.miterLimit))});
-    if ((!inForce || style.cap != inForce->cap) && style.cap >= 0 && style.cap < 3)
-        properties.push_back({"stroke-linecap", std::string(kCaps[static_cast<std::size_t>(style.cap)])});
-    if ((!inForce || style.join != inForce->join) && style.join >= 0 && style.join < 3)
-        properties.push_back({"stroke-linejoin", std::string(kJoins[static_cast<std::size_t>(style.join)])});
-    const int dashCount = std::clamp(style.dashCount, 0, 6);
-    const bool sameDashes = inForce && inForce->dashCount == style.dashCount &&
-                            std::equal(style.dashes, style.dashes + dashCount, inForce->dashes);
-    if (!sameDashes) {
-        std::string dashes;
-        for (int i = 0; i < dashCount; ++i) {
-            if (i > 0) dashes += ',';
-            dashes += length(style.dashes[i]);
-        }
-        properties.push_back({"stroke-dasharray", dashes.empty() ? "none" : dashes});
-    }
-    if (!inForce || style.dashOffset != inForce->dashOffset)
-        properties.push_back({"stroke-dashoffset", length(style.dashOffset)});
-    return properties;
-}
-
-std::vector<StyleProperty> resetProperties(std::uint8_t oddities) {
-    std::vector<StyleProperty> properties;
-    if (oddities & kFillOpacity) properties.push_back({"fill-opacity", "1"});
-    if (oddities & kStrokeOpacity) properties.push_back({"stroke-opacity", "1"});
-    if (oddities & kMarkers) properties.push_back({"marker", "none"});
-    if (oddities & kLetterSpacing) {
-        properties.push_back({"letter-spacing", "normal"});
-        properties.push_back({"word-spacing", "normal"});
-    }
-    if (oddities & kInvisible) properties.push_back({"visibility", "visible"});
-    return properties;
-}
-
-std::string joinProperties(const std::vector<StyleProperty>& properties) {
-    std::string text;
-    for (const StyleProperty& property : properties) {
-        if (!text.empty()) text += ';';
-        text += std::string(property.name) + ":" + property.value;
-    }
-    return text;
 }
 
 }  // namespace quorvel::host

@@ -1,33 +1,23 @@
-// How an element is painted and set: the cascade of attributes, style sheets and style="", inheritance, and both ways
-// between SVG's properties and the host's path style.
+// How an element is painted and set: the cascade of attributes, style sheets and style="", and inheritance.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <unordered_map>
 #include <vector>
 
 #include "host/css.h"
 #include "host/document.h"
-#include "host/svg_affine.h"
+#include "host/svg_colors.h"
 
 namespace pugi {
 class xml_node;
 }
 
 namespace quorvel::host {
-
-struct SvgPaint {
-    enum Kind : std::uint8_t { kNone, kColor, kCurrentColor, kReference } kind = kNone;
-    CssColor color;
-    std::string_view reference;  // "url(#id)" with its fallback, or another paint that is kept as it is
-    bool operator==(const SvgPaint&) const = default;
-};
-SvgPaint parsePaint(std::string_view value);
 
 // Computed for one element, in its user space. Texts are views into the file's text or its style sheets.
 struct SvgStyle {
@@ -49,12 +39,9 @@ struct SvgStyle {
     std::uint64_t serial = 0;  // equal only for equal styles; 0 for one that was not computed
 };
 
-// Turns url() paints into colours of the document.
-class PaintLookup {
-  public:
-    virtual ~PaintLookup() = default;
-    virtual AIColor paintOf(std::string_view reference, const Affine& toDocument) = 0;
-};
+// The words of stroke-linecap and stroke-linejoin in the order of the host's numbers.
+inline constexpr std::array<std::string_view, 3> kCapWords = {"butt", "round", "square"};
+inline constexpr std::array<std::string_view, 3> kJoinWords = {"miter", "round", "bevel"};
 
 class StyleResolver {
   public:
@@ -74,47 +61,5 @@ class StyleResolver {
     std::string lastInline_;
     SvgStyle last_;
 };
-
-AIColor colorOf(const CssColor& color);
-// The paint on its own: AIColor() with gray 1 when it is none.
-AIColor colorOf(const SvgPaint& paint, const CssColor& currentColor, const Affine& toDocument, PaintLookup* lookup);
-AIPathStyle pathStyleOf(const SvgStyle& style, const Affine& toDocument, PaintLookup* lookup);
-
-// Gives equal styles one object and one number.
-class StyleTable {
-  public:
-    explicit StyleTable(std::vector<StylePtr>* styles) : styles_(styles) {}
-    std::int32_t add(const AIPathStyle& style);
-
-  private:
-    std::vector<StylePtr>* styles_;
-    std::unordered_map<std::uint64_t, std::int32_t> byFingerprint_;
-};
-
-// --- writing -------------------------------------------------------------------------------------------------------
-
-using PaintSources = std::vector<std::string>;
-
-// "none", "#rrggbb" where that is exact, rgb() with percentages else, or the text of a reference.
-std::string cssPaint(bool on, const AIColor& color, const PaintSources& sources);
-// What CSS cannot say of a paint: for an attribute of our own, with the CSS value that it stands for. Empty when
-// nothing is lost.
-std::string exactPaint(const AIColor& color, const PaintSources& sources);
-// The colour itself when the attribute stands for another CSS value than the one in force.
-AIColor withExactPaint(const AIColor& plain, const SvgPaint& paint, std::string_view attribute);
-std::string colorSpec(const AIColor& color);
-std::optional<AIColor> parseColorSpec(std::string_view spec);
-
-struct StyleProperty {
-    std::string_view name;
-    std::string value;
-};
-// Properties in which the style differs from what is in force; all when there is nothing to compare with. The scale
-// is user units to points.
-std::vector<StyleProperty> styleProperties(const AIPathStyle& style, const AIPathStyle* inForce, double scale,
-                                           const PaintSources& sources);
-// Properties that undo what a container would do to new art.
-std::vector<StyleProperty> resetProperties(std::uint8_t oddities);
-std::string joinProperties(const std::vector<StyleProperty>& properties);
 
 }  // namespace quorvel::host

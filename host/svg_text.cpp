@@ -92,11 +92,6 @@ std::string toUtf8(std::u16string_view text) {
     return out;
 }
 
-float finiteFloat(double value) {
-    const auto result = static_cast<float>(value);
-    return std::isfinite(result) ? result + 0.0F : 0.0F;
-}
-
 class Collector {
   public:
     Collector(const Affine& toDocument, StyleResolver* resolver, PaintLookup* paints, SvgText* result)

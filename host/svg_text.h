@@ -8,8 +8,8 @@
 
 #include "host/document.h"
 #include "host/svg_names.h"
+#include "host/svg_path_style.h"
 #include "host/svg_source.h"
-#include "host/svg_style.h"
 
 namespace pugi {
 class xml_node;

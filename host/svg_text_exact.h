@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "host/document.h"
-#include "host/svg_style.h"
+#include "host/svg_colors.h"
 
 namespace quorvel::host {
 

@@ -11,8 +11,8 @@
 
 #include "host/document.h"
 #include "host/path_data.h"
+#include "host/svg_path_style.h"
 #include "host/svg_source.h"
-#include "host/svg_style.h"
 
 namespace quorvel::host {
 
