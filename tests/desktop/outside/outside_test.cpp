@@ -39,7 +39,9 @@ class Outside : public ::testing::TestWithParam<Case> {
         screen_.start(
             QStringLiteral("Xvfb"),
             {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-             QStringLiteral("1400x950x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+             QStringLiteral("1400x950x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+             // It would start afresh whenever the last client leaves, and refuse the program meanwhile.
+             QStringLiteral("-noreset")});
         ASSERT_TRUE(screen_.waitForStarted());
         QByteArray number;
         while (!number.contains('\n') && screen_.waitForReadyRead(kPatience)) number += screen_.readAllStandardOutput();
@@ -54,6 +56,8 @@ class Outside : public ::testing::TestWithParam<Case> {
     void TearDown() override {
         for (QProcess* process : {&program_, &screen_}) {
             if (process->state() == QProcess::NotRunning) continue;
+            process->terminate();  // so that the screen's number is free again
+            if (process->waitForFinished(5000)) continue;
             process->kill();
             process->waitForFinished(5000);
         }
@@ -104,8 +108,27 @@ class Outside : public ::testing::TestWithParam<Case> {
             },
             kPatience);
     }
-    // Until two pictures of the screen, a moment apart, would be the same: the program sleeps in its event loop.
-    void settle() const { QTest::qWait(150); }
+    // State of the process and the processor time that it has had: fields 3, 14 and 15 of proc(5)'s stat.
+    static QByteArrayList pulse(const QProcess& process) {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(process.processId()));
+        if (!stat.open(QIODevice::ReadOnly)) return {};
+        const QByteArray line = stat.readAll();
+        const QByteArrayList fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
+        return {fields.value(0), fields.value(11), fields.value(12)};
+    }
+    // Until screen and program have slept in their event loops for a while, or are gone.
+    void settle() const {
+        constexpr int kPause = 20, kQuietPauses = 3;
+        QByteArrayList before;
+        int quiet = 0;
+        for (int waited = 0; waited < kPatience && quiet < kQuietPauses; waited += kPause) {
+            QTest::qWait(kPause);
+            const QByteArrayList now = pulse(screen_) + pulse(program_);
+            const bool asleep = now.count("S") == 2 || now.contains("Z") || now.size() < 6;
+            quiet = asleep && now == before ? quiet + 1 : 0;
+            before = now;
+        }
+    }
 
     void moveTo(QPoint at) const {
         tool({"mousemove", QString::number(at.x()), QString::number(at.y())});
