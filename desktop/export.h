@@ -21,8 +21,8 @@ struct ExportTarget {
 // folder: where linked pictures lie. False with the cause; then nothing is left under the target's name that was not
 // there before.
 bool ExportDrawing(const host::Document& document, const QString& folder, const ExportTarget& target, QString* error);
-// From the document to a printer's dots on the whole sheet: at true size where the paper holds the page, else as large as
-// fits between the margins.
+// From the document to a printer's dots on the whole sheet: at true size where the paper holds the page, else as large
+// as fits between the margins.
 QTransform PrintTransform(const host::Document& document, const QPageLayout& paper, int dotsPerInch);
 void PrintDrawing(const host::Document& document, const QString& folder, QPrinter* printer);
 
