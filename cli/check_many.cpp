@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "cli/borrowed_profile.h"
 #include "cli/commands.h"
 #include "cli/recalculation.h"
 #include "cli/script.h"
@@ -14,7 +15,8 @@ namespace {
 
 WorkerVerdict checkOne(const std::string& file, const SessionOptions& options, bool json) {
     try {
-        Session session(options);
+        const BorrowedProfile profile(options);
+        Session session(profile.options());
         session.openDrawing(file);
         session.start();
         const std::vector<DimensionCheck> checks = checkDimensions(session);

@@ -4,8 +4,10 @@
 #include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>
+#include <set>
 #include <sstream>
 
+#include "cli/borrowed_profile.h"
 #include "cli/check_many.h"
 #include "cli/dump.h"
 #include "cli/export_command.h"
@@ -91,7 +93,8 @@ int snapAt(Options options) {
     } catch (const std::invalid_argument& cause) {
         throw InputError("--at " + options.at + ": " + cause.what());
     }
-    Session session(options.session);
+    const BorrowedProfile profile(options.session);
+    Session session(profile.options());
     session.openDrawing(options.file);
     session.start();
     const Json report = snapJson(session, options.snap);
@@ -103,16 +106,18 @@ int snapAt(Options options) {
 }
 
 int recalculateFile(const Options& options) {
-    Session session(options.session);
+    const BorrowedProfile profile(options.session);
+    Session session(profile.options());
     session.openDrawing(options.file);
     session.start();
-    std::vector<std::string> stale;
+    std::set<std::string> asked(options.ids.begin(), options.ids.end());
+    std::vector<host::ArtId> chosen;
     for (const DimensionCheck& check : checkDimensions(session)) {
-        const bool asked =
-            options.ids.empty() || std::find(options.ids.begin(), options.ids.end(), check.svgId) != options.ids.end();
-        if (asked && (check.stale() || options.all)) stale.push_back(check.svgId);
+        const bool named = asked.erase(check.svgId) > 0;
+        if ((named || options.ids.empty()) && (check.stale() || options.all)) chosen.push_back(check.group);
     }
-    const int rebuilt = rebuildDimensions(session, stale, false);
+    if (!asked.empty()) throw InputError(options.file + ": no dimension has the id " + *asked.begin());
+    const int rebuilt = rebuildDimensions(session, chosen);
     session.saveDrawing(options.output);
     std::cout << options.output << ": " << rebuilt << " rebuilt\n";
     return kExitOk;

@@ -1,26 +1,23 @@
 // Reads the command's options, fills the title block through the Schedule dialog and drags the Schedule tool.
 #include "cli/frame_command.h"
 
-#include <stdlib.h>
 #include <CLI/CLI.hpp>
 #include <array>
-#include <filesystem>
 #include <iostream>
 #include <set>
 
+#include "cli/borrowed_profile.h"
 #include "cli/commands.h"
 #include "cli/output_paths.h"
 #include "cli/progress_line.h"
 #include "cli/script.h"
 #include "platform/file.h"
-#include "platform/headless/folders.h"
 #include "platform/text.h"
 
 namespace quorvel::cli {
 
 namespace {
 
-namespace fs = std::filesystem;
 using platform::DialogStep;
 
 // The Schedule tools and their dialog, in the two languages that the plug-in speaks.
@@ -33,34 +30,6 @@ constexpr ScheduleWords kWords[] = {{"Schedule Tool [bottom]", "Schedule Tool [t
 constexpr std::int32_t kPresetList = 106, kOkControl = 1;
 // Without a preset the list is "Untitled", then seven rows of commands, "Import" the last.
 constexpr std::int32_t kImportRow = 7;
-
-// A profile for one run with the settings of another: what the run imports does not end up in the user's own settings,
-// and no preset stands in the way of the list's command rows.
-class BorrowedProfile {
-  public:
-    explicit BorrowedProfile(const std::string& lender) {
-        std::string pattern = (fs::temp_directory_path() / "quorvel-frame-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) throw InputError(pattern + ": cannot be created");
-        path_ = pattern;
-        const fs::path from = settingsFileBelow(lender.empty() ? platform::UserDocumentsFolder() : lender);
-        const fs::path to = settingsFileBelow(path_.string());
-        std::error_code error;
-        if (!fs::is_regular_file(from, error)) return;  // a first run has none
-        fs::create_directories(to.parent_path(), error);
-        if (!fs::copy_file(from, to, error)) throw InputError(from.string() + ": " + error.message());
-    }
-    ~BorrowedProfile() {
-        std::error_code error;
-        fs::remove_all(path_, error);
-    }
-    BorrowedProfile(const BorrowedProfile&) = delete;
-    BorrowedProfile& operator=(const BorrowedProfile&) = delete;
-
-    std::string path() const { return path_.string(); }
-
-  private:
-    fs::path path_;
-};
 
 struct Corners {
     RealPoint lower, upper;
@@ -155,10 +124,8 @@ int drawFrames(const FrameOptions& options, const SessionOptions& sessionOptions
     const Corners corners = parseCorners(options.at);
     const std::vector<std::string> outputs =
         outputPaths({"frame", options.files, options.output, options.outputFolder, ""});
-    const BorrowedProfile profile(sessionOptions.profile);
-    SessionOptions borrowed = sessionOptions;
-    borrowed.profile = profile.path();
-    Session session(borrowed);
+    const BorrowedProfile profile(sessionOptions);
+    Session session(profile.options());
     session.start();
     const ScheduleWords& words = wordsOf(session);
     importParts(session, words, options.parts);

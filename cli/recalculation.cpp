@@ -40,6 +40,45 @@ std::vector<Portrait> portraits(const host::Document& document) {
     return all;
 }
 
+// The plug-in passes over layers that are hidden or locked; while this lives there are none.
+class OpenLayers {
+  public:
+    explicit OpenLayers(Session& session) : session_(session) {
+        for (const host::LayerId id : session.document()->layers()) {
+            const host::Layer* layer = session.document()->layer(id);
+            if (!layer->visible || !layer->editable) closed_.push_back({id, layer->visible, layer->editable});
+        }
+        put([](const Closed&) { return std::pair(true, true); });
+    }
+    ~OpenLayers() {
+        put([](const Closed& was) { return std::pair(was.visible, was.editable); });
+    }
+    OpenLayers(const OpenLayers&) = delete;
+    OpenLayers& operator=(const OpenLayers&) = delete;
+
+  private:
+    struct Closed {
+        host::LayerId layer;
+        bool visible, editable;
+    };
+
+    template <typename State>
+    void put(State state) {
+        if (closed_.empty()) return;
+        session_.host().edit("Layers", [&](host::Document& document) {
+            for (const Closed& closed : closed_) {
+                const auto [visible, editable] = state(closed);
+                document.setLayerVisible(closed.layer, visible);
+                document.setLayerEditable(closed.layer, editable);
+            }
+            return true;
+        });
+    }
+
+    Session& session_;
+    std::vector<Closed> closed_;
+};
+
 void runAction(Session& session) {
     session.user().queueAnswer(true);
     session.host().playAction(kRecalculateAction);
@@ -84,6 +123,7 @@ int lostLinks(const RecordedDimension& dimension) {
 
 DimensionCheck compare(const Portrait& before, const Portrait* after) {
     DimensionCheck check;
+    check.group = before.record.group;
     check.svgId = before.record.svgId;
     check.kind = before.record.kind;
     check.shownText = joinedTexts(before.record);
@@ -101,6 +141,7 @@ std::vector<DimensionCheck> checkDimensions(Session& session) {
     const std::vector<Portrait> before = portraits(document);
     std::vector<DimensionCheck> checks;
     if (before.empty()) return checks;
+    const OpenLayers open(session);
     const std::uint64_t countBefore = document.changeCount();
     runAction(session);
     const std::map<host::ArtId, host::ArtId> pairs = pairRebuilt(document, before);
@@ -114,20 +155,16 @@ std::vector<DimensionCheck> checkDimensions(Session& session) {
     return checks;
 }
 
-int rebuildDimensions(Session& session, const std::vector<std::string>& svgIds, bool everyOne) {
-    host::Document& document = *session.document();
-    const std::vector<Portrait> before = portraits(document);
-    std::vector<host::ArtId> chosen;
-    for (const Portrait& portrait : before)
-        if (everyOne || std::find(svgIds.begin(), svgIds.end(), portrait.record.svgId) != svgIds.end())
-            chosen.push_back(portrait.record.group);
-    if (chosen.empty()) return 0;
+int rebuildDimensions(Session& session, const std::vector<host::ArtId>& groups) {
+    if (groups.empty()) return 0;
+    const std::vector<Portrait> before = portraits(*session.document());
+    const OpenLayers open(session);
     session.host().edit("Select", [&](host::Document& changed) {
-        for (const host::ArtId group : chosen) changed.setSelected(group, true);
+        for (const host::ArtId group : groups) changed.setSelected(group, true);
         return true;
     });
     runAction(session);
-    const std::map<host::ArtId, host::ArtId> pairs = pairRebuilt(document, before);
+    const std::map<host::ArtId, host::ArtId> pairs = pairRebuilt(*session.document(), before);
     session.host().edit("Rename", [&](host::Document& changed) {
         for (const Portrait& portrait : before) {
             const auto pair = pairs.find(portrait.record.group);
@@ -156,8 +193,8 @@ std::string checkText(const std::string& file, const std::vector<DimensionCheck>
     std::string out;
     for (const DimensionCheck& check : checks) {
         if (!check.stale()) continue;
-        out += file + ": " + check.svgId + " " + check.kind + " \"" + check.shownText + "\" -> \"" + check.rebuiltText +
-               "\"";
+        out += file + ": " + (check.svgId.empty() ? "(no id)" : check.svgId) + " " + check.kind + " \"" +
+               check.shownText + "\" -> \"" + check.rebuiltText + "\"";
         if (check.moved > kMovedLimit) out += ", moved";
         if (check.lostLinks > 0) out += ", " + std::to_string(check.lostLinks) + " links lost";
         out += '\n';

@@ -13,6 +13,7 @@ namespace quorvel::cli {
 constexpr double kMovedLimit = 0.01;  // points: a rebuild that moves less says the same
 
 struct DimensionCheck {
+    host::ArtId group = 0;
     std::string svgId, kind;
     std::string shownText, rebuiltText;
     double moved = 0;     // how far a rebuild would move the farthest of its points
@@ -22,10 +23,11 @@ struct DimensionCheck {
     bool stale() const { return shownText != rebuiltText || moved > kMovedLimit || lostLinks > 0; }
 };
 
-// A dry run on the session's drawing, which is as before when it returns.
+// A dry run on the session's drawing, which is as before when it returns. Art on hidden and locked layers counts as all
+// other: what is locked against the mouse is measured all the same.
 std::vector<DimensionCheck> checkDimensions(Session& session);
-// Rebuilds the dimensions with these SVG ids (all of them when everyOne); they keep their ids. Gives how many.
-int rebuildDimensions(Session& session, const std::vector<std::string>& svgIds, bool everyOne);
+// Rebuilds these dimensions, on hidden and locked layers too; they keep their SVG ids. Gives how many.
+int rebuildDimensions(Session& session, const std::vector<host::ArtId>& groups);
 
 Json checkJson(const std::string& file, const std::vector<DimensionCheck>& checks);
 // A line for each stale dimension.

@@ -1,16 +1,12 @@
 // A drawing with dimensions goes through another editor and comes back: the check names exactly the dimensions whose
 // art was changed there, one recalculation makes them true, and a second one finds nothing to do. The editor is
 // Inkscape, driven from its command line; where it is not installed the tests are skipped.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <sstream>
 
+#include "tests/support/program_run.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
@@ -102,13 +98,11 @@ std::string partsOf(const std::string& svg) {
     return from == std::string::npos || to == std::string::npos ? std::string() : svg.substr(from, to - from);
 }
 
-class OtherEditor : public testing::Test {
+class OtherEditor : public ProgramRun {
   protected:
     void SetUp() override {
         if (!editorIsInstalled()) GTEST_SKIP() << "inkscape is not installed";
-        folder_ = fs::path(testing::TempDir()) / ("quorvel_other_editor_" + std::to_string(getpid()));
-        fs::create_directories(folder_);
-        std::ofstream(path("plain.svg"), std::ios::binary) << kDrawing;
+        write("plain.svg", kDrawing);
         const ScriptRun run(
             "set language ENGLISH\nset flArFName \"DejaVu Sans\"\nset flArUnit 5\nset flScFix 2\n"
             "open \"" +
@@ -116,21 +110,7 @@ class OtherEditor : public testing::Test {
         ASSERT_EQ(run.fault(), "");
         ASSERT_EQ(shown("drawn.svg"), kTrueTexts);
     }
-    void TearDown() override {
-        if (!folder_.empty()) fs::remove_all(folder_);
-    }
-
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
-
-    int runCommand(const std::string& command) {
-        const int status = std::system(("cd '" + folder_.string() + "' && " + command + " >out.txt 2>err.txt").c_str());
-        out_ = readBytes(path("out.txt"));
-        err_ = readBytes(path("err.txt"));
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    int runProgram(const std::string& arguments) {
-        return runCommand("timeout 60 '" QUORVEL_PROGRAM_FILE "' " + arguments + " --profile profile --language en");
-    }
+    int runProgram(const std::string& arguments) { return ProgramRun::runProgram(arguments + " --language en"); }
 
     // Opens drawn.svg in the editor, does this there, and saves it as edited.svg. Its settings are its first ones, in
     // which a stroke grows with its path.
@@ -155,9 +135,6 @@ class OtherEditor : public testing::Test {
         EXPECT_EQ(runProgram("check " + file), 0);
         EXPECT_EQ(out_, "") << file;
     }
-
-    fs::path folder_;
-    std::string out_, err_;
 };
 
 TEST_F(OtherEditor, LeavesDimensionsTrueWhoseArtItDoesNotChange) {

@@ -1,19 +1,12 @@
 // What the program says to input that it cannot use: one clear line on standard error, exit 2, and nothing written.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
+#include "tests/support/program_run.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr char kHead[] = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100pt\" height=\"100pt\">";
 
@@ -36,28 +29,8 @@ std::string entityBomb() {
     return text + "]>" + kHead + "<text>&a11;</text></svg>";
 }
 
-class BadInput : public testing::Test {
+class BadInput : public ProgramRun {
   protected:
-    BadInput() : folder_(fs::path(testing::TempDir()) / ("quorvel_bad_" + std::to_string(getpid()))) {
-        fs::create_directories(folder_);
-    }
-    ~BadInput() override { fs::remove_all(folder_); }
-
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
-    void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(path(name), std::ios::binary) << bytes;
-    }
-
-    // The program's exit code; what it printed is in out_ and err_.
-    int runProgram(const std::string& arguments) {
-        const std::string command = "cd '" + folder_.string() + "' && timeout 60 '" QUORVEL_PROGRAM_FILE "' " +
-                                    arguments + " --profile profile >out.txt 2>err.txt";
-        const int status = std::system(command.c_str());
-        out_ = readBytes(path("out.txt"));
-        err_ = readBytes(path("err.txt"));
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
     void expectRefused(const std::string& arguments, const std::string& named) {
         SCOPED_TRACE(arguments);
         EXPECT_EQ(runProgram(arguments), 2);
@@ -65,11 +38,8 @@ class BadInput : public testing::Test {
         EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 1) << err_;
         EXPECT_NE(err_.find(named), std::string::npos) << err_;
         EXPECT_LT(err_.size(), 300U) << err_;
-        EXPECT_FALSE(fs::exists(path("saved.svg")));
+        EXPECT_FALSE(std::filesystem::exists(path("saved.svg")));
     }
-
-    fs::path folder_;
-    std::string out_, err_;
 };
 
 TEST_F(BadInput, EndsInOneLineThatNamesTheFile) {

@@ -1,0 +1,27 @@
+// The real program run from its command line in a folder of its own, with what it printed and left behind.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace quorvel::tests {
+
+class ProgramRun : public testing::Test {
+  protected:
+    ProgramRun();
+    ~ProgramRun() override;
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    void write(const std::string& name, const std::string& bytes) const;
+
+    // The exit code, -1 for another end; what was printed is in out_ and err_.
+    int runCommand(const std::string& command);
+    int runProgram(const std::string& arguments);  // with a profile of its own
+
+    std::filesystem::path folder_;
+    std::string out_, err_;
+};
+
+}  // namespace quorvel::tests
