@@ -75,6 +75,7 @@ bool DrawingFile::load(const QString& from) {
         tell(QFileInfo(from).fileName() + QStringLiteral(": ") + QString::fromStdString(result.error));
         return false;
     }
+    desk_->recorder().line("open " + cli::quotedWord(QFile::encodeName(from).toStdString()));
     emit drawingLeaves();
     desk_->host().setDocument(std::move(result.document), result.rulerUnit);
     QStringList warnings;
@@ -91,19 +92,13 @@ void DrawingFile::opened(const QString& path, const std::optional<QString>& resc
     desk_->recorder().forgetSteps();
     copiedChange_ = desk_->document()->changeCount();
     noteOnDisk();
-    if (!path.isEmpty()) {
-        QStringList recent = recentFiles();
-        recent.removeAll(path);
-        recent.prepend(path);
-        QSettings().setValue(QLatin1String(kRecentKey), QStringList(recent.mid(0, kRecentCount)));
-    }
+    noteRecent();
     emit drawingReplaced();
 }
 
 bool DrawingFile::open(const QString& path) {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     if (!mayLeave()) return false;
-    desk_->recorder().line("open " + cli::quotedWord(QFile::encodeName(absolute).toStdString()));
     if (!load(absolute)) return false;
     opened(absolute);
     return true;
@@ -113,6 +108,14 @@ void DrawingFile::openAsking() {
     const QString path =
         QFileDialog::getOpenFileName(window_, desk_->say("Open", "開く"), folder(), QLatin1String(kFilter));
     if (!path.isEmpty()) open(path);
+}
+
+void DrawingFile::noteRecent() const {
+    if (path_.isEmpty()) return;
+    QStringList recent = recentFiles();
+    recent.removeAll(path_);
+    recent.prepend(path_);
+    QSettings().setValue(QLatin1String(kRecentKey), QStringList(recent.mid(0, kRecentCount)));
 }
 
 QStringList DrawingFile::recentFiles() { return QSettings().value(QLatin1String(kRecentKey)).toStringList(); }
@@ -201,6 +204,7 @@ bool DrawingFile::saveTo(const QString& path) {
     origin_.clear();
     path_ = path;
     noteOnDisk();
+    noteRecent();
     emit saved();
     return true;
 }
@@ -242,8 +246,13 @@ bool DrawingFile::mayLeave() {
     box.setDefaultButton(QMessageBox::Save);
     const int answer = box.exec();
     if (answer == QMessageBox::Save) return save();
-    if (answer == QMessageBox::Discard) dropCopy();
     return answer == QMessageBox::Discard;
+}
+
+bool DrawingFile::mayClose() {
+    if (!mayLeave()) return false;
+    dropCopy();
+    return true;
 }
 
 // --- copies against a crash

@@ -34,6 +34,7 @@ class DrawingFile : public QObject {
     bool saveAs();
     bool saveTo(const QString& path);
     bool mayLeave();  // false when the user wants to stay
+    bool mayClose();  // the same, for good: the copy against a crash goes too
     bool unsaved() const;
 
     static QStringList recentFiles();
@@ -53,6 +54,7 @@ class DrawingFile : public QObject {
     void opened(const QString& path, const std::optional<QString>& rescuedFrom = {});
     bool changedOutside() const;
     void noteOnDisk();
+    void noteRecent() const;
     void dropCopy();
     void noteOrigin();
     static QString copiesFolder();

@@ -88,6 +88,23 @@ TEST(Safety, CopyOfACrashedProgramIsOffered) {
     other.waitForFinished();
 }
 
+// What was given up for a drawing that cannot be opened is still there, in the window and against a crash.
+TEST(Safety, DiscardedChangesStayUntilAnotherDrawingIsOpen) {
+    const QString own = RescueFolder().filePath(QString::number(QCoreApplication::applicationPid()) + ".svg");
+    WindowRig rig;
+    rig.dimensionEdge();
+    rig.window->file().putCopyAside();
+    ASSERT_TRUE(QFile::exists(own));
+    const std::string dump = rig.dump();
+    rig.inDialogs(
+        [&] { EXPECT_FALSE(rig.window->file().open(rig.home.filePath("missing.svg"))); },
+        {[](QWidget* box) { Answer(box, QMessageBox::Discard); }, [](QWidget* box) { Answer(box, QMessageBox::Ok); }});
+    EXPECT_EQ(rig.dump(), dump);
+    EXPECT_TRUE(QFile::exists(own));
+    rig.inDialog([&] { EXPECT_TRUE(rig.window->close()); }, [](QWidget* box) { Answer(box, QMessageBox::Discard); });
+    EXPECT_FALSE(QFile::exists(own));
+}
+
 TEST(Safety, BrokenFileLeavesTheDrawingThatIsOpen) {
     WindowRig rig;
     rig.dimensionEdge();

@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/dump.h"
 #include "desktop/look.h"
@@ -121,15 +122,14 @@ struct WindowRig {
         if (auto* canvas = of->findChild<desktop::Canvas*>()) canvas->shown();  // sharp
         EXPECT_TRUE(of->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
     }
-    // Runs deed, and what is given on the dialog that it opens.
-    static void inDialog(const std::function<void()>& deed, const std::function<void(QWidget*)>& there) {
-        bool came = false;
+    // Runs deed, and on each dialog that it opens, one after the other, what is given for it.
+    static void inDialogs(const std::function<void()>& deed, const std::vector<std::function<void(QWidget*)>>& there) {
+        std::size_t came = 0;
         QTimer waiting;
         QObject::connect(&waiting, &QTimer::timeout, [&] {
             QWidget* dialog = QApplication::activeModalWidget();
-            if (dialog == nullptr || came) return;
-            came = true;
-            there(dialog);
+            if (dialog == nullptr || came == there.size()) return;
+            there[came++](dialog);
             if (QApplication::activeModalWidget() == dialog) {
                 ADD_FAILURE() << "the dialog stays open";
                 dialog->close();
@@ -137,7 +137,10 @@ struct WindowRig {
         });
         waiting.start(20);
         deed();
-        EXPECT_TRUE(came) << "no dialog came";
+        EXPECT_EQ(came, there.size()) << "dialogs that came";
+    }
+    static void inDialog(const std::function<void()>& deed, const std::function<void(QWidget*)>& there) {
+        inDialogs(deed, {there});
     }
     template <typename Widget>
     static Widget* control(QWidget* dialog, int id) {
