@@ -39,8 +39,8 @@ void EndSurface(SurfaceRef surface);
 // then, and must not be inverted again.
 std::uint32_t SurfaceGeneration(SurfaceRef surface);
 void MoveTo(SurfaceRef surface, Pixel point);
-// Inverts the pixels from the current point up to this one, this one left out; a line to the current point itself
-// inverts that one pixel, and a second such line right behind it inverts nothing.
+// Inverts the pixels from the current point up to this one, this one left out. A line to the current point itself is a
+// dot: it inverts that one pixel, which what goes on from there leaves alone.
 void LineTo(SurfaceRef surface, Pixel point);
 // Inverts the part of the ellipse in the box that runs counter-clockwise on the screen from the direction of start to
 // the direction of end, both seen from the centre; equal directions give the whole ellipse.

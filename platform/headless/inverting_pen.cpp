@@ -26,8 +26,10 @@ struct LineWalk {
     std::int64_t steps, across;  // lengths of the two axes
     int sign, signAcross;
 
+    std::int64_t left;  // steps at the start that are not drawn
+
     // The steps whose pixels lie within reach along the longer axis.
-    std::int64_t firstStep() const { return std::max<std::int64_t>(0, sign > 0 ? -kReach - start : start - kReach); }
+    std::int64_t firstStep() const { return std::max(left, sign > 0 ? -kReach - start : start - kReach); }
     std::int64_t endStep() const { return std::min(steps, (sign > 0 ? kReach - start : start + kReach) + 1); }
 };
 
@@ -129,13 +131,15 @@ void ViewScreen::lineTo(SurfaceRef surface, Pixel point) {
     const std::int64_t h = pen->originH + pen->current.h, v = pen->originV + pen->current.v;
     const std::int64_t dh = std::int64_t{point.h} - pen->current.h, dv = std::int64_t{point.v} - pen->current.v;
     const int signH = dh < 0 ? -1 : 1, signV = dv < 0 ? -1 : 1;
-    const std::int64_t lengthH = std::abs(dh), lengthV = std::abs(dv);
+    const std::int64_t lengthH = std::abs(dh), lengthV = std::abs(dv), left = pen->dotted ? 1 : 0;
     if (lengthH == 0 && lengthV == 0) {
         if (!pen->dotted) invert(h, v);
     } else if (lengthH >= lengthV) {
-        WalkLine({h, v, lengthH, lengthV, signH, signV}, [&](std::int64_t ph, std::int64_t pv) { invert(ph, pv); });
+        WalkLine({h, v, lengthH, lengthV, signH, signV, left},
+                 [&](std::int64_t ph, std::int64_t pv) { invert(ph, pv); });
     } else {
-        WalkLine({v, h, lengthV, lengthH, signV, signH}, [&](std::int64_t pv, std::int64_t ph) { invert(ph, pv); });
+        WalkLine({v, h, lengthV, lengthH, signV, signH, left},
+                 [&](std::int64_t pv, std::int64_t ph) { invert(ph, pv); });
     }
     pen->dotted = lengthH == 0 && lengthV == 0;
     pen->current = point;

@@ -26,7 +26,7 @@ struct TreeWindow {
 struct PixelSurface {
     std::int64_t originH = 0, originV = 0;  // of its window, seen from the canvas
     Pixel current;
-    bool dotted = false;  // the last thing drawn was the current point alone
+    bool dotted = false;  // the current point stands inverted already
 };
 
 class ViewScreen {

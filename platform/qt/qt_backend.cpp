@@ -31,7 +31,7 @@ double DialogScale(const QFont& font) {
 // Closing by the window's own means, or by the Escape key, counts as pressing Cancel.
 class DialogWindow : public QDialog {
   public:
-    explicit DialogWindow(QWidget* parent) : QDialog(parent) {}
+    explicit DialogWindow(QWidget* parent) : QDialog(parent) { setWindowFlag(Qt::WindowStaysOnTopHint); }
     std::function<void()> cancelled;
     void reject() override { cancelled(); }
 };
@@ -127,8 +127,10 @@ ControlForm* QtBackend::form(WindowRef window) const {
     return forms_.count(asked) != 0 ? asked : nullptr;
 }
 
+QWidget* QtBackend::windowInFront() const { return dialogs_.empty() ? dialogParent : &dialogs_.back()->window; }
+
 std::int32_t QtBackend::runDialog(const DialogTemplate& dialog, const WindowLogic& logic, void* context) {
-    QWidget* parent = dialogs_.empty() ? dialogParent : &dialogs_.back()->window;
+    QWidget* parent = windowInFront();
     RunningDialog running(parent);
     const double scale = DialogScale(running.window.font());
     running.window.setWindowTitle(QString::fromUtf8(dialog.title));
@@ -287,8 +289,7 @@ void QtBackend::setControlFont(WindowRef window, std::int32_t control, const std
 
 bool QtBackend::showMessageBox(const std::string& text, const std::string& title, MessageButtons buttons,
                                MessageIcon icon) {
-    QWidget* parent = dialogs_.empty() ? dialogParent : &dialogs_.back()->window;
-    QMessageBox box(parent);
+    QMessageBox box(windowInFront());
     box.setWindowTitle(QString::fromStdString(title));
     box.setText(QString::fromStdString(text));
     box.setTextFormat(Qt::PlainText);
@@ -304,14 +305,15 @@ bool QtBackend::showMessageBox(const std::string& text, const std::string& title
 
 bool QtBackend::askQuestion(const std::string& text) {
     QMessageBox box(QMessageBox::Question, kProgramName, QString::fromStdString(text),
-                    QMessageBox::Yes | QMessageBox::No, dialogParent);
+                    QMessageBox::Yes | QMessageBox::No, windowInFront());
     const bool accepted = box.exec() == QMessageBox::Yes;
     if (events.boxAnswered) events.boxAnswered(accepted, true);
     return accepted;
 }
 
 void QtBackend::showAlert(const std::string& text) {
-    QMessageBox(QMessageBox::Warning, kProgramName, QString::fromStdString(text), QMessageBox::Ok, dialogParent).exec();
+    QMessageBox(QMessageBox::Warning, kProgramName, QString::fromStdString(text), QMessageBox::Ok, windowInFront())
+        .exec();
 }
 
 bool QtBackend::chosen(const QString& path, std::string* out) {
@@ -322,13 +324,13 @@ bool QtBackend::chosen(const QString& path, std::string* out) {
 }
 
 bool QtBackend::askSaveFile(const std::string& filter, const std::string& proposedName, std::string* path) {
-    return chosen(QFileDialog::getSaveFileName(dialogParent, QString(), QString::fromStdString(proposedName),
+    return chosen(QFileDialog::getSaveFileName(windowInFront(), QString(), QString::fromStdString(proposedName),
                                                QString::fromStdString(filter)),
                   path);
 }
 
 bool QtBackend::askOpenFile(const std::string& filter, const std::string& proposedName, std::string* path) {
-    return chosen(QFileDialog::getOpenFileName(dialogParent, QString(), QString::fromStdString(proposedName),
+    return chosen(QFileDialog::getOpenFileName(windowInFront(), QString(), QString::fromStdString(proposedName),
                                                QString::fromStdString(filter)),
                   path);
 }

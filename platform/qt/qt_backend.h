@@ -109,6 +109,7 @@ class QtBackend : public Backend {
   private:
     struct RunningDialog;
 
+    QWidget* windowInFront() const;  // the dialog shown last, or the window behind all
     // Null for a window that does not stand any more.
     ControlForm* form(WindowRef window) const;
     bool chosen(const QString& path, std::string* out);

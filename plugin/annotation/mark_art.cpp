@@ -16,8 +16,8 @@ namespace quorvel {
 
 namespace {
 
-constexpr double kLeaderMinimum = 1.0;  // a shorter drag is a click
-constexpr double kShelfMargin = 2.0;    // the shelf's length beyond its text
+constexpr double kSmallestSpan = 1.0;   // shorter is no leader and no line to write along
+constexpr double kTextMargin = 2.0;     // what a shelf, or a line written along, leaves beside its text
 constexpr double kTextRise = 0.2;       // of the font size, from shelf to baseline
 constexpr double kBalloonRadius = 0.7;  // of the font size
 constexpr double kBalloonDrop = 0.4;    // of the font size, from the balloon's centre to the baseline
@@ -43,9 +43,9 @@ void AddShelf(const PluginGlobals* globals, const Mark& mark, const char* text) 
         if (angle > kPi) angle = -(kTwoPi - angle);
         const double width = MeasureTextUnitWidth(globals, text) * size;
         if (angle > -kHalfPiWide && angle <= kHalfPiWide)
-            p2.h += width + kShelfMargin;
+            p2.h += width + kTextMargin;
         else
-            p1.h -= width + kShelfMargin;
+            p1.h -= width + kTextMargin;
         AddLine2(mark.group, p1, p2);
     }
     p1.v += size * kTextRise;
@@ -150,10 +150,10 @@ bool TakeSuperscript(std::string* text) {
 
 // How far the text must be narrowed to stand on the line; never above 1.
 double SqueezeScale(const PluginGlobals* globals, const DoublePoint& p1, const DoublePoint& p2, const char* text) {
-    if (!(DistanceBetweenPoints(p1, p2) > kLeaderMinimum)) return 1.0;
+    if (!(DistanceBetweenPoints(p1, p2) > kSmallestSpan)) return 1.0;
     const double width = MeasureTextUnitWidth(globals, text) * globals->prefs.flArFSize;
     if (width == 0) return 1.0;
-    const double scale = (AbsOf(p2.h - p1.h) - kShelfMargin) / width;
+    const double scale = (AbsOf(p2.h - p1.h) - kTextMargin) / width;
     return scale > 1.0 ? 1.0 : scale;
 }
 
@@ -172,7 +172,7 @@ void AddSuperscriptTwo(const TextParts& parts, double size) {
 
 void PlaceText(AIArtHandle frame, const DoublePoint& p1, const DoublePoint& p2, bool centred) {
     RealMatrix matrix;
-    if (DistanceBetweenPoints(p1, p2) > kLeaderMinimum) {
+    if (DistanceBetweenPoints(p1, p2) > kSmallestSpan) {
         sAIRealMath->AIRealMatrixSetRotate(&matrix, static_cast<float>(AngleBetweenPoints(p1, p2)));
         sAITransformArt->TransformArt(frame, &matrix, 1.0F, kTransformObjects);
     }
@@ -222,7 +222,7 @@ std::int32_t BuildMarkArt() {
     Mark mark;
     mark.A = ToDoublePoint(live.fromPoint);
     mark.B = ToDoublePoint(live.toPoint);
-    mark.hasLeader = DistanceBetweenPoints(mark.A, mark.B) > kLeaderMinimum;
+    mark.hasLeader = DistanceBetweenPoints(mark.A, mark.B) > kSmallestSpan;
     AILayerHandle layer = nullptr;
     sAILayer->GetCurrentLayer(&layer);
     if (layer == nullptr || LayerIsBlocked(layer)) return 0;

@@ -2,6 +2,7 @@
 // drawing or puts into the picked path.
 #include "plugin/construction/fillet.h"
 
+#include <limits>
 #include <utility>
 
 #include "plugin/construction/fillet_solver.h"
@@ -89,19 +90,23 @@ void TurnRound(FilletArc* arc) {
     for (PathSegment& record : arc->records) std::swap(record.in, record.out);
 }
 
-// The arc takes the place of the corner's anchor. The ends of an open path's first and last segment stay corners.
-void PutArcIntoPath(const PathCorner& corner, FilletArc* arc) {
+// The arc takes the place of the corner's anchor; on the path's first segment, and on the one that closes it, its end
+// is a corner. False, and nothing has changed, when the host refuses the longer path.
+bool PutArcIntoPath(const PathCorner& corner, FilletArc* arc) {
+    constexpr int kMostAnchors = std::numeric_limits<std::int16_t>::max();
+    if (corner.count > kMostAnchors - 2) return false;
+    if (sAIPath->SetPathSegmentCount(corner.path, static_cast<std::int16_t>(corner.count + 2)) != kNoErr) return false;
     if (corner.swapped) TurnRound(arc);
     const int i = corner.anchor, n = corner.count;
     arc->records[0].corner = i == 1 ? 1 : 0;
     arc->records[2].corner = i + 1 == n ? 1 : 0;
-    sAIPath->SetPathSegmentCount(corner.path, static_cast<std::int16_t>(n + 2));
     for (int to = n + 1; to >= i + 3; --to) {
         PathSegment moved;
         if (ReadSegment(corner.path, to - 2, &moved))
             sAIPath->SetPathSegments(corner.path, static_cast<std::int16_t>(to), 1, &moved);
     }
     sAIPath->SetPathSegments(corner.path, static_cast<std::int16_t>(i), kFilletRecords, arc->records);
+    return true;
 }
 
 void BecomeCutOffCorner(const RealPoint& anchor, FilletArc* arc) {
@@ -140,7 +145,7 @@ bool UseLineLine(const PluginGlobals* globals, const FilletPick& first, const Fi
                          BoxHolds(first, arc->records[0].p) && BoxHolds(second, arc->records[2].p);
     if (inPlace) {
         const RealPoint cutOff = corner.swapped ? second.t.p : first.t.p;
-        PutArcIntoPath(corner, arc);
+        if (!PutArcIntoPath(corner, arc)) return false;
         if (mode != kFilletSeparate) return true;
         BecomeCutOffCorner(cutOff, arc);
     }

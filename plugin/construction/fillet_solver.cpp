@@ -209,13 +209,13 @@ bool TouchLineAndCircle(const LineAndCircle& s, double R, LineArcTouch* touch) {
     const double square = g * g - height * height;
     if (!(square >= 0) || !(g > 0)) return false;
     const double t = SqrtOf(square);
-    const double reach = s.around ? -s.p / g : s.p / g;
+    const double p = s.around ? -s.p : s.p;
     const auto at = [](const DoublePoint& from, const DoublePoint& normal, double n, const DoublePoint& along,
                        double e) {
         return DoublePoint{from.h + n * normal.h + e * along.h, from.v + n * normal.v + e * along.v};
     };
     touch->centre = at(s.centre, s.normal, height, s.along, t);
-    touch->onCircle = at(s.centre, s.normal, height * reach, s.along, t * reach);
+    touch->onCircle = at(s.centre, s.normal, height * p / g, s.along, t * p / g);
     touch->onLine = at(s.foot, s.normal, 0, s.along, t);
     return true;
 }

@@ -132,27 +132,28 @@ void AddDot(AIArtHandle group, const DoublePoint& centre, double diameter, bool 
     AddStyledPath(group, style, segments, 4, true);
 }
 
-void AddArcSpan(const DoublePoint& c, PathSegment* p, PathSegment* q) {
-    const DoublePoint pAnchor = ToDoublePoint(p->p);
-    const DoublePoint qAnchor = ToDoublePoint(q->p);
-    const Tangent atP = TangentAt(c, pAnchor);
-    const Tangent atQ = TangentAt(c, qAnchor);
+void AddArcSpan(const DoublePoint& c, const DoublePoint& p, const DoublePoint& q, RealPoint* out, RealPoint* in) {
+    const Tangent atP = TangentAt(c, p);
+    const Tangent atQ = TangentAt(c, q);
     if (!atP.hasSlope && !atQ.hasSlope) return;
-    const DoublePoint crossing = CrossTangents(atP, pAnchor, atQ, qAnchor);
-    const double ratio = ArcHandleRatio(SweepBetween(c, pAnchor, qAnchor));
-    p->out = Towards(pAnchor, crossing, ratio);
-    q->in = Towards(qAnchor, crossing, ratio);
+    const DoublePoint crossing = CrossTangents(atP, p, atQ, q);
+    const double ratio = ArcHandleRatio(SweepBetween(c, p, q));
+    *out = Towards(p, crossing, ratio);
+    *in = Towards(q, crossing, ratio);
 }
 
 void AddDimensionArc(AIArtHandle group, double radius, double startAngle, double endAngle, const DoublePoint& centre) {
     constexpr double kParts[kArcAnchorCount] = {0.0, 0.25, 0.5, 0.75, 1.0};
+    DoublePoint anchors[kArcAnchorCount];
     PathSegment segments[kArcAnchorCount];
     for (int i = 0; i < kArcAnchorCount; ++i) {
         const double angle = i == kArcAnchorCount - 1 ? endAngle : startAngle + (endAngle - startAngle) * kParts[i];
-        segments[i] = CornerAt(PolarPoint(centre, radius, angle));
+        anchors[i] = PolarPoint(centre, radius, angle);
+        segments[i] = CornerAt(anchors[i]);
         segments[i].corner = i == 0 || i == kArcAnchorCount - 1 ? 1 : 0;
     }
-    for (int i = 1; i < kArcAnchorCount; ++i) AddArcSpan(centre, &segments[i - 1], &segments[i]);
+    for (int i = 1; i < kArcAnchorCount; ++i)
+        AddArcSpan(centre, anchors[i - 1], anchors[i], &segments[i - 1].out, &segments[i].in);
     AIPathStyle style;
     InitDimensionStyle(&style, false, true);
     AddStyledPath(group, style, segments, kArcAnchorCount, false);

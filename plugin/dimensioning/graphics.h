@@ -21,7 +21,7 @@ void AddDot(AIArtHandle group, const DoublePoint& centre, double diameter, bool 
 // Five anchors from startAngle to endAngle by plain interpolation; radians.
 void AddDimensionArc(AIArtHandle group, double radius, double startAngle, double endAngle, const DoublePoint& centre);
 // Handles of the arc piece about c from p to q: p's out and q's in. Left alone when both radii are level.
-void AddArcSpan(const DoublePoint& c, PathSegment* p, PathSegment* q);
+void AddArcSpan(const DoublePoint& c, const DoublePoint& p, const DoublePoint& q, RealPoint* out, RealPoint* in);
 // A point text, centred on the midpoint of p1 and p2, turned to the direction p1 to p2. Internal bytes.
 void AddDimensionText(AIArtHandle group, const DoublePoint& p1, const DoublePoint& p2, const char* text);
 // A new path of the segments, written one by one. Null when the host made none.

@@ -103,7 +103,7 @@ std::vector<std::string> LoadStringRows(const PluginGlobals* globals, std::int32
     std::vector<std::string> rows;
     for (int i = 0; i < count; ++i) {
         std::string row = LoadResourceString(globals, firstId + i);
-        if (!row.starts_with('-')) rows.push_back(std::move(row));
+        if (row != "-") rows.push_back(std::move(row));
     }
     return rows;
 }

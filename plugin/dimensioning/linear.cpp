@@ -4,8 +4,6 @@
 // linear_build.cpp.
 #include "plugin/dimensioning/linear.h"
 
-#include <cmath>
-
 #include "plugin/dimensioning/curve.h"
 #include "plugin/settings/info_panel.h"
 #include "plugin/shell/services.h"
@@ -17,7 +15,7 @@ namespace quorvel {
 
 namespace {
 
-constexpr float kSamePressDistance = 3.0F;  // points: presses this near on both axes are one
+constexpr double kSamePressDistance = 3.0;  // points: presses this near on both axes are one
 
 void AddStop(ToolState* state);
 bool LastStopIsAt(const ToolState& state, const RealPoint& point);
@@ -106,8 +104,8 @@ namespace {
 
 bool LastStopIsAt(const ToolState& state, const RealPoint& point) {
     if (state.stopCount <= 0) return false;
-    const RealPoint& last = state.stops[state.stopCount - 1].point;
-    return std::fabs(point.h - last.h) <= kSamePressDistance && std::fabs(point.v - last.v) <= kSamePressDistance;
+    const DoublePoint last = ToDoublePoint(state.stops[state.stopCount - 1].point), press = ToDoublePoint(point);
+    return AbsOf(press.h - last.h) <= kSamePressDistance && AbsOf(press.v - last.v) <= kSamePressDistance;
 }
 
 void AddStop(ToolState* state) {

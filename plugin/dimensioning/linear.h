@@ -13,6 +13,9 @@ AIErr LinearUp(const AIToolMessage* message);
 
 // Runs the chain on the cursor and stores what it found.
 void LinearSnap(bool secondPoint, std::int16_t* kind);
+// 1 for a level dimension line, 2 for an upright one. tmpPos and axisWord keep what was chosen and where.
+std::int16_t StraightAxis(const DoublePoint& E, const DoublePoint& P1, const DoublePoint& P2, double pixel,
+                          DoublePoint* tmpPos, std::int16_t* axisWord);
 // Feet of P1, P2 and the stops on the dimension line through E. stops: pairs of measured point and foot, feet filled
 // here. 0 when P1 equals P2.
 std::int32_t ProjectFeet(const DoublePoint& E, const DoublePoint& P1, const DoublePoint& P2, DoublePoint* A,

@@ -30,6 +30,8 @@ std::int16_t AxisTowards(const DoublePoint& reference, const DoublePoint& E) {
     return quadrant == 2.0 || quadrant == 4.0 ? kUprightLine : kLevelLine;
 }
 
+}  // namespace
+
 // An axis once chosen stands until the hand has left its neighbourhood, so that it doesn't flicker at the diagonal.
 std::int16_t StraightAxis(const DoublePoint& E, const DoublePoint& P1, const DoublePoint& P2, double pixel,
                           DoublePoint* tmpPos, std::int16_t* axisWord) {
@@ -45,6 +47,8 @@ std::int16_t StraightAxis(const DoublePoint& E, const DoublePoint& P1, const Dou
     if (std::fabs(P2.h - P1.h) <= pixel) axis = kUprightLine;
     return axis;
 }
+
+namespace {
 
 DoublePoint FootOf(const DoublePoint& point, const DoublePoint& E, const DoublePoint& P1, const DoublePoint& P2,
                    std::int16_t axis) {

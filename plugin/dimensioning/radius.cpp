@@ -69,7 +69,7 @@ LabelLine PlaceLabel(const PluginGlobals* globals, const RoundLeader& leader, co
         const double rho = AngleBetweenPoints(left, right) + kHalfPiWide;
         return {PolarPoint(left, prefs.flScLead, rho), PolarPoint(right, prefs.flScLead, rho), leader.T};
     }
-    const double reach = MeasureTextWidth(globals, text) + prefs.flRdLead * 2;
+    const double reach = MeasureTextWidth(globals, text) + prefs.flRdLead * 2.0;
     const DoublePoint above{shelfStart.h, shelfStart.v + prefs.flScLead};
     const DoublePoint far{shelfStart.h + (prefs.flRdSpos == 1 ? -reach : reach), above.v};
     const DoublePoint shelfEnd{far.h, shelfStart.v};

@@ -28,7 +28,7 @@ struct ArcCircle {
     double radius = 0;
 };
 
-// Nonzero arguments of the functions below.
+// Values of anyCurve and of side below.
 constexpr std::int16_t kArcsOnly = 0, kAnyCurve = 1;
 constexpr std::int16_t kRightSide = 0, kLeftSide = 1;
 
@@ -68,7 +68,8 @@ bool AngleLiesOnArc(double a, double a0, double a1);
 // direction of travel.
 double DistanceToSegment(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t,
                          const DoublePoint& point, DoublePoint* nearest, std::int16_t* side);
-// Up to stop when that is not null and lies on the segment. A straight segment may move the stop onto itself.
+// Up to stop when that is not null and lies on the segment, which on an arc is not asked. A straight segment and a
+// general curve may move the stop onto themselves.
 double SegmentLength(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t, DoublePoint* stop);
 // False when the segment is shorter. On an arc the angle points back along the path.
 bool PointAtLength(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t, double length,

@@ -15,12 +15,6 @@ namespace {
 // A stop counts as lying on a chord within this distance, document points.
 constexpr double kStopTolerance = 0.0001;
 
-double WrapAngle(double angle) {
-    if (angle > kPi) angle -= kTwoPi;
-    if (-kPi > angle) angle += kTwoPi;
-    return angle;
-}
-
 // The angle between two directions, at most half a turn.
 double AngleBetweenDirections(double a0, double a1) {
     const double difference = AbsOf(a1 - a0);
@@ -224,7 +218,7 @@ bool PointAtArcLength(const ArcCircle& circle, const DoublePoint& start, const D
     const double step = length / circle.radius;
     const double reached = startAngle + (counterClockwise ? step : -step);
     *point = PolarPoint(circle.centre, circle.radius, reached);
-    // Back along the path; the callers turn it round.
+    // Back along the path, unlike the other shapes.
     *angle = counterClockwise ? reached - kHalfPi : reached + kHalfPi;
     return true;
 }

@@ -47,14 +47,8 @@ void OffsetLine(const CurveControls& c, const DoublePoint* from, const DoublePoi
     SetRecord(&out->segments[1], b, b, b);
 }
 
-double WrapTurn(double angle) {
-    if (angle > kPi) angle -= kTwoPi;
-    if (-kPi > angle) angle += kTwoPi;
-    return angle;
-}
-
 // Crossing of the tangents of a circle at a and b, by the slopes of the normals. A level normal makes its tangent
-// vertical; parallel tangents do not cross, and b stands in.
+// vertical. Parallel tangents do not cross: b stands in, or, when both are vertical, a's place across at height 0.
 DoublePoint TangentCrossing(const DoublePoint& centre, const DoublePoint& a, const DoublePoint& b) {
     const bool verticalA = NearlyEqual(a.v, centre.v), verticalB = NearlyEqual(b.v, centre.v);
     double slopeA = 0, interceptA = 0, slopeB = 0, interceptB = 0;
@@ -81,10 +75,10 @@ void OffsetArc(const CurveControls& c, const DoublePoint& centre, const DoublePo
                double normal, double distance, SegmentList* out) {
     DoublePoint a = c.p0, b = c.p3;
     const double base = AngleBetweenPoints(centre, a);
-    const double sweep = WrapTurn(AngleBetweenPoints(centre, b) - base);
+    const double sweep = WrapAngle(AngleBetweenPoints(centre, b) - base);
     double start = base, end = base + sweep;
     const auto turnTo = [&](const DoublePoint& cut, double* turn) {
-        *turn = WrapTurn(AngleBetweenPoints(centre, cut) - base);
+        *turn = WrapAngle(AngleBetweenPoints(centre, cut) - base);
         return SignOf(*turn) == SignOf(sweep) && AbsOf(*turn) <= AbsOf(sweep);
     };
     double turn = 0;

@@ -40,6 +40,12 @@ RealPoint ToRealPoint(const DoublePoint& p) { return {static_cast<float>(p.h), s
 bool PointsEqual(const RealPoint& a, const RealPoint& b) { return a.h == b.h && a.v == b.v; }
 bool PointsEqual(const DoublePoint& a, const DoublePoint& b) { return a.h == b.h && a.v == b.v; }
 
+double WrapAngle(double angle) {
+    if (angle > kPi) angle -= kTwoPi;
+    if (-kPi > angle) angle += kTwoPi;
+    return angle;
+}
+
 DoublePoint PolarPoint(const DoublePoint& origin, double length, double angle) {
     return {origin.h + length * CosOf(angle), origin.v + length * SinOf(angle)};
 }

@@ -20,7 +20,7 @@ constexpr double kHalfPi = 1.570796;            // left or right normal of a dir
 constexpr double kHalfPiWide = 1.5707965;       // quarter turn in arc, angle and fillet constructions: half of kPi
 constexpr double kQuarterPi = 0.78539825;       // eighth turn in the same constructions
 constexpr double kNoDistance = 32000.0;         // "none": above any distance in a document; also an unknown tangent
-constexpr float kLargestFloat = 3.4028235e38F;  // the failure mark of a parsed number
+constexpr float kLargestFloat = 3.4028235e38F;  // the failure mark of a parsed number, the bounds of nothing
 
 double SignOf(double x);  // -1 if 0 > x, else +1
 double MinOf(double a, double b);
@@ -40,6 +40,7 @@ DoublePoint ToDoublePoint(const RealPoint& p);
 RealPoint ToRealPoint(const DoublePoint& p);               // each coordinate rounded to the nearest float
 bool PointsEqual(const RealPoint& a, const RealPoint& b);  // exactly
 bool PointsEqual(const DoublePoint& a, const DoublePoint& b);
+double WrapAngle(double angle);  // one turn added or taken when it is outside half a turn; equals stay
 DoublePoint PolarPoint(const DoublePoint& origin, double length, double angle);
 
 double AngleBetweenPoints(const DoublePoint& a, const DoublePoint& b);  // direction from a to b; (0, 0) gives 0

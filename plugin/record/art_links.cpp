@@ -185,7 +185,7 @@ bool CellAnchor(const SnapCell& cell, RealPoint* anchor) {
         std::int32_t type = kPointTextType;
         if (sAITextFrame->GetTextFrameType(cell.art, &type) != kNoErr) return false;
         if (type == kPointTextType) return sAITextFrame->GetPointTextAnchor(cell.art, anchor) == kNoErr;
-        if (sAITextFrame->GetPathObject(cell.art, &path) != kNoErr) return false;
+        if (sAITextFrame->GetPathObject(cell.art, &path) != kNoErr || path == nullptr) return false;
     } else if (kind != kPathArt) {
         return false;
     }

@@ -223,7 +223,7 @@ void ReadSettings(AIArtHandle group, PluginGlobals* globals) {
 }
 
 // Found art fills the cells without a gap. end: the coordinates behind the id 0, when there are any.
-void ReadCellList(const std::string& text, const RealPoint& near, SnapCell* cells, RealPoint* end) {
+void ReadCellList(const std::string& text, const RealPoint& near, SnapCell* cells, DoublePoint* end) {
     int filled = 0;
     std::string field, second;
     for (int i = 0; i < kPairsRead; ++i) {
@@ -232,7 +232,7 @@ void ReadCellList(const std::string& text, const RealPoint& near, SnapCell* cell
         if (id == 0) {
             if (SplitField(text, 2 * i + 1, &field) && SplitField(text, 2 * i + 2, &second) && !field.empty() &&
                 !second.empty())
-                *end = {static_cast<float>(std::atof(field.c_str())), static_cast<float>(std::atof(second.c_str()))};
+                *end = {std::atof(field.c_str()), std::atof(second.c_str())};
             return;
         }
         if (!SplitField(text, 2 * i + 1, &field) || field.empty()) return;
@@ -309,20 +309,20 @@ void ReadDimensionRecord(AIArtHandle group, std::int16_t* kind, std::int16_t* mo
     RealRect bounds;
     sAIArt->GetArtBounds(group, &bounds);
     const RealPoint near{(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};
-    RealPoint from, to;
+    *fromAnchor = *toAnchor = {};
     ContextBracket(globals);
     ToolState* state = &globals->liveState;
     ReadStateTags(group, kind, mode, state);
     ReadSettings(group, globals);
     std::string text;
-    if (ReadTag(group, kFromCellTag, &text)) ReadCellList(text, near, state->fromCells, &from);
-    if (ReadTag(group, kToCellTag, &text)) ReadCellList(text, near, state->toCells, &to);
-    *fromAnchor = ToDoublePoint(from);
-    *toAnchor = ToDoublePoint(to);
+    if (ReadTag(group, kFromCellTag, &text)) ReadCellList(text, near, state->fromCells, fromAnchor);
+    if (ReadTag(group, kToCellTag, &text)) ReadCellList(text, near, state->toCells, toAnchor);
     for (int i = 1; i <= kStopLimit; ++i) {
         if (!ReadTag(group, StopTag(i).c_str(), &text)) continue;
         StopRecord* stop = &state->stops[state->stopCount++];
-        ReadCellList(text, near, stop->cells, &stop->point);
+        DoublePoint point = ToDoublePoint(stop->point);
+        ReadCellList(text, near, stop->cells, &point);
+        stop->point = ToRealPoint(point);
     }
 }
 

@@ -137,7 +137,7 @@ bool ReadLeg(const SnapCell& cell, Leg* leg) {
 void RebuildAngle(PluginGlobals* globals, AIArtHandle group, const DoublePoint& from, const DoublePoint& to) {
     ToolState* state = &globals->liveState;
     Leg first, second;
-    if (!ReadLeg(state->fromCells[0], &first) || !ReadLeg(state->toCells[0], &second)) return;
+    if (!ReadLeg(state->fromCells[0], &first) || !ReadLeg(state->toCells[0], &second)) return ContextBracket(globals);
     const double firstDistance = DistanceBetweenPoints(ToDoublePoint(state->fromPoint), from);
     const double secondDistance = DistanceBetweenPoints(ToDoublePoint(state->toPoint), to);
     const Placement placement = PlacementAbout(MiddleInFloats(state->fromPoint, state->toPoint),
@@ -163,7 +163,8 @@ void RebuildRound(PluginGlobals* globals, AIArtHandle group, std::int16_t kind, 
                   const DoublePoint& to) {
     ToolState* state = &globals->liveState;
     RealPoint first, second;
-    if (!ReadAnchor(state->fromCells[0], &first) || !ReadAnchor(state->toCells[0], &second)) return;
+    if (!ReadAnchor(state->fromCells[0], &first) || !ReadAnchor(state->toCells[0], &second))
+        return ContextBracket(globals);
     const Placement placement = PlacementAbout(Middle(from, to), from, state->endPoint);
     const DoublePoint newFirst = ToDoublePoint(first);
     state->endPoint = PlaceAgain(placement, Middle(newFirst, ToDoublePoint(second)), newFirst);

@@ -75,9 +75,9 @@ std::int16_t ReadThemeValue(const PluginGlobals* globals, AIPlatformWindow windo
 // The colour that is seen has eight bits, cut and not rounded.
 float CutToEightBits(float channel) { return std::floor(255.0F * channel) / 255.0F; }
 
-// Without the host's colours the panel keeps those of its window.
+// A host that gives no colours leaves the last ones in force; the icons follow its theme all the same.
 void ApplyTheme(PluginGlobals* globals) {
-    if (!ReadThemeColors(globals)) return;
+    ReadThemeColors(globals);
     platform::PanelTheme theme;
     for (int i = 0; i < 3; ++i) {
         theme.background[i] = CutToEightBits(globals->panelBackColor[i + 1]);

@@ -14,10 +14,9 @@
 namespace quorvel {
 namespace {
 
-constexpr char kUntitled[] = "Untitled";
 constexpr char kCommentMark = '\'';
 
-bool IsUntitled(const char* name) { return name != nullptr && std::strcmp(name, kUntitled) == 0; }
+bool IsUntitled(const char* name) { return name != nullptr && std::strcmp(name, kUntitledPreset) == 0; }
 
 // An empty folder (no documents folder is known) gives an empty path, which every file operation refuses.
 std::string SubFolder(const std::string& folder, const char* name) {

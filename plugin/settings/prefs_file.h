@@ -11,9 +11,12 @@
 namespace quorvel {
 
 void StoreDefaults(PluginGlobals* globals);
-// Clears the texts of the title block and all part rows.
+// Empties the title block and all part rows, their number and the frame's type too.
 void ClearScheduleBlock(PrefsRecord* prefs);
 bool PartRowIsEmpty(const ZwkPartRow& row);
+
+// The name that stands for no preset.
+constexpr char kUntitledPreset[] = "Untitled";
 
 // name: null for the main file, else a preset's name in the system code page ("Untitled" reads the factory file and
 // writes nothing). 1 on success, 0 when the file cannot be opened or created.

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "platform/file.h"
 #include "platform/text.h"
-#include "plugin/settings/prefs_file.h"
 #include "plugin/shell/services.h"
 
 namespace quorvel {
@@ -24,8 +24,16 @@ bool ComesAfter(const std::string& a, const std::string& b) {
     });
 }
 
-// The name in front of the extension; empty for a file that is no preset.
+bool EndsInIni(std::string_view name) {
+    constexpr std::string_view kExtension = ".ini";
+    return name.size() >= kExtension.size() &&
+           std::equal(kExtension.begin(), kExtension.end(), name.end() - kExtension.size(),
+                      [](char wanted, char c) { return LowerCase(c) == wanted; });
+}
+
+// The name in front of the first extension; empty for a file that is no preset.
 std::string PresetNameOfFile(const std::string& fileName) {
+    if (!EndsInIni(fileName)) return {};
     const std::string bytes = platform::FromUtf8(fileName, platform::kCodePageJapanese);
     // A name that the code page cannot say cannot be opened by it either.
     if (platform::ToUtf8(bytes, platform::kCodePageJapanese) != fileName) return {};

@@ -4,11 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "plugin/shell/globals.h"
+#include "plugin/settings/prefs_file.h"
 
 namespace quorvel {
 
-constexpr char kUntitledPreset[] = "Untitled";
 constexpr int kPresetLimit = 100;
 
 // At most kPresetLimit names, sorted without regard to case.

@@ -69,7 +69,6 @@ struct PluginGlobals {
     AIMenuItemHandle settingsMenuHandle;
     std::uint16_t toolMode;
     std::uint16_t hitKind;  // the snap kind under the cursor, 0 for nothing
-    char panelText[64];     // the last value shown in the panel's distance field
     SPPluginRef pluginRef;
     ToolState liveState, drawnState;
     std::uint32_t drawnGeneration;  // the surface's generation when drawnState was drawn

@@ -1,3 +1,5 @@
+// Runs each row of a tool's chain on its own, from the cursor as it came; the first that is on, runs now and moves the
+// cursor is the one that wins.
 #include "plugin/shell/snap_report.h"
 
 #include <cstddef>

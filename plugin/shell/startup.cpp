@@ -72,17 +72,14 @@ void FreeChainBuffers(PluginGlobals* globals) {
 
 void TakeDownPanel(PluginGlobals* globals) {
     if (globals->infoPanel != nullptr) {
-        AIPlatformWindow window = nullptr;
-        const AIErr result = sAIPanel->GetPlatformWindow(globals->infoPanel, &window);
-        if (result == kNoErr && window != nullptr && globals->panelWindow != nullptr) {
-            platform::DestroyPanel(globals->panelWindow);
-        }
-        sAIPanel->Destroy(globals->infoPanel);
+        // Whatever the host still says of its window: what listens there must not outlive the record of state.
+        if (globals->panelWindow != nullptr) platform::DestroyPanel(globals->panelWindow);
+        if (sAIPanel != nullptr) sAIPanel->Destroy(globals->infoPanel);
         globals->panelWindow = nullptr;
         globals->infoPanel = nullptr;
     }
     if (globals->infoFlyout != nullptr) {
-        sAIPanelFlyoutMenu->Destroy(globals->infoFlyout);
+        if (sAIPanelFlyoutMenu != nullptr) sAIPanelFlyoutMenu->Destroy(globals->infoFlyout);
         globals->infoFlyout = nullptr;
     }
 }

@@ -53,7 +53,7 @@ void Publish(const void* suite) {
 struct SuiteEntry {
     const char* name;
     std::int32_t version;
-    void (*publish)(const void* suite) = nullptr;  // null: held for the host's text engine, never called by us
+    void (*publish)(const void* suite) = nullptr;  // null: held while a message runs, never called by us
 };
 
 const SuiteEntry kSuites[] = {

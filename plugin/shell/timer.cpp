@@ -12,6 +12,7 @@
 #include "plugin/settings/settings_dialog.h"
 #include "plugin/shell/menus.h"
 #include "plugin/shell/panel.h"
+#include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
 #include "plugin/snapping/snap.h"
 
@@ -158,6 +159,7 @@ void ShowReadOuts(const PluginGlobals* globals) {
 bool RefreshPanel(const PluginGlobals* globals) {
     if (globals->infoPanel == nullptr) return false;
     const bool shown = InfoPanelIsShown(globals);
+    ReachModule();
     RefreshPanelTheme(InfoPanelWindow(globals));
     return shown;
 }

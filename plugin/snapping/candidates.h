@@ -72,13 +72,6 @@ AIErr VisitCandidates(LayerScope scope, RealPoint point, double reach, Visit vis
     return error;
 }
 
-// PointInPickRect with a tolerance that was read once for the whole search.
-inline bool PointInGrownRect(const RealPoint& point, RealRect rect, double tolerance) {
-    const float growth = static_cast<float>(-tolerance);
-    sAIRealMath->AIRealRectInset(&rect, growth, growth);
-    return sAIRealMath->AIRealPointInRect(&rect, &point) != 0;
-}
-
 // A path of one anchor is hit by that anchor alone, closed or not.
 constexpr int kSmallestPair = 2;
 

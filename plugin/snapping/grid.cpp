@@ -1,6 +1,7 @@
 // What places the cursor without any art: the grid, the dimension line at round distances from what it measures, and
 // the Shift key's eighth turns.
 #include "plugin/dimensioning/curve.h"
+#include "plugin/dimensioning/linear.h"
 #include "plugin/shell/services.h"
 #include "plugin/snapping/snap.h"
 #include "plugin/walking/walk.h"
@@ -10,19 +11,18 @@ namespace quorvel {
 namespace {
 
 constexpr double kEighthTurn = 0.7853981635;
-constexpr double kAxisHoldPixels = 5.0;
 
 // A step that is no step, or that is too fine to count, leaves the value alone.
+bool CountsInSteps(double value, double step) { return step > 0.0 && AbsOf(value / step) < 2147483647.0; }
+
 double RoundToStep(double value, double step) {
-    if (!(step > 0.0) || !(AbsOf(value / step) < 2147483647.0)) return value;
-    return RoundToInt(value / step) * step;
+    return CountsInSteps(value, step) ? RoundToInt(value / step) * step : value;
 }
 
 // Moves c on the ray from foot so that its distance is a multiple of the step.
 void RoundDistanceFrom(const DoublePoint& foot, double step, DoublePoint* c) {
     const double distance = DistanceBetweenPoints(foot, *c);
-    const double rounded = RoundToStep(distance, step);
-    if (rounded != distance) *c = PolarPoint(foot, rounded, AngleBetweenPoints(foot, *c));
+    if (CountsInSteps(distance, step)) *c = PolarPoint(foot, RoundToStep(distance, step), AngleBetweenPoints(foot, *c));
 }
 
 // The same on one axis, from the nearer of the two measured coordinates.
@@ -31,22 +31,11 @@ double RoundFromNearer(double a, double b, double c, double step) {
     return base + SignOf(c - base) * RoundToStep(AbsOf(c - base), step);
 }
 
-// 1 for a horizontal dimension line, 2 for a vertical one. The decision itself is made, and kept, where the feet are
-// projected; here it is only read.
-int StraightAxis(const ToolState& state, const DoublePoint& a, const DoublePoint& b, const DoublePoint& c) {
-    const double pixel = PixelSize();
-    int axis = 1;
-    if (state.axisWord == 0 || !(DistanceBetweenPoints(c, state.tmpPos) <= kAxisHoldPixels * pixel)) {
-        double direction = AngleBetweenPoints(state.axisWord == 0 ? a : state.tmpPos, c) - kQuarterPi;
-        if (direction < 0.0) direction += kTwoPi;
-        const int quadrant = static_cast<int>(direction / kHalfPiWide + 1.0);
-        if (quadrant == 2 || quadrant == 4) axis = 2;
-    } else {
-        axis = state.axisWord;
-    }
-    if (AbsOf(a.v - b.v) <= pixel) axis = 1;
-    if (AbsOf(a.h - b.h) <= pixel) axis = 2;
-    return axis;
+// The decision itself is made, and kept, where the feet are projected; here it is only read.
+int AxisOf(const ToolState& state, const DoublePoint& a, const DoublePoint& b, const DoublePoint& c) {
+    DoublePoint tmpPos = state.tmpPos;
+    std::int16_t axisWord = state.axisWord;
+    return StraightAxis(c, a, b, PixelSize(), &tmpPos, &axisWord);
 }
 
 bool NearestOnPath(const BezierBasisTables& tables, AIArtHandle path, const DoublePoint& point, DoublePoint* nearest) {
@@ -96,7 +85,7 @@ void SnapGridSpacing(PluginGlobals* globals, RealPoint* point) {
     SnapCell fromCell, toCell;
     int mode = globals->prefs.flDistanceMode;
     if (mode == kStraightMode) {
-        mode = StraightAxis(state, a, b, c);
+        mode = AxisOf(state, a, b, c);
     } else if (mode == kCurveMode && !(CurveCaseHolds(state) && SharedPath(state, &fromCell, &toCell))) {
         mode = kObliqueMode;
     }

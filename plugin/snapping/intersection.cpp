@@ -43,7 +43,7 @@ bool TakePair(CrossingSearch* search, AIArtHandle path, int segmentCount, const 
 AIErr VisitPath(CrossingSearch* search, AIArtHandle path) {
     RealRect bounds;
     const AIErr error = sAIArt->GetArtTransformBounds(path, nullptr, kTransformBoundsWithControls, &bounds);
-    if (error != kNoErr || !PointInGrownRect(search->cursor, bounds, search->tolerance)) return error;
+    if (error != kNoErr || !PointInPickRect(search->cursor, bounds, search->tolerance)) return error;
     const int segmentCount = SegmentCount(path);
     if (segmentCount < kSmallestPair) return kNoErr;
     FindSegmentPair(path, segmentCount, [&](const PathSegment& s, const PathSegment& t, int index) {
@@ -58,11 +58,11 @@ AIErr VisitPath(CrossingSearch* search, AIArtHandle path) {
 void SnapIntersection(RealPoint* point, std::int16_t* kind, int capacity, SnapCell* cells) {
     if (*kind != kSnapNothing) return;
     CrossingSearch search = {gGlobals->bezierTables, *point, PickTolerance(), {}, {}};
-    VisitCandidates(
+    const AIErr error = VisitCandidates(
         LayerScope::visible, search.cursor, search.tolerance,
         [&](AIArtHandle art, std::int16_t type) { return type == kPathArt ? VisitPath(&search, art) : kNoErr; },
         [&] { return IsFull(search); });
-    if (!IsFull(search)) return;
+    if (error != kNoErr || !IsFull(search)) return;
     if (!FindCrossing(search.tables, search.first, search.second, search.cursor, search.tolerance, point)) return;
     *kind = kSnapIntersection;
     const SnapCell found[] = {{search.first.art, search.first.index}, {search.second.art, search.second.index}};

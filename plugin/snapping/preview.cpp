@@ -55,12 +55,11 @@ platform::Pixel ViewPixel(const PreviewPen& pen, const DoublePoint& point) {
     return ViewPixel(pen, ToRealPoint(point));
 }
 
-// Two points on one pixel show that pixel: inverting it a second time would take it off again.
 void DrawPreviewLine(const PreviewPen& pen, const RealPoint& a, const RealPoint& b) {
     const platform::Pixel start = ViewPixel(pen, a), end = ViewPixel(pen, b);
     platform::MoveTo(pen.surface, start);
     platform::LineTo(pen.surface, start);
-    if (start.h != end.h || start.v != end.v) platform::LineTo(pen.surface, end);
+    platform::LineTo(pen.surface, end);
 }
 
 void DrawPreviewLine(const PreviewPen& pen, const DoublePoint& a, const DoublePoint& b) {

@@ -1,3 +1,4 @@
+// The steps that a run of two points shares between the tool families: press, drag, release into placing.
 #include "plugin/snapping/run_protocol.h"
 
 #include "plugin/settings/info_panel.h"

@@ -1,5 +1,7 @@
 // The searches that put the cursor on an anchor, a centre, a path, an arc or a segment to be picked. They are one walk
 // with one table: a row says which bounds keep a path out, how a path is tested, and which kind a hit gets.
+#include <algorithm>
+
 #include "plugin/snapping/candidates.h"
 #include "plugin/snapping/snap.h"
 
@@ -101,7 +103,7 @@ constexpr SearchMember kFilletPick = {kSnapAnchor, FindPair, LineOrArcUnder, Tig
 // Leaves *over alone on failure.
 AIErr TestBounds(const ArtSearch& search, AIArtHandle art, RealRect* bounds, bool* over) {
     const AIErr error = search.member.getBounds(art, bounds);
-    if (error == kNoErr) *over = PointInGrownRect(*search.point, *bounds, search.tolerance);
+    if (error == kNoErr) *over = PointInPickRect(*search.point, *bounds, search.tolerance);
     return error;
 }
 
@@ -154,13 +156,19 @@ void RunSearch(const SearchMember& member, RealPoint* point, std::int16_t* kind,
     ArtSearch search = {member, gGlobals->bezierTables, PickTolerance(), point, kind, capacity, cells, 0};
     // A search that goes on behind its first hit tests around a cursor that has moved by up to one tolerance.
     const double reach = capacity > 1 ? 2.0 * search.tolerance : search.tolerance;
-    VisitCandidates(
+    const RealPoint before = *point;
+    const AIErr error = VisitCandidates(
         member.layers, *point, reach,
         [&](AIArtHandle art, std::int16_t type) {
             if (type == kPathArt) return VisitPath(&search, art);
             return type == kTextFrameArt && member.textFrames ? VisitTextFrame(&search, art) : kNoErr;
         },
         [&] { return search.count >= capacity; });
+    if (error == kNoErr) return;
+    // A host that fails on the way has shown nothing.
+    *point = before;
+    *kind = kSnapNothing;
+    std::fill_n(cells, search.count, SnapCell{});
 }
 
 }  // namespace

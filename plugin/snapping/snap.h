@@ -1,6 +1,6 @@
 // Snapping: moving the cursor onto what the drawing offers. A family's chain tries the enabled searches in a fixed
-// order; the first that hits moves the point in place and fills the cells. Each search here does nothing when the kind
-// is already nonzero, so that a chain is a list of calls.
+// order; the first that hits moves the point in place and fills the cells. Each search over art
+// does nothing when the kind is already nonzero, so that a chain is a list of calls.
 #pragma once
 
 #include "plugin/shell/globals.h"

@@ -17,11 +17,10 @@ double PickTolerance() {
     return z > 0 ? 2.0 / z : 2.0 * -z;
 }
 
-bool PointInPickRect(const RealPoint& point, const RealRect& rect) {
-    RealRect grown = rect;
-    const float margin = static_cast<float>(-PickTolerance());
-    sAIRealMath->AIRealRectInset(&grown, margin, margin);
-    return sAIRealMath->AIRealPointInRect(&grown, &point) != 0;
+bool PointInPickRect(const RealPoint& point, RealRect rect, double tolerance) {
+    const float margin = static_cast<float>(-tolerance);
+    sAIRealMath->AIRealRectInset(&rect, margin, margin);
+    return sAIRealMath->AIRealPointInRect(&rect, &point) != 0;
 }
 
 bool IsToolGroup(AIArtHandle art) {

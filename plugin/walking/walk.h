@@ -11,8 +11,8 @@ constexpr char kToolConfigTag[] = "QUORVEL_TOOLCNF";
 // Two screen pixels in document units, from the zoom of view 0, read afresh at each call: 2 / zoom, or -2 zoom when the
 // zoom is not above 0.
 double PickTolerance();
-// Is the point inside the rectangle grown by PickTolerance?
-bool PointInPickRect(const RealPoint& point, const RealRect& rect);
+// Is the point inside the rectangle grown by the tolerance, a PickTolerance that a search has read once?
+bool PointInPickRect(const RealPoint& point, RealRect rect, double tolerance);
 
 // Does the art bear the tag QUORVEL_TOOLCNF? Searches never descend into such a group.
 bool IsToolGroup(AIArtHandle art);

@@ -102,36 +102,34 @@ TEST_F(Graphics, ArcSpanBendsLikeACircle) {
         const double radius = 20 + std::fabs(any(random)) * 100;
         const double start = any(random) * 3, sweep = any(random) * 1.5;
         if (std::fabs(sweep) < 0.05) continue;
-        PathSegment p = CornerAt(PolarPoint(c, radius, start));
-        PathSegment q = CornerAt(PolarPoint(c, radius, start + sweep));
-        AddArcSpan(c, &p, &q);
+        const DoublePoint p = PolarPoint(c, radius, start), q = PolarPoint(c, radius, start + sweep);
+        RealPoint pOut, qIn;
+        AddArcSpan(c, p, q, &pOut, &qIn);
         const double ratio = std::sin(std::acos(-1) / 2 - std::fabs(sweep)) / 8 + 0.552277;
         const double handle = radius * std::tan(sweep / 2) * ratio;
-        const DoublePoint out = PolarPoint(ToDoublePoint(p.p), handle, start + std::acos(-1) / 2);
-        const DoublePoint in = PolarPoint(ToDoublePoint(q.p), -handle, start + sweep + std::acos(-1) / 2);
-        EXPECT_NEAR(p.out.h, out.h, 0.02) << "start " << start << " sweep " << sweep;
-        EXPECT_NEAR(p.out.v, out.v, 0.02);
-        EXPECT_NEAR(q.in.h, in.h, 0.02);
-        EXPECT_NEAR(q.in.v, in.v, 0.02);
+        const DoublePoint out = PolarPoint(p, handle, start + std::acos(-1) / 2);
+        const DoublePoint in = PolarPoint(q, -handle, start + sweep + std::acos(-1) / 2);
+        EXPECT_NEAR(pOut.h, out.h, 0.02) << "start " << start << " sweep " << sweep;
+        EXPECT_NEAR(pOut.v, out.v, 0.02);
+        EXPECT_NEAR(qIn.h, in.h, 0.02);
+        EXPECT_NEAR(qIn.v, in.v, 0.02);
     }
 }
 
 TEST_F(Graphics, ArcSpanOfQuartersAndOfLevelRadii) {
-    PathSegment p = CornerAt({10, 0}), q = CornerAt({0, 10});
-    AddArcSpan({0, 0}, &p, &q);  // ratio 0.552277: sin(quarter - quarter) is 0
-    expectPoint(p.out, 10, 5.52277);
-    expectPoint(q.in, 5.52277, 10);
+    RealPoint out, in;
+    AddArcSpan({0, 0}, {10, 0}, {0, 10}, &out, &in);  // ratio 0.552277: sin(quarter - quarter) is 0
+    expectPoint(out, 10, 5.52277);
+    expectPoint(in, 5.52277, 10);
     // Both radii level: nothing is known, the handles stay.
-    PathSegment left = CornerAt({-10, 0}), right = CornerAt({10, 0});
-    AddArcSpan({0, 0}, &left, &right);
-    expectPoint(left.out, -10, 0);
-    expectPoint(right.in, 10, 0);
+    AddArcSpan({0, 0}, {-10, 0}, {10, 0}, &out, &in);
+    expectPoint(out, 10, 5.52277);
+    expectPoint(in, 5.52277, 10);
     // Across the seam of atan2 the shorter way counts: from 170 to -170 degrees is 20.
-    p = CornerAt(PolarPoint({0, 0}, 10, 170 * kPi / 180));
-    q = CornerAt(PolarPoint({0, 0}, 10, -170 * kPi / 180));
-    AddArcSpan({0, 0}, &p, &q);
+    const DoublePoint p = PolarPoint({0, 0}, 10, 170 * kPi / 180), q = PolarPoint({0, 0}, 10, -170 * kPi / 180);
+    AddArcSpan({0, 0}, p, q, &out, &in);
     const double handle = 10 * std::tan(kPi / 18) * (std::sin(70 * kPi / 180) / 8 + 0.552277);
-    EXPECT_NEAR(std::hypot(p.out.h - p.p.h, p.out.v - p.p.v), handle, 1e-3);
+    EXPECT_NEAR(std::hypot(out.h - p.h, out.v - p.v), handle, 1e-3);
 }
 
 TEST_F(Graphics, DimensionArcRunsByPlainInterpolation) {

@@ -269,6 +269,17 @@ TEST_P(Record, CellsAndStopsAreLinkedByIds) {
     EXPECT_EQ(live.stopCount, 1);
     EXPECT_EQ(live.stops[0].point.h, -1);
     EXPECT_EQ(live.stops[0].cells[0].art, nullptr);
+    // Anchors are read in full, stops as the floats that they are.
+    table.change([&](Document& document) {
+        return document.setTag(group, "QUORVEL_TOCELL", "0,1234.57,-0.1") &&
+               document.setTag(group, "QUORVEL_STOPCELL02", "0,1234.57,-0.1");
+    });
+    const Read fine = read(group);
+    EXPECT_EQ(fine.to.h, 1234.57);
+    EXPECT_EQ(fine.to.v, -0.1);
+    EXPECT_EQ(live.stops[0].point.h, 1234.57F);
+    table.change([&](Document& document) { return document.setTag(group, "QUORVEL_STOPCELL02", "0,-1,0"); });
+    read(group);
     // Written again, only what was found is linked.
     const ArtId again = write(0, 0);
     EXPECT_EQ(table.tag(again, "QUORVEL_STOPCELL01"), "0,-1,0");

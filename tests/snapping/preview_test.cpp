@@ -109,8 +109,12 @@ TEST_F(Preview, LeavesNoTraceWhenTheViewWasRepaintedInBetween) {
 TEST_F(Preview, ShapesReachAsFarAsTheyShould) {
     const RealPoint a = {300, 200}, b = {340, 200};
     EXPECT_EQ(Drawn([&](const PreviewPen& pen) { DrawPreviewLine(pen, a, a); }), 1u);
-    EXPECT_EQ(Drawn([&](const PreviewPen& pen) { DrawPreviewLine(pen, a, b); }),
-              39u);  // neither end: one twice, one never
+    EXPECT_EQ(Drawn([&](const PreviewPen& pen) { DrawPreviewLine(pen, a, b); }), 40u);  // all but the last
+    const auto corner = [&](const PreviewPen& pen) {
+        DrawPreviewLine(pen, a, b);
+        DrawPreviewLine(pen, b, RealPoint{340, 170});
+    };
+    EXPECT_EQ(Drawn(corner), 70u) << "no hole";
     const DoublePoint centre = {300, 200};
     const std::size_t quarter = Drawn([&](const PreviewPen& pen) { DrawPreviewArc(pen, centre, 60, 0, kHalfPi); });
     EXPECT_EQ(Drawn([&](const PreviewPen& pen) { DrawPreviewArc(pen, centre, 60, kHalfPi, 0); }), quarter);

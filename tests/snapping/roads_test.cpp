@@ -30,6 +30,14 @@ AIErr CountedRead(AIArtHandle path, std::int16_t first, std::int16_t count, Path
     return hostPath->GetPathSegments(path, first, count, segments);
 }
 
+// The art whose bounds the host refuses, when there is one.
+AIArtHandle refused = nullptr;
+const AIArtSuite* hostArt = nullptr;
+
+AIErr RefusedBounds(AIArtHandle art, const RealMatrix* matrix, std::int32_t options, RealRect* bounds) {
+    return art == refused ? kBadParameterErr : hostArt->GetArtTransformBounds(art, matrix, options, bounds);
+}
+
 // Stands where the plug-in's entry stands: holds the suites for the time of a message and runs the test's job.
 AIErr RunJob(const char*, const char*, void* message) {
     gBasic = static_cast<SPMessageData*>(message)->basic;
@@ -38,7 +46,12 @@ AIErr RunJob(const char*, const char*, void* message) {
     AIPathSuite counted = *sAIPath;
     counted.GetPathSegments = CountedRead;
     sAIPath = &counted;
+    hostArt = sAIArt;
+    AIArtSuite refusing = *sAIArt;
+    refusing.GetArtTransformBounds = RefusedBounds;
+    sAIArt = &refusing;
     job();
+    sAIArt = hostArt;
     sAIPath = hostPath;
     return ReleaseSuites();
 }
@@ -175,6 +188,23 @@ TEST_F(Roads, AnchorsOfSixArtsFillFiveCells) {
     EXPECT_EQ(found.cells[1].index, 0);
     EXPECT_EQ(Both("one anchor", {51.5f, 51}).count(), 1);
     EXPECT_EQ(Both("anchors", {52.5f, 50}).kind, kSnapNothing);
+}
+
+TEST_F(Roads, AHostThatFailsOnTheWayHasShownNothing) {
+    Draw([&](Document& document) {
+        AddPath(document, root, {Corner(0, 0), Corner(50, 50)});
+        AddPath(document, root, {Corner(50, 50), Corner(90, 0)});
+    });
+    refused = Both("anchors", {51, 50}).cells[1].art;
+    ASSERT_NE(refused, nullptr);
+    for (const char* search : {"anchors", "intersection"}) {
+        const Found found = Both(search, {51, 50});
+        EXPECT_EQ(found.kind, kSnapNothing) << search;
+        EXPECT_EQ(found.point.h, 51) << search;
+        EXPECT_EQ(found.count(), 0) << search;
+    }
+    EXPECT_EQ(Both("one anchor", {51, 50}).kind, kSnapAnchor) << "it has stopped before";
+    refused = nullptr;
 }
 
 TEST_F(Roads, NeighboursDoNotCrossAndTheClosingSegmentHasIndexZero) {
