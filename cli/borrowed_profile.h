@@ -10,14 +10,25 @@ class BorrowedProfile {
   public:
     // Throws InputError when the settings cannot be copied; a lender without settings lends the defaults.
     explicit BorrowedProfile(const SessionOptions& lender);
-    ~BorrowedProfile();
-    BorrowedProfile(const BorrowedProfile&) = delete;
-    BorrowedProfile& operator=(const BorrowedProfile&) = delete;
 
     // The lender's, with this profile.
     const SessionOptions& options() const { return options_; }
 
   private:
+    // A folder of its own, gone with it.
+    class Folder {
+      public:
+        Folder();
+        ~Folder();
+        Folder(const Folder&) = delete;
+        Folder& operator=(const Folder&) = delete;
+        const std::string& path() const { return path_; }
+
+      private:
+        std::string path_;
+    };
+
+    Folder folder_;
     SessionOptions options_;
 };
 

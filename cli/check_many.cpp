@@ -13,20 +13,25 @@ namespace quorvel::cli {
 
 namespace {
 
+std::string errorJson(const std::string& file, std::string cause) {
+    if (cause.ends_with('\n')) cause.pop_back();
+    return writtenJson({{"file", file}, {"error", cause}});
+}
+
 WorkerVerdict checkOne(const std::string& file, const SessionOptions& options, bool json) {
     try {
         const BorrowedProfile profile(options);
         Session session(profile.options());
         session.openDrawing(file);
+        for (const std::string& warning : session.takeWarnings()) std::cerr << file << ": " << warning << '\n';
         session.start();
         const std::vector<DimensionCheck> checks = checkDimensions(session);
         const bool stale = std::any_of(checks.begin(), checks.end(), [](const auto& check) { return check.stale(); });
-        return {stale ? kExitFault : kExitOk, json ? checkJson(file, checks).dump(1) : checkText(file, checks)};
+        return {stale ? kExitFault : kExitOk, json ? writtenJson(checkJson(file, checks)) : checkText(file, checks)};
     } catch (const std::exception& error) {
         const std::string what = error.what();
         const std::string line = what.rfind(file, 0) == 0 ? what : file + ": " + what;
-        if (json) return {kExitBadInput, Json({{"file", file}, {"error", what}}).dump(1)};
-        return {kExitBadInput, line + '\n'};
+        return {kExitBadInput, json ? errorJson(file, what) : line + '\n'};
     }
 }
 
@@ -38,9 +43,11 @@ int checkMany(const std::vector<std::string>& files, const SessionOptions& optio
     int status = kExitOk;
     if (json) std::cout << "[\n";
     for (std::size_t i = 0; i < verdicts.size(); ++i) {
-        const bool unreadable = verdicts[i].status == kExitBadInput;
+        const WorkerVerdict& verdict = verdicts[i];
+        const bool unreadable = verdict.status == kExitBadInput;
         (unreadable && !json ? std::cerr : std::cout)
-            << verdicts[i].words << (json && i + 1 < verdicts.size() ? ",\n" : "");
+            << (verdict.ended || !json ? verdict.words : errorJson(files[i], verdict.words))
+            << (json && i + 1 < verdicts.size() ? ",\n" : "");
         status = std::max(status, verdicts[i].status);
     }
     if (json) std::cout << "\n]\n";

@@ -2,10 +2,9 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
-#include <fstream>
+#include <cmath>
 #include <iostream>
 #include <set>
-#include <sstream>
 
 #include "cli/borrowed_profile.h"
 #include "cli/check_many.h"
@@ -19,6 +18,7 @@
 #include "cli/session.h"
 #include "cli/snap_report.h"
 #include "host/svg.h"
+#include "platform/file.h"
 
 namespace quorvel::cli {
 
@@ -35,10 +35,13 @@ struct Options {
 };
 
 std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    if (!in || !(bytes << in.rdbuf())) throw InputError(path + ": cannot be read");
-    return bytes.str();
+    std::string bytes;
+    if (!platform::ReadWholeFile(path, &bytes)) throw InputError(path + ": cannot be read");
+    return bytes;
+}
+
+void tellWarnings(const std::string& file, const std::vector<std::string>& warnings) {
+    for (const std::string& warning : warnings) std::cerr << file << ": " << warning << '\n';
 }
 
 // For commands that read a drawing and run no plug-in.
@@ -46,7 +49,7 @@ class ReadDrawing {
   public:
     explicit ReadDrawing(const std::string& path) : result_(host::readSvgFile(path)) {
         if (result_.document == nullptr) throw InputError(path + ": " + result_.error);
-        for (const std::string& warning : result_.warnings) std::cerr << path << ": " << warning << '\n';
+        tellWarnings(path, result_.warnings);
     }
     const host::Document& document() const { return *result_.document; }
     const std::string& rulerUnit() const { return result_.rulerUnit; }
@@ -69,7 +72,7 @@ int runScriptFile(const Options& options) {
 
 int dumpFile(const Options& options) {
     const ReadDrawing drawing(options.file);
-    std::cout << dumpDocument(drawing.document(), drawing.rulerUnit()).dump(1) << '\n';
+    std::cout << writtenJson(dumpDocument(drawing.document(), drawing.rulerUnit())) << '\n';
     return kExitOk;
 }
 
@@ -77,7 +80,7 @@ int listFile(const Options& options) {
     const ReadDrawing drawing(options.file);
     const std::vector<RecordedDimension> dimensions = listDimensions(drawing.document());
     if (options.json)
-        std::cout << listJson(dimensions).dump(1) << '\n';
+        std::cout << writtenJson(listJson(dimensions)) << '\n';
     else
         std::cout << listText(dimensions);
     return kExitOk;
@@ -96,10 +99,11 @@ int snapAt(Options options) {
     const BorrowedProfile profile(options.session);
     Session session(profile.options());
     session.openDrawing(options.file);
+    tellWarnings(options.file, session.takeWarnings());
     session.start();
     const Json report = snapJson(session, options.snap);
     if (options.json)
-        std::cout << report.dump(1) << '\n';
+        std::cout << writtenJson(report) << '\n';
     else
         std::cout << snapText(report);
     return kExitOk;
@@ -109,14 +113,17 @@ int recalculateFile(const Options& options) {
     const BorrowedProfile profile(options.session);
     Session session(profile.options());
     session.openDrawing(options.file);
+    tellWarnings(options.file, session.takeWarnings());
     session.start();
-    std::set<std::string> asked(options.ids.begin(), options.ids.end());
+    const std::set<std::string> asked(options.ids.begin(), options.ids.end());
+    std::set<std::string> unknown = asked;
     std::vector<host::ArtId> chosen;
     for (const DimensionCheck& check : checkDimensions(session)) {
-        const bool named = asked.erase(check.svgId) > 0;
-        if ((named || options.ids.empty()) && (check.stale() || options.all)) chosen.push_back(check.group);
+        unknown.erase(check.svgId);
+        if ((asked.empty() || asked.contains(check.svgId)) && (check.stale() || options.all))
+            chosen.push_back(check.group);
     }
-    if (!asked.empty()) throw InputError(options.file + ": no dimension has the id " + *asked.begin());
+    if (!unknown.empty()) throw InputError(options.file + ": no dimension has the id " + *unknown.begin());
     const int rebuilt = rebuildDimensions(session, chosen);
     session.saveDrawing(options.output);
     std::cout << options.output << ": " << rebuilt << " rebuilt\n";
@@ -146,6 +153,12 @@ int runCommandLine(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer("Example: quorvel run examples/bracket.script");
     Options options;
+    const CLI::Validator aboveZero(
+        [](std::string& text) -> std::string {
+            double value = 0;
+            return CLI::detail::lexical_cast(text, value) && value > 0 && value < INFINITY ? "" : "a number above 0";
+        },
+        "NUMBER");
 
     CLI::App* run = addCommand(app, &options, "run", "replay a script", "examples/bracket.script --language en");
     run->add_option("FILE", options.file, "the script")->required();
@@ -160,7 +173,7 @@ int runCommandLine(int argc, char** argv) {
                                 "examples/bracket.svg --at 120,300");
     snap->add_option("FILE", options.file, "the drawing")->required();
     snap->add_option("--at", options.at, "the point, X,Y in document points")->required();
-    snap->add_option("--zoom", options.snap.zoom, "pixels per point")->check(CLI::PositiveNumber);
+    snap->add_option("--zoom", options.snap.zoom, "pixels per point")->check(aboveZero);
     snap->add_option("--tool", options.snap.tool, "the tool's title");
     snap->add_flag("--json", options.json, "as JSON");
     CLI::App* recalc =
@@ -168,7 +181,9 @@ int runCommandLine(int argc, char** argv) {
                    "out/bracket.svg -o out/true.svg");
     recalc->add_option("FILE", options.file, "the drawing")->required();
     recalc->add_option("-o,--output", options.output, "where the drawing goes")->required();
-    recalc->add_option("--ids", options.ids, "only these, by SVG id")->delimiter(',');
+    recalc->add_option("--ids", options.ids, "only these, by SVG id, parted by commas")
+        ->delimiter(',')
+        ->allow_extra_args(false);
     recalc->add_flag("--all", options.all, "also those that are true already");
     CLI::App* check = addCommand(app, &options, "check", "name the dimensions that no longer say what they measure",
                                  "out/bracket.svg");
@@ -192,13 +207,17 @@ int runCommandLine(int argc, char** argv) {
         if (frame->parsed()) return drawFrames(options.frame, options.session);
         if (exported->parsed()) return exportDrawings(options.exported);
         return checkMany(options.files, options.session, options.json);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kExitOk : kExitBadInput;
+        const auto chosen = app.get_subcommands();
+        std::cerr << "quorvel " << (chosen.empty() ? "" : chosen.front()->get_name() + ": ") << error.what() << '\n';
+        return kExitBadInput;
     } catch (const InputError& error) {
         std::cerr << error.what() << '\n';
         return kExitBadInput;
     } catch (const std::exception& error) {
-        std::cerr << options.file << ": " << error.what() << '\n';
+        std::cerr << (options.file.empty() ? "quorvel" : options.file) << ": " << error.what() << '\n';
         return kExitBadInput;
     }
 }

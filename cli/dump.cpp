@@ -157,6 +157,8 @@ std::string toUtf8(const std::u16string& text) {
     return out;
 }
 
+std::string writtenJson(const Json& json) { return json.dump(1, ' ', false, Json::error_handler_t::replace); }
+
 Json dumpDocument(const host::Document& document, const std::string& rulerUnit) {
     Json json;
     json["page"] = {{"width", shortest(document.width())}, {"height", shortest(document.height())}};

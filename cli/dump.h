@@ -16,6 +16,8 @@ double shortest(float value);
 std::string tagText(const std::string& bytes);
 std::string toUtf8(const std::u16string& text);
 
+// As text, indented. Bytes that are no UTF-8, as file names may hold, become U+FFFD.
+std::string writtenJson(const Json& json);
 Json dumpDocument(const host::Document& document, const std::string& rulerUnit);
 
 }  // namespace quorvel::cli

@@ -112,7 +112,8 @@ std::string namedError(const std::string& file, const std::string& cause) {
 void addFrameOptions(CLI::App& command, FrameOptions* options) {
     command.add_option("FILE", options->files, "the drawings")->required();
     command.add_option("--parts", options->parts, "the parts list, CSV in code page 932")->required();
-    command.add_option("--set", options->sets, "a setting on top of the list's, KEY=TEXT, such as flZwkTitle=Bracket");
+    command.add_option("--set", options->sets, "a setting on top of the list's, KEY=TEXT, such as flZwkTitle=Bracket")
+        ->allow_extra_args(false);
     command.add_option("--mode", options->mode, "the table stands on the title block or hangs from the top")
         ->check(CLI::IsMember({"bottom", "top"}));
     command.add_option("--at", options->at, "the frame, LEFT,BOTTOM,RIGHT,TOP in document points")->required();
@@ -139,8 +140,10 @@ int drawFrames(const FrameOptions& options, const SessionOptions& sessionOptions
         progress.show(i + 1, ": " + file);
         try {
             session.openDrawing(file);
-            if (!session.warnings().empty()) progress.clear();
-            for (const std::string& warning : session.warnings()) std::cerr << file << ": " << warning << '\n';
+            for (const std::string& warning : session.takeWarnings()) {
+                progress.clear();
+                std::cerr << file << ": " << warning << '\n';
+            }
             drawFrame(session, tool, corners);
             session.saveDrawing(outputs[i]);
         } catch (const InputError& error) {

@@ -13,16 +13,16 @@ namespace {
 struct VerbRow {
     const char* verb;
     int fewest, most;     // most -1: any number
-    const char* numbers;  // "n" per number from the first word on, "." for another word
+    const char* numbers;  // from the first word on: "n" for a number, "i" for a whole one, "." for another word
 };
 
 constexpr VerbRow kVerbs[] = {
     {"new", 2, 2, "nn"},    {"open", 1, 1, ""},     {"save", 1, 1, ""},   {"set", 2, 2, ""},     {"tool", 1, 1, ""},
     {"options", 1, 1, ""},  {"track", 2, 4, "nn"},  {"drag", 2, 4, "nn"}, {"down", 0, 2, ""},    {"up", 0, 2, ""},
-    {"answer", 1, 1, ""},   {"dialog", 1, -1, "n"}, {"file", 1, 1, ""},   {"select", 1, -1, ""}, {"move", 3, 3, ".nn"},
+    {"answer", 1, 1, ""},   {"dialog", 1, -1, "i"}, {"file", 1, 1, ""},   {"select", 1, -1, ""}, {"move", 3, 3, ".nn"},
     {"turn", 4, 4, ".nnn"}, {"copy", 2, 2, ""},     {"delete", 1, 1, ""}, {"layer", 2, 3, ""},   {"zoom", 1, 1, "n"},
-    {"ruler", 1, 1, ""},    {"action", 1, 1, ""},   {"notify", 1, 1, ""}, {"menu", 1, 1, ""},    {"flyout", 1, 1, "n"},
-    {"tick", 0, 1, "n"},    {"panel", 2, 3, ".n"},  {"undo", 0, 0, ""},   {"redo", 0, 0, ""},    {"expect", 1, 3, ""},
+    {"ruler", 1, 1, ""},    {"action", 1, 1, ""},   {"notify", 1, 1, ""}, {"menu", 1, 1, ""},    {"flyout", 1, 1, "i"},
+    {"tick", 0, 1, "i"},    {"panel", 2, 3, ".i"},  {"undo", 0, 0, ""},   {"redo", 0, 0, ""},    {"expect", 1, 3, ""},
 };
 
 // Words of which one must stand at a place.
@@ -56,8 +56,8 @@ struct ExpectRow {
 
 constexpr ExpectRow kExpects[] = {
     {"beep", 0, ""}, {"no-beep", 0, ""},  {"question", 1, ""}, {"alert", 1, ""},
-    {"undo", 1, ""}, {"cursor", 1, "n"},  {"panel", 2, "n"},   {"focus", 1, "n"},
-    {"menu", 2, ""}, {"preview", 1, "n"}, {"arts", 1, "n"},
+    {"undo", 1, ""}, {"cursor", 1, "i"},  {"panel", 2, "i"},   {"focus", 1, "i"},
+    {"menu", 2, ""}, {"preview", 1, "i"}, {"arts", 1, "i"},
 };
 
 bool isOneOf(const std::string& word, std::string_view choices) {
@@ -109,8 +109,10 @@ std::vector<ScriptWord> readWords(std::string_view line) {
 }
 
 void checkNumbers(const std::vector<ScriptWord>& words, std::string_view numbers, std::size_t from) {
-    for (std::size_t i = 0; i < numbers.size() && from + i < words.size(); ++i)
+    for (std::size_t i = 0; i < numbers.size() && from + i < words.size(); ++i) {
         if (numbers[i] == 'n') numberIn(words[from + i]);
+        if (numbers[i] == 'i') integerIn(words[from + i]);
+    }
 }
 
 void checkExpect(const ScriptLine& line) {
@@ -135,6 +137,10 @@ void checkLayer(const ScriptLine& line) {
     if (line.words.size() != (takesTitle ? 3U : 2U)) throw std::invalid_argument("layer has too few or too many words");
 }
 
+void checkDialog(const ScriptLine& line) {
+    for (std::size_t i = 1; i < line.words.size(); ++i) dialogStepIn(line.words[i]);
+}
+
 void checkLine(const ScriptLine& line) {
     const VerbRow* row = nullptr;
     for (const VerbRow& candidate : kVerbs)
@@ -152,6 +158,7 @@ void checkLine(const ScriptLine& line) {
     if (line.verb == "expect") checkExpect(line);
     if (line.verb == "panel") checkPanel(line);
     if (line.verb == "layer") checkLayer(line);
+    if (line.verb == "dialog") checkDialog(line);
 }
 
 }  // namespace
@@ -185,6 +192,28 @@ std::int32_t integerIn(const ScriptWord& word) {
     if (!(std::abs(value) <= 2147483647.0) || value != std::trunc(value))
         throw std::invalid_argument("\"" + word.text + "\" is no whole number");
     return static_cast<std::int32_t>(value);
+}
+
+platform::DialogStep dialogStepIn(const ScriptWord& word) {
+    using Kind = platform::DialogStep::Kind;
+    const std::string& text = word.text;
+    const auto control = [&](std::string_view digits) {
+        return integerIn({std::string(digits), ScriptWord::kNotQuoted});
+    };
+    if (text.starts_with("press:")) return {Kind::press, control(std::string_view(text).substr(6)), {}, 0};
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0)
+        throw std::invalid_argument("dialog does not take " + quotedWord(text));
+    const bool compares = text[equals - 1] == '?';
+    const std::int32_t id = control(std::string_view(text).substr(0, compares ? equals - 1 : equals));
+    const std::string value = text.substr(equals + 1);
+    if (compares) return {Kind::expectText, id, value, 0};
+    if (word.quotedFrom == ScriptWord::kNotQuoted) {
+        if (value == "on") return {Kind::check, id, {}, 0};
+        if (value == "off") return {Kind::uncheck, id, {}, 0};
+        if (value.starts_with("row:")) return {Kind::selectRow, id, {}, control(std::string_view(value).substr(4))};
+    }
+    return {Kind::setText, id, value, 0};
 }
 
 std::vector<ScriptLine> parseScript(std::string_view text, const std::string& name) {

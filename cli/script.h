@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/headless/headless.h"
+
 namespace quorvel::cli {
 
 // Bad input: one line that names the file, the line and the cause. The program leaves with 2.
@@ -37,5 +39,7 @@ std::string quotedWord(std::string_view text);
 // One finite decimal number; throws std::invalid_argument with the cause.
 double numberIn(const ScriptWord& word);
 std::int32_t integerIn(const ScriptWord& word);
+// A word of a dialog line behind the dialog's number; throws std::invalid_argument with the cause.
+platform::DialogStep dialogStepIn(const ScriptWord& word);
 
 }  // namespace quorvel::cli

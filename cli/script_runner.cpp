@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <numbers>
 #include <optional>
+#include <utility>
 
 #include "cli/editing.h"
 #include "platform/text.h"
@@ -17,7 +18,8 @@ namespace {
 // What is wrong with the line that is running; the run ends with 1.
 class ScriptFault : public std::runtime_error {
   public:
-    using std::runtime_error::runtime_error;
+    explicit ScriptFault(const std::string& cause, int lineNumber = 0) : std::runtime_error(cause), line(lineNumber) {}
+    int line;  // 0: the one that runs
 };
 
 // What the last line that was no expect did.
@@ -25,7 +27,11 @@ struct Happened {
     std::vector<std::string> lines;
     int beeps = 0;
     std::string undoName;
+    bool alertExpected = false;
 };
+
+// Lines that say only what is to be answered later.
+bool IsReply(const ScriptLine& line) { return line.verb == "answer" || line.verb == "dialog" || line.verb == "file"; }
 
 class Runner {
   public:
@@ -33,7 +39,10 @@ class Runner {
 
     void run(const ScriptLine& line);
     const Happened& happened() const { return happened_; }
-    void collect();  // what the line did
+    void collect(const ScriptLine& line);  // what it did
+    // An alert that nobody expects fails a run, as an unexpected dialog does. Called when the line's expectations have
+    // been heard; gives the alert, or "" when all is well.
+    std::string unexpectedAlert() const;
 
   private:
     using Verb = void (Runner::*)(const ScriptLine&);
@@ -71,6 +80,7 @@ class Runner {
     void expectTranscript(const ScriptLine& line, const char* const* prefixes);
     void expectNumber(const ScriptLine& line, const char* what, std::int64_t found, std::size_t place);
 
+    void start();
     const host::ToolRecord& toolNamed(const std::string& title);
     // A path as written; a drawing that is not there is looked for beside the script.
     std::string drawingPath(const std::string& path) const;
@@ -79,6 +89,7 @@ class Runner {
     Session& session_;
     Happened happened_;
     RealPoint cursor_;
+    std::vector<ScriptLine> earlySets_;  // written to the file that the plug-in reads when it starts
 };
 
 const Runner::VerbRow Runner::kTable[] = {
@@ -99,9 +110,8 @@ void Runner::run(const ScriptLine& line) {
     for (const VerbRow& candidate : kTable)
         if (line.verb == candidate.verb) row = &candidate;
     if (row == nullptr) throw ScriptFault("unknown verb " + line.verb);
-    const bool setsUp = line.verb == "set" || line.verb == "answer" || line.verb == "dialog" || line.verb == "file";
-    if (!setsUp && line.verb != "expect") {
-        session_.start();
+    if (!IsReply(line) && line.verb != "set" && line.verb != "expect") {
+        start();
         session_.takeSteps();
     }
     if (row->needsDrawing && session_.document() == nullptr) throw ScriptFault("no drawing is open");
@@ -109,13 +119,29 @@ void Runner::run(const ScriptLine& line) {
     if (const std::string fault = session_.user().takeFault(); !fault.empty()) throw ScriptFault(fault);
 }
 
-void Runner::collect() {
+// The plug-in passes over keys of its file that it does not know; in a script they are slips.
+void Runner::start() {
+    session_.start();
+    for (const ScriptLine& set : std::exchange(earlySets_, {}))
+        if (const std::string& key = set.words[0].text; !session_.host().knowsField(key))
+            throw ScriptFault("unknown setting " + key, set.number);
+}
+
+void Runner::collect(const ScriptLine& line) {
     happened_ = {};
     happened_.lines = session_.user().takeTranscript();
-    for (const std::string& line : happened_.lines)
-        if (line == "beep") ++happened_.beeps;
+    for (const std::string& told : happened_.lines)
+        if (told == "beep") ++happened_.beeps;
     for (const std::string& step : session_.takeSteps()) happened_.lines.push_back("undo " + quotedWord(step));
-    happened_.undoName = session_.host().lastUndoName();
+    if (!IsReply(line)) happened_.undoName = session_.host().lastUndoName();
+    for (const std::string& warning : session_.takeWarnings())
+        happened_.lines.push_back("warning " + quotedWord(warning));
+}
+
+std::string Runner::unexpectedAlert() const {
+    for (const std::string& told : happened_.lines)
+        if (told.starts_with("alert ") && !happened_.alertExpected) return told;
+    return {};
 }
 
 // --- drawing and settings
@@ -142,7 +168,10 @@ void Runner::save(const ScriptLine& line) { session_.saveDrawing(line.words[0].t
 void Runner::set(const ScriptLine& line) {
     const std::string& key = line.words[0].text;
     const std::string& value = line.words[1].text;
-    if (!session_.started()) return session_.writeSetting(key, value);
+    if (!session_.started()) {
+        earlySets_.push_back(line);
+        return session_.writeSetting(key, value);
+    }
     if (!session_.host().setField(key, platform::FromUtf8(value, platform::kCodePageJapanese)))
         throw ScriptFault("unknown setting " + key);
 }
@@ -182,37 +211,10 @@ void Runner::answer(const ScriptLine& line) {
     session_.user().queueAnswer(word == "yes" || word == "ok");
 }
 
-platform::DialogStep dialogStep(const ScriptWord& word) {
-    using Kind = platform::DialogStep::Kind;
-    const std::string& text = word.text;
-    const auto control = [&](std::string_view digits) {
-        return integerIn({std::string(digits), ScriptWord::kNotQuoted});
-    };
-    if (text.rfind("press:", 0) == 0) return {Kind::press, control(std::string_view(text).substr(6)), {}, 0};
-    const std::size_t equals = text.find('=');
-    if (equals == std::string::npos || equals == 0) throw ScriptFault("dialog does not take " + quotedWord(text));
-    const bool compares = text[equals - 1] == '?';
-    const std::int32_t id = control(std::string_view(text).substr(0, compares ? equals - 1 : equals));
-    const std::string value = text.substr(equals + 1);
-    if (compares) return {Kind::expectText, id, value, 0};
-    if (word.quotedFrom == ScriptWord::kNotQuoted) {
-        if (value == "on") return {Kind::check, id, {}, 0};
-        if (value == "off") return {Kind::uncheck, id, {}, 0};
-        if (value.rfind("row:", 0) == 0) return {Kind::selectRow, id, {}, control(std::string_view(value).substr(4))};
-    }
-    return {Kind::setText, id, value, 0};
-}
-
 void Runner::dialog(const ScriptLine& line) {
     platform::DialogReply reply;
     reply.dialogId = integerIn(line.words[0]);
-    for (std::size_t i = 1; i < line.words.size(); ++i) {
-        try {
-            reply.steps.push_back(dialogStep(line.words[i]));
-        } catch (const std::invalid_argument& cause) {
-            throw ScriptFault(cause.what());
-        }
-    }
+    for (std::size_t i = 1; i < line.words.size(); ++i) reply.steps.push_back(dialogStepIn(line.words[i]));
     session_.user().queueDialog(std::move(reply));
 }
 
@@ -255,7 +257,11 @@ void Runner::layer(const ScriptLine& line) {
     if (!cause.empty()) throw ScriptFault(cause);
 }
 
-void Runner::zoom(const ScriptLine& line) { session_.host().setZoom(static_cast<float>(numberIn(line.words[0]))); }
+void Runner::zoom(const ScriptLine& line) {
+    const double zoom = numberIn(line.words[0]);
+    if (!(zoom > 0 && zoom <= 1e6)) throw ScriptFault("a zoom is above 0");
+    session_.host().setZoom(static_cast<float>(zoom));
+}
 
 void Runner::ruler(const ScriptLine& line) { session_.host().setRulerUnit(line.words[0].text); }
 
@@ -290,7 +296,10 @@ void Runner::menu(const ScriptLine& line) {
     throw ScriptFault("no menu item is named " + quotedWord(line.words[0].text));
 }
 
-void Runner::flyout(const ScriptLine& line) { session_.host().chooseFlyout(integerIn(line.words[0])); }
+void Runner::flyout(const ScriptLine& line) {
+    if (!session_.host().chooseFlyout(integerIn(line.words[0])))
+        throw ScriptFault("the panel's flyout has no item " + line.words[0].text);
+}
 
 void Runner::tick(const ScriptLine& line) {
     const std::int32_t count = line.words.empty() ? 1 : integerIn(line.words[0]);
@@ -343,6 +352,7 @@ void Runner::expect(const ScriptLine& line) {
         expectTranscript(line, kQuestions);
     } else if (what == "alert") {
         expectTranscript(line, kAlerts);
+        happened_.alertExpected = true;
     } else if (what == "undo") {
         require(happened_.undoName == line.words[1].text, "undo " + quotedWord(line.words[1].text),
                 quotedWord(happened_.undoName));
@@ -378,27 +388,32 @@ ScriptOutcome runScript(const std::vector<ScriptLine>& lines, const std::string&
     const auto tellAll = [&] {
         for (const std::string& line : runner.happened().lines) tell(line);
     };
+    int doing = 0;  // the line whose doings are expected about
+    const auto failed = [&](int number, const std::string& cause) {
+        return ScriptOutcome{false, name + ":" + std::to_string(number) + ": " + cause};
+    };
     for (const ScriptLine& line : lines) {
-        const auto failed = [&](const std::string& cause) {
-            return ScriptOutcome{false, name + ":" + std::to_string(line.number) + ": " + cause};
-        };
+        const bool expects = line.verb == "expect";
+        if (const std::string alert = runner.unexpectedAlert(); !expects && !alert.empty())
+            return failed(doing, "unexpected " + alert);
         try {
             runner.run(line);
         } catch (const ScriptFault& fault) {
-            if (line.verb != "expect") {
-                runner.collect();
+            if (!expects) {
+                runner.collect(line);
                 tellAll();
             }
-            return failed(fault.what());
-        } catch (const std::invalid_argument& fault) {
-            return failed(fault.what());
+            return failed(fault.line != 0 ? fault.line : line.number, fault.what());
         } catch (const InputError& error) {
             throw InputError(name + ":" + std::to_string(line.number) + ": " + error.what());
         }
-        if (line.verb == "expect") continue;
-        runner.collect();
+        if (expects) continue;
+        doing = line.number;
+        runner.collect(line);
         tellAll();
     }
+    if (const std::string alert = runner.unexpectedAlert(); !alert.empty()) return failed(doing, "unexpected " + alert);
+    if (session.user().repliesLeft()) return failed(doing, "the end is reached and a reply has not been asked for");
     return {};
 }
 

@@ -138,6 +138,8 @@ void Session::saveDrawing(const std::string& path) {
     host_->document()->markSaved();
 }
 
+std::vector<std::string> Session::takeWarnings() { return std::exchange(warnings_, {}); }
+
 std::vector<std::string> Session::takeSteps() { return std::exchange(steps_, {}); }
 
 }  // namespace quorvel::cli

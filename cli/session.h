@@ -45,8 +45,8 @@ class Session {
     host::Host& host() { return *host_; }
     platform::HeadlessBackend& user() { return *user_; }
     host::Document* document() { return host_->document(); }
-    // Warnings of the file that was opened last.
-    const std::vector<std::string>& warnings() const { return warnings_; }
+    // What the file that was opened last leaves to be said, once.
+    std::vector<std::string> takeWarnings();
     // Names of the undo steps made since the last call.
     std::vector<std::string> takeSteps();
 

@@ -28,7 +28,7 @@ Json snapJson(Session& session, const SnapQuestion& question) {
     host::Host& host = session.host();
     const host::ToolRecord* tool = question.tool.empty() ? (host.tools().empty() ? nullptr : &host.tools().front())
                                                          : host.toolByTitle(question.tool);
-    if (tool == nullptr) throw InputError("no tool is titled \"" + question.tool + "\"");
+    if (tool == nullptr) throw InputError("--tool: no tool is titled " + quotedWord(question.tool));
     host.setZoom(static_cast<float>(question.zoom));
     const std::unique_ptr<QuorvelSnapMessage> report = host.snapReport(*tool, question.at);
     if (report == nullptr) throw InputError("the plug-in does not tell what it snaps to");

@@ -24,6 +24,15 @@ struct Worker {
 
 using Work = std::function<WorkerVerdict(std::size_t file, int words)>;
 
+// Nothing that is thrown leaves the process, in which the program's own way out would be taken a second time.
+WorkerVerdict verdictOf(const std::string& file, std::size_t index, const Work& work, int words) {
+    try {
+        return work(index, words);
+    } catch (const std::exception& error) {
+        return {kExitBadInput, file + ": " + error.what() + '\n', false};
+    }
+}
+
 // A process that writes its words into a pipe and leaves with its status.
 Worker startWorker(const std::string& file, std::size_t index, const Work& work) {
     int ends[2];
@@ -32,7 +41,7 @@ Worker startWorker(const std::string& file, std::size_t index, const Work& work)
     if (process < 0) throw InputError(file + ": no process for it");
     if (process == 0) {
         close(ends[0]);
-        const WorkerVerdict verdict = work(index, ends[1]);
+        const WorkerVerdict verdict = verdictOf(file, index, work, ends[1]);
         std::size_t written = 0;
         while (written < verdict.words.size()) {
             const ssize_t count = write(ends[1], verdict.words.data() + written, verdict.words.size() - written);
@@ -59,7 +68,8 @@ bool readWorker(const Worker& worker, const std::string& file, WorkerVerdict* ve
     while (waitpid(worker.process, &status, 0) < 0 && errno == EINTR) {
     }
     verdict->status = WIFEXITED(status) ? WEXITSTATUS(status) : kExitBadInput;
-    if (!WIFEXITED(status))
+    verdict->ended = WIFEXITED(status);
+    if (!verdict->ended)
         verdict->words = file + ": its process ended on signal " + std::to_string(WTERMSIG(status)) + '\n';
     return true;
 }

@@ -12,6 +12,7 @@ namespace quorvel::cli {
 struct WorkerVerdict {
     int status = 0;
     std::string words;
+    bool ended = true;  // false: a signal took the process down, and words say which
 };
 
 // work runs in the file's own process; what it returns comes back, and so does what it, or a program that takes its

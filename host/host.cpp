@@ -243,6 +243,13 @@ void HostState::dropRegistrations() {
     queued.clear();
 }
 
+bool Host::knowsField(std::string_view key) {
+    const std::string keyText(key);
+    QuorvelSettingMessage message;
+    message.key = keyText.c_str();
+    return send(kCallerSettings, kSelectorSetField, &message.d) == kNoErr && message.accepted != 0;
+}
+
 bool Host::setField(std::string_view key, std::string_view value) {
     const std::string keyText(key), valueText(value);
     QuorvelSettingMessage message;
@@ -353,14 +360,15 @@ AIErr Host::playAction(std::string_view event) {
 const std::vector<PanelRecord>& Host::panels() const { return impl_->panels; }
 
 // A call back into the plug-in that is no message: it acquires no suites.
-void Host::chooseFlyout(int item) {
+bool Host::chooseFlyout(int item) {
     for (const PanelRecord& panel : impl_->panels) {
         const auto bears = [item](const std::pair<int, std::string>& one) { return one.first == item; };
         if (std::none_of(panel.flyoutItems.begin(), panel.flyoutItems.end(), bears)) continue;
         const AIPanelFlyoutProc proc = panel.flyoutProc;
         if (proc != nullptr) impl_->survives([proc, item, handle = panel.handle] { proc(handle, item); });
-        return;
+        return true;
     }
+    return false;
 }
 
 void Host::setTheme(const Theme& theme) { impl_->theme = theme; }
@@ -401,6 +409,7 @@ bool Host::edit(const std::string& name, const std::function<bool(Document&)>& c
     if (!done) document->rollback();
     const std::string undoName = "Undo " + name;
     const bool stepped = document->commit(undoName, "Redo " + name);
+    impl_->lastUndoName = stepped ? undoName : std::string();
     if (stepped && callbacks.stepMade) callbacks.stepMade(undoName);
     impl_->queueArtChange();
     impl_->sendQueued();
@@ -410,6 +419,7 @@ bool Host::edit(const std::string& name, const std::function<bool(Document&)>& c
 bool Host::undo() {
     Document* document = impl_->document.get();
     if (document == nullptr || document->inTransaction() || !document->undo()) return false;
+    impl_->lastUndoName.clear();
     impl_->queueArtChange();
     impl_->sendQueued();
     return true;
@@ -418,6 +428,7 @@ bool Host::undo() {
 bool Host::redo() {
     Document* document = impl_->document.get();
     if (document == nullptr || document->inTransaction() || !document->redo()) return false;
+    impl_->lastUndoName.clear();
     impl_->queueArtChange();
     impl_->sendQueued();
     return true;

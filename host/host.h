@@ -111,6 +111,7 @@ class Host {
     AIErr unload();
     AIErr reload();
     AIErr shutdown();
+    bool knowsField(std::string_view key);                         // is there a setting of this name?
     bool setField(std::string_view key, std::string_view value);  // a setting; bytes of the system code page
 
     // --- the drawing ---------------------------------------------------------------------------------------------
@@ -145,7 +146,7 @@ class Host {
     const std::vector<ActionRecord>& actions() const;
     AIErr playAction(std::string_view event);
     const std::vector<PanelRecord>& panels() const;
-    void chooseFlyout(int item);
+    bool chooseFlyout(int item);  // false when no panel has it
     void setTheme(const Theme& theme);  // light at first
     // What a new path of the host itself gets: at first a black stroke of 1 pt and no fill.
     void setCurrentPathStyle(const AIPathStyle& style);
@@ -162,7 +163,8 @@ class Host {
     bool edit(const std::string& name, const std::function<bool(Document&)>& change);
     bool undo();
     bool redo();
-    // The names that the last message gave its step, UTF-8; empty when it gave none.
+    // The name of what was done last, UTF-8: the one that a message gave its step, also when nothing came of it, or the
+    // host's own. Empty behind a message that gave none, and behind undo and redo.
     const std::string& lastUndoName() const;
     int suitesHeld() const;  // acquisitions less releases
 

@@ -83,7 +83,7 @@ constexpr char kSelectorSetField[] = "Set Field";
 struct QuorvelSettingMessage {
     SPMessageData d;
     const char* key = nullptr;
-    const char* value = nullptr;  // system code page; the empty text empties a text field
+    const char* value = nullptr;  // system code page; the empty text empties a text field, null only asks for the key
     AIBoolean accepted = 0;       // set by the plug-in: the key is known
 };
 

@@ -168,6 +168,11 @@ void ParsePrefsText(PluginGlobals* globals, std::string_view text, bool mainFile
     }
 }
 
+bool SettingIsKnown(std::string_view key) {
+    PrefsRecord scratch{};
+    return FindPrefsKey(key) != nullptr || StorePartField(&scratch, key, {});
+}
+
 bool SetFieldByKey(PluginGlobals* globals, std::string_view key, std::string_view value) {
     const PrefsKey* row = FindPrefsKey(key);
     // As in a file, no value leaves a number as it was.

@@ -30,6 +30,7 @@ std::string PresetFolder();
 std::string ComposePrefsText(const PluginGlobals* globals, bool mainFile);
 // Applies text as the file's content; mainFile: the general keys are known too.
 void ParsePrefsText(PluginGlobals* globals, std::string_view text, bool mainFile);
+bool SettingIsKnown(std::string_view key);
 // Sets one field by its key; an empty value empties a text. False for an unknown key.
 bool SetFieldByKey(PluginGlobals* globals, std::string_view key, std::string_view value);
 

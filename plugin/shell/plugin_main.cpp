@@ -52,8 +52,9 @@ AIErr AboutStep(void*) {
 
 AIErr SetFieldStep(void* message) {
     QuorvelSettingMessage* setting = static_cast<QuorvelSettingMessage*>(message);
-    if (setting->key == nullptr || setting->value == nullptr) return kBadParameterErr;
-    setting->accepted = SetFieldByKey(gGlobals, setting->key, setting->value) ? 1 : 0;
+    if (setting->key == nullptr) return kBadParameterErr;
+    const bool asks = setting->value == nullptr;
+    setting->accepted = asks ? SettingIsKnown(setting->key) : SetFieldByKey(gGlobals, setting->key, setting->value);
     return kNoErr;
 }
 

@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "tests/cli/measured_drawing.h"
 #include "tests/support/program_run.h"
 #include "tests/support/script_run.h"
 
@@ -13,70 +14,6 @@ namespace quorvel::tests {
 namespace {
 
 namespace fs = std::filesystem;
-
-// One unit is one point, and 4/3 of the pixels in which the editor's own moves are given.
-constexpr char kDrawing[] = R"(<?xml version="1.0" encoding="UTF-8"?>
-<svg xmlns="http://www.w3.org/2000/svg" width="400pt" height="300pt" viewBox="0 0 400 300">
-  <g id="parts" fill="none" stroke="#000000" stroke-width="0.5">
-    <path id="plate" d="M 40,40 H 140 V 100 H 40 Z"/>
-    <path id="slope" d="M 200,40 L 280,100"/>
-    <path id="channel" d="M 40,250 V 150 H 140 V 250"/>
-    <circle id="hole" cx="240" cy="180" r="36"/>
-    <path id="level" d="M 300,280 H 380"/>
-    <path id="leg" d="M 300,280 L 360,220"/>
-    <path id="unmeasured" d="M 320,40 H 380 V 100 Z"/>
-  </g>
-</svg>
-)";
-
-// The plate's width, the slope's length, the way along the channel, the hole, the legs' angle, and 50 points of paper.
-constexpr char kDimensions[] = R"(
-tool "Straight Dimension Tool"
-track 40 260
-down
-drag 140 260
-up
-track 90 285
-down
-tool "Oblique Dimension Tool"
-track 200 260
-down
-drag 280 200
-up
-track 260 250
-down
-tool "Curve Dimension Tool"
-track 40 50
-down
-drag 140 50
-up
-track 30 100
-down
-tool "Radius Tool"
-track 265.4 145.5
-down
-drag 300 180
-up
-tool "Angle Tool"
-track 380 20
-down
-drag 360 80
-up
-track 365 35
-down
-tool "Oblique Dimension Tool"
-track 170 30
-down
-drag 210 60
-up
-track 170 70
-down
-expect no-beep
-)";
-
-const std::set<std::string> kTrueTexts = {"quorvel-1 straight \"100\"", "quorvel-2 oblique \"100\"",
-                                          "quorvel-3 curve \"300\"",    "quorvel-4 radius \"R36\"",
-                                          "quorvel-5 angle \" 45˚\"",   "quorvel-6 oblique \"50\""};
 
 bool editorIsInstalled() { return std::system("command -v inkscape >/dev/null 2>&1") == 0; }
 
@@ -102,18 +39,16 @@ class OtherEditor : public ProgramRun {
   protected:
     void SetUp() override {
         if (!editorIsInstalled()) GTEST_SKIP() << "inkscape is not installed";
-        write("plain.svg", kDrawing);
-        const ScriptRun run(
-            "set language ENGLISH\nset flArFName \"DejaVu Sans\"\nset flArUnit 5\nset flScFix 2\n"
-            "open \"" +
-            path("plain.svg") + "\"" + kDimensions + "save \"" + path("drawn.svg") + "\"\n");
+        write("plain.svg", kMeasuredDrawing);
+        const ScriptRun run(kTheirSettings + ("open \"" + path("plain.svg") + "\"") + kItsDimensions + "save \"" +
+                            path("drawn.svg") + "\"\n");
         ASSERT_EQ(run.fault(), "");
         ASSERT_EQ(shown("drawn.svg"), kTrueTexts);
     }
     int runProgram(const std::string& arguments) { return ProgramRun::runProgram(arguments + " --language en"); }
 
-    // Opens drawn.svg in the editor, does this there, and saves it as edited.svg. Its settings are its first ones, in
-    // which a stroke grows with its path.
+    // Opens drawn.svg in the editor, does this there (moves are in pixels, 4/3 to a point), and saves it as edited.svg.
+    // Its settings are its first ones, in which a stroke grows with its path.
     void edit(const std::string& actions) {
         fs::remove(path("edited.svg"));
         runCommand("env -u DISPLAY HOME=. INKSCAPE_PROFILE_DIR=./editor timeout 60 inkscape drawn.svg --actions='" +

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "tests/cli/measured_drawing.h"
 #include "tests/support/program_run.h"
 #include "tests/support/script_run.h"
 
@@ -62,9 +63,8 @@ class Recalculation : public ProgramRun {
   protected:
     void SetUp() override {
         write("plain.svg", kDrawing);
-        const ScriptRun run(
-            "set language ENGLISH\nset flArFName \"DejaVu Sans\"\nset flArUnit 5\nset flScFix 2\nopen \"" +
-            path("plain.svg") + "\"" + kDimensions + "save \"" + path("drawn.svg") + "\"\n");
+        const ScriptRun run(kTheirSettings + ("open \"" + path("plain.svg") + "\"") + kDimensions + "save \"" +
+                            path("drawn.svg") + "\"\n");
         ASSERT_EQ(run.fault(), "");
         drawn_ = readBytes(path("drawn.svg"));
         longer_ = with(drawn_, "H 140 V 100", "H 160 V 100");
@@ -137,6 +137,31 @@ TEST_F(Recalculation, RebuildsWhatIsNamedOrAll) {
     expectTrue("named.svg");
 }
 
+// The channel's way is 50 + 100 + 50 now, the hole's radius twice, the leg rises by 60 tan 30, the slope is gone.
+TEST_F(Recalculation, MendsEveryKindAndNamesWhatHasLostItsArt) {
+    write("plain.svg", kMeasuredDrawing);
+    const ScriptRun run(kTheirSettings + ("open \"" + path("plain.svg") + "\"") + kItsDimensions + "save \"" +
+                        path("kinds.svg") + "\"\n");
+    ASSERT_EQ(run.fault(), "");
+    std::string text = readBytes(path("kinds.svg"));
+    text = with(text, "M 40,250 V 150 H 140", "M 40,250 V 200 H 140");
+    text = with(text, "r=\"36\"", "r=\"72\"");
+    text = with(text, "L 360,220", "L 360,245.35898");
+    const std::size_t slope = text.find("<path id=\"slope\"");
+    ASSERT_NE(slope, std::string::npos);
+    text.erase(slope, text.find("/>", slope) + 2 - slope);
+    write("changed.svg", text);
+    EXPECT_EQ(runProgram("check changed.svg --language en"), 1) << err_;
+    EXPECT_EQ(out_,
+              "changed.svg: quorvel-5 angle \" 45˚\" -> \" 30˚\", moved\n"
+              "changed.svg: quorvel-4 radius \"R36\" -> \"R72\", moved\n"
+              "changed.svg: quorvel-3 curve \"300\" -> \"200\", moved\n"
+              "changed.svg: quorvel-2 oblique \"100\" -> \"100\", 2 links lost\n");
+    EXPECT_EQ(runProgram("recalc changed.svg -o mended.svg --language en"), 0) << err_;
+    EXPECT_EQ(out_, "mended.svg: 4 rebuilt\n");
+    EXPECT_EQ(runProgram("check mended.svg --language en"), 0) << out_;
+}
+
 TEST_F(Recalculation, ManyFilesAreCheckedInOneCall) {
     write("longer.svg", longer_);
     write("broken.svg", drawn_.substr(0, drawn_.size() / 2));
@@ -159,14 +184,18 @@ TEST_F(Recalculation, LeavesNoTraceInTheProfile) {
     const char* const commands[] = {"check longer.svg", "recalc longer.svg -o mended.svg",
                                     "snap longer.svg --at 40,260", "list longer.svg",
                                     "check longer.svg drawn.svg --language ja"};
-    for (const char* command : commands) runProgram(command);
+    const auto run = [&](const char* command) {
+        const bool checks = std::string(command).starts_with("check");
+        EXPECT_EQ(runProgram(command), checks ? 1 : 0) << command << ": " << err_;
+    };
+    for (const char* command : commands) run(command);
     EXPECT_FALSE(fs::exists(path("profile")));
     const std::string prefs = "profile/Adobe/Illustrator/Prefs";
     fs::create_directories(path(prefs));
     const std::string settings = "language = \"ENGLISH\"\r\nflArUnit = 3\r\nflArFSize = 6\r\n";
     write(prefs + "/Quorvel.ini", settings);
     for (const char* command : commands) {
-        runProgram(command);
+        run(command);
         EXPECT_EQ(readBytes(path(prefs + "/Quorvel.ini")), settings) << command;
     }
 }

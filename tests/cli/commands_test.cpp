@@ -1,0 +1,103 @@
+// The command line itself: what it refuses, in one line, and what its questions print.
+#include <algorithm>
+#include <filesystem>
+
+#include "tests/support/program_run.h"
+#include "tests/support/script_run.h"
+
+namespace quorvel::tests {
+namespace {
+
+// A square of 80 points from (10, 10), y up, on a page of 100.
+constexpr char kSquare[] =
+    "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100pt\" height=\"100pt\" viewBox=\"0 0 100 100\">"
+    "<path id=\"square\" d=\"M 10,10 H 90 V 90 H 10 Z\"/></svg>";
+
+class Commands : public ProgramRun {
+  protected:
+    void SetUp() override { write("square.svg", kSquare); }
+    int runScript(const std::string& text) {
+        write("test.script", text);
+        return runProgram("run test.script");
+    }
+};
+
+TEST_F(Commands, WrongWordsAreRefusedInOneLineThatNamesTheCommand) {
+    const std::pair<const char*, const char*> wrong[] = {
+        {"recalc square.svg", "quorvel recalc: --output is required\n"},
+        {"recalc", "quorvel recalc: FILE is required\n"},
+        {"snap square.svg --at 1,2 --zoom 0", "quorvel snap: --zoom: a number above 0\n"},
+        {"snap square.svg --at 1,2 --zoom inf", "quorvel snap: --zoom: a number above 0\n"},
+        {"snap square.svg --at 1", "--at 1: \"\" is no number\n"},
+        {"snap square.svg --at 1,2 --tool Nope", "--tool: no tool is titled \"Nope\"\n"},
+        {"dump nothing.svg", "nothing.svg: No such file or directory\n"},
+    };
+    for (const auto& [words, said] : wrong) {
+        EXPECT_EQ(runProgram(words), 2) << words;
+        EXPECT_EQ(err_, said) << words;
+        EXPECT_EQ(out_, "") << words;
+    }
+    EXPECT_EQ(runProgram("squeeze square.svg"), 2);
+    EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 1) << err_;
+}
+
+TEST_F(Commands, AListInFrontOfTheDrawingDoesNotSwallowIt) {
+    EXPECT_EQ(runProgram("recalc --ids a,b square.svg -o out.svg"), 2);
+    EXPECT_EQ(err_, "square.svg: no dimension has the id a\n");
+    write("list.csv", "1\r\n");
+    EXPECT_EQ(runProgram("frame --set flZwkTitle=A --set flZwkScale=B square.svg --parts list.csv --at 0,0,90,90 "
+                         "-o framed.svg"),
+              0)
+        << err_;
+}
+
+TEST_F(Commands, SnapTellsWhatEachSearchFindsAndWhichOneWins) {
+    EXPECT_EQ(runProgram("snap square.svg --at 10.5,89.5 --language en"), 0) << err_;
+    EXPECT_EQ(out_.substr(0, out_.find('\n')), "Oblique Dimension Tool at 10.5,89.5 lands on 10.0,90.0 (anchor)");
+    EXPECT_NE(out_.find("anchor          wins: anchor 10.0,90.0  square[0]\n"), std::string::npos) << out_;
+    EXPECT_NE(out_.find("did not run: anchor came before it"), std::string::npos) << out_;
+    EXPECT_EQ(runProgram("snap square.svg --at 50,89.5 --json --language en"), 0) << err_;
+    const cli::Json report = cli::Json::parse(out_);
+    EXPECT_EQ(report["kind"], "path");
+    EXPECT_EQ(report["point"], cli::Json::array({50, 90}));
+    for (const cli::Json& search : report["searches"]) {
+        const bool path = search["search"] == "path";
+        EXPECT_EQ(search["outcome"] == "wins", path) << search.dump();
+        if (path) {
+            EXPECT_EQ(search["art"], cli::Json::parse(R"([{"id": "square", "index": 1}])"));
+        }
+    }
+    // Farther away than two pixels there is nothing to land on.
+    EXPECT_EQ(runProgram("snap square.svg --at 50,87 --json --language en"), 0) << err_;
+    EXPECT_EQ(cli::Json::parse(out_)["kind"], "free");
+    EXPECT_EQ(runProgram("snap square.svg --at 50,87 --zoom 0.5 --json --language en"), 0) << err_;
+    EXPECT_EQ(cli::Json::parse(out_)["kind"], "path");
+}
+
+TEST_F(Commands, SlipsInAScriptFailIt) {
+    const struct {
+        const char *script, *said;
+        int status;
+    } slips[] = {
+        {"set flTypoo 3\nopen square.svg\n", "test.script:1: unknown setting flTypoo\n", 1},
+        {"open square.svg\nset flTypoo 3\n", "test.script:2: unknown setting flTypoo\n", 1},
+        {"open square.svg\nzoom 0\n", "test.script:2: a zoom is above 0\n", 1},
+        {"open square.svg\nflyout 99\n", "test.script:2: the panel's flyout has no item 99\n", 1},
+        {"open square.svg\nanswer ok\n", "test.script:2: the end is reached and a reply has not been asked for\n", 1},
+        {"open square.svg\nsave saved.svg\nflyout 1.5\n", "test.script:3: \"1.5\" is no whole number\n", 2},
+        {"open square.svg\nsave saved.svg\ndialog 5 press:x\n", "test.script:3: \"x\" is no number\n", 2},
+        {"open square.svg\nmove square 5 5\nexpect undo \"Undo Other\"\n",
+         "test.script:3: expected undo \"Undo Other\", found \"Undo Move\"\n", 1},
+        {"open square.svg\nmove square 5 5\nundo\nexpect undo \"Undo Move\"\n",
+         "test.script:4: expected undo \"Undo Move\", found \"\"\n", 1},
+    };
+    for (const auto& [script, said, status] : slips) {
+        EXPECT_EQ(runScript(script), status) << script;
+        EXPECT_EQ(err_, said) << script;
+    }
+    EXPECT_FALSE(std::filesystem::exists(path("saved.svg"))) << "a slip is found before anything runs";
+    EXPECT_EQ(runScript(""), 0) << "nothing to do is done: " << err_;
+}
+
+}  // namespace
+}  // namespace quorvel::tests
