@@ -24,6 +24,24 @@ std::string atLine(std::string_view text, std::size_t offset, const std::string&
     return "line " + std::to_string(std::count(text.begin(), end, '\n') + 1) + ": " + what;
 }
 
+// The place of the first byte that is no UTF-8, npos when all are (RFC 3629: no overlong forms, no surrogates).
+std::size_t firstForeignByte(std::string_view text) {
+    const auto tail = [&](std::size_t at) { return at < text.size() && (text[at] & 0xC0) == 0x80; };
+    for (std::size_t at = 0; at < text.size();) {
+        const auto first = static_cast<unsigned char>(text[at]);
+        const int more = first < 0x80 ? 0 : first >= 0xC2 && first < 0xE0 ? 1 : (first & 0xF0) == 0xE0 ? 2 : 3;
+        if (more == 3 && (first < 0xF0 || first > 0xF4)) return at;
+        for (int i = 1; i <= more; ++i)
+            if (!tail(at + static_cast<std::size_t>(i))) return at;
+        const auto second = static_cast<unsigned char>(more > 0 ? text[at + 1] : 0);
+        if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) || (first == 0xF0 && second < 0x90) ||
+            (first == 0xF4 && second > 0x8F))
+            return at;
+        at += static_cast<std::size_t>(more) + 1;
+    }
+    return std::string_view::npos;
+}
+
 // Visits all elements below and including top until visit gives false.
 template <class Visit>
 void forEachElement(pugi::xml_node top, Visit visit) {
@@ -74,6 +92,10 @@ bool parseXml(std::string_view text, ParsedFile* file, std::string* error) {
     const std::string encoding = declaredEncoding(text);
     if (!encoding.empty() && encoding != "utf-8" && encoding != "utf8" && encoding != "us-ascii") {
         *error = "the file's encoding is \"" + encodeBytes(encoding) + "\"; only UTF-8 is read";
+        return false;
+    }
+    if (const std::size_t at = firstForeignByte(text); at != std::string_view::npos) {
+        *error = atLine(text, at, "a byte that is no UTF-8");
         return false;
     }
     file->buffer = std::make_unique_for_overwrite<char[]>(text.size() + 1);
