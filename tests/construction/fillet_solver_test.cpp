@@ -14,6 +14,7 @@ namespace {
 
 constexpr double kRealPi = std::numbers::pi;
 constexpr int kCases = 20000;
+constexpr double kTangentTolerance = 0.5 * kRealPi / 180;
 
 DoublePoint operator+(const DoublePoint& a, const DoublePoint& b) { return {a.h + b.h, a.v + b.v}; }
 DoublePoint operator-(const DoublePoint& a, const DoublePoint& b) { return {a.h - b.h, a.v - b.v}; }
@@ -89,47 +90,59 @@ struct FilletCases : testing::Test {
     }
 };
 
-// Both cubics keep to one circle of the radius; gives its centre.
+// Both cubics keep to one circle of the radius; gives its centre. The handles' ratio is right to a sixtieth at most,
+// which shifts the curve by less than a two hundredth of the whole arc's height; the rest is for floats and for the
+// move onto the drawn curves.
 DoublePoint ExpectCircle(const FilletArc& arc, double radius) {
     const PathSegment* r = arc.records;
     EXPECT_TRUE(r[0].corner && !r[1].corner && r[2].corner);
     EXPECT_TRUE(PointsEqual(r[0].in, r[0].p) && PointsEqual(r[2].out, r[2].p));
-    const DoublePoint chord = Wide(r[2].p) - Wide(r[0].p), half = 0.5 * chord;
-    const DoublePoint bulge = Wide(r[1].p) - (Wide(r[0].p) + half);
-    // On the middle's radius, at the distance that the middle has from the circle.
-    const DoublePoint centre = Wide(r[1].p) - radius * UnitOf(bulge);
+    const DoublePoint chord = UnitOf(Wide(r[2].p) - Wide(r[0].p));
+    const DoublePoint bulge = Wide(r[1].p) - 0.5 * (Wide(r[0].p) + Wide(r[2].p));
+    const double height = Cross(chord, bulge);
+    // Upright on the chord, at the distance that the middle has from the circle.
+    const DoublePoint centre = Wide(r[1].p) - (height < 0 ? -radius : radius) * DoublePoint{-chord.v, chord.h};
     for (int piece = 0; piece < 2; ++piece) {
         for (double t = 0; t <= 1; t += 0.125) {
             const double u = 1 - t;
             const DoublePoint point = u * u * u * Wide(r[piece].p) + 3 * u * u * t * Wide(r[piece].out) +
                                       3 * u * t * t * Wide(r[piece + 1].in) + t * t * t * Wide(r[piece + 1].p);
-            EXPECT_NEAR(Length(point - centre), radius, 0.01 * radius);
+            EXPECT_NEAR(Length(point - centre), radius, 0.005 * std::fabs(height) + 0.005);
         }
     }
     return centre;
 }
 
-void ExpectTouches(const Shape& shape, const RealPoint& at, const RealPoint& handle, double radius) {
-    EXPECT_LT(shape.gap(Wide(at)), 0.01 * std::max(radius, shape.radius));
-    EXPECT_TRUE(shape.holds(Wide(at), -0.01));
-    const DoublePoint way = UnitOf(Wide(handle) - Wide(at));
-    EXPECT_LT(std::fabs(Cross(way, shape.tangent(Wide(at)))), std::sin(0.5 * kRealPi / 180));
+// A quarter cubic strays from its circle by up to 0.00027 of the radius.
+constexpr double kStray = 0.0003;
+
+void ExpectOn(const Shape& shape, const RealPoint& at) {
+    EXPECT_LT(shape.gap(Wide(at)), shape.straight ? 0.003 : kStray * shape.radius);
+    EXPECT_TRUE(shape.holds(Wide(at), -0.001));
 }
 
-// A quarter cubic strays from its circle by up to 0.00027 of the radius, and the rounding is turned as its tangent
-// points follow: a short one visibly so.
-void ExpectTouchesBoth(const Shape& first, const Shape& second, const FilletArc& arc, double radius) {
+void ExpectTangent(const Shape& shape, const RealPoint& at, const RealPoint& handle) {
+    const DoublePoint way = UnitOf(Wide(handle) - Wide(at));
+    EXPECT_LT(std::fabs(Cross(way, shape.tangent(Wide(at)))), std::sin(kTangentTolerance));
+}
+
+// A rounding is turned as its tangent points follow the curves that stray, a short one visibly so. False for one that
+// is too short to say how it leaves its shapes.
+bool ExpectTouchesBoth(const Shape& first, const Shape& second, const FilletArc& arc, double radius) {
+    ExpectOn(first, arc.records[0].p);
+    ExpectOn(second, arc.records[2].p);
+    ExpectCircle(arc, radius);
     const double chord = Length(Wide(arc.records[0].p) - Wide(arc.records[2].p));
-    if (0.0003 * (first.radius + second.radius) > chord * 0.5 * kRealPi / 180) return;
-    ExpectTouches(first, arc.records[0].p, arc.records[0].out, radius);
-    ExpectTouches(second, arc.records[2].p, arc.records[2].in, radius);
-    const DoublePoint bulge = 0.5 * (Wide(arc.records[0].p) + Wide(arc.records[2].p)) - Wide(arc.records[1].p);
-    if (Length(bulge) > 0.05 * radius) ExpectCircle(arc, radius);
+    if (kStray * (first.radius + second.radius) > chord * kTangentTolerance) return false;
+    ExpectTangent(first, arc.records[0].p, arc.records[0].out);
+    ExpectTangent(second, arc.records[2].p, arc.records[2].in);
+    return true;
 }
 
 bool Near(double a, double b, double scale) { return std::fabs(a - b) < 0.01 * scale; }
 
 TEST_F(FilletCases, LinesAreRoundedBetweenThePicks) {
+    int parallel = 0, far = 0;
     for (int i = 0; i < kCases && !HasFailure(); ++i) {
         SCOPED_TRACE(i);
         const Shape first = line(), second = line();
@@ -139,18 +152,24 @@ TEST_F(FilletCases, LinesAreRoundedBetweenThePicks) {
         const bool built = SolveLineLine(first.pick, second.pick, radius, &arc);
         if (std::fabs(sine) < 0.02) {
             EXPECT_FALSE(built && sine == 0);
+            ++parallel;
             continue;
         }
         ASSERT_TRUE(built);
         const DoublePoint X = first.a + (Cross(second.a - first.a, d2) / sine) * d1;
         // Floats stand for points as far away as the crossing and the legs.
-        if (Length(X) > 5000 || radius > 1000 * std::fabs(sine)) continue;
-        ExpectTouchesBoth(first, second, arc, radius);
+        if (Length(X) > 5000 || radius > 1000 * std::fabs(sine)) {
+            ++far;
+            continue;
+        }
+        EXPECT_TRUE(ExpectTouchesBoth(first, second, arc, radius));
         EXPECT_GT(Dot(Wide(arc.records[0].p) - X, first.pick.point - X), 0);
         EXPECT_GT(Dot(Wide(arc.records[2].p) - X, second.pick.point - X), 0);
         const DoublePoint t1 = Wide(arc.records[0].p), t2 = Wide(arc.records[2].p);
         EXPECT_NEAR(Length(t1 - X), Length(t2 - X), 0.01 * radius);
     }
+    EXPECT_LT(parallel, kCases / 8);  // four lines in ten are level or upright
+    EXPECT_LT(far, kCases / 40);
 }
 
 // The circle that the picks ask of a line and a circle: which side of the line, which half, and how it lies to the
@@ -189,7 +208,7 @@ bool Exists(const LineArcWish& wish, const Shape& curve, double R) {
 }
 
 TEST_F(FilletCases, LineAndArcAreRoundedWhereACircleFits) {
-    int built = 0, refused = 0;
+    int built = 0, refused = 0, tooShort = 0;
     for (int i = 0; i < kCases && !HasFailure(); ++i) {
         SCOPED_TRACE(i);
         const Shape straight = line(), curve = quarter();
@@ -204,7 +223,7 @@ TEST_F(FilletCases, LineAndArcAreRoundedWhereACircleFits) {
             continue;
         }
         ++built;
-        ExpectTouchesBoth(first, second, arc, radius);
+        if (!ExpectTouchesBoth(first, second, arc, radius)) ++tooShort;
         const DoublePoint onLine = Wide(arc.records[lineFirst ? 0 : 2].p);
         const DoublePoint centre = onLine + radius * wish.normal;
         EXPECT_TRUE(Near(Length(centre - curve.centre), wish.place(radius, p), p + radius));
@@ -212,6 +231,7 @@ TEST_F(FilletCases, LineAndArcAreRoundedWhereACircleFits) {
     }
     EXPECT_GT(built, kCases / 20);
     EXPECT_GT(refused, kCases / 20);
+    EXPECT_LT(tooShort, built / 200);
 }
 
 // How the picks want the circle to lie to the two arcs: held by it, holding it, or beside it.
@@ -265,7 +285,7 @@ bool Exists(const ArcArcWish& wish, const Shape& one, const Shape& two, double R
 }
 
 TEST_F(FilletCases, ArcsAreRoundedWhereACircleFits) {
-    int built = 0, refused = 0;
+    int built = 0, refused = 0, tooShort = 0;
     for (int i = 0; i < 2 * kCases && !HasFailure(); ++i) {
         SCOPED_TRACE(i);
         const Shape one = quarter(), two = quarter();
@@ -279,7 +299,7 @@ TEST_F(FilletCases, ArcsAreRoundedWhereACircleFits) {
         }
         ++built;
         EXPECT_TRUE(wish.possible);
-        ExpectTouchesBoth(one, two, arc, radius);
+        if (!ExpectTouchesBoth(one, two, arc, radius)) ++tooShort;
         const DoublePoint t1 = Wide(arc.records[0].p), t2 = Wide(arc.records[2].p);
         const double a = PlaceOf(wish.first, radius, one.radius), b = PlaceOf(wish.second, radius, two.radius);
         const DoublePoint O1 = one.centre + (wish.first == Lies::held ? -a : a) / one.radius * (t1 - one.centre);
@@ -290,6 +310,7 @@ TEST_F(FilletCases, ArcsAreRoundedWhereACircleFits) {
     }
     EXPECT_GT(built, kCases / 20);
     EXPECT_GT(refused, kCases / 20);
+    EXPECT_LT(tooShort, built / 200);
 }
 
 TEST_F(FilletCases, HandComputedCorner) {

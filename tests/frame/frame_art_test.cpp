@@ -17,7 +17,7 @@ using host::ArtId;
 
 constexpr float kNear = 2e-4F;
 constexpr char kBottomTool[] = "Schedule Tool [bottom]", kTopTool[] = "Schedule Tool [top + bottom]";
-constexpr char kJapaneseTool[] = "図面枠ツール [下に部品]";
+constexpr char kJapaneseTool[] = "図面枠ツール [下に部品]", kJapaneseTopTool[] = "図面枠ツール [上に部品]";
 
 struct Line {
     float left, bottom, width, height;
@@ -67,38 +67,77 @@ std::vector<Cell> WideCells(bool english) {
             {"pat", 658, 66.8F, 84, true}};
 }
 
-// The header and two rows on the block's top at 120, or hanging from 450; rows step by 14.
-std::vector<Line> TableLines(float base, float step) {
-    std::vector<Line> lines = {{280, base, 420, 3 * step, 0.5F, true}};
-    for (const float h : {301.0F, 490.0F, 553.0F, 574.0F, 605.5F, 637.0F})
-        lines.push_back({h, base, 0, 3 * step, 0.1F, false});
-    lines.push_back({280, base + step, 420, 0, 0.1F, false});
-    lines.push_back({280, base + 2 * step, 420, 0, 0.1F, false});
+constexpr int kParts = 3;
+struct Part {
+    const char *name, *source, *quantity, *weight, *progress, *news;
+};
+const Part kPartRows[kParts] = {{"Bracket", "SS400", "4", "1.2", "cut", "see 2"},
+                                {"", "", "", "", "", ""},
+                                {"Bolt", "A2", "16", "0.3", "buy", "M8"}};
+
+// A column of the parts table, and where a text in its middle stands.
+struct Column {
+    float left, middle, width;
+};
+struct Table {
+    float left, width;
+    Column columns[7];
+};
+const Table kNarrowTable = {490,
+                            210,
+                            {{490, 495.25F, 10.5F},
+                             {500.5F, 547.75F, 94.5F},
+                             {595, 610.75F, 31.5F},
+                             {626.5F, 631.75F, 10.5F},
+                             {637, 644.875F, 15.75F},
+                             {652.75F, 660.625F, 15.75F},
+                             {668.5F, 684.25F, 31.5F}}};
+const Table kWideTable = {280,
+                          420,
+                          {{280, 290.5F, 21},
+                           {301, 395.5F, 189},
+                           {490, 521.5F, 63},
+                           {553, 563.5F, 21},
+                           {574, 589.75F, 31.5F},
+                           {605.5F, 621.25F, 31.5F},
+                           {637, 668.5F, 63}}};
+
+// The header and three rows, on the block's top or hanging from the frame's.
+struct TablePlace {
+    float edge, header, step;  // header: of its base line
+};
+constexpr TablePlace kOnBlock = {120, 122.8F, 14}, kFromTop = {450, 438.8F, -14};
+
+// The rectangle and the six verticals, then one line for each row.
+std::vector<Line> TableLines(const Table& table, const TablePlace& place) {
+    std::vector<Line> lines = {{table.left, place.edge, table.width, 4 * place.step, 0.5F, true}};
+    for (int i = 1; i < 7; ++i) lines.push_back({table.columns[i].left, place.edge, 0, 4 * place.step, 0.1F, false});
+    for (int row = 1; row <= kParts; ++row)
+        lines.push_back({table.left, place.edge + float(row) * place.step, table.width, 0, 0.1F, false});
     return lines;
 }
-std::vector<Cell> TableCells(float header, float step, bool english) {
-    const float first = header + step, second = header + 2 * step;
-    return {{english ? "No." : "品番", 290.5F, header, 21, true},
-            {english ? "Item" : "名　　称", 395.5F, header, 189, true},
-            {english ? "Material" : "材質", 521.5F, header, 63, true},
-            {english ? "Quantity" : "個数", 563.5F, header, 21, true},
-            {english ? "Weight" : "重量", 589.75F, header, 31.5F, true},
-            {english ? "Work Schedule" : "工程", 621.25F, header, 31.5F, true},
-            {english ? "Description" : "記事", 668.5F, header, 63, true},
-            {"1", 290.5F, first, 21, true},
-            {"Bracket", 303, first, 189, false},
-            {"SS400", 521.5F, first, 63, true},
-            {"4", 563.5F, first, 21, true},
-            {"1.2", 589.75F, first, 31.5F, true},
-            {"cut", 621.25F, first, 31.5F, true},
-            {"see 2", 639, first, 63, false},
-            {"2", 290.5F, second, 21, true},
-            {"     ", 303, second, 189, false},
-            {"     ", 521.5F, second, 63, true},
-            {"     ", 563.5F, second, 21, true},
-            {"     ", 589.75F, second, 31.5F, true},
-            {"     ", 621.25F, second, 31.5F, true},
-            {"     ", 639, second, 63, false}};
+// Seven headers, then seven cells for each row; the item and the description begin two points from the left.
+std::vector<Cell> TableCells(const Table& table, const TablePlace& place, bool english) {
+    const char* const headers[][2] = {{"品番", "No."},        {"名　　称", "Item"}, {"材質", "Material"},
+                                      {"個数", "Quantity"},   {"重量", "Weight"},   {"工程", "Work Schedule"},
+                                      {"記事", "Description"}};
+    const char* const numbers[kParts] = {"1", "2", "3"};
+    std::vector<Cell> cells;
+    for (int i = 0; i < 7; ++i)
+        cells.push_back({headers[i][english], table.columns[i].middle, place.header, table.columns[i].width, true});
+    for (int row = 0; row < kParts; ++row) {
+        const float base = place.header + float(row + 1) * place.step;
+        const Part& part = kPartRows[row];
+        const char* const texts[] = {numbers[row], part.name,     part.source, part.quantity,
+                                     part.weight,  part.progress, part.news};
+        for (int i = 0; i < 7; ++i) {
+            const Column& column = table.columns[i];
+            const bool centred = i != 1 && i != 6;
+            const char* shown = texts[i][0] == '\0' ? "     " : texts[i];
+            cells.push_back({shown, centred ? column.middle : column.left + 2, base, column.width, centred});
+        }
+    }
+    return cells;
 }
 
 void ExpectLine(const Art& art, const Line& line) {
@@ -161,11 +200,14 @@ struct FrameArt : testing::Test {
             {p.flZwkScale, "scale"}, {p.flZwkType, "type"}, {p.flZwkPatNo, "pat"},
             {p.flZwkComm1, "c1"},    {p.flZwkComm2, "c2"},  {p.flZwkComm3, "c3"}};
         for (const auto& [field, text] : texts) SetText(field, text);
-        ZwkPartRow& row = p.flZwkParts[0];
-        const std::pair<char*, const char*> parts[] = {{row.Name, "Bracket"}, {row.Source, "SS400"},
-                                                       {row.Quantity, "4"},   {row.Weight, "1.2"},
-                                                       {row.Progress, "cut"}, {row.News, "see 2"}};
-        for (const auto& [field, text] : parts) SetText(field, text);
+        for (int i = 0; i < kParts; ++i) {
+            const Part& part = kPartRows[i];
+            ZwkPartRow& row = p.flZwkParts[i];
+            const std::pair<char*, const char*> parts[] = {{row.Name, part.name},         {row.Source, part.source},
+                                                           {row.Quantity, part.quantity}, {row.Weight, part.weight},
+                                                           {row.Progress, part.progress}, {row.News, part.news}};
+            for (const auto& [field, text] : parts) SetText(field, text);
+        }
     }
     const Art* draw(RealPoint from = {100, 50}, RealPoint to = {700, 450}) {
         hand->take(tool.c_str());
@@ -181,15 +223,15 @@ struct FrameArt : testing::Test {
     }
     std::vector<const Art*> table(const Art* frame) { return hand->piecesOf(hand->piecesOf(frame->id).at(1)->id); }
     // The rectangle, six verticals and seven headers, then each row's line and its seven cells.
-    void expectTable(const Art* frame, float base, float header, float step, bool english) {
+    void expectTable(const Art* frame, const Table& shape, const TablePlace& place, bool english) {
         ASSERT_EQ(hand->piecesOf(frame->id).size(), 2U);
         const std::vector<const Art*> pieces = table(frame);
-        const std::vector<Line> lines = TableLines(base, step);
-        const std::vector<Cell> cells = TableCells(header, step, english);
+        const std::vector<Line> lines = TableLines(shape, place);
+        const std::vector<Cell> cells = TableCells(shape, place, english);
         ASSERT_EQ(pieces.size(), lines.size() + cells.size());
         for (int i = 0; i < 7; ++i) ExpectLine(*pieces[i], lines[i]);
         for (int i = 0; i < 7; ++i) ExpectCell(*pieces[7 + i], cells[i]);
-        for (int row = 0; row < 2; ++row) {
+        for (int row = 0; row < kParts; ++row) {
             ExpectLine(*pieces[14 + 8 * row], lines[7 + row]);
             for (int i = 0; i < 7; ++i) ExpectCell(*pieces[15 + 8 * row + i], cells[7 + 7 * row + i]);
         }
@@ -222,22 +264,32 @@ TEST_F(FrameArt, OnlyJapaneseHasTheJapaneseTypes) {
 }
 
 TEST_F(FrameArt, TheTableStandsOnTheBlockOrHangsFromTheTop) {
-    begin("JAPANESE", 1);
-    hand->prefs().flZwkNumOfParts = 2;
-    expectTable(draw(), 120, 122.8F, 14, false);
-    tool = "図面枠ツール [上に部品]";
-    expectTable(draw(), 450, 438.8F, -14, false);
-    hand.reset();
-    begin("ENGLISH", 2);
-    hand->prefs().flZwkNumOfParts = 2;
-    expectTable(draw(), 120, 122.8F, 14, true);
-    tool = kTopTool;
-    expectTable(draw(), 450, 438.8F, -14, true);
+    const struct {
+        const char *language, *bottom, *top;
+        std::int16_t type;
+    } rows[] = {{"JAPANESE", kJapaneseTool, kJapaneseTopTool, 0},
+                {"JAPANESE", kJapaneseTool, kJapaneseTopTool, 1},
+                {"JAPANESE", kJapaneseTool, kJapaneseTopTool, 2},
+                {"ENGLISH", kBottomTool, kTopTool, 2}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.language << " " << row.type);
+        begin(row.language, row.type);
+        hand->prefs().flZwkNumOfParts = kParts;
+        for (const bool top : {false, true}) {
+            SCOPED_TRACE(top ? "top" : "bottom");
+            tool = top ? row.top : row.bottom;
+            const Art* frame = draw();
+            expectBlock(frame, row.type == 0 ? kNarrowLines : kWideLines,
+                        row.type == 0 ? kNarrowCells : WideCells(row.type == 2));
+            expectTable(frame, row.type == 0 ? kNarrowTable : kWideTable, top ? kFromTop : kOnBlock, row.type == 2);
+        }
+        hand.reset();
+    }
 }
 
 TEST_F(FrameArt, CornersComeInAnyOrder) {
     begin("ENGLISH", 2);
-    hand->prefs().flZwkNumOfParts = 2;
+    hand->prefs().flZwkNumOfParts = kParts;
     for (const char* title : {kBottomTool, kTopTool}) {
         tool = title;
         for (const auto& [from, to] : {std::pair<RealPoint, RealPoint>{{700, 450}, {100, 50}},
@@ -245,10 +297,7 @@ TEST_F(FrameArt, CornersComeInAnyOrder) {
                                        {{700, 50}, {100, 450}}}) {
             const Art* frame = draw(from, to);
             expectBlock(frame, kWideLines, WideCells(true));
-            if (title == kBottomTool)
-                expectTable(frame, 120, 122.8F, 14, true);
-            else
-                expectTable(frame, 450, 438.8F, -14, true);
+            expectTable(frame, kWideTable, title == kBottomTool ? kOnBlock : kFromTop, true);
         }
     }
 }

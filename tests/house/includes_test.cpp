@@ -3,9 +3,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <map>
+#include <iterator>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,10 +16,11 @@ namespace fs = std::filesystem;
 
 struct Include {
     std::string file, target;
+    bool bracketed;
 };
 
 std::vector<Include> includesBelow(const std::string& folder) {
-    static const std::regex line("^\\s*#include\\s+\"([^\"]+)\"");
+    static const std::regex line(R"re(^\s*#\s*include\s*([<"])([^>"]+)[>"])re");
     std::vector<Include> found;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fs::path(QUORVEL_SOURCE_DIR) / folder)) {
         const std::string extension = entry.path().extension().string();
@@ -28,7 +30,7 @@ std::vector<Include> includesBelow(const std::string& folder) {
         std::smatch match;
         while (std::getline(in, text))
             if (std::regex_search(text, match, line))
-                found.push_back({fs::relative(entry.path(), QUORVEL_SOURCE_DIR).string(), match[1]});
+                found.push_back({fs::relative(entry.path(), QUORVEL_SOURCE_DIR).string(), match[2], match[1] == "<"});
     }
     return found;
 }
@@ -37,6 +39,13 @@ bool startsWithAny(const std::string& text, const std::vector<std::string>& pref
     for (const std::string& prefix : prefixes)
         if (text.rfind(prefix, 0) == 0) return true;
     return false;
+}
+
+// Each is a folder of the sources, and the beginning of what is included from it.
+const std::vector<std::string>& rooms() {
+    static const std::vector<std::string> all = {"hostapi/", "platform/", "plugin/", "host/", "cli/",
+                                                 "desktop/", "tests/",    "bench/",  "fuzz/"};
+    return all;
 }
 
 struct Rule {
@@ -54,6 +63,7 @@ const std::vector<Rule>& rules() {
         {"plugin/geometry", {"plugin/geometry/", "hostapi/types.h"}},
         {"host", {"host/", "hostapi/"}},
         {"cli", {"cli/", "host/", "hostapi/", "platform/"}},
+        {"desktop", {"desktop/", "cli/", "host/", "hostapi/", "platform/"}},
     };
     return all;
 }
@@ -62,9 +72,54 @@ TEST(House, IncludesRunOneWay) {
     for (const Rule& rule : rules()) {
         const std::vector<Include> includes = includesBelow(rule.folder);
         EXPECT_FALSE(includes.empty()) << rule.folder;
-        for (const Include& include : includes)
+        for (const Include& include : includes) {
+            if (include.bracketed && !startsWithAny(include.target, rooms())) continue;
             EXPECT_TRUE(startsWithAny(include.target, rule.allowed)) << include.file << " includes " << include.target;
+        }
     }
+}
+
+const std::set<std::string>& standardHeaders() {
+    static const std::set<std::string> all = [] {
+        std::istringstream names(
+            "algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv chrono "
+            "cinttypes climits clocale cmath codecvt compare complex concepts condition_variable coroutine "
+            "csetjmp csignal cstdarg cstddef cstdint cstdio cstdlib cstring ctime cuchar cwchar cwctype deque "
+            "exception execution filesystem format forward_list fstream functional future initializer_list "
+            "iomanip ios iosfwd iostream istream iterator latch limits list locale map memory memory_resource "
+            "mutex new numbers numeric optional ostream queue random ranges ratio regex scoped_allocator "
+            "semaphore set shared_mutex source_location span sstream stack stdexcept stop_token streambuf "
+            "string string_view strstream syncstream system_error thread tuple type_traits typeindex typeinfo "
+            "unordered_map unordered_set utility valarray variant vector version");
+        return std::set<std::string>(std::istream_iterator<std::string>(names), {});
+    }();
+    return all;
+}
+
+// The plug-in has to build wherever a host is: no system of files, fonts or windows but the one that platform offers.
+TEST(House, ThePluginKnowsTheStandardLibraryAlone) {
+    for (const char* room : {"plugin", "hostapi"}) {
+        int seen = 0;
+        for (const Include& include : includesBelow(room)) {
+            if (!include.bracketed) continue;
+            ++seen;
+            EXPECT_TRUE(standardHeaders().count(include.target)) << include.file << " includes " << include.target;
+        }
+        EXPECT_GT(seen, 0) << room;
+    }
+}
+
+TEST(House, OnlyTheWindowKnowsQt) {
+    static const std::vector<std::string> window = {"platform/qt/", "desktop/", "tests/desktop/", "bench/desktop.cpp"};
+    int seen = 0;
+    for (const std::string& room : rooms()) {
+        for (const Include& include : includesBelow(room)) {
+            if (include.target[0] != 'Q') continue;
+            ++seen;
+            EXPECT_TRUE(startsWithAny(include.file, window)) << include.file << " includes " << include.target;
+        }
+    }
+    EXPECT_GT(seen, 0);
 }
 
 // Below the shell a room may use the record of state and the shell's services, but none of the shell's own business.
