@@ -67,6 +67,80 @@ std::string ArtNames::of(host::ArtId art) {
     return "@" + std::to_string(places_.at(art));
 }
 
+// --- copies
+// -----------------------------------------------------------------------------------------------------------
+
+bool isOpen(const host::Document& document, host::ArtId id) {
+    const host::Layer* layer = document.layer(document.layerOf(id));
+    if (layer == nullptr || !layer->visible || !layer->editable) return false;
+    for (const host::Art* art = document.find(id); art != nullptr; art = document.find(art->parent))
+        if (art->hidden || art->locked) return false;
+    return true;
+}
+
+namespace {
+
+// The root of the layer that takes what comes from elsewhere; 0 for none.
+host::ArtId openRoot(const host::Document& document) {
+    std::vector<host::LayerId> layers = document.layers();
+    layers.insert(layers.begin(), document.currentLayer());
+    for (const host::LayerId id : layers)
+        if (const host::Layer* layer = document.layer(id); layer != nullptr && isOpen(document, layer->root))
+            return layer->root;
+    return 0;
+}
+
+// Foreign art that insertCopy leaves out.
+std::size_t leftOut(const host::ArtCopy& copy, const host::Document& document) {
+    std::size_t count = copy.kind == kForeignArt && copy.drawing != document.number() ? 1 : 0;
+    for (const host::ArtCopy& child : copy.children) count += leftOut(child, document);
+    return count;
+}
+
+}  // namespace
+
+void Clipboard::take(const host::Document& document, const std::vector<host::ArtId>& arts) {
+    copies_.clear();
+    for (const host::ArtId art : arts) copies_.push_back(document.copyOf(art));
+}
+
+std::optional<Clipboard::Pasted> Clipboard::paste(host::Document& document, RealPoint by) const {
+    const RealMatrix matrix{1, 0, 0, 1, by.h, by.v};
+    const host::ArtId root = openRoot(document);
+    Pasted pasted;
+    for (auto copy = copies_.rbegin(); copy != copies_.rend(); ++copy) {
+        const bool stands = copy->drawing == document.number() && isOpen(document, copy->original);
+        if (!stands && root == 0) return std::nullopt;
+        const host::ArtId made = stands ? document.insertCopy(*copy, kPlaceAbove, copy->original)
+                                        : document.insertCopy(*copy, kPlaceInsideOnTop, root);
+        pasted.left += leftOut(*copy, document);
+        if (made == 0) continue;
+        if (!document.transform(made, matrix, 1)) return std::nullopt;
+        pasted.arts.push_back(made);
+    }
+    std::reverse(pasted.arts.begin(), pasted.arts.end());
+    return pasted;
+}
+
+std::string takeArt(host::Host& host, const std::vector<std::string>& ids, Clipboard* clipboard) {
+    ArtNames names(*host.document());
+    std::vector<host::ArtId> arts;
+    for (const std::string& id : ids) {
+        arts.push_back(names.find(id));
+        if (arts.back() == 0) return noArt(id);
+    }
+    clipboard->take(*host.document(), arts);
+    return {};
+}
+
+std::string pasteArt(host::Host& host, const Clipboard& clipboard, double h, double v) {
+    if (clipboard.empty()) return "nothing has been taken for pasting";
+    const RealPoint by{static_cast<float>(h), static_cast<float>(v)};
+    const bool done =
+        host.edit("Paste", [&](host::Document& document) { return clipboard.paste(document, by).has_value(); });
+    return done ? std::string{} : "what has been taken cannot be put here";
+}
+
 std::string selectArt(host::Host& host, const std::vector<std::string>& ids) {
     std::vector<host::ArtId> arts;
     const bool all = ids.size() == 1 && ids[0] == "all", none = ids.size() == 1 && ids[0] == "none";

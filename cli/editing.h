@@ -2,6 +2,7 @@
 // when it could not be done, else empty.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -26,11 +27,34 @@ class ArtNames {
     std::unordered_map<host::ArtId, std::size_t> places_;
 };
 
+// What was copied last, as it was then. It outlives the drawing that it comes from.
+class Clipboard {
+  public:
+    struct Pasted {
+        std::vector<host::ArtId> arts;  // in the order in which they were taken
+        std::size_t left = 0;           // images and the like, which stay in the drawing that they are from
+    };
+    bool empty() const { return copies_.empty(); }
+    void take(const host::Document& document, const std::vector<host::ArtId>& arts);  // the top one first
+    // Each above its original while that stands where it may be changed; else on top of the current layer, or of the
+    // topmost that is open. Nothing when there is no such place or it would lie
+    // beyond all numbers; some may have been made then.
+    std::optional<Pasted> paste(host::Document& document, RealPoint by) const;
+
+  private:
+    std::vector<host::ArtCopy> copies_;
+};
+
+// What a hand can take: neither the art nor anything around it is hidden or locked.
+bool isOpen(const host::Document& document, host::ArtId art);
+
 // "all", "none" or ids; hidden and locked art too; groups and compound paths with all their members.
 std::string selectArt(host::Host& host, const std::vector<std::string>& ids);
 std::string moveArt(host::Host& host, const std::string& id, double h, double v);
 std::string turnArt(host::Host& host, const std::string& id, double degrees, RealPoint pivot);
 std::string copyArt(host::Host& host, const std::string& id, const std::string& newId);
+std::string takeArt(host::Host& host, const std::vector<std::string>& ids, Clipboard* clipboard);
+std::string pasteArt(host::Host& host, const Clipboard& clipboard, double h, double v);
 std::string deleteArt(host::Host& host, const std::string& id);
 // what: new, current, hide, show, lock, unlock, up, down.
 std::string changeLayer(host::Host& host, const std::string& title, const std::string& what);

@@ -23,6 +23,7 @@ constexpr VerbRow kVerbs[] = {
     {"turn", 4, 4, ".nnn"}, {"copy", 2, 2, ""},     {"delete", 1, 1, ""}, {"layer", 2, 3, ""},   {"zoom", 1, 1, "n"},
     {"ruler", 1, 1, ""},    {"action", 1, 1, ""},   {"notify", 1, 1, ""}, {"menu", 1, 1, ""},    {"flyout", 1, 1, "i"},
     {"tick", 0, 1, "i"},    {"panel", 2, 3, ".i"},  {"undo", 0, 0, ""},   {"redo", 0, 0, ""},    {"expect", 1, 3, ""},
+    {"clip", 1, -1, ""},    {"paste", 2, 2, "nn"},
 };
 
 // Words of which one must stand at a place.

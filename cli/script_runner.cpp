@@ -65,6 +65,8 @@ class Runner {
     void file(const ScriptLine& line);
     void select(const ScriptLine& line);
     void change(const ScriptLine& line);
+    void clip(const ScriptLine& line);
+    void paste(const ScriptLine& line);
     void layer(const ScriptLine& line);
     void zoom(const ScriptLine& line);
     void ruler(const ScriptLine& line);
@@ -89,6 +91,7 @@ class Runner {
     Session& session_;
     Happened happened_;
     RealPoint cursor_;
+    Clipboard clipboard_;
     std::vector<ScriptLine> earlySets_;  // written to the file that the plug-in reads when it starts
 };
 
@@ -103,6 +106,7 @@ const Runner::VerbRow Runner::kTable[] = {
     {"action", &Runner::action, false},   {"notify", &Runner::notify, false},  {"menu", &Runner::menu, false},
     {"flyout", &Runner::flyout, false},   {"tick", &Runner::tick, false},      {"panel", &Runner::panel, false},
     {"undo", &Runner::undo, true},        {"redo", &Runner::redo, true},       {"expect", &Runner::expect, false},
+    {"clip", &Runner::clip, true},        {"paste", &Runner::paste, true},
 };
 
 void Runner::run(const ScriptLine& line) {
@@ -247,6 +251,17 @@ void Runner::change(const ScriptLine& line) {
     } else {
         cause = deleteArt(session_.host(), id);
     }
+    if (!cause.empty()) throw ScriptFault(cause);
+}
+
+void Runner::clip(const ScriptLine& line) {
+    std::vector<std::string> ids;
+    for (const ScriptWord& word : line.words) ids.push_back(word.text);
+    if (const std::string cause = takeArt(session_.host(), ids, &clipboard_); !cause.empty()) throw ScriptFault(cause);
+}
+
+void Runner::paste(const ScriptLine& line) {
+    const std::string cause = pasteArt(session_.host(), clipboard_, numberIn(line.words[0]), numberIn(line.words[1]));
     if (!cause.empty()) throw ScriptFault(cause);
 }
 

@@ -33,7 +33,7 @@ const Ground kDarkGround{QColor(0x2b, 0x2e, 0x33), QColor(0x14, 0x15, 0x17), QCo
 Canvas::Canvas(Desk* desk, QWidget* parent)
     : QWidget(parent),
       desk_(desk),
-      picture_([this](QPainter* painter, const KeptPicture::View& view, const QRect& part) {
+      picture_([this](QPainter* painter, const KeptPicture::View& view, const QRectF& part) {
           drawGround(painter, view, part);
       }) {
     setObjectName(QStringLiteral("canvas"));
@@ -87,25 +87,33 @@ void Canvas::drawingReplaced(const QString& name, const QString& folder) {
 void Canvas::rememberBoxes(host::ArtId top) {
     const host::Art* art = observed_->find(top);
     if (art == nullptr) return;
-    if (art->parent != 0) boxes_[top] = DrawnBox(*observed_, *art);
+    if (art->parent != 0) boxes_[top] = painter_->drawnBox(*art);
     ForEachChildUpwards(*observed_, *art, [this](const host::Art& child) { rememberBoxes(child.id); });
 }
 
-void Canvas::noteSubtree(host::ArtId top) {
+void Canvas::noteSubtree(const host::Art& top) {
+    stale_.push_back(top.id);
+    ForEachChildUpwards(*observed_, top, [this](const host::Art& child) { noteSubtree(child); });
+}
+
+// With what is below it, and what is round it and looks different throughout because of it.
+void Canvas::note(host::ArtId top) {
     const host::Art* art = observed_->find(top);
     if (art == nullptr) return;
-    stale_.push_back(top);
-    ForEachChildUpwards(*observed_, *art, [this](const host::Art& child) { noteSubtree(child.id); });
+    noteSubtree(*art);
+    for (const host::Art* group = observed_->find(art->parent); group != nullptr;
+         group = observed_->find(group->parent))
+        if (group->parent != 0 && painter_->dependsOnMembers(*group)) stale_.push_back(group->id);
     update();
 }
 
-void Canvas::artInserted(host::ArtId art) { noteSubtree(art); }
-void Canvas::artRemoved(host::ArtId art) { noteSubtree(art); }
+void Canvas::artInserted(host::ArtId art) { note(art); }
+void Canvas::artRemoved(host::ArtId art) { note(art); }
 void Canvas::tagChanged(host::ArtId, const std::string&) {}
 void Canvas::layersChanged() { drawAllAnew(); }
 
 // Hiding a group changes what is drawn of all that is in it.
-void Canvas::artChanged(host::ArtId art) { noteSubtree(art); }
+void Canvas::artChanged(host::ArtId art) { note(art); }
 
 void Canvas::drawAllAnew() {
     allStale_ = true;
@@ -119,13 +127,16 @@ QRect Canvas::damageInPixels() {
         if (box.isEmpty()) return;
         damage |= map.mapRect(box).adjusted(-kMarkReach, -kMarkReach, kMarkReach, kMarkReach);
     };
+    // Each once: many members name the same group.
+    std::sort(stale_.begin(), stale_.end());
+    stale_.erase(std::unique(stale_.begin(), stale_.end()), stale_.end());
     for (const host::ArtId id : stale_) {
         if (const auto before = boxes_.find(id); before != boxes_.end()) {
             add(before->second);
             boxes_.erase(before);
         }
         const host::Art* art = observed_->find(id);
-        if (art != nullptr && art->parent != 0) add(boxes_[id] = DrawnBox(*observed_, *art));
+        if (art != nullptr && art->parent != 0) add(boxes_[id] = painter_->renewedBox(*art));
     }
     stale_.clear();
     return damage.isEmpty() ? QRect() : (damage & QRectF(rect())).toAlignedRect();
@@ -145,7 +156,7 @@ void Canvas::refresh() {
     allStale_ = false;
 }
 
-void Canvas::drawGround(QPainter* painter, const KeptPicture::View& view, const QRect& part) const {
+void Canvas::drawGround(QPainter* painter, const KeptPicture::View& view, const QRectF& part) const {
     const Ground& ground = desk_->dark() ? kDarkGround : kLightGround;
     painter->fillRect(part, ground.board);
     if (observed_ == nullptr) return;
@@ -160,17 +171,18 @@ void Canvas::drawGround(QPainter* painter, const KeptPicture::View& view, const 
     painter->drawRect(page.adjusted(-1, -1, 0, 0));
 }
 
-// Inverts exactly the pixels that are told; where a pixel of the view is several of the screen, all of them.
-void Canvas::invertPreview(QImage* image, QPoint origin) const {
-    const int block = std::max(1, static_cast<int>(std::lround(image->devicePixelRatio())));
+// Inverts exactly the pixels that are told. A pixel of the screen is of the one of the view that its middle lies in,
+// also where that is one and a half of them wide.
+void Canvas::invertPreview(QImage* image) const {
+    const double ratio = image->devicePixelRatio();
+    const auto edge = [ratio](std::int64_t pixel, int end) {
+        return static_cast<int>(std::clamp<double>(std::ceil(static_cast<double>(pixel) * ratio - 0.5), 0, end));
+    };
     desk_->user().screen().forEachInverted([&](std::int64_t h, std::int64_t v) {
-        const std::int64_t left = (h - origin.x()) * block, top = (v - origin.y()) * block;
-        for (std::int64_t y = std::max<std::int64_t>(0, top); y < std::min<std::int64_t>(top + block, image->height());
-             ++y) {
-            auto* line = reinterpret_cast<QRgb*>(image->scanLine(static_cast<int>(y)));
-            for (std::int64_t x = std::max<std::int64_t>(0, left);
-                 x < std::min<std::int64_t>(left + block, image->width()); ++x)
-                line[x] ^= 0x00FFFFFF;
+        const int right = edge(h + 1, image->width()), bottom = edge(v + 1, image->height());
+        for (int y = edge(v, image->height()); y < bottom; ++y) {
+            auto* line = reinterpret_cast<QRgb*>(image->scanLine(y));
+            for (int x = edge(h, image->width()); x < right; ++x) line[x] ^= 0x00FFFFFF;
         }
     });
 }
@@ -179,7 +191,7 @@ QImage Canvas::shown() {
     refresh();
     picture_.finish();
     QImage image = picture_.image().copy();
-    invertPreview(&image, {});
+    invertPreview(&image);
     return image;
 }
 
@@ -195,7 +207,7 @@ void Canvas::paintEvent(QPaintEvent* event) {
         painter.drawImage(QPoint(), picture_.image());
     } else {
         QImage image = picture_.image().copy();
-        invertPreview(&image, {});
+        invertPreview(&image);
         painter.drawImage(QPoint(), image);
     }
     if (hand_ != nullptr) hand_->paint(painter);
@@ -259,10 +271,14 @@ void Canvas::fit() {
     setZoom(std::max(kSmallestZoom, std::min(across, down)));
 }
 
-void Canvas::scrollBy(QPointF pixels) {
-    if (observed_ == nullptr) return;
+QPointF Canvas::scrollBy(QPointF pixels) {
+    if (observed_ == nullptr) return {};
+    const double ratio = devicePixelRatioF();
+    const QPointF whole(std::round(pixels.x() * ratio) / ratio, std::round(pixels.y() * ratio) / ratio);
     const host::View& view = desk_->host().view();
-    desk_->host().setCentre(FromQt({view.centre.h - pixels.x() / view.zoom, view.centre.v + pixels.y() / view.zoom}));
+    if (!whole.isNull())
+        desk_->host().setCentre(FromQt({view.centre.h - whole.x() / view.zoom, view.centre.v + whole.y() / view.zoom}));
+    return whole;
 }
 
 // --- mouse and keys
@@ -289,7 +305,21 @@ void Canvas::showCursor() {
         setCursor(hand_ != nullptr ? hand_->cursor() : QCursor());
 }
 
+// An alert in the middle of a press takes the release for itself: the hand gets it when the mouse comes back without
+// the button.
+void Canvas::endLostPress(const QMouseEvent& event) {
+    if (panning() && !(event.buttons() & panButton_)) {
+        panButton_ = Qt::NoButton;
+        showCursor();
+    }
+    const bool pressedAgain = event.type() == QEvent::MouseButtonPress && event.button() == Qt::LeftButton;
+    if (!drawing_ || ((event.buttons() & Qt::LeftButton) && !pressedAgain)) return;
+    drawing_ = false;
+    if (hand_ != nullptr && observed_ != nullptr) hand_->release(handEvent(event));
+}
+
 void Canvas::mousePressEvent(QMouseEvent* event) {
+    endLostPress(*event);
     if (panning() || drawing_) return;
     if (event->button() == Qt::MiddleButton || (event->button() == Qt::LeftButton && spaceHeld_)) {
         panButton_ = event->button();
@@ -303,9 +333,9 @@ void Canvas::mousePressEvent(QMouseEvent* event) {
 
 void Canvas::mouseMoveEvent(QMouseEvent* event) {
     emit cursorMoved(toArtwork(event->position()), event->position());
+    endLostPress(*event);
     if (panning()) {
-        scrollBy(event->position() - panFrom_);
-        panFrom_ = event->position();
+        panFrom_ += scrollBy(event->position() - panFrom_);
     } else if (hand_ != nullptr && observed_ != nullptr) {
         if (drawing_)
             hand_->drag(handEvent(*event));
@@ -354,5 +384,12 @@ void Canvas::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void Canvas::leaveEvent(QEvent*) { emit cursorLeft(); }
+
+// Keys are let go elsewhere then.
+void Canvas::focusOutEvent(QFocusEvent* event) {
+    spaceHeld_ = false;
+    showCursor();
+    QWidget::focusOutEvent(event);
+}
 
 }  // namespace quorvel::desktop

@@ -36,7 +36,8 @@ class Canvas : public QWidget, private host::DocumentObserver {
     void setZoom(double zoom);
     void zoomToBox(QRectF pixels);
     void fit();
-    void scrollBy(QPointF pixels);
+    // By whole pixels of the screen, so that the picture stays sharp; gives how far, in the canvas's pixels.
+    QPointF scrollBy(QPointF pixels);
     void setGuidesShown(bool shown);
     bool guidesShown() const { return options_.guides; }
 
@@ -67,6 +68,7 @@ class Canvas : public QWidget, private host::DocumentObserver {
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
 
   private:
@@ -77,13 +79,15 @@ class Canvas : public QWidget, private host::DocumentObserver {
     void layersChanged() override;
 
     void drawAllAnew();
-    void noteSubtree(host::ArtId top);
+    void note(host::ArtId top);
+    void noteSubtree(const host::Art& top);
     void rememberBoxes(host::ArtId top);
     QRect damageInPixels();
     void refresh();  // the kept picture is up to date afterwards, or on its way
-    void drawGround(QPainter* painter, const KeptPicture::View& view, const QRect& part) const;
-    void invertPreview(QImage* image, QPoint origin) const;
+    void drawGround(QPainter* painter, const KeptPicture::View& view, const QRectF& part) const;
+    void invertPreview(QImage* image) const;
     HandEvent handEvent(const QMouseEvent& event) const;
+    void endLostPress(const QMouseEvent& event);
     void showCursor();
     bool panning() const { return panButton_ != Qt::NoButton; }
 

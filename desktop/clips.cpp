@@ -1,13 +1,10 @@
-// The file is parsed when the first clip path or mask is asked for. A mask's content is left to Qt's own SVG reader.
+// A mask's content is left to Qt's own SVG reader.
 #include "desktop/clips.h"
 
 #include <QPainter>
 #include <QSvgRenderer>
 #include <algorithm>
-#include <pugixml.hpp>
-#include <sstream>
 #include <string_view>
-#include <unordered_map>
 
 #include "desktop/outline.h"
 #include "host/css.h"
@@ -18,30 +15,7 @@ namespace quorvel::desktop {
 namespace {
 
 constexpr int kDeepest = 16;               // of clip paths and uses in each other
-constexpr double kMaskCanvas = 1000;       // user units of the square that a mask's content is drawn in, at scale 1
 constexpr std::size_t kMostNodes = 20000;  // of one clip path
-
-std::string_view LocalName(const pugi::xml_node& node) {
-    const std::string_view name = node.name();
-    const std::size_t colon = name.find(':');
-    return colon == std::string_view::npos ? name : name.substr(colon + 1);
-}
-
-// A property as the style attribute or else the attribute of its name says it.
-std::string PropertyOf(const pugi::xml_node& node, std::string_view name) {
-    std::vector<host::CssDeclaration> declarations;
-    host::parseDeclarations(node.attribute("style").value(), &declarations);
-    for (auto one = declarations.rbegin(); one != declarations.rend(); ++one)
-        if (one->property == name) return std::string(one->value);
-    return node.attribute(std::string(name).c_str()).value();
-}
-
-std::string ReferredId(const std::string& reference) {
-    const std::size_t hash = reference.find('#');
-    if (hash == std::string::npos) return {};
-    const std::size_t end = reference.find_first_of(")\"' ", hash);
-    return reference.substr(hash + 1, end == std::string::npos ? end : end - hash - 1);
-}
 
 QTransform TransformOf(const pugi::xml_node& node) {
     host::Affine map;
@@ -92,45 +66,15 @@ QPainterPath ShapeOf(const pugi::xml_node& node) {
 
 }  // namespace
 
-struct Clips::Source {
-    explicit Source(const std::string& svg) : text(svg) {}
-
-    void parse() {
-        if (parsed) return;
-        parsed = true;
-        if (!document.load_buffer(text.data(), text.size())) return;
-        struct Gather : pugi::xml_tree_walker {
-            Source* into = nullptr;
-            bool for_each(pugi::xml_node& node) override {
-                if (const char* id = node.attribute("id").value(); *id != '\0') into->byId.emplace(id, node);
-                const std::string_view kind = LocalName(node);
-                if (kind == "linearGradient" || kind == "radialGradient") into->gradients.push_back(node);
-                return true;
-            }
-        } gather;
-        gather.into = this;
-        document.traverse(gather);
-    }
-    pugi::xml_node find(const std::string& id, std::string_view kind = {}) const {
-        const auto found = byId.find(id);
-        if (found == byId.end() || (!kind.empty() && LocalName(found->second) != kind)) return {};
-        return found->second;
-    }
-
-    const std::string& text;
-    bool parsed = false;
-    pugi::xml_document document;
-    std::unordered_map<std::string, pugi::xml_node> byId;
-    std::vector<pugi::xml_node> gradients;
-};
-
 // Gathers the outlines in a clip path.
 struct Clips::Outlines {
-    const Source& source;
+    Definitions& source;
     std::size_t nodes = 0;
+    bool ofBox = false;
 
     QPainterPath clipOf(const pugi::xml_node& clip, const QRectF& box, int depth) {
         const bool boxUnits = std::string_view(clip.attribute("clipPathUnits").value()) == "objectBoundingBox";
+        ofBox = ofBox || boxUnits;
         const QTransform units = (boxUnits ? BoxUnits(box) : QTransform());
         QPainterPath whole;
         for (const pugi::xml_node& child : clip.children())
@@ -165,30 +109,29 @@ struct Clips::Outlines {
     }
 };
 
-Clips::Clips(const std::string& svg) : source_(std::make_unique<Source>(svg)) {}
+Clips::Clips(Definitions* definitions) : definitions_(*definitions) {}
 Clips::~Clips() = default;
 
-std::pair<QPainterPath, bool> Clips::clip(const QString& id, const QRectF& box) const {
-    source_->parse();
-    const pugi::xml_node node = source_->find(id.toStdString(), "clipPath");
+// Uniting outlines is slow, and each painting asks.
+std::pair<QPainterPath, bool> Clips::clip(const QString& id, const QRectF& box) {
+    const pugi::xml_node node = definitions_.find(id.toStdString(), "clipPath");
     if (!node) return {QPainterPath(), false};
-    return {Outlines{*source_}.clipOf(node, box, 0), true};
+    const auto [kept, added] = clips_.try_emplace(id.toStdString());
+    if (Clip& clip = kept->second; added || (clip.ofBox && clip.box != box)) {
+        Outlines outlines{definitions_};
+        clip.outline = outlines.clipOf(node, box, 0);
+        clip.ofBox = outlines.ofBox;
+        clip.box = box;
+    }
+    return {kept->second.outline, true};
 }
 
 QImage Clips::mask(const QString& id, const QTransform& userToPixels, QSize size, const QRectF& box) {
-    source_->parse();
-    const pugi::xml_node node = source_->find(id.toStdString(), "mask");
+    const pugi::xml_node node = definitions_.find(id.toStdString(), "mask");
     if (!node) return {};
     std::shared_ptr<QSvgRenderer>& content = masks_[id];
     if (content == nullptr) {
-        std::ostringstream text;
-        text << R"(<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" viewBox="0 0 )"
-             << kMaskCanvas << ' ' << kMaskCanvas << R"("><defs>)";
-        for (const pugi::xml_node& gradient : source_->gradients) gradient.print(text, "", pugi::format_raw);
-        text << "</defs>";
-        for (const pugi::xml_node& child : node.children()) child.print(text, "", pugi::format_raw);
-        text << "</svg>";
-        content = std::make_shared<QSvgRenderer>(QByteArray::fromStdString(text.str()));
+        content = std::make_shared<QSvgRenderer>(QByteArray::fromStdString(definitions_.fileOfContent(node)));
     }
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) return image;
@@ -198,7 +141,7 @@ QImage Clips::mask(const QString& id, const QTransform& userToPixels, QSize size
         painter.setRenderHint(QPainter::Antialiasing);
         const bool boxUnits = std::string_view(node.attribute("maskContentUnits").value()) == "objectBoundingBox";
         painter.setTransform((boxUnits ? BoxUnits(box) : QTransform()) * userToPixels);
-        content->render(&painter, QRectF(0, 0, kMaskCanvas, kMaskCanvas));
+        content->render(&painter, QRectF(0, 0, 1, 1));  // user units as they are
     }
     // Luminance of the colours as they stand, times their opacity, which is in them already.
     for (int y = 0; y < image.height(); ++y) {

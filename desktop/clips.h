@@ -9,6 +9,9 @@
 #include <QTransform>
 #include <memory>
 #include <string>
+#include <unordered_map>
+
+#include "desktop/definitions.h"
 
 class QSvgRenderer;
 
@@ -16,21 +19,26 @@ namespace quorvel::desktop {
 
 class Clips {
   public:
-    explicit Clips(const std::string& svg);
+    explicit Clips(Definitions* definitions);
     ~Clips();
 
     // What is shown of art that refers to the clip path, in the art's user space; box: of the art there, for units of
     // its own. Nothing is shown by a clip path without outlines; without such a clip path the second is false.
-    std::pair<QPainterPath, bool> clip(const QString& id, const QRectF& box) const;
+    std::pair<QPainterPath, bool> clip(const QString& id, const QRectF& box);
     // Of the size given, each pixel's alpha the mask's luminance there (SVG 1.1, 14.4). Null when there is no such
     // mask.
     QImage mask(const QString& id, const QTransform& userToPixels, QSize size, const QRectF& box);
 
   private:
-    struct Source;
     struct Outlines;
+    struct Clip {
+        QPainterPath outline;
+        bool ofBox = false;  // it is another one for another box
+        QRectF box;
+    };
 
-    std::unique_ptr<Source> source_;
+    Definitions& definitions_;
+    std::unordered_map<std::string, Clip> clips_;  // as last asked for
     QHash<QString, std::shared_ptr<QSvgRenderer>> masks_;
 };
 

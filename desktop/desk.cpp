@@ -2,13 +2,16 @@
 // round.
 #include "desktop/desk.h"
 
+#include <QCoreApplication>
 #include <QCursor>
+#include <QLibraryInfo>
 #include <cmath>
 #include <regex>
 #include <sstream>
 
 #include "cli/script.h"
 #include "cli/session.h"
+#include "desktop/causes.h"
 #include "platform/file.h"
 #include "platform/text.h"
 
@@ -17,6 +20,7 @@ namespace quorvel::desktop {
 namespace {
 
 constexpr char kEnglishTool[] = "Oblique Dimension Tool";
+constexpr char kFirstUnit[] = "mm";  // of the rulers before a drawing brings its own, as of a new page
 
 }  // namespace
 
@@ -40,7 +44,10 @@ Desk::~Desk() {
 
 void Desk::connectHost() {
     host::HostCallbacks& calls = host_->callbacks;
-    calls.errorAlert = [this](const std::string& text) { user_->showAlert(text); };
+    calls.errorAlert = [this](const std::string& text) {
+        recorder_.alertShown(text);
+        user_->showAlert(text);
+    };
     calls.yesNoAlert = [this](const std::string& text) { return user_->askQuestion(text); };
     calls.progress = [this](int current, int maximum) { emit progressed(current, maximum); };
     calls.createPanelWindow = [this](const host::PanelRecord&) {
@@ -69,6 +76,7 @@ void Desk::connectUser() {
     events.surfaceDrawn = [this] { emit surfaceDrawn(); };
     events.cursorChosen = [this](std::int32_t, const QCursor& cursor) { emit cursorChosen(cursor); };
     events.beeped = [this] { emit beeped(); };
+    events.dialogOpened = [this] { recorder_.dialogOpened(); };
     events.dialogAnswered = [this](const platform::DialogReply& reply) { recorder_.dialogAnswered(reply); };
     events.boxAnswered = [this](bool accepted, bool) { recorder_.boxAnswered(accepted); };
     events.fileChosen = [this](const std::optional<std::string>& path) { recorder_.fileChosen(path); };
@@ -83,7 +91,7 @@ bool Desk::start(QString* error) {
     const std::string file = options_.pluginFile.empty() ? cli::findPluginFile() : options_.pluginFile;
     std::string cause;
     if (!options_.recordFile.empty()) {
-        if (!recorder_.open(options_.recordFile)) {
+        if (!recorder_.open(options_.recordFile, options_.seed)) {
             *error = QString::fromStdString(options_.recordFile + ": cannot be written");
             return false;
         }
@@ -94,9 +102,12 @@ bool Desk::start(QString* error) {
         return false;
     }
     started_ = true;
+    host_->setRulerUnit(kFirstUnit);
     const AIErr result = host_->startup();
     if (result != kNoErr) *error = QString::fromStdString(file + ": start-up failed with " + std::to_string(result));
     english_ = host_->toolByTitle(kEnglishTool) != nullptr;
+    speak();
+    recordPanel();
     return result == kNoErr;
 }
 
@@ -121,8 +132,30 @@ void Desk::recordSettings() {
     }
 }
 
+// The command line has another unit at its start, and a step that is said in it is a little off.
+void Desk::recordPanel() {
+    constexpr std::int32_t kGridSteps[] = {20, 22, 24};
+    const platform::ControlForm* panel = user_->panelForm();
+    if (!recorder_.on() || panel == nullptr) return;
+    for (const std::int32_t step : kGridSteps)
+        recorder_.line("panel text " + std::to_string(step) + ' ' + cli::quotedWord(panel->text(step)));
+}
+
+// Qt's own buttons and dialogs speak the language of the tools, where its translations are installed.
+void Desk::speak() {
+    if (english_) return;
+    qtWords_ = std::make_unique<QTranslator>();
+    if (qtWords_->load(QStringLiteral("qtbase_ja"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(qtWords_.get());
+}
+
 QString Desk::say(const char* english, const char* japanese) const {
     return QString::fromUtf8(english_ ? english : japanese);
+}
+
+QString Desk::sayCause(const std::string& english) const {
+    const QString text = QString::fromStdString(english);
+    return english_ ? text : JapaneseCause(text);
 }
 
 void Desk::setDark(bool dark, const QColor& background, const QColor& text) {

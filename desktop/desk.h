@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QObject>
 #include <QString>
+#include <QTranslator>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -43,6 +44,8 @@ class Desk : public QObject {
     // One of the two texts, by the language of the tools.
     QString say(const char* english, const char* japanese) const;
     bool english() const { return english_; }
+    // What a part below the window says in English of a failure or a warning.
+    QString sayCause(const std::string& english) const;
     // The panel and the icons follow.
     void setDark(bool dark, const QColor& background, const QColor& text);
     bool dark() const { return dark_; }
@@ -65,6 +68,8 @@ class Desk : public QObject {
     void connectHost();
     void connectUser();
     void recordSettings();
+    void recordPanel();
+    void speak();
     std::string viewTitle() const;
 
     DeskOptions options_;
@@ -74,6 +79,7 @@ class Desk : public QObject {
     bool started_ = false, english_ = false, dark_ = false;
     QString viewName_;
     QWidget* panelPage_ = nullptr;
+    std::unique_ptr<QTranslator> qtWords_;  // of Qt's own dialogs and buttons
 };
 
 }  // namespace quorvel::desktop

@@ -1,7 +1,13 @@
 // Opening, saving and the questions round them. Copies lie in the program's state folder, one for each running process,
-// named by its number, so that a copy without its process is one that a crash has left.
+// each with a lock that the system takes away when the process ends: a copy without its lock is one that a crash has
+// left, whatever has got the process's number since, and wherever the program was started from.
 #include "desktop/drawing_file.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <QApplication>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDialog>
@@ -17,6 +23,7 @@
 #include <QStandardPaths>
 
 #include "cli/script.h"
+#include "desktop/causes.h"
 #include "host/svg.h"
 
 namespace quorvel::desktop {
@@ -25,10 +32,11 @@ namespace {
 
 constexpr int kCopyPeriod = 30000;  // milliseconds
 constexpr int kRecentCount = 10;
+constexpr int kMostCopies = 100;  // that crashes have left under one process number
 constexpr double kPointsPerMillimetre = 72 / 25.4;
 constexpr char kFilter[] = "SVG (*.svg)";
 constexpr char kRecentKey[] = "recentFiles";
-constexpr char kOriginEnding[] = ".origin";
+constexpr char kOriginEnding[] = ".origin", kLockEnding[] = ".lock";
 
 struct PageSize {
     const char* name;
@@ -37,13 +45,45 @@ struct PageSize {
 constexpr PageSize kPageSizes[] = {
     {"A4", 210, 297}, {"A3", 297, 420}, {"A2", 420, 594}, {"A1", 594, 841}, {"A0", 841, 1189}};
 
-// Whether the process is one of this program's.
-bool AtWork(const QString& process) {
-    const QString program = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process));
-    return !program.isEmpty() && program.startsWith(QCoreApplication::applicationFilePath());
+// Whether the copy's process is still there.
+bool Held(const QString& copy) {
+    const int lock = ::open(QFile::encodeName(copy + QLatin1String(kLockEnding)).constData(), O_RDWR | O_CLOEXEC);
+    if (lock < 0) return false;
+    const bool held = ::flock(lock, LOCK_EX | LOCK_NB) != 0;
+    ::close(lock);
+    return held;
 }
 
+// Shown while a file is read, which paints nothing.
+struct Waiting {
+    Waiting() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~Waiting() { QApplication::restoreOverrideCursor(); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+};
+
 }  // namespace
+
+// The dialog's own question would be asked of the name without its ending, and by some desktops not at all.
+QString AskSaveName(const Desk& desk, QWidget* window, const QString& title, const QString& proposed,
+                    const QString& suffix) {
+    QFileDialog dialog(window, title, QFileInfo(proposed).absolutePath(),
+                       QStringLiteral("%1 (*.%2)").arg(suffix.toUpper(), suffix));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog.setDefaultSuffix(suffix);
+    dialog.selectFile(QFileInfo(proposed).fileName());
+    while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+        const QString path = dialog.selectedFiles().front();
+        if (!QFileInfo::exists(path)) return path;
+        const QString text = desk.say("%1 is there already. Replace it?", "%1 は既にあります。置き換えますか？");
+        const auto answer =
+            QMessageBox::warning(window, QStringLiteral("Quorvel"), text.arg(QFileInfo(path).fileName()),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+        if (answer == QMessageBox::Yes) return path;
+    }
+    return {};
+}
 
 DrawingFile::DrawingFile(Desk* desk, QWidget* window) : desk_(desk), window_(window) {
     connect(&copyTimer_, &QTimer::timeout, this, &DrawingFile::putCopyAside);
@@ -70,16 +110,21 @@ void DrawingFile::tell(const QString& text) {
 
 // Into a new drawing first: a bad file does not cost the one that is open.
 bool DrawingFile::load(const QString& from) {
-    host::SvgReadResult result = host::readSvgFile(QFile::encodeName(from).toStdString());
+    host::SvgReadResult result;
+    {
+        const Waiting waiting;
+        result = host::readSvgFile(QFile::encodeName(from).toStdString());
+    }
     if (result.document == nullptr) {
-        tell(QFileInfo(from).fileName() + QStringLiteral(": ") + QString::fromStdString(result.error));
+        tell(QFileInfo(from).fileName() + QStringLiteral(": ") + desk_->sayCause(result.error));
         return false;
     }
+    const Waiting waiting;
     desk_->recorder().line("open " + cli::quotedWord(QFile::encodeName(from).toStdString()));
     emit drawingLeaves();
     desk_->host().setDocument(std::move(result.document), result.rulerUnit);
     QStringList warnings;
-    for (const std::string& warning : result.warnings) warnings.append(QString::fromStdString(warning));
+    for (const std::string& warning : result.warnings) warnings.append(desk_->sayCause(warning));
     if (!warnings.isEmpty()) emit warned(warnings);
     return true;
 }
@@ -194,7 +239,7 @@ bool DrawingFile::saveTo(const QString& path) {
     const std::string target = QFile::encodeName(path).toStdString();
     std::string cause;
     if (!host::saveSvgFile(*desk_->document(), target, desk_->host().rulerUnit(), &cause)) {
-        tell(QFileInfo(path).fileName() + QStringLiteral(": ") + QString::fromStdString(cause));
+        tell(QFileInfo(path).fileName() + QStringLiteral(": ") + desk_->sayCause(cause));
         return false;
     }
     desk_->recorder().line("save " + cli::quotedWord(target));
@@ -227,11 +272,9 @@ bool DrawingFile::saveAs() {
     const QString proposed = !path_.isEmpty()     ? path_
                              : !origin_.isEmpty() ? origin_
                                                   : folder() + QStringLiteral("/Untitled.svg");
-    QString path =
-        QFileDialog::getSaveFileName(window_, desk_->say("Save As", "別名で保存"), proposed, QLatin1String(kFilter));
-    if (path.isEmpty()) return false;
-    if (QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".svg");
-    return saveTo(path);
+    const QString path =
+        AskSaveName(*desk_, window_, desk_->say("Save As", "別名で保存"), proposed, QStringLiteral("svg"));
+    return !path.isEmpty() && saveTo(path);
 }
 
 bool DrawingFile::unsaved() const {
@@ -265,36 +308,55 @@ QString DrawingFile::copiesFolder() {
     return folder;
 }
 
-QString DrawingFile::copyPath() const {
-    return copiesFolder() + QStringLiteral("/%1.svg").arg(QCoreApplication::applicationPid());
+// A name under which nothing lies that a crash has left, held as this process's from now on.
+bool DrawingFile::takeCopyName() {
+    if (!copyPath_.isEmpty()) return true;
+    const QString folder = copiesFolder();
+    const QString process = QString::number(QCoreApplication::applicationPid());
+    for (int again = 1; again <= kMostCopies; ++again) {
+        const QString path = folder + QLatin1Char('/') + process +
+                             (again == 1 ? QString() : QLatin1Char('-') + QString::number(again)) +
+                             QStringLiteral(".svg");
+        if (QFile::exists(path)) continue;
+        copyLock_.setFileName(path + QLatin1String(kLockEnding));
+        if (copyLock_.open(QIODevice::ReadWrite) && ::flock(copyLock_.handle(), LOCK_EX | LOCK_NB) == 0) {
+            copyPath_ = path;
+            return true;
+        }
+        copyLock_.close();
+    }
+    return false;
 }
 
 void DrawingFile::putCopyAside() {
     const host::Document* document = desk_->document();
     if (document == nullptr || !document->modified() || document->inTransaction()) return;
-    if (document->changeCount() == copiedChange_) return;
+    if (document->changeCount() == copiedChange_ || !takeCopyName()) return;
     std::string cause;
-    if (!host::saveSvgFile(*document, QFile::encodeName(copyPath()).toStdString(), desk_->host().rulerUnit(), &cause))
+    if (!host::saveSvgFile(*document, QFile::encodeName(copyPath_).toStdString(), desk_->host().rulerUnit(), &cause))
         return;
     copiedChange_ = document->changeCount();
     noteOrigin();
 }
 
 void DrawingFile::noteOrigin() {
-    QFile origin(copyPath() + QLatin1String(kOriginEnding));
+    QFile origin(copyPath_ + QLatin1String(kOriginEnding));
     if (origin.open(QIODevice::WriteOnly)) origin.write((path_.isEmpty() ? origin_ : path_).toUtf8());
 }
 
 void DrawingFile::dropCopy() {
-    QFile::remove(copyPath());
-    QFile::remove(copyPath() + QLatin1String(kOriginEnding));
+    if (copyPath_.isEmpty()) return;
+    QFile::remove(copyPath_);
+    QFile::remove(copyPath_ + QLatin1String(kOriginEnding));
+    copyLock_.remove();
+    copyPath_.clear();
 }
 
 bool DrawingFile::offerRescuedCopy() {
     const QDir folder(copiesFolder());
     for (const QString& file : folder.entryList({QStringLiteral("*.svg")}, QDir::Files, QDir::Time)) {
-        if (AtWork(QFileInfo(file).completeBaseName())) continue;
         const QString copy = folder.absoluteFilePath(file);
+        if (Held(copy)) continue;
         QFile origin(copy + QLatin1String(kOriginEnding));
         const QString path = origin.open(QIODevice::ReadOnly) ? QString::fromUtf8(origin.readAll()) : QString();
         const QString shown =
@@ -306,13 +368,17 @@ bool DrawingFile::offerRescuedCopy() {
         if (answer == QMessageBox::Discard) {
             origin.remove();
             QFile::remove(copy);
+            QFile::remove(copy + QLatin1String(kLockEnding));
             continue;
         }
         if (answer != QMessageBox::Open || !mayLeave() || !load(copy)) continue;  // offered again next time
         opened({}, path);
         origin.remove();
-        QFile::rename(copy, copyPath());
-        noteOrigin();
+        QFile::remove(copy + QLatin1String(kLockEnding));
+        if (takeCopyName()) {
+            QFile::rename(copy, copyPath_);
+            noteOrigin();
+        }
         return true;
     }
     return false;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QFile>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -14,6 +15,11 @@
 class QWidget;
 
 namespace quorvel::desktop {
+
+// Asks where to save; empty when the user does not want to. A name without an ending gets the suffix ("svg") before it
+// is looked for on the disk, and what stands there is not replaced unasked.
+QString AskSaveName(const Desk& desk, QWidget* window, const QString& title, const QString& proposed,
+                    const QString& suffix);
 
 class DrawingFile : public QObject {
     Q_OBJECT
@@ -55,10 +61,10 @@ class DrawingFile : public QObject {
     bool changedOutside() const;
     void noteOnDisk();
     void noteRecent() const;
+    bool takeCopyName();
     void dropCopy();
     void noteOrigin();
     static QString copiesFolder();
-    QString copyPath() const;
     void tell(const QString& text);
 
     Desk* desk_;
@@ -68,6 +74,8 @@ class DrawingFile : public QObject {
     QDateTime onDisk_;
     qint64 sizeOnDisk_ = -1;
     QTimer copyTimer_;
+    QString copyPath_;  // empty while no copy lies aside
+    QFile copyLock_;    // held as long as it does
     std::uint64_t copiedChange_ = 0;
     bool rescued_ = false;  // what is open has never been saved where it belongs
 };

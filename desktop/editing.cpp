@@ -2,10 +2,10 @@
 #include "desktop/editing.h"
 
 #include <QPainterPathStroker>
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
-#include "cli/editing.h"
 #include "cli/script.h"
 #include "desktop/outline.h"
 #include "desktop/recorder.h"
@@ -14,7 +14,8 @@ namespace quorvel::desktop {
 
 namespace {
 
-constexpr float kPasteOffset = 12;  // points, to the right and down
+constexpr float kPasteOffset = 12;         // points, to the right and down
+constexpr int kMostOutlinePoints = 10000;  // drawn at each move of the mouse
 
 void SelectBelow(host::Document& document, host::ArtId id, bool selected) {
     document.setSelected(id, selected);
@@ -23,13 +24,18 @@ void SelectBelow(host::Document& document, host::ArtId id, bool selected) {
 }
 
 // Gives the largest objects whose parts are all selected, the top one first; true when the art itself is one of them.
+// A part that is hidden or locked is taken with the whole alone.
 bool GatherSelected(const host::Document& document, const host::Art& art, std::vector<host::ArtId>* found) {
     const std::size_t before = found->size();
     bool whole = art.selected;
     if (!whole && art.kind == kGroupArt && art.firstChild != 0) {
         whole = true;
-        for (host::ArtId child = art.firstChild; child != 0; child = document.find(child)->below)
-            whole = GatherSelected(document, *document.find(child), found) && whole;
+        for (host::ArtId id = art.firstChild; id != 0; id = document.find(id)->below) {
+            const host::Art& child = *document.find(id);
+            const std::size_t above = found->size();
+            whole = GatherSelected(document, child, found) && whole;
+            if (child.hidden || child.locked) found->resize(above);
+        }
     }
     if (whole) {
         found->resize(before);
@@ -57,10 +63,10 @@ bool CanBeTaken(const host::Art& art, const host::Layer& layer) {
 
 bool Hits(const host::Document& document, const host::Art& art, QPointF point, double tolerance) {
     if (art.hidden) return false;
-    const RealRect bounds = document.bounds(art.id);
-    if (IsEmpty(bounds) || !ToQt(bounds).adjusted(-tolerance, -tolerance, tolerance, tolerance).contains(point))
-        return false;
-    if (art.kind == kTextFrameArt || art.kind == kForeignArt) return true;
+    const std::optional<QRectF> box = BoxOf(document, art);
+    if (!box || !box->adjusted(-tolerance, -tolerance, tolerance, tolerance).contains(point)) return false;
+    if (art.kind == kTextFrameArt) return true;
+    if (art.kind == kForeignArt) return FrameOf(document, art).contains(point);
     if (art.kind == kGroupArt) {
         for (host::ArtId child = art.firstChild; child != 0; child = document.find(child)->below)
             if (Hits(document, *document.find(child), point, tolerance)) return true;
@@ -115,53 +121,87 @@ host::ArtId Editing::partAt(RealPoint point, double tolerance) const {
 std::vector<host::ArtId> Editing::objectsIn(const QRectF& box) const {
     std::vector<host::ArtId> found;
     ForEachObject(*desk_->document(), [&](const host::Art& art, const host::Layer& layer) {
-        const RealRect bounds = desk_->document()->bounds(art.id);
-        if (CanBeTaken(art, layer) && !IsEmpty(bounds) && box.left() <= bounds.left && box.right() >= bounds.right &&
-            box.top() <= bounds.bottom && box.bottom() >= bounds.top)
+        if (!CanBeTaken(art, layer)) return true;
+        const std::optional<QRectF> own = BoxOf(*desk_->document(), art);
+        if (own && box.left() <= own->left() && box.right() >= own->right() && box.top() <= own->top() &&
+            box.bottom() >= own->bottom())
             found.push_back(art.id);
         return true;
     });
     return found;
 }
 
-std::vector<host::ArtId> Editing::selection() const {
-    std::vector<host::ArtId> found;
-    if (desk_->document() == nullptr) return found;
-    ForEachObject(*desk_->document(), [&](const host::Art& art, const host::Layer&) {
-        GatherSelected(*desk_->document(), art, &found);
+// It is asked for at each paint, and a walk over the whole drawing is too much for that.
+const Editing::Seen* Editing::seen() const {
+    const host::Document* document = desk_->document();
+    if (document == nullptr) return nullptr;
+    if (seen_ && seen_->drawing == document->number() && seen_->change == document->changeCount()) return &*seen_;
+    seen_ = Seen{document->number(), document->changeCount(), {}, {}, {}};
+    ForEachObject(*document, [&](const host::Art& art, const host::Layer& layer) {
+        if (CanBeTaken(art, layer)) GatherSelected(*document, art, &seen_->selection);
         return true;
     });
-    return found;
+    for (const host::ArtId id : seen_->selection) {
+        const std::optional<QRectF> box = BoxOf(*document, *document->find(id));
+        if (!box) continue;
+        const QRectF one = box->adjusted(0, 0, 1e-6, 1e-6);
+        seen_->box = seen_->box.isNull() ? one : seen_->box.united(one);
+    }
+    return &*seen_;
+}
+
+const std::vector<host::ArtId>& Editing::selection() const {
+    static const std::vector<host::ArtId> kNone;
+    const Seen* now = seen();
+    return now == nullptr ? kNone : now->selection;
 }
 
 QRectF Editing::selectionBox() const {
-    QRectF box;
-    for (const host::ArtId id : selection()) {
-        const RealRect bounds = desk_->document()->bounds(id);
-        if (IsEmpty(bounds)) continue;
-        const QRectF one = ToQt(bounds).adjusted(0, 0, 1e-6, 1e-6);
-        box = box.isNull() ? one : box.united(one);
+    const Seen* now = seen();
+    return now == nullptr ? QRectF() : now->box;
+}
+
+const QPainterPath& Editing::selectionOutline() const {
+    static const QPainterPath kNone;
+    if (seen() == nullptr) return kNone;
+    if (seen_->outline) return *seen_->outline;
+    seen_->outline.emplace();
+    for (const host::ArtId id : seen_->selection) {
+        seen_->outline->addPath(OutlineBelow(*desk_->document(), *desk_->document()->find(id)));
+        if (seen_->outline->elementCount() <= kMostOutlinePoints) continue;
+        seen_->outline->clear();
+        break;
     }
-    return box;
+    return *seen_->outline;
 }
 
 // --- selecting
 // --------------------------------------------------------------------------------------------------------
 
 void Editing::select(const std::vector<host::ArtId>& objects) {
-    if (desk_->document() == nullptr || objects == selection()) return;
+    const host::Document* document = desk_->document();
+    if (document == nullptr) return;
+    // What has gone since it was pointed at is nothing.
+    std::vector<host::ArtId> living = objects;
+    std::erase_if(living, [&](host::ArtId id) { return document->find(id) == nullptr; });
+    std::vector<host::ArtId> now;
+    ForEachObject(*document, [&](const host::Art& art, const host::Layer&) {
+        GatherSelected(*document, art, &now);
+        return true;
+    });
+    if (living == now) return;
     std::string words;
     if (desk_->recorder().on()) {
-        cli::ArtNames names(*desk_->document());
-        for (const host::ArtId id : objects) words += ' ' + cli::quotedWord(names.of(id));
+        cli::ArtNames names(*document);
+        for (const host::ArtId id : living) words += ' ' + cli::quotedWord(names.of(id));
     }
     desk_->recorder().line("select" + (words.empty() ? " none" : words));
-    desk_->host().edit("Select", [&](host::Document& document) {
-        ForEachObject(document, [&](const host::Art& art, const host::Layer&) {
-            SelectBelow(document, art.id, false);
+    desk_->host().edit("Select", [&](host::Document& changed) {
+        ForEachObject(changed, [&](const host::Art& art, const host::Layer&) {
+            SelectBelow(changed, art.id, false);
             return true;
         });
-        for (const host::ArtId id : objects) SelectBelow(document, id, true);
+        for (const host::ArtId id : living) SelectBelow(changed, id, true);
         return true;
     });
 }
@@ -179,130 +219,125 @@ void Editing::selectAll() {
 // --- changing
 // ---------------------------------------------------------------------------------------------------------
 
+host::StepName StepNameOf(const Desk& desk, const char* english, const char* japanese) {
+    const std::string name = desk.say(english, japanese).toStdString();
+    return desk.english() ? host::StepName{"Undo " + name, "Redo " + name}
+                          : host::StepName{name + "の取り消し", name + "のやり直し"};
+}
+
 template <typename Change>
-void Editing::changeSelection(const char* name, Change change, const std::string& verb, const std::string& words) {
+void Editing::changeSelection(const host::StepName& name, Change change, const std::string& verb,
+                              const std::string& words) {
     const std::vector<host::ArtId> objects = selection();
     if (objects.empty()) return;
     std::vector<std::string> lines;
     if (desk_->recorder().on()) {
-        // The last first: what is deleted takes a place from those behind it alone.
         cli::ArtNames names(*desk_->document());
-        for (auto id = objects.rbegin(); id != objects.rend(); ++id)
-            lines.push_back(verb + ' ' + cli::quotedWord(names.of(*id)) + words);
+        for (const host::ArtId id : objects) lines.push_back(verb + ' ' + cli::quotedWord(names.of(id)) + words);
+        // The last first: what is deleted takes a place from those behind it alone.
+        std::reverse(lines.begin(), lines.end());
     }
+    desk_->recorder().plan(lines);
+    std::vector<bool> changed;  // what changes nothing makes no step in a script
     const bool done = desk_->host().edit(name, [&](host::Document& document) {
         bool all = true;
-        for (const host::ArtId id : objects) all = change(document, id) && all;
+        for (auto id = objects.rbegin(); id != objects.rend(); ++id) {
+            const std::uint64_t before = document.changeCount();
+            all = change(document, *id) && all;
+            changed.push_back(document.changeCount() != before);
+        }
         return all;
     });
-    if (!done) return;
+    const bool any = done && std::find(changed.begin(), changed.end(), true) != changed.end();
+    auto place = changed.begin();
+    std::erase_if(lines, [&](const std::string&) { return !any || !*place++; });
     desk_->recorder().step(lines);
-    sendTracking();
+    if (any) sendTracking();
 }
 
+// What follows the art is a part of the same deed, and one undo takes both back.
 void Editing::sendTracking() {
     desk_->recorder().line(std::string("notify ") + kTrackingNotifier);
+    int steps = 0;
+    const auto counting = QObject::connect(desk_, &Desk::stepMade, [&steps] { ++steps; });
     desk_->host().notify(kTrackingNotifier);
+    QObject::disconnect(counting);
+    const bool joins = steps > 0;
+    for (; steps > 0 && desk_->document()->joinLastSteps(); --steps) desk_->recorder().lastStepsJoined();
+    if (joins) emit desk_->stepMade(QString::fromStdString(*desk_->document()->undoName()));
 }
 
 void Editing::move(RealPoint by) {
     const RealMatrix matrix{1, 0, 0, 1, by.h, by.v};
     changeSelection(
-        "Move", [&](host::Document& document, host::ArtId id) { return document.transform(id, matrix, 1); }, "move",
+        StepNameOf(*desk_, "Move", "移動"),
+        [&](host::Document& document, host::ArtId id) { return document.transform(id, matrix, 1); }, "move",
         ' ' + Shortest(by.h) + ' ' + Shortest(by.v));
 }
 
 void Editing::turn(double degrees, RealPoint pivot) {
     const RealMatrix matrix = turnMatrix(degrees, pivot);
     changeSelection(
-        "Rotate", [&](host::Document& document, host::ArtId id) { return document.transform(id, matrix, 1); }, "turn",
+        StepNameOf(*desk_, "Rotate", "回転"),
+        [&](host::Document& document, host::ArtId id) { return document.transform(id, matrix, 1); }, "turn",
         ' ' + Shortest(degrees) + ' ' + Shortest(pivot.h) + ' ' + Shortest(pivot.v));
 }
 
-void Editing::remove() {
+void Editing::removeAs(const host::StepName& name) {
     changeSelection(
-        "Delete", [](host::Document& document, host::ArtId id) { return document.removeArt(id); }, "delete", "");
+        name, [](host::Document& document, host::ArtId id) { return document.removeArt(id); }, "delete", "");
 }
+
+void Editing::remove() { removeAs(StepNameOf(*desk_, "Delete", "消去")); }
 
 // --- copies
 // -----------------------------------------------------------------------------------------------------------
 
-ArtCopy Editing::copyOf(const host::Art& art) const {
-    ArtCopy copy;
-    copy.id = art.id;
-    copy.drawing = drawing_;
-    copy.kind = art.kind;
-    copy.tags = art.tags;
-    if (art.path != nullptr) copy.path = std::make_unique<host::PathData>(*art.path);
-    if (art.text != nullptr) copy.text = std::make_unique<host::TextData>(*art.text);
-    ForEachChildUpwards(*desk_->document(), art,
-                        [&](const host::Art& child) { copy.children.push_back(copyOf(child)); });
-    return copy;
-}
-
 void Editing::copy() {
-    std::vector<ArtCopy> taken;
-    for (const host::ArtId id : selection()) taken.push_back(copyOf(*desk_->document()->find(id)));
-    if (!taken.empty()) clipboard_ = std::move(taken);
+    const std::vector<host::ArtId>& taken = selection();
+    if (taken.empty()) return;
+    if (desk_->recorder().on()) {
+        cli::ArtNames names(*desk_->document());
+        std::string words;
+        for (const host::ArtId id : taken) words += ' ' + cli::quotedWord(names.of(id));
+        desk_->recorder().line("clip" + words);
+    }
+    clipboard_.take(*desk_->document(), taken);
+    pastes_ = 0;
 }
 
 void Editing::cut() {
     copy();
-    remove();
+    removeAs(StepNameOf(*desk_, "Cut", "カット"));
 }
 
-host::ArtId Editing::insert(host::Document& document, const ArtCopy& copy, host::ArtId parent) const {
-    const host::ArtId made = document.insertArt(copy.kind, parent == 0 ? kPlaceAboveAll : kPlaceInsideOnTop, parent);
-    if (made == 0) return 0;
-    if (copy.path != nullptr) {
-        document.setSegments(made, 0, copy.path->segments);
-        document.setClosed(made, copy.path->closed);
-        if (copy.path->style != nullptr) document.setStyle(made, *copy.path->style);
-    }
-    if (copy.text != nullptr) document.setText(made, *copy.text);
-    for (const host::Tag& tag : copy.tags) document.setTag(made, tag.name, tag.value);
-    for (const ArtCopy& child : copy.children) insert(document, child, made);
-    return made;
-}
-
-std::string Editing::freeId(const host::Document& document) const {
-    for (int n = 1;; ++n) {
-        std::string name = "copy" + std::to_string(n);
-        if (document.findBySvgId(name) == 0) return name;
-    }
-}
-
-// Art that still stands is copied where it stands, with all that the host keeps of it; what was cut, or comes from
-// another drawing, is made anew on the current layer.
+// Each paste lies beside the one before.
 void Editing::paste() {
     if (desk_->document() == nullptr || clipboard_.empty()) return;
-    std::vector<std::string> lines;
-    std::vector<host::ArtId> made;
-    const RealMatrix beside{1, 0, 0, 1, kPasteOffset, -kPasteOffset};
-    const bool done = desk_->host().edit("Paste", [&](host::Document& document) {
-        for (auto copy = clipboard_.rbegin(); copy != clipboard_.rend(); ++copy) {
-            const host::Art* original = copy->drawing == drawing_ ? document.find(copy->id) : nullptr;
-            const std::string name = freeId(document);
-            const std::string from =
-                original != nullptr && desk_->recorder().on() ? cli::ArtNames(document).of(copy->id) : std::string();
-            const host::ArtId id =
-                original != nullptr ? document.duplicateArt(copy->id, name) : insert(document, *copy, 0);
-            if (id == 0) return false;
-            if (original == nullptr) document.setSvgId(id, name);
-            document.transform(id, beside, 1);
-            made.push_back(id);
-            const bool said = original != nullptr;
-            lines.push_back(said ? "copy " + cli::quotedWord(from) + ' ' + cli::quotedWord(name)
-                                 : "# paste of art that does not stand in this drawing any more");
-            if (said)
-                lines.push_back("move " + cli::quotedWord(name) + ' ' + Shortest(kPasteOffset) + ' ' +
-                                Shortest(-kPasteOffset));
-        }
-        return true;
+    const float away = kPasteOffset * static_cast<float>(pastes_ + 1);
+    desk_->recorder().plan({"paste " + Shortest(away) + ' ' + Shortest(-away)});
+    std::optional<cli::Clipboard::Pasted> pasted;
+    desk_->host().edit(StepNameOf(*desk_, "Paste", "ペースト"), [&](host::Document& document) {
+        pasted = clipboard_.paste(document, {away, -away});
+        return pasted.has_value();
     });
-    if (!done) return;
-    desk_->recorder().step(lines);
-    select({made.rbegin(), made.rend()});
+    const bool made = pasted && !pasted->arts.empty();
+    desk_->recorder().step(made ? std::vector{"paste " + Shortest(away) + ' ' + Shortest(-away)}
+                                : std::vector<std::string>());
+    if (made) {
+        ++pastes_;
+        select(pasted->arts);
+    }
+    if (!pasted)
+        desk_->user().showAlert(desk_
+                                    ->say("There is no layer to paste into: all are hidden or locked.",
+                                          "ペーストできるレイヤーがありません。すべて非表示またはロックされています。")
+                                    .toStdString());
+    else if (pasted->left > 0)
+        desk_->user().showAlert(desk_
+                                    ->say("Images stay in the drawing that they are from; they have not been pasted.",
+                                          "画像は元の図面にのみ置けるため、ペーストされませんでした。")
+                                    .toStdString());
 }
 
 }  // namespace quorvel::desktop

@@ -2,12 +2,14 @@
 // layer; a part of one is taken on demand. Each deed is one step, and one that can be recorded.
 #pragma once
 
+#include <QPainterPath>
 #include <QPointF>
 #include <QRectF>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/editing.h"
 #include "desktop/desk.h"
 #include "host/document.h"
 
@@ -16,16 +18,8 @@ namespace quorvel::desktop {
 // The notification after which dimensions follow the art that they measure.
 constexpr char kTrackingNotifier[] = "2644-3993-9293-3747-5729-7605";
 
-// Art kept for pasting; it outlives the drawing that it was taken from.
-struct ArtCopy {
-    host::ArtId id = 0;         // where it came from
-    std::uint64_t drawing = 0;  // the drawing's number
-    AIArtType kind = kUnknownArt;
-    std::unique_ptr<host::PathData> path;
-    std::unique_ptr<host::TextData> text;
-    std::vector<host::Tag> tags;
-    std::vector<ArtCopy> children;  // the lowest first
-};
+// What a step of the window's own is called, in the language of the tools.
+host::StepName StepNameOf(const Desk& desk, const char* english, const char* japanese);
 
 class Editing {
   public:
@@ -36,8 +30,12 @@ class Editing {
     // The same, but of groups the member that lies there.
     host::ArtId partAt(RealPoint point, double tolerance) const;
     std::vector<host::ArtId> objectsIn(const QRectF& box) const;  // wholly inside
-    std::vector<host::ArtId> selection() const;                   // objects and parts, the top one first
-    QRectF selectionBox() const;                                  // document points, y up; null without a selection
+    // Objects and parts that can be taken, the top one first. What is selected and has been hidden or locked since is
+    // none.
+    const std::vector<host::ArtId>& selection() const;
+    QRectF selectionBox() const;  // document points, y up; null without a selection
+    // For dragging; empty when it has more points than can be drawn while the mouse moves.
+    const QPainterPath& selectionOutline() const;
 
     void select(const std::vector<host::ArtId>& objects);  // these and no others
     void selectAll();
@@ -48,21 +46,29 @@ class Editing {
     void cut();
     void paste();
     bool canPaste() const { return !clipboard_.empty(); }
-    void drawingReplaced() { ++drawing_; }
+    void drawingReplaced() { seen_.reset(); }
 
     static RealMatrix turnMatrix(double degrees, RealPoint pivot);
 
   private:
+    // The selection as it was found last, and what follows from it.
+    struct Seen {
+        std::uint64_t drawing = 0, change = 0;
+        std::vector<host::ArtId> selection;
+        QRectF box;
+        std::optional<QPainterPath> outline;
+    };
+
+    const Seen* seen() const;
     template <typename Change>
-    void changeSelection(const char* name, Change change, const std::string& verb, const std::string& words);
-    ArtCopy copyOf(const host::Art& art) const;
-    host::ArtId insert(host::Document& document, const ArtCopy& copy, host::ArtId parent) const;
-    std::string freeId(const host::Document& document) const;
+    void changeSelection(const host::StepName& name, Change change, const std::string& verb, const std::string& words);
+    void removeAs(const host::StepName& name);
     void sendTracking();
 
     Desk* desk_;
-    std::vector<ArtCopy> clipboard_;
-    std::uint64_t drawing_ = 0;
+    cli::Clipboard clipboard_;
+    int pastes_ = 0;  // of what is on the clipboard
+    mutable std::optional<Seen> seen_;
 };
 
 }  // namespace quorvel::desktop

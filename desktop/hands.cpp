@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <unordered_set>
 
 #include "cli/script.h"
 #include "desktop/icons.h"
@@ -98,6 +99,7 @@ void SelectHand::hover(const HandEvent&) {}
 void SelectHand::press(const HandEvent& event) {
     from_ = to_ = event;
     taken_ = 0;
+    drawing_ = desk_->document()->number();
     const std::vector<host::ArtId> selected = editing_->selection();
     if (!selected.empty() &&
         std::hypot(event.pixel.x() - handle().x(), event.pixel.y() - handle().y()) <= 2 * kHandleSize) {
@@ -142,14 +144,17 @@ void SelectHand::release(const HandEvent& event) {
     canvas_->update();
 }
 
+// Keys work while the button is held: what the deed began with may have been deleted, or the drawing exchanged.
 void SelectHand::finish() {
+    const host::Document* document = desk_->document();
+    if (document == nullptr || document->number() != drawing_) return;
     std::vector<host::ArtId> selected = editing_->selection();
     const bool adds = to_.keys & Qt::ShiftModifier;
     switch (deed_) {
         case Deed::none:
             break;
         case Deed::click:
-            if (taken_ == 0) break;
+            if (document->find(taken_) == nullptr) break;
             if (adds)
                 std::erase(selected, taken_);
             else
@@ -165,9 +170,11 @@ void SelectHand::finish() {
         case Deed::band: {
             if (!adds) selected.clear();
             const QRectF box = QRectF(ToQt(from_.point), ToQt(to_.point)).normalized();
-            if (!Shaken(from_.pixel, to_.pixel))
+            if (!Shaken(from_.pixel, to_.pixel)) {
+                const std::unordered_set<host::ArtId> already(selected.begin(), selected.end());
                 for (const host::ArtId id : editing_->objectsIn(box))
-                    if (std::find(selected.begin(), selected.end(), id) == selected.end()) selected.push_back(id);
+                    if (!already.contains(id)) selected.push_back(id);
+            }
             editing_->select(selected);
         }
     }
@@ -182,8 +189,7 @@ void SelectHand::paint(QPainter& painter) {
     const QColor color = canvas_->palette().color(QPalette::Highlight);
     painter.setRenderHint(QPainter::Antialiasing);
     if (deed_ == Deed::band) return PaintBand(painter, QRectF(from_.pixel, to_.pixel).normalized(), color);
-    const std::vector<host::ArtId> selected = editing_->selection();
-    if (selected.empty()) return;
+    if (desk_->document() == nullptr || editing_->selection().empty()) return;
     QTransform moved;
     if (deed_ == Deed::move) moved = QTransform::fromTranslate(distance().h, distance().v);
     if (deed_ == Deed::turn) moved = ToQt(Editing::turnMatrix(angle(), FromQt(editing_->selectionBox().center())));
@@ -192,10 +198,7 @@ void SelectHand::paint(QPainter& painter) {
     painter.drawPolygon((moved * canvas_->toPixels()).map(QPolygonF(editing_->selectionBox())));
     if (deed_ == Deed::move || deed_ == Deed::turn) {
         painter.setPen(QPen(color, 1));
-        for (const host::ArtId id : selected) {
-            const host::Art* art = desk_->document()->find(id);
-            painter.drawPath((moved * canvas_->toPixels()).map(OutlineBelow(*desk_->document(), *art)));
-        }
+        painter.drawPath((moved * canvas_->toPixels()).map(editing_->selectionOutline()));
         return;
     }
     painter.setPen(color);
@@ -208,7 +211,21 @@ void SelectHand::paint(QPainter& painter) {
 // --- zooming
 // ----------------------------------------------------------------------------------------------------------
 
-QCursor ZoomHand::cursor() const { return QCursor(MagnifierIcon(Qt::black).pixmap(24, 24), 9, 9); }
+// A white rim round the black lines is seen on the dark pasteboard too.
+QCursor ZoomHand::cursor() const {
+    constexpr int kSize = 24;
+    const QPixmap black = MagnifierIcon(Qt::black).pixmap(kSize, kSize);
+    const QPixmap white = MagnifierIcon(Qt::white).pixmap(kSize, kSize);
+    QPixmap shape(black.size());
+    shape.setDevicePixelRatio(black.devicePixelRatio());
+    shape.fill(Qt::transparent);
+    QPainter painter(&shape);
+    for (int h = -1; h <= 1; ++h)
+        for (int v = -1; v <= 1; ++v) painter.drawPixmap(h, v, white);
+    painter.drawPixmap(0, 0, black);
+    painter.end();
+    return QCursor(shape, 9, 9);
+}
 
 void ZoomHand::press(const HandEvent& event) { from_ = to_ = event.pixel; }
 

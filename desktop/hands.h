@@ -57,6 +57,7 @@ class SelectHand : public Hand {
     Deed deed_ = Deed::none;
     HandEvent from_, to_;
     host::ArtId taken_ = 0;
+    std::uint64_t drawing_ = 0;  // in which the deed has begun
 };
 
 class ZoomHand : public Hand {

@@ -1,6 +1,6 @@
 #include "desktop/kept_picture.h"
 
-#include <QDeadlineTimer>
+#include <QPainter>
 #include <cmath>
 
 namespace quorvel::desktop {
@@ -8,11 +8,17 @@ namespace quorvel::desktop {
 namespace {
 
 // Milliseconds: a picture that is drawn within the first is never seen unsharp; the others leave room for the mouse.
-constexpr int kFirstSlice = 12, kSlice = 8;
+// What scrolling uncovers is drawn at once, the lowest art first, as far as the time allows.
+constexpr int kFirstSlice = 12, kSlice = 8, kUncovered = 25;
+// A change is drawn at once where no more than so much is to be painted, or it covers so small a share of the picture.
+constexpr std::size_t kFewItems = 1500;
+constexpr double kSmallShare = 1.0 / 16;
+// Of a pixel. The view's centre is a float, so that a picture moved by whole pixels is seldom quite where it should be.
+constexpr double kUnseen = 0.05;
 
-QRect WholeOf(const KeptPicture::View& view) { return QRect(QPoint(), view.size); }
+bool IsWhole(double value) { return std::abs(value - std::round(value)) < kUnseen; }
 
-bool IsWhole(double value) { return std::abs(value - std::round(value)) < 1e-6; }
+double AreaOf(const QRect& rect) { return double(rect.width()) * rect.height(); }
 
 }  // namespace
 
@@ -37,16 +43,38 @@ QImage KeptPicture::emptyImage() const {
     return image;
 }
 
-void KeptPicture::drawInto(QImage* image, const QRect& part) const {
+QRect KeptPicture::whole() const { return QRect(QPoint(), view_.size * view_.ratio); }
+
+QRectF KeptPicture::inWidget(const QRect& part) const {
+    return QRectF(QPointF(part.topLeft()) / view_.ratio, QSizeF(part.size()) / view_.ratio);
+}
+
+std::vector<PaintItem> KeptPicture::order(const QRect& part) const {
+    if (painter_ == nullptr) return {};
+    return painter_->order(view_.toPixels, inWidget(part), options_);
+}
+
+void KeptPicture::drawGround(QImage* image, const QRect& part) const {
     QPainter painter(image);
-    painter.setClipRect(part);
-    ground_(&painter, view_, part);
-    if (painter_ != nullptr) painter_->paint(&painter, view_.toPixels, part, options_);
+    painter.setClipRect(inWidget(part));
+    ground_(&painter, view_, inWidget(part));
+}
+
+std::size_t KeptPicture::drawItems(QImage* image, const QRect& part, const std::vector<PaintItem>& items,
+                                   std::size_t first, const QDeadlineTimer& until) const {
+    if (painter_ == nullptr || first >= items.size()) return items.size();
+    QPainter painter(image);
+    return painter_->paintItems(&painter, view_.toPixels, inWidget(part), options_, items, first, until);
+}
+
+void KeptPicture::drawInto(QImage* image, const QRect& part, const std::vector<PaintItem>& items) const {
+    drawGround(image, part);
+    drawItems(image, part, items, 0, QDeadlineTimer(QDeadlineTimer::Forever));
 }
 
 QImage KeptPicture::fromScratch() const {
     QImage image = emptyImage();
-    drawInto(&image, WholeOf(view_));
+    drawInto(&image, whole(), order(whole()));
     return image;
 }
 
@@ -56,74 +84,91 @@ bool KeptPicture::setView(const View& view, const PaintOptions& options) {
     const View before = view_;
     view_ = view;
     standIn(before);
-    begin();
+    begin(whole());
     return true;
 }
 
 // What was seen, where it lies now. A picture that has only moved is drawn sharp where it has uncovered something.
 void KeptPicture::standIn(const View& before) {
-    const QImage old = shown_;
+    QImage old = shown_;
     shown_ = emptyImage();
-    QPainter painter(&shown_);
-    ground_(&painter, view_, WholeOf(view_));
+    drawGround(&shown_, whole());
     if (old.isNull() || !before.toPixels.isInvertible() || painter_ == nullptr) return;
-    const QTransform moved = before.toPixels.inverted() * view_.toPixels;
-    painter.setTransform(moved);
-    painter.drawImage(QPoint(), old);
-    painter.end();
-    const bool shifted = moved.type() <= QTransform::TxTranslate && IsWhole(moved.dx()) && IsWhole(moved.dy());
-    if (!shifted || before.size != view_.size) return;
-    const QRegion covered =
-        WholeOf(view_).translated(static_cast<int>(std::lround(moved.dx())), static_cast<int>(std::lround(moved.dy())));
-    for (const QRect& strip : QRegion(WholeOf(view_)) - covered) drawInto(&shown_, strip);
+    QTransform moved = QTransform::fromScale(1 / before.ratio, 1 / before.ratio) * before.toPixels.inverted() *
+                       view_.toPixels * QTransform::fromScale(view_.ratio, view_.ratio);
+    const bool shifted = std::abs(moved.m11() - 1) < 1e-9 && std::abs(moved.m22() - 1) < 1e-9;
+    if (shifted) {
+        const auto settle = [](double value) { return IsWhole(value) ? std::round(value) : value; };
+        moved = QTransform::fromTranslate(settle(moved.dx()), settle(moved.dy()));
+    }
+    old.setDevicePixelRatio(1);
+    shown_.setDevicePixelRatio(1);
+    {
+        QPainter painter(&shown_);
+        painter.setTransform(moved);
+        painter.drawImage(QPoint(), old);
+    }
+    shown_.setDevicePixelRatio(view_.ratio);
+    if (!shifted) return;
+    const QRectF lies = moved.mapRect(QRectF(old.rect()));
+    const QPoint first(static_cast<int>(std::ceil(lies.left())), static_cast<int>(std::ceil(lies.top())));
+    const QPoint end(static_cast<int>(std::floor(lies.right())), static_cast<int>(std::floor(lies.bottom())));
+    const QRegion covered(QRect(first, end - QPoint(1, 1)));
+    const QDeadlineTimer until(kUncovered);
+    for (const QRect& strip : QRegion(whole()) - covered) {
+        drawGround(&shown_, strip);
+        drawItems(&shown_, strip, order(strip), 0, until);
+    }
 }
 
 void KeptPicture::drawAnew() {
-    if (!shown_.isNull()) begin();
+    if (!shown_.isNull()) begin(whole());
 }
 
-void KeptPicture::begin() {
+void KeptPicture::begin(const QRect& part) {
     drawing_ = true;
-    next_ = emptyImage();
+    part_ = part;
+    next_ = part == whole() ? emptyImage() : shown_;
     done_ = 0;
     changed_ = {};
-    items_.clear();
-    {
-        QPainter painter(&next_);
-        ground_(&painter, view_, WholeOf(view_));
-    }
-    if (painter_ != nullptr) items_ = painter_->order(view_.toPixels, WholeOf(view_), options_);
+    drawGround(&next_, part);
+    items_ = order(part);
     drawSlice(kFirstSlice);
     if (drawing_) clock_.start();
 }
 
 void KeptPicture::drawSlice(int milliseconds) {
     if (!drawing_) return;
-    if (painter_ != nullptr && done_ < items_.size()) {
-        QPainter painter(&next_);
-        painter.setClipRect(WholeOf(view_));
-        const QDeadlineTimer until =
-            milliseconds < 0 ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(milliseconds);
-        done_ = painter_->paintItems(&painter, view_.toPixels, WholeOf(view_), options_, items_, done_, until);
-    }
-    const bool ended = painter_ == nullptr || done_ >= items_.size();
+    const QDeadlineTimer until =
+        milliseconds < 0 ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(milliseconds);
+    done_ = drawItems(&next_, part_, items_, done_, until);
+    const bool ended = done_ >= items_.size();
     if (ended) {
         clock_.stop();
         drawing_ = false;
         shown_ = std::move(next_);
         next_ = QImage();
-        for (const QRect& part : changed_) drawInto(&shown_, part);
+        for (const QRect& part : changed_) drawInto(&shown_, part, order(part));
     }
-    emit progressed(static_cast<int>(ended ? items_.size() : done_), static_cast<int>(items_.size()));
+    emit progressed(static_cast<int>(done_), static_cast<int>(items_.size()));
 }
 
 void KeptPicture::draw(const QRect& part) {
     if (shown_.isNull() || part.isEmpty()) return;
+    const QRect dots = QRectF(QPointF(part.topLeft()) * view_.ratio, QSizeF(part.size()) * view_.ratio).toAlignedRect();
     // Whole rows: QPainter adds gradients up from where a row's span starts, so that the last bit of a colour depends
     // on where it is cut off.
-    const QRect rows(0, part.top(), view_.size.width(), part.height());
-    drawInto(&shown_, rows);
-    if (drawing_) changed_ += rows;
+    const QRect rows = QRect(0, dots.top(), whole().width(), dots.height()) & whole();
+    const std::vector<PaintItem> items = order(rows);
+    const bool few = items.size() <= kFewItems;
+    if (few)
+        drawInto(&shown_, rows, items);
+    else if (AreaOf(dots) < AreaOf(whole()) * kSmallShare)
+        drawInto(&shown_, dots & whole(), items);  // nobody waits for its last bits
+    if (!few)
+        begin(drawing_ ? rows.united(part_) : rows);
+    else if (drawing_)
+        changed_ += rows;
 }
 
 void KeptPicture::finish() { drawSlice(-1); }

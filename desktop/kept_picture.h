@@ -3,6 +3,7 @@
 // the window answers however large the drawing is.
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QImage>
 #include <QObject>
 #include <QRegion>
@@ -25,8 +26,8 @@ class KeptPicture : public QObject {
         double ratio = 1;     // the screen's pixels for each of the widget's
         bool operator==(const View& other) const = default;
     };
-    // Draws what lies below the drawing: pasteboard and page.
-    using Ground = std::function<void(QPainter* painter, const View& view, const QRect& part)>;
+    // Draws what lies below the drawing: pasteboard and page. part: of the widget.
+    using Ground = std::function<void(QPainter* painter, const View& view, const QRectF& part)>;
 
     explicit KeptPicture(Ground ground);
 
@@ -34,8 +35,9 @@ class KeptPicture : public QObject {
     void setPainter(DocumentPainter* painter);
     // True when the view is another one, so that the picture is begun anew.
     bool setView(const View& view, const PaintOptions& options);
-    void drawAnew();               // all has changed
-    void draw(const QRect& part);  // what lies in these pixels has changed
+    void drawAnew();  // all has changed
+    // What lies in these pixels of the widget has changed. Little is drawn at once, much in slices.
+    void draw(const QRect& part);
     const QImage& image() const { return shown_; }
     bool isSharp() const { return !drawing_; }
     void finish();  // draws now what is missing
@@ -46,10 +48,18 @@ class KeptPicture : public QObject {
     void progressed(int done, int total);  // equal at the end
 
   private:
+    // Parts are in the screen's pixels here: a pixel of the widget may be one and a half of them.
     QImage emptyImage() const;
-    void drawInto(QImage* image, const QRect& part) const;
+    QRect whole() const;
+    QRectF inWidget(const QRect& part) const;
+    std::vector<PaintItem> order(const QRect& part) const;
+    void drawGround(QImage* image, const QRect& part) const;
+    // Gives the index of the first item that is not drawn yet when the time is up.
+    std::size_t drawItems(QImage* image, const QRect& part, const std::vector<PaintItem>& items, std::size_t first,
+                          const QDeadlineTimer& until) const;
+    void drawInto(QImage* image, const QRect& part, const std::vector<PaintItem>& items) const;
     void standIn(const View& before);
-    void begin();
+    void begin(const QRect& part);
     void drawSlice(int milliseconds);
 
     Ground ground_;
@@ -59,6 +69,7 @@ class KeptPicture : public QObject {
     QImage shown_;
     // The sharp picture in the making.
     bool drawing_ = false;
+    QRect part_;  // what of it is drawn anew
     QImage next_;
     std::vector<PaintItem> items_;
     std::size_t done_ = 0;

@@ -1,4 +1,5 @@
-// A list of the layers that is filled anew after each change, since drawings have few of them.
+// A list of the layers, whose rows are made anew only when there are others or in another order: a row must outlive the
+// first click of a double click, and the typing of a name.
 #include "desktop/layers_panel.h"
 
 #include <QDropEvent>
@@ -9,8 +10,10 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cstdlib>
 
 #include "cli/script.h"
+#include "desktop/editing.h"
 #include "desktop/icons.h"
 
 namespace quorvel::desktop {
@@ -32,7 +35,8 @@ LayersPanel::LayersPanel(Desk* desk, QWidget* parent) : QWidget(parent), desk_(d
     list_->setHeaderHidden(true);
     list_->setRootIsDecorated(false);
     list_->setUniformRowHeights(true);
-    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list_->setEditTriggers(QAbstractItemView::EditKeyPressed);
+    list_->editedColumn = kTitle;
     list_->header()->setStretchLastSection(true);
     list_->header()->setMinimumSectionSize(kIconColumn);
     list_->setColumnWidth(kEye, kIconColumn);
@@ -94,50 +98,103 @@ void LayersPanel::layersChanged() {
     QTimer::singleShot(0, this, [this] { refresh(); });
 }
 
+bool LayersPanel::rowsStand() const {
+    const std::size_t count = observed_ != nullptr ? observed_->layers().size() : 0;
+    if (static_cast<std::size_t>(list_->topLevelItemCount()) != count) return false;
+    for (std::size_t row = 0; row < count; ++row)
+        if (layerOf(*list_->topLevelItem(static_cast<int>(row))) != observed_->layers()[row]) return false;
+    return true;
+}
+
+host::LayerId LayersPanel::layerOf(const QTreeWidgetItem& item) {
+    return static_cast<host::LayerId>(item.data(kTitle, Qt::UserRole).toUInt());
+}
+
 void LayersPanel::refresh() {
     stale_ = false;
     filling_ = true;
-    list_->clear();
-    if (observed_ != nullptr) {
-        for (const host::LayerId id : observed_->layers()) {
-            const host::Layer* layer = observed_->layer(id);
-            auto* item = new QTreeWidgetItem(list_);
-            item->setData(kTitle, Qt::UserRole, id);
-            item->setText(kTitle, QString::fromStdString(layer->title));
-            item->setFlags((item->flags() | Qt::ItemIsEditable) & ~Qt::ItemIsDropEnabled);
-            item->setIcon(kEye, EyeIcon(palette(), layer->visible));
-            item->setIcon(kLock, LockIcon(palette(), !layer->editable));
-            item->setToolTip(kEye, desk_->say("Show or hide", "表示／非表示"));
-            item->setToolTip(kLock, desk_->say("Lock or unlock", "ロック／解除"));
-            const bool current = id == observed_->currentLayer();
-            QFont font = item->font(kTitle);
-            font.setBold(current);
-            item->setFont(kTitle, font);
-            item->setSelected(current);
+    const bool anew = !rowsStand();
+    if (anew) list_->clear();
+    for (int row = 0; observed_ != nullptr && row < static_cast<int>(observed_->layers().size()); ++row) {
+        const host::LayerId id = observed_->layers()[static_cast<std::size_t>(row)];
+        if (anew) {
+            auto* made = new QTreeWidgetItem(list_);
+            made->setData(kTitle, Qt::UserRole, id);
+            made->setFlags((made->flags() | Qt::ItemIsEditable) & ~Qt::ItemIsDropEnabled);
+            made->setToolTip(kEye, desk_->say("Show or hide", "表示／非表示"));
+            made->setToolTip(kLock, desk_->say("Lock or unlock", "ロック／解除"));
         }
+        const host::Layer* layer = observed_->layer(id);
+        QTreeWidgetItem* item = list_->topLevelItem(row);
+        item->setText(kTitle, QString::fromStdString(layer->title));
+        item->setIcon(kEye, EyeIcon(palette(), layer->visible));
+        item->setIcon(kLock, LockIcon(palette(), !layer->editable));
+        const bool current = id == observed_->currentLayer();
+        QFont font = item->font(kTitle);
+        font.setBold(current);
+        item->setFont(kTitle, font);
+        if (anew && current) list_->setCurrentItem(item, kTitle);
+        item->setSelected(current);
     }
     filling_ = false;
 }
 
+// --- deeds
+// ------------------------------------------------------------------------------------------------------------
+
 template <typename Change>
-void LayersPanel::change(const std::string& line, Change change) {
-    if (desk_->host().edit("Layer", change)) desk_->recorder().step({line});
+void LayersPanel::change(const char* english, const char* japanese, const std::vector<std::string>& lines,
+                         Change change) {
+    desk_->recorder().plan(lines);
+    const bool done = desk_->host().edit(StepNameOf(*desk_, english, japanese), change);
+    desk_->recorder().step(done ? lines : std::vector<std::string>());
+}
+
+// A script takes the topmost layer of a title. Where others of the same title lie above the one that is meant, they
+// bear another meanwhile.
+std::vector<std::string> LayersPanel::linesFor(host::LayerId id, const std::vector<std::string>& deeds,
+                                               bool oneStep) const {
+    const std::string title = observed_->layer(id)->title;
+    std::vector<std::string> lines, others;
+    for (const host::LayerId above : observed_->layers()) {
+        if (above == id) break;
+        if (observed_->layer(above)->title != title) continue;
+        const std::string other = freeTitle(QString::fromStdString(title) + QStringLiteral(" %1"), others.size() + 2);
+        lines.push_back("layer " + cli::quotedWord(title) + " title " + cli::quotedWord(other));
+        others.push_back(other);
+    }
+    for (const std::string& deed : deeds) lines.push_back("layer " + cli::quotedWord(title) + ' ' + deed);
+    for (auto other = others.rbegin(); other != others.rend(); ++other)
+        lines.push_back(oneStep ? "layer " + cli::quotedWord(*other) + " title " + cli::quotedWord(title) : "undo");
+    return lines;
+}
+
+std::string LayersPanel::freeTitle(const QString& pattern, std::size_t number) const {
+    const auto& layers = observed_->layers();
+    for (;; ++number) {
+        const std::string title = pattern.arg(number).toStdString();
+        if (std::none_of(layers.begin(), layers.end(),
+                         [&](host::LayerId id) { return observed_->layer(id)->title == title; }))
+            return title;
+    }
 }
 
 void LayersPanel::clicked(QTreeWidgetItem* item, int column) {
     if (observed_ == nullptr) return;
-    const auto id = static_cast<host::LayerId>(item->data(kTitle, Qt::UserRole).toUInt());
+    const host::LayerId id = layerOf(*item);
     const host::Layer* layer = observed_->layer(id);
     if (layer == nullptr) return;
-    const std::string line = "layer " + cli::quotedWord(layer->title) + ' ';
     if (column == kEye) {
         const bool show = !layer->visible;
-        change(line + (show ? "show" : "hide"), [&](host::Document& d) { return d.setLayerVisible(id, show); });
+        change(show ? "Show Layer" : "Hide Layer", show ? "レイヤーの表示" : "レイヤーの非表示",
+               linesFor(id, {show ? "show" : "hide"}), [&](host::Document& d) { return d.setLayerVisible(id, show); });
     } else if (column == kLock) {
         const bool open = !layer->editable;
-        change(line + (open ? "unlock" : "lock"), [&](host::Document& d) { return d.setLayerEditable(id, open); });
-    } else {
-        desk_->recorder().line(line + "current");
+        change(open ? "Unlock Layer" : "Lock Layer", open ? "レイヤーのロック解除" : "レイヤーのロック",
+               linesFor(id, {open ? "unlock" : "lock"}),
+               [&](host::Document& d) { return d.setLayerEditable(id, open); });
+    } else if (id != observed_->currentLayer()) {
+        for (const std::string& line : linesFor(id, {"current"}, false)) desk_->recorder().line(line);
         observed_->setCurrentLayer(id);
     }
     layersChanged();
@@ -145,44 +202,40 @@ void LayersPanel::clicked(QTreeWidgetItem* item, int column) {
 
 void LayersPanel::renamed(QTreeWidgetItem* item, int column) {
     if (filling_ || column != kTitle || observed_ == nullptr) return;
-    const auto id = static_cast<host::LayerId>(item->data(kTitle, Qt::UserRole).toUInt());
+    const host::LayerId id = layerOf(*item);
     const std::string title = item->text(kTitle).toStdString();
     const host::Layer* layer = observed_->layer(id);
     if (layer != nullptr && layer->title != title && !title.empty())
-        change("layer " + cli::quotedWord(layer->title) + " title " + cli::quotedWord(title),
+        change("Rename Layer", "レイヤー名の変更", linesFor(id, {"title " + cli::quotedWord(title)}),
                [&](host::Document& d) { return d.setLayerTitle(id, title); });
     layersChanged();
 }
 
 void LayersPanel::addLayer() {
     if (observed_ == nullptr) return;
-    const auto taken = [this](const std::string& title) {
-        const auto& layers = observed_->layers();
-        return std::any_of(layers.begin(), layers.end(),
-                           [&](host::LayerId id) { return observed_->layer(id)->title == title; });
-    };
-    std::string title;
-    for (std::size_t number = observed_->layers().size() + 1; title.empty() || taken(title); ++number)
-        title = desk_->say("Layer %1", "レイヤー %1").arg(number).toStdString();
-    change("layer " + cli::quotedWord(title) + " new", [&](host::Document& d) {
+    const std::string title = freeTitle(desk_->say("Layer %1", "レイヤー %1"), observed_->layers().size() + 1);
+    change("New Layer", "新規レイヤー", {"layer " + cli::quotedWord(title) + " new"}, [&](host::Document& d) {
         const host::LayerId made = d.insertLayer(title, 0);
         return made != 0 && d.setCurrentLayer(made);
     });
     layersChanged();
 }
 
-// As many single steps in the script as it takes, since a script knows layers by their titles.
+// One step here, and as many in the script as there are layers to pass.
 void LayersPanel::moveLayer(int from, int to) {
     if (observed_ == nullptr) return;
     const auto count = static_cast<int>(observed_->layers().size());
     if (from == to || from < 0 || from >= count || to < 0 || to >= count) return;
     const host::LayerId id = observed_->layers()[static_cast<std::size_t>(from)];
-    const std::string line = "layer " + cli::quotedWord(observed_->layer(id)->title) + (to < from ? " up" : " down");
-    for (int place = from; place != to;) {
-        place += to < from ? -1 : 1;
-        change(line, [&](host::Document& d) { return d.moveLayer(id, static_cast<std::size_t>(place)); });
-    }
+    const std::vector<std::string> deeds(static_cast<std::size_t>(std::abs(to - from)), to < from ? "up" : "down");
+    change("Move Layer", "レイヤーの移動", linesFor(id, deeds),
+           [&](host::Document& d) { return d.moveLayer(id, static_cast<std::size_t>(to)); });
     layersChanged();
+}
+
+// The key edits the name, whichever column was clicked last.
+bool LayerList::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+    return QTreeWidget::edit(trigger == EditKeyPressed ? index.siblingAtColumn(editedColumn) : index, trigger, event);
 }
 
 void LayerList::dropEvent(QDropEvent* event) {

@@ -5,19 +5,23 @@
 #include <QWidget>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "desktop/desk.h"
 #include "host/document.h"
 
 namespace quorvel::desktop {
 
-// Tells where a row is dropped, and leaves the moving to the document.
+// Tells where a row is dropped, and leaves the moving to the document. F2 edits one column alone.
 class LayerList : public QTreeWidget {
   public:
     using QTreeWidget::QTreeWidget;
     std::function<void(int from, int to)> dropped;
+    int editedColumn = 0;
 
   protected:
+    using QTreeWidget::edit;
+    bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 };
 
@@ -40,8 +44,15 @@ class LayersPanel : public QWidget, private host::DocumentObserver {
     void renamed(QTreeWidgetItem* item, int column);
     void addLayer();
     void moveLayer(int from, int to);
+    bool rowsStand() const;
+    static host::LayerId layerOf(const QTreeWidgetItem& item);
+    // Of the pattern's number and those above it, one that no layer bears.
+    std::string freeTitle(const QString& pattern, std::size_t number) const;
+    // The script's lines for what is done to the layer. What is no step of the drawing must leave none behind.
+    std::vector<std::string> linesFor(host::LayerId id, const std::vector<std::string>& deeds,
+                                      bool oneStep = true) const;
     template <typename Change>
-    void change(const std::string& line, Change change);
+    void change(const char* english, const char* japanese, const std::vector<std::string>& lines, Change change);
 
     Desk* desk_;
     LayerList* list_;

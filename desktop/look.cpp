@@ -2,7 +2,7 @@
 #include "desktop/look.h"
 
 #include <QApplication>
-#include <QStyle>
+#include <QSettings>
 #include <QStyleFactory>
 
 namespace quorvel::desktop {
@@ -34,6 +34,8 @@ constexpr Shade kShades[] = {
     {QPalette::Dark, 0xffa2a8b0, 0xff1e2023},
     {QPalette::Shadow, 0xff6d737b, 0xff0c0d0e},
 };
+constexpr char kLookKey[] = "window/look";
+constexpr const char* kLookNames[] = {"system", "light", "dark"};
 constexpr QRgb kFaintLight = 0xff9aa0a7, kFaintDark = 0xff757b83;
 
 QPalette PaletteOf(bool dark) {
@@ -44,6 +46,14 @@ QPalette PaletteOf(bool dark) {
     return palette;
 }
 
+// Asked of a palette that has nothing of its own, which is the desktop's.
+bool DesktopIsDark(QApplication* program) {
+    program->setPalette(QPalette());
+    return IsDark(QApplication::palette());
+}
+
+Look inForce = Look::system;
+
 }  // namespace
 
 bool IsDark(const QPalette& palette) {
@@ -51,10 +61,24 @@ bool IsDark(const QPalette& palette) {
 }
 
 bool ApplyLook(QApplication* program, Look look) {
-    const bool dark = look == Look::dark || (look == Look::system && IsDark(program->style()->standardPalette()));
+    inForce = look;
+    const bool dark = look == Look::dark || (look == Look::system && DesktopIsDark(program));
     program->setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     program->setPalette(PaletteOf(dark));
     return dark;
+}
+
+Look LookInForce() { return inForce; }
+
+Look ChosenLook() {
+    const QString kept = QSettings().value(QLatin1String(kLookKey)).toString();
+    for (const Look look : {Look::light, Look::dark})
+        if (kept == QLatin1String(kLookNames[static_cast<int>(look)])) return look;
+    return Look::system;
+}
+
+void KeepChosenLook(Look look) {
+    QSettings().setValue(QLatin1String(kLookKey), QLatin1String(kLookNames[static_cast<int>(look)]));
 }
 
 }  // namespace quorvel::desktop

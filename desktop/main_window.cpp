@@ -22,7 +22,6 @@ namespace {
 constexpr int kTickPeriod = 200;  // milliseconds: five times a second
 constexpr char kInfoItem[] = "Orvane Info Group";
 constexpr char kGeometryKey[] = "window/geometry", kStateKey[] = "window/state";
-constexpr const char* kUnits[] = {"mm", "cm", "in", "pt", "pc", "px", "H"};
 constexpr int kBeepShown = 1200;
 
 }  // namespace
@@ -42,6 +41,8 @@ MainWindow::MainWindow(Desk* desk) : desk_(desk), file_(desk, this), editing_(de
     QSettings settings;
     restoreGeometry(settings.value(QLatin1String(kGeometryKey)).toByteArray());
     restoreState(settings.value(QLatin1String(kStateKey)).toByteArray());
+    // The panel stays as it was left, and the plug-in, which has shown it at its start, hears of it.
+    if (infoDock_ != nullptr && infoDock_->isHidden() && desk_->host().panels().front().shown) menuGo(kInfoItem);
     clock_.start(kTickPeriod);
     refreshTitle();
     refreshMenus();
@@ -125,13 +126,14 @@ void MainWindow::buildDocks() {
 void MainWindow::buildStatusLine() {
     hint_ = new QLabel(this);
     point_ = new QLabel(this);
+    point_->setObjectName(QStringLiteral("point"));
     zoom_ = new QLabel(this);
     point_->setMinimumWidth(190);
     point_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     zoom_->setMinimumWidth(64);
     zoom_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     unit_ = new QComboBox(this);
-    for (const char* unit : kUnits) unit_->addItem(QLatin1String(unit));
+    for (const RulerUnit& unit : RulerUnits()) unit_->addItem(QLatin1String(unit.name));
     unit_->setToolTip(desk_->say("Unit of the rulers", "定規の単位"));
     unit_->setFocusPolicy(Qt::TabFocus);
     progress_ = new QProgressBar(this);
@@ -281,8 +283,16 @@ void MainWindow::showProgress(int current, int maximum) {
 // -----------------------------------------------------------------------------------------------------
 
 void MainWindow::applyLook(Look look) {
+    KeepChosenLook(look);
     ApplyLook(qobject_cast<QApplication*>(QApplication::instance()), look);
     refreshTheme();
+}
+
+// The desktop has turned dark, or light again.
+bool MainWindow::event(QEvent* event) {
+    if (event->type() == QEvent::ThemeChange && LookInForce() == Look::system)
+        ApplyLook(qobject_cast<QApplication*>(QApplication::instance()), Look::system);
+    return QMainWindow::event(event);
 }
 
 void MainWindow::refreshTheme() {

@@ -34,7 +34,7 @@ class MainWindow : public QMainWindow {
     DrawingFile& file() { return file_; }
     Editing& editing() { return editing_; }
     QDockWidget* infoDock() const { return infoDock_; }
-    void applyLook(Look look);
+    void applyLook(Look look);  // and keeps it for the next time
     // One tick of the plug-in's timer, as the clock gives five times a second.
     void tick();
     void undo();
@@ -45,6 +45,7 @@ class MainWindow : public QMainWindow {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
   private:
     void buildCentre();

@@ -1,7 +1,6 @@
 // The menu bar: the window's own commands, and the items and actions that the plug-in has added.
 #include <QActionGroup>
 #include <QApplication>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -64,6 +63,8 @@ void MainWindow::buildEditMenu() {
     QMenu* menu = menuBar()->addMenu(desk_->say("&Edit", "編集(&E)"));
     undo_ = add(menu, {}, QKeySequence::Undo, [this] { undo(); });
     redo_ = add(menu, {}, QKeySequence::Redo, [this] { redo(); });
+    undo_->setObjectName(QStringLiteral("undo"));
+    redo_->setObjectName(QStringLiteral("redo"));
     menu->addSeparator();
     struct Row {
         const char *english, *japanese;
@@ -112,16 +113,18 @@ void MainWindow::buildViewMenu() {
     menu->addSeparator();
     QMenu* looks = menu->addMenu(desk_->say("&Appearance", "外観(&A)"));
     auto* group = new QActionGroup(looks);
-    const std::pair<QString, Look> rows[] = {{desk_->say("&Light", "ライト(&L)"), Look::light},
-                                             {desk_->say("&Dark", "ダーク(&D)"), Look::dark}};
+    const std::pair<QString, Look> rows[] = {
+        {desk_->say("As the Des&ktop", "デスクトップに合わせる(&K)"), Look::system},
+        {desk_->say("&Light", "ライト(&L)"), Look::light},
+        {desk_->say("&Dark", "ダーク(&D)"), Look::dark}};
     for (const auto& [text, look] : rows) {
         QAction* action = looks->addAction(text);
         action->setCheckable(true);
         group->addAction(action);
         connect(action, &QAction::triggered, this, [this, wanted = look] { applyLook(wanted); });
+        connect(looks, &QMenu::aboutToShow, this,
+                [action, shown = look] { action->setChecked(shown == LookInForce()); });
     }
-    connect(looks, &QMenu::aboutToShow, this,
-            [this, group] { group->actions().at(desk_->dark() ? 1 : 0)->setChecked(true); });
 }
 
 void MainWindow::buildOtherMenus() {
@@ -167,12 +170,14 @@ void MainWindow::menuGo(const std::string& name) {
 
 void MainWindow::refreshMenus() {
     const host::Document* document = desk_->document();
-    const auto named = [&](QAction* action, const std::string* name, const QString& otherwise) {
+    const auto named = [&](QAction* action, const std::string* name, const char* english, const char* japanese) {
         action->setEnabled(name != nullptr);
-        action->setText(name != nullptr && !name->empty() ? QString::fromStdString(*name) : otherwise);
+        // A step that nobody has named bears the host's English word.
+        const bool unnamed = name == nullptr || name->empty() || *name == english;
+        action->setText(unnamed ? desk_->say(english, japanese) : QString::fromStdString(*name));
     };
-    named(undo_, document != nullptr ? document->undoName() : nullptr, desk_->say("Undo", "取り消し"));
-    named(redo_, document != nullptr ? document->redoName() : nullptr, desk_->say("Redo", "やり直し"));
+    named(undo_, document != nullptr ? document->undoName() : nullptr, "Undo", "取り消し");
+    named(redo_, document != nullptr ? document->redoName() : nullptr, "Redo", "やり直し");
     for (QAction* action : needDrawing_) action->setEnabled(document != nullptr);
     if (document != nullptr && document->inTransaction()) return;  // asked in the middle of a message
     for (const auto& [action, name] : pluginItems_) {
@@ -191,14 +196,12 @@ void MainWindow::exportAs(const char* ending) {
     const QString suffix = QLatin1String(ending);
     const QString proposed =
         file_.folder() + QLatin1Char('/') + QFileInfo(file_.name()).completeBaseName() + QLatin1Char('.') + suffix;
-    QString path = QFileDialog::getSaveFileName(this, desk_->say("Export", "書き出し"), proposed,
-                                                suffix.toUpper() + QStringLiteral(" (*.%1)").arg(suffix));
+    const QString path = AskSaveName(*desk_, this, desk_->say("Export", "書き出し"), proposed, suffix);
     if (path.isEmpty()) return;
-    if (QFileInfo(path).suffix().isEmpty()) path += QLatin1Char('.') + suffix;
     QString cause;
     if (!ExportDrawing(*desk_->document(), file_.folder(), {path}, &cause))
         QMessageBox::warning(this, QStringLiteral("Quorvel"),
-                             QFileInfo(path).fileName() + QStringLiteral(": ") + cause);
+                             QFileInfo(path).fileName() + QStringLiteral(": ") + desk_->sayCause(cause.toStdString()));
 }
 
 void MainWindow::print() {

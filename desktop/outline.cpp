@@ -3,6 +3,10 @@
 
 #include <algorithm>
 
+#include "host/css.h"
+#include "host/svg_markup.h"
+#include "host/svg_source.h"
+
 namespace quorvel::desktop {
 
 namespace {
@@ -44,14 +48,53 @@ QPainterPath OutlineOf(const host::Document& document, const host::Art& art) {
     return outline;
 }
 
+QPainterPath FrameOf(const host::Document& document, const host::Art& art) {
+    QPainterPath frame;
+    const host::SvgSource* source = document.source();
+    const std::int32_t index = art.foreignSource >= 0 ? art.foreignSource : art.source;
+    if (art.kind != kForeignArt || source == nullptr || index < 0) return frame;
+    const host::SvgElement& element = source->elements[static_cast<std::size_t>(index)];
+    const host::Affine& map = source->ctms[element.ctm];
+    const host::StartTag tag(host::startTagText(source->text, element.nameOffset));
+    const double page[] = {document.width() / map.scale(), document.height() / map.scale()};
+    const auto length = [&](const char* name, double percentOf) {
+        return host::parseLength(tag.attribute(name).value_or(""), {percentOf, 16}).value_or(0);
+    };
+    const QRectF box(length("x", page[0]), length("y", page[1]), length("width", page[0]), length("height", page[1]));
+    if (!(box.width() > 0 && box.height() > 0)) return frame;
+    frame.addPolygon((ToQt(map) * ToQt(art.foreignMatrix)).map(QPolygonF(box)));
+    return frame;
+}
+
+std::optional<QRectF> BoxOf(const host::Document& document, const host::Art& art) {
+    const RealRect bounds = document.bounds(art.id);
+    std::optional<QRectF> box;
+    const auto add = [&box](const QRectF& more) {
+        // A line has no height, a point no extent at all, and Qt would pass over it.
+        box = !box ? more
+                   : QRectF(QPointF(std::min(box->left(), more.left()), std::min(box->top(), more.top())),
+                            QPointF(std::max(box->right(), more.right()), std::max(box->bottom(), more.bottom())));
+    };
+    if (!IsEmpty(bounds)) add(ToQt(bounds));
+    if (const QPainterPath frame = FrameOf(document, art); !frame.isEmpty()) add(frame.boundingRect());
+    if (art.kind == kGroupArt)
+        ForEachChildUpwards(document, art, [&](const host::Art& child) {
+            if (child.kind != kGroupArt && child.kind != kForeignArt) return;
+            if (const auto inner = BoxOf(document, child)) add(*inner);
+        });
+    return box;
+}
+
 QPainterPath OutlineBelow(const host::Document& document, const host::Art& art) {
     QPainterPath outline;
     if (art.hidden) return outline;
     if (art.kind == kGroupArt)
         ForEachChildUpwards(document, art,
                             [&](const host::Art& child) { outline.addPath(OutlineBelow(document, child)); });
-    else if (art.kind == kTextFrameArt || art.kind == kForeignArt)
-        outline.addRect(ToQt(document.bounds(art.id)));
+    else if (art.kind == kForeignArt)
+        outline = FrameOf(document, art);
+    else if (art.kind == kTextFrameArt)
+        outline.addRect(BoxOf(document, art).value_or(QRectF()));
     else
         outline = OutlineOf(document, art);
     return outline;

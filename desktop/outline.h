@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QPainterPath>
 #include <QTransform>
+#include <optional>
 
 #include "host/document.h"
 #include "host/svg_affine.h"
@@ -23,6 +24,11 @@ QColor ToQt(const AIColor& color);
 
 // Of a path, or of all members of a compound path.
 QPainterPath OutlineOf(const host::Document& document, const host::Art& art);
+// Of foreign art: the frame that its element gives it, which may be turned. Empty for elements that have none.
+QPainterPath FrameOf(const host::Document& document, const host::Art& art);
+// What all art at and below this covers without its strokes: its bounds, and the frames of foreign art, which has no
+// bounds. Nothing for art that has no extent.
+std::optional<QRectF> BoxOf(const host::Document& document, const host::Art& art);
 // Of all art at and below this, texts and foreign art as their boxes.
 QPainterPath OutlineBelow(const host::Document& document, const host::Art& art);
 // The path whose style paints the art: itself, or the first member of a compound path. Null when there is none.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "desktop/glyphs.h"
 #include "desktop/outline.h"
@@ -14,9 +15,7 @@ namespace {
 
 // Art smaller than this is drawn as a dot, since nobody sees more of it.
 constexpr double kDotPixels = 0.5;
-// A stroke reaches out of its path's bounds by half its width, at a sharp corner by the miter limit times that; a group
-// does not know its members' strokes, so that it is left out only when it is far away.
-constexpr double kWidestReach = 36, kFarAway = 1e6;
+constexpr double kFarAway = 1e6;          // points, for art of which it is not known how far it reaches
 constexpr double kLargestPicture = 4096;  // dots of a side, of art that is painted apart
 const QColor kGuideColor(0x00, 0xb4, 0xd8);
 
@@ -31,32 +30,84 @@ QBrush Faded(const QBrush& brush, double opacity) {
     return faded;
 }
 
+// A stroke reaches out of its path's bounds by half its width, at a sharp corner by the miter limit times that.
 double ReachOf(const AIPathStyle& style) {
     if (style.strokePaint == 0) return 0;
     const double half = style.strokeWidth / 2.0;
     return style.join == 0 ? half * std::max(1.5, double(style.miterLimit)) : half * 1.5;
 }
 
+// Also holds boxes without height or width, unlike Qt's own union.
+QRectF United(const QRectF& a, const QRectF& b) {
+    if (a.isNull()) return b;
+    if (b.isNull()) return a;
+    return QRectF(QPointF(std::min(a.left(), b.left()), std::min(a.top(), b.top())),
+                  QPointF(std::max(a.right(), b.right()), std::max(a.bottom(), b.bottom())));
+}
+
+// How far at most the map takes a vector of length 1.
+double StretchOf(const QTransform& map) {
+    return std::sqrt(map.m11() * map.m11() + map.m12() * map.m12() + map.m21() * map.m21() + map.m22() * map.m22());
+}
+
+bool IsPlainGroup(const Looks& looks) { return !(looks.opacity < 1) && looks.mask.isEmpty(); }
+
 }  // namespace
 
-QRectF DrawnBox(const host::Document& document, const host::Art& art) {
-    const RealRect bounds = document.bounds(art.id);
-    if (art.kind == kForeignArt) {  // how far it reaches is not known
+DocumentPainter::DocumentPainter(const host::Document& document, QString folder, int depth)
+    : document_(document), looks_(document, folder), parts_(&looks_.definitions(), folder, depth) {}
+
+DocumentPainter::~DocumentPainter() = default;
+
+// --- boxes ---------------------------------------------------------------------------------------------------------
+
+QRectF DocumentPainter::drawnBox(const host::Art& art) {
+    if (art.kind == kGroupArt) {
+        if (const auto known = groupBoxes_.find(art.id); known != groupBoxes_.end()) return known->second;
+        QRectF box;
+        ForEachChildUpwards(document_, art, [&](const host::Art& child) { box = United(box, drawnBox(child)); });
+        return groupBoxes_[art.id] = box;
+    }
+    if (art.kind == kForeignArt) {
+        const QPolygonF frame = looks_.frameOf(art);
+        if (!frame.isEmpty()) return frame.boundingRect();
         return QRectF(QPointF(-kFarAway, -kFarAway), QPointF(kFarAway, kFarAway));
     }
+    const RealRect bounds = document_.bounds(art.id);
     if (IsEmpty(bounds)) return {};
-    double reach = kWidestReach;
-    if (const host::PathData* path = PaintedPath(document, art); path != nullptr && path->style != nullptr)
-        reach = ReachOf(*path->style);
+    double reach = 0;
+    if (const host::PathData* path = PaintedPath(document_, art); path != nullptr && path->style != nullptr)
+        reach = std::max(ReachOf(*path->style), markerReach(art, *path->style, looks_.of(art)));
     if (art.kind == kTextFrameArt) reach = double(bounds.top) - bounds.bottom;
     reach = std::max(reach, 0.01);  // a level line has no height, and is no empty box
     return ToQt(bounds).adjusted(-reach, -reach, reach, reach);
 }
 
-DocumentPainter::DocumentPainter(const host::Document& document, QString folder)
-    : document_(document), looks_(document, std::move(folder)) {}
+QRectF DocumentPainter::renewedBox(const host::Art& art) {
+    groupBoxes_.erase(art.id);
+    const QRectF box = drawnBox(art);
+    for (const host::Art* group = document_.find(art.parent); group != nullptr; group = document_.find(group->parent))
+        if (const auto known = groupBoxes_.find(group->id); known != groupBoxes_.end())
+            known->second = United(known->second, box);
+    return box;
+}
 
-DocumentPainter::~DocumentPainter() = default;
+bool DocumentPainter::dependsOnMembers(const host::Art& art) {
+    if (art.kind == kCompoundPathArt) return true;
+    const Looks& looks = looks_.of(art);
+    return !looks.clip.isEmpty() || !looks.mask.isEmpty();
+}
+
+QRectF DocumentPainter::plainBox(const host::Art& art) {
+    if (art.kind == kForeignArt) return looks_.frameOf(art).boundingRect();
+    const RealRect bounds = document_.bounds(art.id);
+    QRectF box = IsEmpty(bounds) ? QRectF() : ToQt(bounds);
+    if (art.kind == kGroupArt && looks_.hasForeign())
+        ForEachChildUpwards(document_, art, [&](const host::Art& child) { box = United(box, plainBox(child)); });
+    return box;
+}
+
+// --- what there is to paint ----------------------------------------------------------------------------------------
 
 void DocumentPainter::look(const QTransform& toDevice, const QRectF& clip, const PaintOptions& options) {
     options_ = options;
@@ -79,33 +130,35 @@ std::vector<PaintItem> DocumentPainter::order(const QTransform& toDevice, const 
         if (marks && !options.selected) break;
         for (auto id = layers.rbegin(); id != layers.rend(); ++id) {
             if (!document_.layer(*id)->visible) continue;
-            ForEachChildUpwards(document_, *document_.find(document_.layer(*id)->root), [&](const host::Art& art) {
-                if (marks)
-                    addMarks(art, &items);
-                else
-                    addItems(art, &items);
-            });
+            const host::Art& root = *document_.find(document_.layer(*id)->root);
+            if (marks)
+                addMarks(root, &items);
+            else
+                addItems(root, 0, &items);
         }
     }
     return items;
 }
 
-// A group that is only its members is no item of its own, so that a large one can be painted in steps.
-void DocumentPainter::addItems(const host::Art& art, std::vector<PaintItem>* items) {
-    if (art.hidden || outOfSight(art)) return;
+// A group that is only its members, or only cuts them, is no item of its own, so that a large one can be painted in
+// steps.
+void DocumentPainter::addItems(const host::Art& art, host::ArtId clippedBy, std::vector<PaintItem>* items) {
+    if (art.hidden || (art.parent != 0 && outOfSight(art))) return;
     if (art.kind == kGroupArt) {
-        const Looks looks = looks_.of(art);
-        if (!(looks.opacity < 1) && looks.clip.isEmpty() && looks.mask.isEmpty())
-            return ForEachChildUpwards(document_, art, [&](const host::Art& child) { addItems(child, items); });
+        const Looks& looks = looks_.of(art);
+        const host::ArtId cutting = looks.clip.isEmpty() ? clippedBy : art.id;
+        if (IsPlainGroup(looks))
+            return ForEachChildUpwards(document_, art,
+                                       [&](const host::Art& child) { addItems(child, cutting, items); });
     }
-    items->push_back({art.id, false});
+    items->push_back({art.id, false, clippedBy});
 }
 
-void DocumentPainter::addMarks(const host::Art& art, std::vector<PaintItem>* items) const {
-    if (art.hidden || outOfSight(art)) return;
+void DocumentPainter::addMarks(const host::Art& art, std::vector<PaintItem>* items) {
+    if (art.hidden || (art.parent != 0 && outOfSight(art))) return;
     if (art.kind == kGroupArt)
         ForEachChildUpwards(document_, art, [&](const host::Art& child) { addMarks(child, items); });
-    if (art.selected) items->push_back({art.id, true});
+    if (art.selected) items->push_back({art.id, true, 0});
 }
 
 std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
@@ -118,8 +171,18 @@ std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toD
     painter->setClipRect(clip, Qt::IntersectClip);
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setTransform(toDevice, true);
+    world_ = painter->worldTransform();
     std::size_t next = first;
+    host::ArtId clippedBy = 0;
     while (next < items.size()) {
+        if (items[next].clippedBy != clippedBy) {
+            if (clippedBy != 0) painter->restore();
+            clippedBy = items[next].clippedBy;
+            if (clippedBy != 0) {
+                painter->save();
+                clipToGroups(clippedBy);
+            }
+        }
         const host::Art* art = document_.find(items[next].art);
         if (art != nullptr && items[next].mark)
             paintMark(*art);
@@ -127,34 +190,45 @@ std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toD
             paintArt(*art);
         if (++next % kBetweenLooksAtTheClock == 0 && until.hasExpired()) break;
     }
+    if (clippedBy != 0) painter->restore();
     painter->restore();
     painter_ = nullptr;
     return next;
 }
 
-bool DocumentPainter::outOfSight(const host::Art& art) const {
-    if (art.kind == kForeignArt) return false;
-    QRectF box = DrawnBox(document_, art);
+bool DocumentPainter::outOfSight(const host::Art& art) {
+    QRectF box = drawnBox(art);
     if (box.isNull()) return true;
     box.adjust(-2 * pixel_, -2 * pixel_, 2 * pixel_, 2 * pixel_);
     return !(box.left() <= sight_.right() && box.right() >= sight_.left() && box.top() <= sight_.bottom() &&
              box.bottom() >= sight_.top());
 }
 
+// --- art -----------------------------------------------------------------------------------------------------------
+
+void DocumentPainter::clipTo(const host::Art& art, const Looks& looks) {
+    const QTransform user = looks_.userSpace(art);
+    const auto [outline, there] = looks_.clips().clip(looks.clip, user.inverted().mapRect(plainBox(art)));
+    if (there) painter_->setClipPath(user.map(outline), Qt::IntersectClip);
+}
+
+void DocumentPainter::clipToGroups(host::ArtId nearest) {
+    for (const host::Art* group = document_.find(nearest); group != nullptr; group = document_.find(group->parent))
+        if (const Looks& looks = looks_.of(*group); !looks.clip.isEmpty()) clipTo(*group, looks);
+}
+
 void DocumentPainter::paintArt(const host::Art& art) {
-    if (art.hidden || outOfSight(art)) return;
-    const Looks looks = looks_.of(art);
+    if (art.hidden || (art.parent != 0 && outOfSight(art))) return;
+    const Looks& looks = looks_.of(art);
     const bool clipped = !looks.clip.isEmpty();
     if (clipped) {
-        const QTransform user = looks_.userSpace(art);
-        const auto [outline, there] =
-            looks_.clips().clip(looks.clip, user.inverted().mapRect(ToQt(document_.bounds(art.id))));
         painter_->save();
-        if (there) painter_->setClipPath(user.map(outline), Qt::IntersectClip);
+        clipTo(art, looks);
     }
     const host::PathData* path = PaintedPath(document_, art);
-    const bool overlaps = art.kind == kGroupArt || (path != nullptr && path->style != nullptr &&
-                                                    path->style->fillPaint != 0 && path->style->strokePaint != 0);
+    const bool overlaps =
+        art.kind == kGroupArt || looks.bearsMarkers ||
+        (path != nullptr && path->style != nullptr && path->style->fillPaint != 0 && path->style->strokePaint != 0);
     if (!looks.mask.isEmpty() || (looks.opacity < 1 && overlaps)) {
         paintApart(art, looks);
     } else {
@@ -188,9 +262,8 @@ void DocumentPainter::paintContent(const host::Art& art) {
 
 void DocumentPainter::paintApart(const host::Art& art, const Looks& looks) {
     const QTransform toDevice = painter_->deviceTransform();
-    const QRectF seen =
-        ToQt(document_.bounds(art.id)).adjusted(-kWidestReach, -kWidestReach, kWidestReach, kWidestReach) & sight_;
-    const QRect place = toDevice.mapRect(seen).toAlignedRect();
+    // With a dot more on each side, where edges are smooth.
+    const QRect place = toDevice.mapRect(drawnBox(art) & sight_).toAlignedRect().adjusted(-1, -1, 1, 1);
     if (place.isEmpty()) return;
     // Paper has more dots than a picture needs.
     const double shrink = std::min(1.0, kLargestPicture / std::max(place.width(), place.height()));
@@ -207,11 +280,13 @@ void DocumentPainter::paintApart(const host::Art& art, const Looks& looks) {
         apart.setRenderHint(QPainter::Antialiasing);
         apart.setTransform(toPicture);
         painter_ = &apart;
+        const QTransform around = std::exchange(world_, apart.worldTransform());
         paintContent(art);
+        world_ = around;
         painter_ = below;
         if (!looks.mask.isEmpty()) {
             const QTransform user = looks_.userSpace(art);
-            const QRectF box = user.inverted().mapRect(ToQt(document_.bounds(art.id)));
+            const QRectF box = user.inverted().mapRect(plainBox(art));
             const QImage through = looks_.clips().mask(looks.mask, user * toPicture, picture.size(), box);
             apart.resetTransform();
             apart.setCompositionMode(QPainter::CompositionMode_DestinationIn);
@@ -240,10 +315,30 @@ QBrush DocumentPainter::brushOf(const AIColor& color, const host::Art& art, doub
     return solid;
 }
 
-QPen DocumentPainter::penOf(const AIPathStyle& style, const QBrush& ink) const {
+void DocumentPainter::fill(const QPainterPath& outline, const AIColor& color, const host::Art& art, double opacity) {
+    const Pattern* pattern = color.kind == kOtherPaint ? parts_.pattern(looks_.paintedId(color)) : nullptr;
+    if (pattern == nullptr) return painter_->fillPath(outline, brushOf(color, art, opacity));
+    const QTransform user = looks_.userSpace(art);
+    const double before = painter_->opacity();
+    painter_->setOpacity(before * opacity);
+    // Text is filled in coordinates of its own.
+    const QTransform toDocument = painter_->worldTransform() * world_.inverted();
+    FillWithPattern(*pattern, outline, user * toDocument.inverted(), user.inverted().mapRect(plainBox(art)),
+                    toDocument.inverted().mapRect(sight_), painter_);
+    painter_->setOpacity(before);
+}
+
+void DocumentPainter::stroke(const QPainterPath& outline, QPen pen, const AIColor& color, const host::Art& art,
+                             double opacity) {
+    if (color.kind == kOtherPaint) return fill(QPainterPathStroker(pen).createStroke(outline), color, art, opacity);
+    pen.setBrush(brushOf(color, art, opacity));
+    painter_->strokePath(outline, pen);
+}
+
+QPen DocumentPainter::penOf(const AIPathStyle& style) const {
     static constexpr Qt::PenCapStyle kCaps[] = {Qt::FlatCap, Qt::RoundCap, Qt::SquareCap};
     static constexpr Qt::PenJoinStyle kJoins[] = {Qt::SvgMiterJoin, Qt::RoundJoin, Qt::BevelJoin};
-    QPen pen(ink, style.strokeWidth);
+    QPen pen(Qt::black, style.strokeWidth);
     pen.setCapStyle(kCaps[std::clamp(style.cap, 0, 2)]);
     pen.setJoinStyle(kJoins[std::clamp(style.join, 0, 2)]);
     pen.setMiterLimit(std::max(1.0F, style.miterLimit));
@@ -273,8 +368,8 @@ void DocumentPainter::paintPath(const host::Art& art) {
     const AIPathStyle& style = *path->style;
     const RealRect bounds = document_.bounds(art.id);
     const double extent = std::max(double(bounds.right) - bounds.left, double(bounds.top) - bounds.bottom);
-    const Looks looks = looks_.of(art);
-    if (extent + style.strokeWidth < kDotPixels * pixel_) {
+    const Looks& looks = looks_.of(art);
+    if (extent + style.strokeWidth < kDotPixels * pixel_ && !looks.bearsMarkers) {
         const AIColor& ink = style.strokePaint != 0 ? style.stroke : style.fill;
         if (style.strokePaint == 0 && style.fillPaint == 0) return;
         QColor faint = ToQt(ink);
@@ -284,9 +379,63 @@ void DocumentPainter::paintPath(const host::Art& art) {
     }
     QPainterPath outline = OutlineOf(document_, art);
     outline.setFillRule(looks.fillRule);
-    if (style.fillPaint != 0) painter_->fillPath(outline, brushOf(style.fill, art, looks.fillOpacity));
+    if (style.fillPaint != 0) fill(outline, style.fill, art, looks.fillOpacity);
     if (style.strokePaint != 0 && style.strokeWidth > 0)
-        painter_->strokePath(outline, penOf(style, brushOf(style.stroke, art, looks.strokeOpacity)));
+        stroke(outline, penOf(style), style.stroke, art, looks.strokeOpacity);
+    if (looks.bearsMarkers) paintMarkers(art, style, looks);
+}
+
+// --- markers -------------------------------------------------------------------------------------------------------
+
+const Marker* DocumentPainter::markerOf(const host::Art& art, const AIPathStyle& style, const Looks& looks, int kind) {
+    const QString& id = looks.markers[static_cast<std::size_t>(kind)];
+    if (id.isEmpty()) return nullptr;
+    // A gradient is no colour that a marker could take up; it takes the middle of all.
+    const auto ink = [&](bool on, const AIColor& color) {
+        if (!on) return QColor(Qt::transparent);
+        return brushOf(color, art, 1).style() == Qt::SolidPattern ? ToQt(color) : QColor(Qt::gray);
+    };
+    return parts_.marker(id, ink(style.fillPaint != 0, style.fill), ink(style.strokePaint != 0, style.stroke));
+}
+
+double DocumentPainter::markerReach(const host::Art& art, const AIPathStyle& style, const Looks& looks) {
+    if (!looks.bearsMarkers) return 0;
+    const QTransform user = looks_.userSpace(art);
+    double reach = 0;
+    for (const int kind : {0, 1, 2})
+        if (const Marker* marker = markerOf(art, style, looks, kind)) {
+            const double unit = marker->byStroke ? style.strokeWidth / std::sqrt(std::abs(user.determinant())) : 1;
+            reach = std::max(reach, marker->reach * unit * StretchOf(user));
+        }
+    return reach;
+}
+
+void DocumentPainter::paintMarkers(const host::Art& art, const AIPathStyle& style, const Looks& looks) {
+    const QTransform user = looks_.userSpace(art);
+    if (!user.isInvertible()) return;
+    std::vector<const host::PathData*> pieces;
+    if (art.path != nullptr) pieces.push_back(art.path.get());
+    if (art.kind == kCompoundPathArt)
+        ForEachChildUpwards(document_, art, [&](const host::Art& child) {
+            if (child.path != nullptr) pieces.push_back(child.path.get());
+        });
+    for (const MarkerPlace& place : MarkerPlaces(pieces, user.inverted())) {
+        const Marker* marker = markerOf(art, style, looks, place.kind);
+        if (marker == nullptr) continue;
+        double angle = marker->turn == Marker::Turn::kFixed ? marker->angle : place.angle;
+        if (marker->turn == Marker::Turn::kAlongReversedAtStart && place.kind == 0) angle += 180;
+        const double unit = marker->byStroke ? style.strokeWidth / std::sqrt(std::abs(user.determinant())) : 1;
+        QTransform there = user;
+        there.translate(place.at.x(), place.at.y()).rotate(angle).scale(unit, unit);
+        painter_->save();
+        if (!marker->window.isNull()) {
+            QPainterPath window;
+            window.addPolygon(there.map(QPolygonF(marker->window)));
+            painter_->setClipPath(window, Qt::IntersectClip);
+        }
+        marker->part->paint(painter_, marker->content * there, sight_);
+        painter_->restore();
+    }
 }
 
 // --- texts
@@ -296,7 +445,7 @@ void DocumentPainter::paintText(const host::Art& art) {
     if (art.text == nullptr) return;
     const RealRect bounds = document_.bounds(art.id);
     if (double(bounds.top) - bounds.bottom < pixel_ && double(bounds.right) - bounds.left < pixel_) return;
-    const Looks looks = looks_.of(art);
+    const Looks& looks = looks_.of(art);
     // In the text's own coordinates, where the outlines are.
     const double strokeWidth =
         looks.strokeWidth * std::sqrt(std::abs(looks_.userSpace(art).determinant() /
@@ -304,11 +453,9 @@ void DocumentPainter::paintText(const host::Art& art) {
     painter_->save();
     painter_->setTransform(ToQt(art.text->matrix), true);
     for (const TextPiece& piece : TextPieces(*art.text)) {
-        if (piece.features->fillOn)
-            painter_->fillPath(piece.outline, brushOf(piece.features->fill, art, looks.fillOpacity));
+        if (piece.features->fillOn) fill(piece.outline, piece.features->fill, art, looks.fillOpacity);
         if (piece.features->strokeOn)
-            painter_->strokePath(piece.outline,
-                                 QPen(brushOf(piece.features->stroke, art, looks.strokeOpacity), strokeWidth));
+            stroke(piece.outline, QPen(Qt::black, strokeWidth), piece.features->stroke, art, looks.strokeOpacity);
     }
     painter_->restore();
 }
@@ -325,10 +472,14 @@ void DocumentPainter::paintMark(const host::Art& art) {
         const double half = 2.5 * pixel_;
         for (const PathSegment& segment : art.path->segments)
             painter_->fillRect(QRectF(segment.p.h - half, segment.p.v - half, 2 * half, 2 * half), options_.mark);
-    } else if (art.kind == kTextFrameArt || art.kind == kForeignArt) {
+    } else if (art.kind == kTextFrameArt) {
         painter_->setPen(line);
         painter_->setBrush(Qt::NoBrush);
         painter_->drawRect(ToQt(document_.bounds(art.id)));
+    } else if (art.kind == kForeignArt) {
+        painter_->setPen(line);
+        painter_->setBrush(Qt::NoBrush);
+        painter_->drawPolygon(looks_.shownFrameOf(art));
     }
 }
 

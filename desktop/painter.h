@@ -6,8 +6,10 @@
 #include <QString>
 #include <QTransform>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
+#include "desktop/parts.h"
 #include "desktop/source_looks.h"
 #include "host/document.h"
 
@@ -19,20 +21,18 @@ struct PaintOptions {
     QColor mark = QColor(0x2f, 0x6f, 0xe4);
 };
 
-// What a piece of art may cover, in document points: its bounds grown by its stroke, or by what glyphs leave their
-// boxes. Null for art that shows nothing.
-QRectF DrawnBox(const host::Document& document, const host::Art& art);
-
 // A piece of the painting: art that is painted as one, or the mark of its selection.
 struct PaintItem {
     host::ArtId art = 0;
     bool mark = false;
+    host::ArtId clippedBy = 0;  // the nearest group around it that cuts it, 0 for none
 };
 
 class DocumentPainter {
   public:
-    // folder: where pictures that the drawing links to are looked for.
-    DocumentPainter(const host::Document& document, QString folder);
+    // folder: where pictures that the drawing links to are looked for. depth: of a drawing that is a part of another
+    // one's art, such as a marker.
+    DocumentPainter(const host::Document& document, QString folder, int depth = 0);
     ~DocumentPainter();
 
     // toDevice takes document points, y up, to the painter's pixels. Only what meets clip, in those pixels, is drawn.
@@ -46,6 +46,15 @@ class DocumentPainter {
                            const PaintOptions& options, const std::vector<PaintItem>& items, std::size_t first,
                            const QDeadlineTimer& until);
 
+    // What a piece of art may cover, in document points: its bounds grown by its stroke and markers, or by what glyphs
+    // leave their boxes; groups cover what is in them, and may have covered more before. Null for art that shows
+    // nothing.
+    QRectF drawnBox(const host::Art& art);
+    // The same for art that has changed; the groups round it grow to hold it.
+    QRectF renewedBox(const host::Art& art);
+    // True for art that looks different throughout when any of its members changes.
+    bool dependsOnMembers(const host::Art& art);
+
   private:
     void paintArt(const host::Art& art);
     void paintContent(const host::Art& art);
@@ -53,19 +62,30 @@ class DocumentPainter {
     void paintApart(const host::Art& art, const Looks& looks);
     void paintPath(const host::Art& art);
     void paintText(const host::Art& art);
+    void paintMarkers(const host::Art& art, const AIPathStyle& style, const Looks& looks);
     void paintMark(const host::Art& art);
+    // Fills the outline, which is of the art's shape or of its stroke.
+    void fill(const QPainterPath& outline, const AIColor& color, const host::Art& art, double opacity);
+    void stroke(const QPainterPath& outline, QPen pen, const AIColor& color, const host::Art& art, double opacity);
+    void clipTo(const host::Art& art, const Looks& looks);
+    void clipToGroups(host::ArtId nearest);
     void look(const QTransform& toDevice, const QRectF& clip, const PaintOptions& options);
-    void addItems(const host::Art& art, std::vector<PaintItem>* items);
-    void addMarks(const host::Art& art, std::vector<PaintItem>* items) const;
-    bool outOfSight(const host::Art& art) const;
+    void addItems(const host::Art& art, host::ArtId clippedBy, std::vector<PaintItem>* items);
+    void addMarks(const host::Art& art, std::vector<PaintItem>* items);
+    bool outOfSight(const host::Art& art);
+    QRectF plainBox(const host::Art& art);  // what clips and masks are measured by; null when there is none
+    const Marker* markerOf(const host::Art& art, const AIPathStyle& style, const Looks& looks, int kind);
+    double markerReach(const host::Art& art, const AIPathStyle& style, const Looks& looks);
     QBrush brushOf(const AIColor& color, const host::Art& art, double opacity);
-    QPen penOf(const AIPathStyle& style, const QBrush& ink) const;
+    QPen penOf(const AIPathStyle& style) const;
 
     const host::Document& document_;
     SourceLooks looks_;
+    Parts parts_;
+    std::unordered_map<host::ArtId, QRectF> groupBoxes_;
     QPainter* painter_ = nullptr;
     PaintOptions options_;
-    QTransform toDevice_;
+    QTransform world_;  // from document points to the painter's device
     QRectF sight_;      // in document points
     double pixel_ = 1;  // points
 };

@@ -111,8 +111,9 @@ int RunProgram(int argc, char** argv) {
                                       QStringLiteral("LANGUAGE"));
     const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("start of the random numbers"),
                                   QStringLiteral("N"));
-    const QCommandLineOption look(QStringLiteral("look"), QStringLiteral("light or dark; the desktop's own without it"),
-                                  QStringLiteral("LOOK"));
+    const QCommandLineOption look(
+        QStringLiteral("look"), QStringLiteral("light or dark; what was chosen last, or the desktop's own, without it"),
+        QStringLiteral("LOOK"));
     words.addOptions({exportTo, dpi, record, profile, language, seed, look});
     words.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("the drawing"), QStringLiteral("[FILE...]"));
     words.process(program);
@@ -141,7 +142,7 @@ int RunProgram(int argc, char** argv) {
     return OpenWindow(program, options,
                       asked == QLatin1String("dark")    ? Look::dark
                       : asked == QLatin1String("light") ? Look::light
-                                                        : Look::system,
+                                                        : ChosenLook(),
                       files);
 }
 

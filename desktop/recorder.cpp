@@ -1,8 +1,10 @@
-// A line waits until the next one begins, because the replies that it asked for come while it runs and must stand
-// before it.
+// A line is in the file before it is done. What it asks for must stand before it and comes while it runs, and a move
+// may turn out to be one of many: so the file's end is written anew until the next deed begins.
 #include "desktop/recorder.h"
 
 #include <charconv>
+#include <filesystem>
+#include <utility>
 
 #include "cli/script.h"
 
@@ -54,52 +56,60 @@ std::string Shortest(float value) { return Printed(value); }
 
 Recorder::~Recorder() { flush(); }
 
-bool Recorder::open(const std::string& path) {
+bool Recorder::open(const std::string& path, std::optional<std::uint64_t> seed) {
+    path_ = path;
     out_.open(path, std::ios::binary | std::ios::trunc);
-    if (out_) out_ << "# Recorded by quorvel-desktop.\n";
+    tail_.lines = {"# Recorded by quorvel-desktop.",
+                   seed ? "# Replay it with --seed " + std::to_string(*seed) + ", so that object ids are the same."
+                        : "# The random numbers were the system's: object ids differ in each replay."};
+    write();
+    settle();
     return out_.is_open() && out_.good();
 }
 
-void Recorder::write(const std::string& text) { out_ << text << '\n'; }
-
-void Recorder::writeOpenLine() {
-    if (!open_) return;
-    for (const std::string& reply : replies_) write(reply);
-    replies_.clear();
-    if (!open_->empty()) write(*open_);
-    open_.reset();
+void Recorder::settle() {
+    settled_ = end_;
+    tail_ = {};
+    openDialogs_.clear();
+    tickUnsaid_ = false;
 }
 
-void Recorder::writeMoves() {
-    for (const std::string& move : moves_) write(move);
-    moves_.clear();
+void Recorder::write() {
+    std::string text;
+    for (const auto* part : {&tail_.replies, &tail_.lines, &tail_.expectations})
+        for (const std::string& line : *part)
+            if (!line.empty()) text += line + '\n';
+    out_.seekp(static_cast<std::streamoff>(settled_));
+    out_ << text;
+    out_.flush();
+    const std::uintmax_t former = std::exchange(end_, settled_ + text.size());
+    std::error_code failed;  // a file that can't be cut keeps lines too many; the stream's own failure is told by open
+    if (end_ < former) std::filesystem::resize_file(path_, end_, failed);
 }
 
 void Recorder::flush() {
-    if (!on()) return;
-    writeOpenLine();
-    writeMoves();
-    out_.flush();
+    if (on()) out_.flush();
 }
 
 void Recorder::line(const std::string& text) {
     if (!on()) return;
-    writeOpenLine();
-    writeMoves();
-    open_ = text;
-    out_.flush();
+    settle();
+    tail_.lines = {text};
+    write();
 }
 
 // The one before the last is kept too: a tool takes no notice of a move to where the mouse has been told to be, so that
 // the last alone might be lost on it.
 void Recorder::move(const char* verb, RealPoint point, std::uint16_t modifiers) {
     if (!on()) return;
-    writeOpenLine();
-    const std::string key = verb + Words(modifiers);
-    if (key != movesKey_) writeMoves();
-    movesKey_ = key;
-    if (moves_.size() == kMovesKept) moves_.erase(moves_.begin());
-    moves_.push_back(std::string(verb) + ' ' + Shortest(point.h) + ' ' + Shortest(point.v) + Words(modifiers));
+    const std::string kind = verb + Words(modifiers);
+    // What has come of a move belongs to that one.
+    if (tail_.moves != kind || !tail_.replies.empty() || !tail_.expectations.empty()) settle();
+    tail_.moves = kind;
+    tickUnsaid_ = false;
+    if (tail_.lines.size() == kMovesKept) tail_.lines.erase(tail_.lines.begin());
+    tail_.lines.push_back(std::string(verb) + ' ' + Shortest(point.h) + ' ' + Shortest(point.v) + Words(modifiers));
+    write();
 }
 
 void Recorder::button(const char* verb, std::uint16_t modifiers) { line(verb + Words(modifiers)); }
@@ -109,20 +119,34 @@ void Recorder::zoom(float zoom) { line("zoom " + Shortest(zoom)); }
 // --- steps
 // ------------------------------------------------------------------------------------------------------------
 
+void Recorder::plan(const std::vector<std::string>& lines) {
+    if (!on()) return;
+    settle();
+    tail_.lines = lines;
+    tail_.planned = true;
+    write();
+}
+
 void Recorder::step(const std::vector<std::string>& lines) {
     if (!on()) return;
-    std::size_t steps = 0;
-    for (const std::string& text : lines) {
-        line(text);
-        if (!text.starts_with('#')) ++steps;
-    }
-    if (!done_.empty()) done_.back() = steps;
+    if (!tail_.planned) settle();
+    tail_.lines = lines;
+    tail_.planned = false;
+    write();
+    if (!lines.empty() && !done_.empty()) done_.back() = lines.size();
 }
 
 void Recorder::stepMade() {
     if (!on()) return;
     done_.push_back(1);
     undone_.clear();
+}
+
+void Recorder::lastStepsJoined() {
+    if (done_.size() < 2) return;
+    const std::size_t last = done_.back();
+    done_.pop_back();
+    done_.back() += last;
 }
 
 void Recorder::forgetSteps() {
@@ -149,25 +173,52 @@ void Recorder::redo() {
 // --- replies
 // ----------------------------------------------------------------------------------------------------------
 
-void Recorder::dialogAnswered(const platform::DialogReply& reply) {
-    if (!on()) return;
-    std::string text = "dialog " + std::to_string(reply.dialogId);
-    for (const platform::DialogStep& step : reply.steps) text += ' ' + StepText(step);
-    replies_.push_back(text);
+// An alert or a reply in an unsaid tick has come of the tick.
+void Recorder::sayTick() {
+    if (tickUnsaid_) line("tick");
 }
 
-void Recorder::boxAnswered(bool accepted) {
-    if (on()) replies_.push_back(accepted ? "answer ok" : "answer cancel");
+void Recorder::reply(const std::string& text) {
+    if (!on()) return;
+    sayTick();
+    tail_.replies.push_back(text);
+    write();
 }
+
+void Recorder::dialogOpened() {
+    if (!on()) return;
+    sayTick();
+    openDialogs_.push_back(tail_.replies.size());
+    tail_.replies.emplace_back();
+}
+
+void Recorder::dialogAnswered(const platform::DialogReply& given) {
+    if (!on()) return;
+    std::string text = "dialog " + std::to_string(given.dialogId);
+    for (const platform::DialogStep& step : given.steps) text += ' ' + StepText(step);
+    if (openDialogs_.empty()) return reply(text);
+    tail_.replies[openDialogs_.back()] = text;
+    openDialogs_.pop_back();
+    write();
+}
+
+void Recorder::boxAnswered(bool accepted) { reply(accepted ? "answer ok" : "answer cancel"); }
 
 void Recorder::fileChosen(const std::optional<std::string>& path) {
-    if (on()) replies_.push_back(path ? "file " + cli::quotedWord(*path) : "file cancel");
+    reply(path ? "file " + cli::quotedWord(*path) : "file cancel");
+}
+
+void Recorder::alertShown(const std::string& text) {
+    if (!on()) return;
+    sayTick();
+    tail_.expectations.push_back("expect alert " + cli::quotedWord(text));
+    write();
 }
 
 void Recorder::panelUsed(const platform::DialogStep& step, bool isToggle) {
     if (!on()) return;
     const std::string control = std::to_string(step.control);
-    if (step.kind == StepKind::setText)
+    if (step.kind == StepKind::setText || step.kind == StepKind::selectRow)
         line("panel text " + control + ' ' + cli::quotedWord(step.text));
     else if (step.kind == StepKind::press)
         line((isToggle ? "panel toggle " : "panel press ") + control);
@@ -180,9 +231,11 @@ void Recorder::flyout(int item) {
 }
 
 void Recorder::tick() {
-    if (!on() || !tickMatters_) return;
-    tickMatters_ = false;
-    line("tick");
+    if (!on()) return;
+    if (std::exchange(tickMatters_, false))
+        line("tick");
+    else
+        tickUnsaid_ = true;
 }
 
 }  // namespace quorvel::desktop

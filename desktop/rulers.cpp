@@ -12,12 +12,9 @@ namespace {
 constexpr double kLeastLabelDistance = 56;  // pixels
 constexpr double kLeastMarkDistance = 4.5;
 
-struct Unit {
-    const char* name;
-    double points;
-};
-constexpr Unit kUnits[] = {{"mm", 72 / 25.4}, {"cm", 72 / 2.54}, {"in", 72},       {"pt", 1},
-                           {"pc", 12},        {"px", 0.75},      {"H", 72 / 101.6}};
+// A pixel is a point and H a quarter of a millimetre, as in the values that the host and the tools print.
+constexpr RulerUnit kUnits[] = {{"mm", 72 / 25.4}, {"cm", 72 / 2.54}, {"in", 72},      {"pt", 1},
+                                {"pc", 12},        {"px", 1},         {"H", 18 / 25.4}};
 
 // The smallest of 1, 2, 5, 10, 20, ... units that leaves room for its label.
 double LabelStep(double pixelsPerUnit) {
@@ -29,8 +26,10 @@ double LabelStep(double pixelsPerUnit) {
 
 }  // namespace
 
+std::span<const RulerUnit> RulerUnits() { return kUnits; }
+
 double PointsOfUnit(const std::string& unit) {
-    for (const Unit& row : kUnits)
+    for (const RulerUnit& row : kUnits)
         if (unit == row.name) return row.points;
     return 1;
 }

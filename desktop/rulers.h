@@ -3,6 +3,7 @@
 
 #include <QWidget>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "desktop/canvas.h"
@@ -26,7 +27,13 @@ class Ruler : public QWidget {
     std::optional<QPointF> mouse_;
 };
 
-// Points of one unit: "mm", "cm", "in", "pt", "pc", "px" or "H".
+struct RulerUnit {
+    const char* name;  // as the host knows it: "mm"
+    double points;
+};
+// In the order in which they are offered.
+std::span<const RulerUnit> RulerUnits();
+// Points of one unit; 1 for a name that is none.
 double PointsOfUnit(const std::string& unit);
 
 }  // namespace quorvel::desktop

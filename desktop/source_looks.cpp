@@ -3,13 +3,15 @@
 
 #include <QDir>
 #include <QSvgRenderer>
+#include <QUrl>
 #include <QXmlStreamReader>
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "desktop/outline.h"
 #include "host/svg_affine.h"
-#include "host/svg_markup.h"
+#include "host/svg_walk.h"
 
 namespace quorvel::desktop {
 
@@ -22,14 +24,18 @@ struct SourceLooks::Gradient {
 
 struct SourceLooks::Foreign {
     QTransform toDocument;  // of the element's user space
-    QRectF box;             // an image's
     QImage image;
+    QTransform place;  // from the image's dots to user space
+    QRectF frame;      // of an image, in user space
     std::unique_ptr<QSvgRenderer> drawing;
+    QRectF drawn;  // what the drawing covers, in user space
 };
 
 namespace {
 
 constexpr int kLongestChain = 16;
+constexpr char kForeignId[] = "quorvel-foreign";
+constexpr double kLeastStep = 1e-9;  // between two stops of a gradient
 
 double Number(const QString& text, double otherwise) {
     QString word = text.trimmed();
@@ -39,6 +45,21 @@ double Number(const QString& text, double otherwise) {
     bool read = false;
     const double value = word.toDouble(&read);
     return !read ? otherwise : percent ? value / 100 : value;
+}
+
+// In user units.
+double Length(const QString& text, double percentOf, double otherwise) {
+    return text.isEmpty() ? otherwise : host::parseLength(text.toStdString(), {percentOf}).value_or(otherwise);
+}
+
+// Stops never run back, and two at one place are a hard edge, which Qt would take for one stop.
+QGradientStops Parted(QGradientStops stops) {
+    for (qsizetype i = 1; i < stops.size(); ++i)
+        stops[i].first = std::max(stops[i].first, stops[i - 1].first + kLeastStep);
+    double highest = 1;
+    for (qsizetype i = stops.size() - 1; i >= 0; --i, highest -= kLeastStep)
+        stops[i].first = std::min(stops[i].first, highest);
+    return stops;
 }
 
 QString FromStyle(QStringView style, QLatin1String name) {
@@ -79,21 +100,40 @@ QString PaintedId(const std::string& reference) {
 }
 
 QImage LoadImage(const QString& href, const QString& folder) {
-    if (!href.startsWith(QLatin1String("data:"))) return QImage(QDir(folder).absoluteFilePath(href));
-    const qsizetype comma = href.indexOf(QLatin1Char(','));
-    return QImage::fromData(QByteArray::fromBase64(href.mid(comma + 1).toLatin1()));
+    const QString link = href.trimmed();
+    if (!link.startsWith(QLatin1String("data:"))) {
+        const QUrl url(link);
+        const QString path = url.isLocalFile() ? url.toLocalFile() : QUrl::fromPercentEncoding(link.toUtf8());
+        const QImage image(QDir(folder).absoluteFilePath(path));
+        return image.isNull() ? QImage(QDir(folder).absoluteFilePath(link)) : image;  // a name with a % of its own
+    }
+    const qsizetype comma = link.indexOf(QLatin1Char(','));
+    const QByteArray content = link.mid(comma + 1).toLatin1();
+    if (!link.left(comma).endsWith(QLatin1String(";base64")))
+        return QImage::fromData(QByteArray::fromPercentEncoding(content));
+    return QImage::fromData(QByteArray::fromBase64(QByteArray::fromPercentEncoding(content)));
 }
 
 }  // namespace
 
 SourceLooks::SourceLooks(const host::Document& document, QString folder)
-    : document_(document), source_(document.source()), folder_(std::move(folder)) {
+    : document_(document),
+      source_(document.source()),
+      folder_(std::move(folder)),
+      definitions_(source_ != nullptr ? source_->text : nothing_),
+      clips_(&definitions_) {
     if (source_ == nullptr) return;
-    for (const char* word : {"opacity", "evenodd", "clip-path", "mask", "<text"})
+    for (const char* word : {"opacity", "evenodd", "clip-path", "mask", "marker", "<text", ":text"})
         hasLooks_ = hasLooks_ || source_->text.find(word) != std::string::npos;
+    // What a use element has made may hold some.
+    hasForeign_ = std::any_of(source_->elements.begin(), source_->elements.end(), [](const host::SvgElement& one) {
+        return one.kind == host::SvgKind::kForeign || one.kind == host::SvgKind::kUse;
+    });
     if (hasLooks_ && source_->hasStyleSheet) readStyleSheet();
-    clips_ = std::make_unique<Clips>(source_->text);
+    readViewport();
 }
+
+SourceLooks::~SourceLooks() = default;
 
 void SourceLooks::readStyleSheet() {
     QXmlStreamReader in(QByteArray::fromStdString(source_->text));
@@ -102,27 +142,40 @@ void SourceLooks::readStyleSheet() {
             sheet_.add(in.readElementText(QXmlStreamReader::SkipChildElements).toStdString());
 }
 
+void SourceLooks::readViewport() {
+    if (source_->origins.empty()) return;
+    const host::Affine& map = source_->ctms[source_->origins.front().ctm];
+    host::Viewport box{document_.width() / map.scale(), document_.height() / map.scale()};
+    const host::StartTag root = tagOf(source_->origins.front());
+    pugi::xml_document parsed;
+    pugi::xml_node node = parsed.append_child("svg");
+    node.append_attribute("viewBox") = root.attribute("viewBox").value_or("").c_str();
+    host::viewBoxMap(node, {1, 1}, &box);
+    viewport_ = {box.width, box.height};
+}
+
+const host::SvgOrigin* SourceLooks::origin(std::int32_t index) const {
+    const bool there = source_ != nullptr && index >= 0 && static_cast<std::size_t>(index) < source_->origins.size();
+    return there ? &source_->origins[static_cast<std::size_t>(index)] : nullptr;
+}
+
+host::StartTag SourceLooks::tagOf(const host::SvgOrigin& origin) const {
+    return host::StartTag(host::startTagText(source_->text, origin.nameOffset));
+}
+
 QTransform SourceLooks::userSpace(const host::Art& art) const {
-    const host::SvgElement* own = element(art.source);
+    const host::SvgOrigin* own = origin(art.origin);
     return own == nullptr ? QTransform() : ToQt(source_->ctms[own->ctm]);
 }
 
-SourceLooks::~SourceLooks() = default;
-
-const host::SvgElement* SourceLooks::element(std::int32_t index) const {
-    const bool there = source_ != nullptr && index >= 0 && static_cast<std::size_t>(index) < source_->elements.size();
-    return there ? &source_->elements[static_cast<std::size_t>(index)] : nullptr;
-}
-
-Looks SourceLooks::read(std::int32_t index) {
+const Looks& SourceLooks::read(std::int32_t index) {
+    static const Looks kPlain;
     const auto found = looks_.find(index);
     if (found != looks_.end()) return found->second;
-    const host::SvgElement* own = element(index);
-    Looks looks;
-    if (own == nullptr) return looks;
-    if (own->parent >= 0) looks = read(own->parent);  // what is inherited
-    looks.opacity = 1;
-    const host::StartTag tag(host::startTagText(source_->text, own->nameOffset));
+    const host::SvgOrigin* own = origin(index);
+    if (own == nullptr) return kPlain;
+    Looks looks = read(own->parent);  // what is inherited
+    const host::StartTag tag = tagOf(*own);
     const std::string style = tag.attribute("style").value_or("");
     // The weakest first: the attribute, the style sheets, the style attribute.
     std::vector<host::CssDeclaration> declarations;
@@ -141,14 +194,30 @@ Looks SourceLooks::read(std::int32_t index) {
     const QString rule = word("fill-rule");
     if (rule == QLatin1String("evenodd")) looks.fillRule = Qt::OddEvenFill;
     if (rule == QLatin1String("nonzero")) looks.fillRule = Qt::WindingFill;
-    looks.strokeWidth = std::max(0.0, Number(word("stroke-width"), looks.strokeWidth));
+    looks.strokeWidth = std::max(0.0, Length(word("stroke-width"), 0, looks.strokeWidth));
     looks.clip = PaintedId(word("clip-path").toStdString());
     looks.mask = PaintedId(word("mask").toStdString());
-    looks_.emplace(index, looks);
-    return looks;
+    static constexpr const char* kMarkers[] = {"marker-start", "marker-mid", "marker-end"};
+    for (std::size_t i = 0; i < 3; ++i) {
+        QString marker = word(kMarkers[i]);
+        if (marker.isEmpty()) marker = word("marker");
+        if (!marker.isEmpty() && marker != QLatin1String("inherit")) looks.markers[i] = PaintedId(marker.toStdString());
+    }
+    looks.bearsMarkers =
+        (type == "path" || type == "line" || type == "polyline" || type == "polygon") &&
+        std::any_of(looks.markers.begin(), looks.markers.end(), [](const QString& one) { return !one.isEmpty(); });
+    return looks_.emplace(index, std::move(looks)).first->second;
 }
 
-Looks SourceLooks::of(const host::Art& art) { return hasLooks_ ? read(art.source) : Looks(); }
+const Looks& SourceLooks::of(const host::Art& art) { return read(hasLooks_ ? art.origin : -1); }
+
+QString SourceLooks::paintedId(const AIColor& paint) const {
+    const auto number = static_cast<std::size_t>(std::max(0, paint.reference));
+    if ((paint.kind != kGradientPaint && paint.kind != kOtherPaint) || number < 1 ||
+        number > document_.paintSources.size())
+        return {};
+    return PaintedId(document_.paintSources[number - 1]);
+}
 
 // --- gradients
 // --------------------------------------------------------------------------------------------------------
@@ -187,9 +256,7 @@ const SourceLooks::Gradient* SourceLooks::follow(const QString& id) const {
 
 std::optional<QBrush> SourceLooks::gradient(const AIColor& paint, const host::Art& art, const RealRect& bounds) {
     if (!gradientsRead_) readGradients();
-    const std::size_t number = static_cast<std::size_t>(paint.reference);
-    if (paint.reference < 1 || number > document_.paintSources.size()) return std::nullopt;
-    const Gradient* first = follow(PaintedId(document_.paintSources[number - 1]));
+    const Gradient* first = follow(paintedId(paint));
     if (first == nullptr) return std::nullopt;
     // The gradient and those that it takes stops and attributes from.
     std::vector<const Gradient*> chain;
@@ -206,29 +273,36 @@ std::optional<QBrush> SourceLooks::gradient(const AIColor& paint, const host::Ar
     if (stops == chain.end()) return std::nullopt;
 
     const auto fill = [&](QGradient* gradient) {
-        gradient->setStops((*stops)->stops);
+        gradient->setStops(Parted((*stops)->stops));
         const QString spread = word("spreadMethod");
         if (spread == QLatin1String("reflect")) gradient->setSpread(QGradient::ReflectSpread);
         if (spread == QLatin1String("repeat")) gradient->setSpread(QGradient::RepeatSpread);
     };
     QBrush brush;
+    const bool inUserSpace = word("gradientUnits") == QLatin1String("userSpaceOnUse");
+    // otherwise: a share of the viewport or of the box.
+    const auto coordinate = [&](const char* name, double side, double otherwise) {
+        const QString text = word(name);
+        if (!inUserSpace) return Number(text, otherwise);
+        return Length(text, side, otherwise * side);
+    };
+    const double across = viewport_.width(), down = viewport_.height();
     if (first->radial) {
-        const QPointF centre(Number(word("cx"), 0.5), Number(word("cy"), 0.5));
-        QRadialGradient radial(centre, Number(word("r"), 0.5),
-                               {Number(word("fx"), centre.x()), Number(word("fy"), centre.y())});
+        const QPointF centre(coordinate("cx", across, 0.5), coordinate("cy", down, 0.5));
+        const QPointF focus(word("fx").isEmpty() ? centre.x() : coordinate("fx", across, 0.5),
+                            word("fy").isEmpty() ? centre.y() : coordinate("fy", down, 0.5));
+        QRadialGradient radial(centre, coordinate("r", std::hypot(across, down) / std::sqrt(2), 0.5), focus);
         fill(&radial);
         brush = QBrush(radial);
     } else {
-        QLinearGradient linear(Number(word("x1"), 0), Number(word("y1"), 0), Number(word("x2"), 1),
-                               Number(word("y2"), 0));
+        QLinearGradient linear(coordinate("x1", across, 0), coordinate("y1", down, 0), coordinate("x2", across, 1),
+                               coordinate("y2", down, 0));
         fill(&linear);
         brush = QBrush(linear);
     }
     QTransform toDocument(double(bounds.right) - bounds.left, 0, 0, double(bounds.bottom) - bounds.top, bounds.left,
                           bounds.top);  // from the box's own units, which run down
-    const host::SvgElement* own = element(art.source);
-    if (word("gradientUnits") == QLatin1String("userSpaceOnUse") && own != nullptr)
-        toDocument = ToQt(source_->ctms[own->ctm]);
+    if (inUserSpace && origin(art.origin) != nullptr) toDocument = userSpace(art);
     brush.setTransform(ReadTransform(word("gradientTransform")) * toDocument);
     return brush;
 }
@@ -236,53 +310,98 @@ std::optional<QBrush> SourceLooks::gradient(const AIColor& paint, const host::Ar
 // --- foreign elements
 // ---------------------------------------------------------------------------------------------------
 
-std::unique_ptr<SourceLooks::Foreign> SourceLooks::readForeign(std::int32_t index) const {
-    auto foreign = std::make_unique<Foreign>();
-    const host::SvgElement* own = element(index);
-    if (own == nullptr) return foreign;
-    foreign->toDocument = ToQt(source_->ctms[own->ctm]);
-    host::StartTag tag(host::startTagText(source_->text, own->nameOffset));
-    const std::string& name = tag.name();
+void SourceLooks::readImage(const host::StartTag& tag, Foreign* foreign) const {
     const auto word = [&](const char* attribute) {
         return QString::fromStdString(tag.attribute(attribute).value_or(""));
     };
-    if (name.substr(name.find(':') + 1) == "image") {
-        const QString href = word("href").isEmpty() ? word("xlink:href") : word("href");
-        foreign->image = LoadImage(href, folder_);
-        foreign->box = QRectF(Number(word("x"), 0), Number(word("y"), 0), Number(word("width"), foreign->image.width()),
-                              Number(word("height"), foreign->image.height()));
+    const QString href = word("href").isEmpty() ? word("xlink:href") : word("href");
+    foreign->image = LoadImage(href, folder_);
+    const QSizeF own = foreign->image.isNull() ? QSizeF(0, 0) : QSizeF(foreign->image.size());
+    const auto side = [&](const char* name, double percentOf) { return Length(word(name), percentOf, -1); };
+    double width = side("width", viewport_.width()), height = side("height", viewport_.height());
+    // A side that is not given follows the other one.
+    if (width < 0) width = height < 0 || own.isEmpty() ? own.width() : height * own.width() / own.height();
+    if (height < 0) height = own.isEmpty() ? own.height() : width * own.height() / own.width();
+    foreign->frame =
+        QRectF(Length(word("x"), viewport_.width(), 0), Length(word("y"), viewport_.height(), 0), width, height);
+    pugi::xml_document parsed;
+    pugi::xml_node node = parsed.append_child("image");
+    node.append_attribute("viewBox") =
+        (std::to_string(foreign->image.width()) + ' ' + std::to_string(foreign->image.height()))
+            .insert(0, "0 0 ")
+            .c_str();
+    if (const auto fit = tag.attribute("preserveAspectRatio"))
+        node.append_attribute("preserveAspectRatio") = fit->c_str();
+    host::Viewport box;
+    foreign->place = ToQt(host::viewBoxMap(node, {width, height}, &box)) *
+                     QTransform::fromTranslate(foreign->frame.x(), foreign->frame.y());
+}
+
+std::unique_ptr<SourceLooks::Foreign> SourceLooks::readForeign(const host::SvgOrigin& own) {
+    auto foreign = std::make_unique<Foreign>();
+    foreign->toDocument = ToQt(source_->ctms[own.ctm]);
+    host::StartTag tag = tagOf(own);
+    const std::string& name = tag.name();
+    const std::size_t colon = name.find(':');
+    const std::string prefix = colon == std::string::npos ? std::string() : name.substr(0, colon + 1);
+    if (name.substr(prefix.size()) == "image") {
+        readImage(tag, foreign.get());
         return foreign;
     }
-    // The element alone, under the file's own root, so that what it refers to is found: its transform is in toDocument.
-    const std::string whole(host::elementText(source_->text, own->nameOffset));
-    const std::string start(host::startTagText(source_->text, own->nameOffset));
+    // The element alone among what it inherits. Its transform is in toDocument, and what acts on it as a whole is the
+    // painter's business.
+    const std::string whole(host::elementText(source_->text, own.nameOffset));
+    const std::string rest = whole.substr(host::startTagText(source_->text, own.nameOffset).size());
     tag.remove("transform");
-    const std::size_t defs = source_->text.find("<defs"), defsEnd = source_->text.find("</defs>");
-    std::string text =
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:svg=\"http://www.w3.org/2000/svg\" "
-        "xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"1000\" height=\"1000\" "
-        "viewBox=\"0 0 1000 1000\">";
-    if (defs != std::string::npos && defsEnd != std::string::npos && defs < defsEnd)
-        text += source_->text.substr(defs, defsEnd + 7 - defs);
-    text += tag.str() + whole.substr(start.size()) + "</svg>";
-    foreign->drawing = std::make_unique<QSvgRenderer>(QByteArray::fromStdString(text));
+    for (const char* done : {"opacity", "clip-path", "mask"}) {
+        tag.remove(done);
+        if (tag.attribute("style")) tag.removeProperty(done);
+    }
+    tag.set("id", kForeignId);
+    std::string content = tag.str() + rest;
+    for (const host::SvgOrigin* around = origin(own.parent); around != nullptr; around = origin(around->parent)) {
+        const host::StartTag outer = tagOf(*around);
+        const std::string group = GroupInheriting([&](const char* attribute) { return outer.attribute(attribute); });
+        content = '<' + prefix + group.substr(1) + content + "</" + prefix + "g>";
+    }
+    foreign->drawing = std::make_unique<QSvgRenderer>(QByteArray::fromStdString(definitions_.fileAround(content)));
+    if (foreign->drawing->isValid()) foreign->drawn = foreign->drawing->boundsOnElement(kForeignId);
     return foreign;
 }
 
+SourceLooks::Foreign& SourceLooks::foreign(const host::Art& art) {
+    std::unique_ptr<Foreign>& kept = foreign_[art.origin];
+    if (kept == nullptr) {
+        const host::SvgOrigin* own = origin(art.origin);
+        kept = own == nullptr ? std::make_unique<Foreign>() : readForeign(*own);
+    }
+    return *kept;
+}
+
+QPolygonF SourceLooks::frameOf(const host::Art& art) {
+    const Foreign& known = foreign(art);
+    if (known.frame.isEmpty()) return {};
+    return (known.toDocument * ToQt(art.foreignMatrix)).map(QPolygonF(known.frame));
+}
+
+QPolygonF SourceLooks::shownFrameOf(const host::Art& art) {
+    const Foreign& known = foreign(art);
+    if (!known.frame.isEmpty() || known.drawn.isEmpty()) return frameOf(art);
+    return (known.toDocument * ToQt(art.foreignMatrix)).map(QPolygonF(known.drawn));
+}
+
 void SourceLooks::drawForeign(const host::Art& art, QPainter* painter) {
-    const std::int32_t index = art.foreignSource >= 0 ? art.foreignSource : art.source;
-    std::unique_ptr<Foreign>& kept = foreign_[index];
-    if (kept == nullptr) kept = readForeign(index);
+    const Foreign& known = foreign(art);
     painter->save();
-    painter->setTransform(kept->toDocument * ToQt(art.foreignMatrix), true);
-    if (!kept->image.isNull()) {
-        QSizeF shown = QSizeF(kept->image.size()).scaled(kept->box.size(), Qt::KeepAspectRatio);
-        QRectF box(QPointF(), shown);
-        box.moveCenter(kept->box.center());
+    painter->setTransform(known.toDocument * ToQt(art.foreignMatrix), true);
+    if (!known.image.isNull() && !known.frame.isEmpty()) {
+        if (!known.frame.contains(known.place.mapRect(QRectF(known.image.rect())).adjusted(1e-6, 1e-6, -1e-6, -1e-6)))
+            painter->setClipRect(known.frame, Qt::IntersectClip);
+        painter->setTransform(known.place, true);
         painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        painter->drawImage(box, kept->image);
-    } else if (kept->drawing != nullptr && kept->drawing->isValid()) {
-        kept->drawing->render(painter, QRectF(0, 0, 1000, 1000));
+        painter->drawImage(QPointF(), known.image);
+    } else if (known.drawing != nullptr && known.drawing->isValid()) {
+        known.drawing->render(painter, QRectF(0, 0, 1, 1));  // user units as they are
     }
     painter->restore();
 }

@@ -213,7 +213,10 @@ void ArtIndex::findByTag(std::string_view name, std::optional<std::string_view> 
     const TagIndex& index = tagIndex(name);
     if (value) {
         index.find(*value, out);
-        std::erase_if(*out, [&](ArtId art) { return *document_.tag(art, name) != *value; });
+        std::erase_if(*out, [&](ArtId art) {
+            const std::string* borne = document_.tag(art, name);
+            return borne == nullptr || *borne != *value;
+        });
     } else {
         index.all(out);
     }

@@ -15,8 +15,12 @@ namespace {
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
 
-// Rules tried for all elements together: a sheet of a real drawing stays far below.
-constexpr std::size_t kMostWork = 5'000'000;
+// Names, rules and declarations looked at for all elements together. Real drawings have up to ten classes for each
+// element and a few declarations for each class.
+constexpr std::size_t kWorkAtLeast = 5'000'000;
+constexpr std::size_t kWorkForEach = 100;
+constexpr std::size_t kWorkAtMost = 150'000'000;
+constexpr std::size_t kWorkForOne = 200'000;
 
 // Where the next of the stops stands outside quotes, brackets and comments; the end when there is none.
 std::size_t findOutside(std::string_view text, std::size_t from, std::string_view stops) {
@@ -187,43 +191,64 @@ void StyleSheet::addSelector(std::string_view selector, std::size_t first, std::
     rules_.push_back(std::move(rule));
 }
 
+StyleSheet::StyleSheet() : workLeft_(kWorkAtLeast) {}
+
+void StyleSheet::expect(std::size_t elements) {
+    workLeft_ = std::min(kWorkAtLeast + kWorkForEach * elements, kWorkAtMost);
+}
+
+bool StyleSheet::Asking::spend(std::size_t work) {
+    if (work > workLeft) return false;
+    workLeft -= work;
+    return true;
+}
+
+// What is tried is paid for before.
+bool StyleSheet::addFitting(const std::string& key, Asking* asking) const {
+    const auto rules = index_.find(key);
+    if (rules == index_.end()) return true;
+    for (std::size_t number : rules->second) {
+        const Rule& rule = rules_[number];
+        if (!asking->spend(1 + rule.classes.size())) return false;
+        const bool fits =
+            (rule.type.empty() || rule.type == asking->type) && (rule.id.empty() || rule.id == asking->id) &&
+            std::ranges::all_of(
+                rule.classes, [&](std::string_view name) { return std::ranges::binary_search(asking->classes, name); });
+        if (fits) asking->found.push_back(&rule);
+    }
+    return true;
+}
+
+bool StyleSheet::addFitting(Asking* asking) const {
+    if (!addFitting("*", asking) || !addFitting(std::string(asking->type), asking)) return false;
+    if (!asking->id.empty() && !addFitting("#" + std::string(asking->id), asking)) return false;
+    return std::ranges::all_of(asking->classes,
+                               [&](std::string_view name) { return addFitting("." + std::string(name), asking); });
+}
+
 bool StyleSheet::match(std::string_view type, std::string_view id, std::string_view classes,
                        std::vector<CssDeclaration>* declarations) const {
-    std::vector<std::string_view> names;
+    Asking asking{type, id, {}, {}, std::min(workLeft_, kWorkForOne)};
+    workLeft_ -= asking.workLeft;
     for (std::size_t at = 0; at < classes.size();) {
         std::size_t end = at;
         while (end < classes.size() && !isBlank(classes[end])) ++end;
-        if (end > at) names.push_back(classes.substr(at, end - at));
+        if (end > at) asking.classes.push_back(classes.substr(at, end - at));
         at = end + 1;
     }
-    std::vector<const Rule*> found;
-    const auto consider = [&](const std::string& key) {
-        const auto rules = index_.find(key);
-        if (rules == index_.end()) return;
-        work_ += rules->second.size();
-        for (std::size_t number : rules->second) {
-            const Rule& rule = rules_[number];
-            const bool fits = (rule.type.empty() || rule.type == type) && (rule.id.empty() || rule.id == id) &&
-                              std::ranges::all_of(rule.classes, [&](std::string_view name) {
-                                  return std::ranges::find(names, name) != names.end();
-                              });
-            if (fits) found.push_back(&rule);
-        }
-    };
-    consider("*");
-    consider(std::string(type));
-    if (!id.empty()) consider("#" + std::string(id));
-    for (std::string_view name : names) consider("." + std::string(name));
-    work_ += names.size();
-    std::ranges::sort(found, [](const Rule* a, const Rule* b) {
+    std::ranges::sort(asking.classes);
+    asking.classes.erase(std::unique(asking.classes.begin(), asking.classes.end()), asking.classes.end());
+    if (!asking.spend(asking.classes.size()) || !addFitting(&asking)) return false;
+    std::ranges::sort(asking.found, [](const Rule* a, const Rule* b) {
         return a->specificity != b->specificity ? a->specificity < b->specificity : a->order < b->order;
     });
-    for (const Rule* rule : found) {
-        work_ += rule->declarationCount;
+    for (const Rule* rule : asking.found) {
+        if (!asking.spend(rule->declarationCount)) return false;
         const auto begin = declarations_.begin() + static_cast<std::ptrdiff_t>(rule->firstDeclaration);
         declarations->insert(declarations->end(), begin, begin + static_cast<std::ptrdiff_t>(rule->declarationCount));
     }
-    return work_ <= kMostWork;
+    workLeft_ += asking.workLeft;  // what it has not used
+    return true;
 }
 
 namespace {

@@ -5,14 +5,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <optional>
-#include <unordered_map>
 #include <utility>
 
 #include "host/bounds.h"
-#include "host/drawing.h"
-#include "host/journal.h"
-#include "host/svg_source.h"
+#include "host/document_impl.h"
 
 namespace quorvel::host {
 
@@ -83,28 +79,10 @@ bool CharFeatures::operator==(const CharFeatures& o) const {
            miterLimit == o.miterLimit;
 }
 
-struct Document::Impl {
-    float width = 0, height = 0;
-    Drawing drawing;
-    Journal journal{drawing};
-    std::uint64_t lastRevision = 0;
-    StylePtr lastStyle = plainStyle();  // most paths share the style of the one before
-    std::unique_ptr<SvgSource> source;
-
-    std::optional<Place> placeFor(AIArtType kind, AIPaintOrder placement, ArtId prep) const;
-    void insertNew(ArtId art, Place place);
-    void done(Slot& slot, unsigned aspects);
-    StylePtr shared(const AIPathStyle& style);
-    bool canTransform(ArtId id, const RealMatrix& matrix) const;
-    void transformShape(Slot& slot, const RealMatrix& matrix, float lineScale);
-    ArtId copyTree(ArtId top, std::unordered_map<ArtId, ArtId>* copies);
-    ArtId copyOne(const Art& original);
-    std::string freeSvgId(const std::string& base) const;
-    template <typename Value>
-    bool changeLayer(LayerId id, Value Layer::*field, const Value& value);
-};
+std::uint64_t Document::Impl::lastNumber = 0;
 
 Document::Document(float width, float height) : impl_(std::make_unique<Impl>()) {
+    impl_->lastStyle = plainStyle();
     impl_->width = width;
     impl_->height = height;
 }
@@ -113,6 +91,7 @@ Document::~Document() = default;
 
 // --- reading -------------------------------------------------------------------------------------------------------
 
+std::uint64_t Document::number() const { return impl_->number; }
 float Document::width() const { return impl_->width; }
 float Document::height() const { return impl_->height; }
 const std::vector<LayerId>& Document::layers() const { return impl_->drawing.layerOrder; }
@@ -122,7 +101,10 @@ std::uint64_t Document::changeCount() const { return impl_->drawing.changeCount;
 bool Document::modified() const { return impl_->journal.modified(); }
 void Document::markSaved() { impl_->journal.markSaved(); }
 SvgSource* Document::source() const { return impl_->source.get(); }
-void Document::setSource(std::unique_ptr<SvgSource> source) { impl_->source = std::move(source); }
+void Document::setSource(std::unique_ptr<SvgSource> source) {
+    impl_->source = std::move(source);
+    impl_->otherIds.reset();
+}
 
 const Layer* Document::layer(LayerId id) const {
     const LayerSlot* found = impl_->drawing.livingLayer(id);
@@ -266,58 +248,6 @@ bool Document::moveArt(ArtId id, AIPaintOrder placement, ArtId prep) {
     return true;
 }
 
-ArtId Document::Impl::copyOne(const Art& original) {
-    Art& copy = drawing.tree.create(original.kind).art;
-    copy.selected = original.selected;
-    copy.hidden = original.hidden;
-    copy.locked = original.locked;
-    if (original.path) *copy.path = *original.path;
-    if (original.text) *copy.text = *original.text;
-    copy.tags = original.tags;
-    copy.foreignSource = original.foreignSource >= 0 ? original.foreignSource : original.source;
-    if (original.kind != kForeignArt) copy.foreignSource = -1;
-    copy.foreignMatrix = original.foreignMatrix;
-    return copy.id;
-}
-
-// In no place, without SVG ids.
-ArtId Document::Impl::copyTree(ArtId top, std::unordered_map<ArtId, ArtId>* copies) {
-    for (ArtId id = top; id != 0; id = drawing.tree.next(id, top)) {
-        const Art& original = drawing.tree.slot(id).art;
-        const ArtId copy = copyOne(original);
-        (*copies)[id] = copy;
-        if (id != top) drawing.tree.link(copy, {copies->at(original.parent), 0});
-    }
-    for (const auto& [id, copy] : *copies) {
-        TextData* text = drawing.tree.slot(copy).art.text.get();
-        if (text == nullptr) continue;
-        if (const auto path = copies->find(text->pathObject); path != copies->end()) text->pathObject = path->second;
-    }
-    return copies->at(top);
-}
-
-std::string Document::Impl::freeSvgId(const std::string& base) const {
-    for (int number = 2;; ++number) {
-        std::string candidate = base + "-" + std::to_string(number);
-        if (drawing.tree.findBySvgId(candidate) == 0) return candidate;
-    }
-}
-
-ArtId Document::duplicateArt(ArtId id, const std::string& newSvgId) {
-    const Art* art = find(id);
-    if (art == nullptr || art->parent == 0 || findBySvgId(newSvgId) != 0) return 0;
-    ArtTree& tree = impl_->drawing.tree;
-    std::unordered_map<ArtId, ArtId> copies;
-    const ArtId copy = impl_->copyTree(id, &copies);
-    impl_->insertNew(copy, {art->parent, id});
-    tree.setSvgId(tree.slot(copy), newSvgId);
-    for (ArtId below = tree.next(id, id); below != 0; below = tree.next(below, id)) {
-        const std::string& svgId = tree.slot(below).art.svgId;
-        if (!svgId.empty()) tree.setSvgId(tree.slot(copies.at(below)), impl_->freeSvgId(svgId));
-    }
-    return copy;
-}
-
 // --- content -------------------------------------------------------------------------------------------------------
 
 // Follows each change of one art's content.
@@ -420,7 +350,7 @@ void Document::Impl::transformShape(Slot& slot, const RealMatrix& matrix, float 
         }
     }
     if (art.text) art.text->matrix = concatMatrix(art.text->matrix, matrix);
-    if (art.kind == kForeignArt) art.foreignMatrix = concatMatrix(art.foreignMatrix, matrix);
+    if (const RealMatrix moved = concatMatrix(art.foreignMatrix, matrix); isFinite(moved)) art.foreignMatrix = moved;
 }
 
 bool Document::transform(ArtId id, const RealMatrix& matrix, float lineScale) {
@@ -524,7 +454,7 @@ bool Document::setSvgId(ArtId id, const std::string& svgId) {
     Slot* slot = impl_->drawing.tree.living(id);
     if (slot == nullptr) return false;
     if (slot->art.svgId == svgId) return true;
-    if (findBySvgId(svgId) != 0) return false;
+    if (svgIdTaken(svgId)) return false;
     impl_->journal.keep(*slot, kMarkAspect | kNameAspect);
     impl_->drawing.tree.setSvgId(*slot, svgId);
     impl_->done(*slot, kMarkAspect | kNameAspect);
@@ -592,6 +522,7 @@ bool Document::commit(const std::string& undoName, const std::string& redoName) 
     return impl_->journal.commit(undoName, redoName);
 }
 void Document::rollback() { impl_->journal.rollback(); }
+bool Document::joinLastSteps() { return impl_->journal.joinLast(); }
 bool Document::inTransaction() const { return impl_->journal.open(); }
 bool Document::undo() { return impl_->journal.undo(); }
 bool Document::redo() { return impl_->journal.redo(); }
@@ -613,7 +544,7 @@ ArtId Document::loadArt(AIArtType kind, ArtId parent) {
 
 LayerId Document::loadLayer(const std::string& title) {
     const LayerId id = impl_->drawing.createLayer(title).layer.id;
-    impl_->drawing.insertLayer(id, 0);
+    impl_->drawing.loadLayer(id);
     return id;
 }
 
@@ -631,7 +562,7 @@ void Document::finishLoading() {
         }
     }
     drawing.tree.indexSvgIds();
-    drawing.tellLayersChanged();
+    drawing.finishLoading();
 }
 
 }  // namespace quorvel::host

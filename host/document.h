@@ -83,10 +83,30 @@ struct Art {
     std::int32_t source = -1;
     // Of foreign art: the element that holds its content. A copy has source -1 and keeps this.
     std::int32_t foreignSource = -1;
-    RealMatrix
-        foreignMatrix;  // of foreign art: how it has moved since it was read, on top of the element's own transform
+    // Where the file says how it looks: an index into the source's origins, -1 for none. Unlike source it tells
+    // nothing of where the art is written: a copy keeps it, and art made by a use element has that of what is used.
+    std::int32_t origin = -1;
+    // How it has been moved as a whole since it was read. Of foreign art it is on top of the element's own transform;
+    // paths and texts have it in their coordinates, and what stands beside them in the file may have to follow.
+    RealMatrix foreignMatrix;
     // 0 as read from the file; a new number at each change of what is written; an undo brings the old number back.
     std::uint64_t revision = 0;
+};
+
+// Art as it once was, to be made again: beside its original, or in another drawing.
+struct ArtCopy {
+    ArtId original = 0;
+    std::uint64_t drawing = 0;  // Document::number
+    AIArtType kind = kUnknownArt;
+    bool hidden = false, locked = false;
+    std::unique_ptr<PathData> path;
+    std::unique_ptr<TextData> text;
+    std::vector<Tag> tags;
+    std::string svgId;
+    std::vector<std::string> paints;  // texts of the paints that path and text refer to, in their order
+    std::int32_t foreignSource = -1, origin = -1;
+    RealMatrix foreignMatrix;
+    std::vector<ArtCopy> children;  // the lowest first
 };
 
 struct Layer {
@@ -119,7 +139,8 @@ class Document {
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
-    float width() const;  // of the page, points
+    std::uint64_t number() const;  // no two documents of a run have the same
+    float width() const;           // of the page, points
     float height() const;
 
     // --- reading -------------------------------------------------------------------------------------------------
@@ -129,6 +150,7 @@ class Document {
     const Art* find(ArtId id) const;  // null when it is gone
     LayerId layerOf(ArtId id) const;
     ArtId findBySvgId(std::string_view svgId) const;  // 0 when none
+    bool svgIdTaken(std::string_view svgId) const;    // by art, or by anything else in the file that was read
     std::size_t artCount() const;                     // all art but the layers' roots
     const std::string* tag(ArtId id, std::string_view name) const;
     // Cached; the empty set (left > right) when the art has no extent. Text: the box of its advance and ascent.
@@ -151,6 +173,10 @@ class Document {
     // Moves the art within the tree (the host's own editing).
     bool moveArt(ArtId id, AIPaintOrder placement, ArtId prep);
     ArtId duplicateArt(ArtId id, const std::string& newSvgId);  // directly above it, with its tags
+    ArtCopy copyOf(ArtId id) const;
+    // With its own SVG ids where they are free, and not selected. Foreign art lives in its own drawing alone: of a copy
+    // from another one it is left out, and 0 is given when nothing else is in the copy.
+    ArtId insertCopy(const ArtCopy& copy, AIPaintOrder placement, ArtId prep);
     bool setSegments(ArtId id, std::size_t first, std::span<const PathSegment> segments);  // may grow at the end
     bool setSegmentCount(ArtId id, std::size_t count);
     bool setClosed(ArtId id, bool closed);
@@ -178,6 +204,9 @@ class Document {
     bool commit(const std::string& undoName, const std::string& redoName);
     void rollback();  // undoes what has changed since begin; the transaction goes on
     bool inTransaction() const;
+    // The last two steps become one with the name of the first, for changes that have to be made one after the other
+    // and are one deed to the user. False when there are no two, or within a transaction.
+    bool joinLastSteps();
     bool undo();
     bool redo();
     const std::string* undoName() const;  // null when there is nothing to undo

@@ -65,6 +65,19 @@ void Drawing::insertLayer(LayerId id, std::size_t position) {
     });
 }
 
+void Drawing::loadLayer(LayerId id) {
+    layerOrder.push_back(id);
+    layers[id - 1].alive = true;
+    if (currentLayer == 0) currentLayer = id;
+    tree.raise(layers[id - 1].layer.root);
+}
+
+void Drawing::finishLoading() {
+    std::ranges::reverse(layerOrder);
+    renumberLayers();
+    tellLayersChanged();
+}
+
 void Drawing::removeLayer(LayerId id) {
     LayerSlot& layer = layers[id - 1];
     tell([&layer](DocumentObserver& observer) { observer.artRemoved(layer.layer.root); });

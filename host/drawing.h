@@ -42,6 +42,10 @@ struct Drawing {
     void tellTagChanged(ArtId art, const std::string& name);
     void tellLayersChanged();
 
+    // While a file is read, the lowest first: they stand in their order, and are told of, at the end.
+    void loadLayer(LayerId layer);
+    void finishLoading();
+
   private:
     template <typename Message>
     void tell(const Message& message);

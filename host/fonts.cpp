@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -23,6 +24,7 @@ namespace {
 
 constexpr char kStandardFont[] = "DejaVu Sans";
 constexpr float kUnknownWidth = 0.5f;  // em, of a character that no font has
+constexpr int kMostFamilies = 64;      // of one CSS list that are looked for
 // Fonts without a Latin bias come first for the scripts of East Asia, whose characters others may have a few of.
 constexpr const char* kEastAsianFonts[] = {"IPAGothic", "IPAexGothic", "TakaoGothic", "VL Gothic", "Noto Sans CJK JP"};
 
@@ -38,7 +40,7 @@ using Owned = std::unique_ptr<T, Release>;
 
 // What the list does not show: how a face is matched, what it covers, and the open face itself.
 struct Face {
-    std::vector<std::string> families;  // in lower case, in all languages
+    std::set<std::string> families;  // in lower case, in all languages
     int width = FC_WIDTH_NORMAL;
     Owned<FcCharSet> characters;
     bool tried = false;
@@ -55,6 +57,9 @@ struct FontList {
     std::vector<Font> fonts;
     std::vector<Face> faces;                                 // by font
     std::map<std::string, std::size_t, std::less<>> byName;  // full name
+    // In lower case, as CSS names them: the fonts of a family, and the first font with a full name.
+    std::unordered_map<std::string, std::vector<std::size_t>> byFamily;
+    std::unordered_map<std::string, std::size_t> byLowerName;
     std::unordered_map<char32_t, float> fallbackWidths;
 };
 
@@ -100,7 +105,7 @@ FontEntry readEntry(FcPattern* pattern) {
     entry.face.width = number(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
     FcChar8* family = nullptr;
     for (int i = 0; FcPatternGetString(pattern, FC_FAMILY, i, &family) == FcResultMatch; ++i)
-        entry.face.families.push_back(lowered(reinterpret_cast<const char*>(family)));
+        entry.face.families.insert(lowered(reinterpret_cast<const char*>(family)));
     FcCharSet* characters = nullptr;
     if (FcPatternGetCharSet(pattern, FC_CHARSET, 0, &characters) == FcResultMatch)
         entry.face.characters.reset(FcCharSetCopy(characters));
@@ -162,7 +167,10 @@ FontList readFonts() {
     });
     FontList list;
     for (FontEntry& entry : entries) {
-        if (!list.byName.emplace(entry.font.fullName, list.fonts.size()).second) continue;
+        const std::size_t number = list.fonts.size();
+        if (!list.byName.emplace(entry.font.fullName, number).second) continue;
+        list.byLowerName.emplace(lowered(entry.font.fullName), number);
+        for (const std::string& family : entry.face.families) list.byFamily[family].push_back(number);
         list.fonts.push_back(std::move(entry.font));
         list.faces.push_back(std::move(entry.face));
     }
@@ -245,19 +253,15 @@ float fallbackWidth(FontList& list, char32_t character) {
 // --- matching
 // --------------------------------------------------------------------------------------------------------------
 
-// The names of a CSS list, without quotes and blanks around them, in lower case.
-std::vector<std::string> familyNames(std::string_view text) {
-    std::vector<std::string> names;
-    while (!text.empty()) {
-        const std::size_t comma = text.find(',');
-        std::string_view name = text.substr(0, comma);
-        text = comma == std::string_view::npos ? std::string_view{} : text.substr(comma + 1);
-        constexpr std::string_view around = " \t\r\n\"'";
-        const std::size_t first = name.find_first_not_of(around);
-        if (first == std::string_view::npos) continue;
-        names.push_back(lowered(name.substr(first, name.find_last_not_of(around) - first + 1)));
-    }
-    return names;
+// Takes the first name from a CSS list, without quotes and blanks around it, in lower case; empty when it is none.
+std::string takeFamily(std::string_view* list) {
+    const std::size_t comma = list->find(',');
+    const std::string_view name = list->substr(0, comma);
+    list->remove_prefix(comma == std::string_view::npos ? list->size() : comma + 1);
+    constexpr std::string_view around = " \t\r\n\"'";
+    const std::size_t first = name.find_first_not_of(around);
+    if (first == std::string_view::npos) return {};
+    return lowered(name.substr(first, name.find_last_not_of(around) - first + 1));
 }
 
 // How far a font is from what is wanted: the slant weighs most, then the width, then the weight.
@@ -267,23 +271,15 @@ int distance(const Font& font, const Face& face, int weight, bool italic) {
 }
 
 const Font* closest(const FontList& list, const std::string& family, int weight, bool italic) {
-    const Font* best = nullptr;
-    int bestDistance = 0;
-    for (std::size_t i = 0; i < list.fonts.size(); ++i) {
-        const std::vector<std::string>& families = list.faces[i].families;
-        if (std::find(families.begin(), families.end(), family) == families.end()) continue;
-        const int away = distance(list.fonts[i], list.faces[i], weight, italic);
-        if (best != nullptr && away >= bestDistance) continue;
-        best = &list.fonts[i];
-        bestDistance = away;
-    }
-    return best;
+    const auto members = list.byFamily.find(family);
+    if (members == list.byFamily.end()) return nullptr;
+    const auto away = [&](std::size_t i) { return distance(list.fonts[i], list.faces[i], weight, italic); };
+    return &list.fonts[*std::ranges::min_element(members->second, {}, away)];  // of equals the first
 }
 
 const Font* bearing(const FontList& list, const std::string& fullName) {
-    for (const Font& font : list.fonts)
-        if (lowered(font.fullName) == fullName) return &font;
-    return nullptr;
+    const auto found = list.byLowerName.find(fullName);
+    return found == list.byLowerName.end() ? nullptr : &list.fonts[found->second];
 }
 
 }  // namespace
@@ -298,7 +294,9 @@ const Font* findFont(std::string_view fullName) {
 
 const Font& matchFont(std::string_view family, int weight, bool italic) {
     const FontList& list = fontList();
-    for (const std::string& name : familyNames(family)) {
+    for (int i = 0; i < kMostFamilies && !family.empty(); ++i) {
+        const std::string name = takeFamily(&family);
+        if (name.empty()) continue;
         if (const Font* font = closest(list, name, weight, italic)) return *font;
         // Some programs write a full name where a family is due.
         if (const Font* font = bearing(list, name)) return *font;

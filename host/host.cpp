@@ -395,6 +395,10 @@ void HostState::destroyPanel(AIPanelRef handle) {
 // ---------------------------------------------------------------------------------------------------------------
 
 bool Host::edit(const std::string& name, const std::function<bool(Document&)>& change) {
+    return edit(StepName{"Undo " + name, "Redo " + name}, change);
+}
+
+bool Host::edit(const StepName& name, const std::function<bool(Document&)>& change) {
     Document* document = impl_->document.get();
     if (document == nullptr || document->inTransaction()) return false;
     document->begin();
@@ -407,10 +411,9 @@ bool Host::edit(const std::string& name, const std::function<bool(Document&)>& c
         throw;
     }
     if (!done) document->rollback();
-    const std::string undoName = "Undo " + name;
-    const bool stepped = document->commit(undoName, "Redo " + name);
-    impl_->lastUndoName = stepped ? undoName : std::string();
-    if (stepped && callbacks.stepMade) callbacks.stepMade(undoName);
+    const bool stepped = document->commit(name.undo, name.redo);
+    impl_->lastUndoName = stepped ? name.undo : std::string();
+    if (stepped && callbacks.stepMade) callbacks.stepMade(name.undo);
     impl_->queueArtChange();
     impl_->sendQueued();
     return done;

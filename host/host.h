@@ -80,6 +80,11 @@ struct HostCallbacks {
     std::function<void(const std::string& undoName)> stepMade;
 };
 
+// What undo and redo of a step are called to the user, UTF-8.
+struct StepName {
+    std::string undo, redo;
+};
+
 struct View {
     float zoom = 1;                  // pixels per point
     RealPoint centre;                // the document point in the middle
@@ -161,6 +166,7 @@ class Host {
     // The host's own editing as one step; "Move" makes a step "Undo Move". False, and nothing has changed, when change
     // gives false or a message is running.
     bool edit(const std::string& name, const std::function<bool(Document&)>& change);
+    bool edit(const StepName& name, const std::function<bool(Document&)>& change);
     bool undo();
     bool redo();
     // The name of what was done last, UTF-8: the one that a message gave its step, also when nothing came of it, or the

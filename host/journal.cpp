@@ -2,6 +2,7 @@
 #include "host/journal.h"
 
 #include <cassert>
+#include <unordered_set>
 #include <utility>
 
 namespace quorvel::host {
@@ -36,6 +37,15 @@ std::vector<std::string> differingTags(const std::vector<Tag>& a, const std::vec
         if (valueOf(a, tag.name) == nullptr) names.push_back(tag.name);
     }
     return names;
+}
+
+// Appends what is kept of arts, or of layers, that are not among those kept already.
+template <typename Kept, typename Name>
+void addUntouched(std::vector<Kept>* to, std::vector<Kept>* from, Name Kept::*name) {
+    std::unordered_set<Name> touched;
+    for (const Kept& kept : *to) touched.insert(kept.*name);
+    for (Kept& kept : *from)
+        if (!touched.contains(kept.*name)) to->push_back(std::move(kept));
 }
 
 }  // namespace
@@ -74,6 +84,23 @@ void Journal::rollback() {
     play(undone, false);
     release(undone, TreeChange::kInsert);
     startStep();
+}
+
+// Content is kept as it was before the first of them; the second keeps only what the first has not touched.
+bool Journal::joinLast() {
+    if (open_ || done_.size() < 2) return false;
+    Step last = std::move(done_.back());
+    done_.pop_back();
+    Step& step = done_.back();
+    step.tree.insert(step.tree.end(), last.tree.begin(), last.tree.end());
+    addUntouched(&step.selections, &last.selections, &KeptSelection::art);
+    addUntouched(&step.marks, &last.marks, &KeptMarks::art);
+    addUntouched(&step.shapes, &last.shapes, &KeptShape::art);
+    addUntouched(&step.names, &last.names, &KeptNames::art);
+    addUntouched(&step.layers, &last.layers, &Layer::id);
+    if (step.currentLayer == 0) step.currentLayer = last.currentLayer;
+    step.after = last.after;
+    return true;
 }
 
 bool Journal::undo() {

@@ -78,6 +78,7 @@ class Journal {
     bool commit(const std::string& undoName, const std::string& redoName);
     void rollback();
     bool open() const { return open_; }
+    bool joinLast();  // the last two steps become one, named as the first of them; false when there are no two
     bool undo();
     bool redo();
     const std::string* undoName() const { return done_.empty() ? nullptr : &done_.back().undoName; }

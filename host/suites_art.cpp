@@ -186,7 +186,10 @@ const PathData& pathOf(AIArtHandle handle) {
     return *art.path;
 }
 
-// A count is 16 bits wide: what lies behind stays in the drawing and is not seen.
+// A count is 16 bits wide: what lies behind stays in the drawing and is not seen. A change of the part that is seen
+// would tear such a path, and is refused.
+bool wholeCount(AIArtHandle path) { return pathOf(path).segments.size() <= INT16_MAX; }
+
 AIErr getPathSegmentCount(AIArtHandle path, std::int16_t* count) {
     given(count) = static_cast<std::int16_t>(std::min<std::size_t>(pathOf(path).segments.size(), INT16_MAX));
     return kNoErr;
@@ -194,7 +197,7 @@ AIErr getPathSegmentCount(AIArtHandle path, std::int16_t* count) {
 
 AIErr setPathSegmentCount(AIArtHandle path, std::int16_t count) {
     pathOf(path);
-    require(count >= 0);
+    require(count >= 0 && wholeCount(path));
     require(changeDocument(
         [&](Document& document) { return document.setSegmentCount(artOf(path).id, static_cast<std::size_t>(count)); }));
     return kNoErr;
@@ -211,7 +214,8 @@ bool finitePoint(const RealPoint& point) { return std::isfinite(point.h) && std:
 
 AIErr setPathSegments(AIArtHandle path, std::int16_t first, std::int16_t count, const PathSegment* segments) {
     require(segments != nullptr && first >= 0 && count >= 0);
-    require(static_cast<std::size_t>(first) <= pathOf(path).segments.size());
+    require(static_cast<std::size_t>(first) <= pathOf(path).segments.size() && wholeCount(path));
+    require(first + count <= INT16_MAX);
     const std::span<const PathSegment> written(segments, static_cast<std::size_t>(count));
     for (const PathSegment& segment : written)  // a file has no word for what is not a number
         require(finitePoint(segment.p) && finitePoint(segment.in) && finitePoint(segment.out));
@@ -288,7 +292,7 @@ void nameTaggedGroup(Document& document, const Art& art) {
     std::string name;
     do {
         name = "quorvel-" + std::to_string(++number);
-    } while (document.findBySvgId(name) != 0);
+    } while (document.svgIdTaken(name));
     document.setSvgId(art.id, name);
 }
 

@@ -18,8 +18,13 @@ struct SvgReadResult {
     std::string rulerUnit;  // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
 };
 
-// A hostile or damaged file gives an error and no document.
-SvgReadResult readSvg(std::string text);
+constexpr std::size_t kLargestSvg = std::size_t{512} << 20;
+// What is said of a larger file.
+std::string tooLargeSvg();
+
+// A hostile or damaged file gives an error and no document. paintSources: texts of paints that have their numbers
+// already.
+SvgReadResult readSvg(std::string text, std::vector<std::string> paintSources = {});
 SvgReadResult readSvgFile(const std::string& path);
 
 // The whole file with the document's changes spliced in; the text itself when nothing has changed. A document without a

@@ -15,8 +15,6 @@ namespace {
 
 bool samePoint(RealPoint a, RealPoint b) { return a.h == b.h && a.v == b.v; }
 
-bool isIdentity(const RealMatrix& m) { return m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && m.tx == 0 && m.ty == 0; }
-
 // The paths whose outlines one element shows, lowest first.
 std::vector<const Art*> piecesOf(const Document& document, const Art& art) {
     if (art.path) return {&art};
@@ -94,6 +92,26 @@ std::string SvgArtWriter::inkscapeName(std::string_view attribute) {
 }
 
 StartTag SvgArtWriter::newTag(std::string_view element) const { return StartTag("<" + svgName(element) + "/>"); }
+
+void SvgArtWriter::keepLook(StartTag* tag, const StartTag& was) const {
+    const std::string id = was.attribute("id").value_or("");
+    if (tag->name() == was.name() && tag->attribute("id").value_or("") == id) return;
+    rules_.keepLook(tag, std::string_view(was.name()).substr(was.name().find(':') + 1), id);
+}
+
+std::string SvgArtWriter::definitionsTag(StartTag tag) const {
+    const StartTag was = tag;
+    tag.rename(svgName("defs"));
+    for (const std::string& name : tag.attributeNames()) {
+        const bool ofEditors = name.starts_with(source_.names.own) || name.starts_with(source_.names.inkscape) ||
+                               name.starts_with(source_.names.sodipodi);
+        if (ofEditors || name == "id" || name == "transform" || name == "display" || name == "href") tag.remove(name);
+    }
+    for (const char* name : {"x", "y", "width", "height", "viewBox", "d", "points"}) tag.remove(name);
+    keepLook(&tag, was);
+    tag.setSelfClosing(false);
+    return tag.str();
+}
 
 // An attribute that is not there leaves no trace when it is not wanted.
 void SvgArtWriter::setOwn(StartTag* tag, const char* attribute, const std::string& value) {
@@ -277,12 +295,17 @@ bool SvgArtWriter::moveText(StartTag* tag, const Art& art, const SvgElement& rec
         return false;
     }
     const double scale = source_.ctms[record.ctm].scale();
+    // Floats turn with a trace of scale, which would change the size.
+    const double trace = std::sqrt(std::abs(det));
+    const Affine turn{m.a / trace, m.b / trace, m.c / trace, m.d / trace, m.tx, m.ty};
     const Affine wanted =
-        compose(concat(m, Affine{scale, 0, 0, -scale, 0, 0}), Affine{1, 0, 0, 1, -origin.x, -origin.y});
+        compose(compose(turn, Affine{scale, 0, 0, -scale, 0, 0}), Affine{1, 0, 0, 1, -origin.x, -origin.y});
     const Affine exact = compose(inverse, wanted);
     const auto comesBack = [&](const Affine& own) {
-        const RealMatrix got = textMatrix(compose(scope.map, own), origin.x, origin.y);
-        return got.a == m.a && got.b == m.b && got.c == m.c && got.d == m.d && got.tx == m.tx && got.ty == m.ty;
+        const Affine map = compose(scope.map, own);
+        const RealMatrix got = textMatrix(map, origin.x, origin.y);
+        return std::abs(map.scale() - scale) <= 1e-12 * scale && got.a == m.a && got.b == m.b && got.c == m.c &&
+               got.d == m.d && got.tx == m.tx && got.ty == m.ty;
     };
     Affine own = exact;
     for (double power = 1e3; power <= 1e15; power *= 10) {
@@ -331,24 +354,32 @@ std::optional<std::string> SvgArtWriter::editText(StartTag* tag, const Art& art,
 
 // --- foreign art ---------------------------------------------------------------------------------------------------
 
-void SvgArtWriter::editForeign(StartTag* tag, const Art& art, const Affine& was, const SvgScope& scope, bool sameMap) {
-    if (sameMap && isIdentity(art.foreignMatrix)) return;
+void SvgArtWriter::editForeign(StartTag* tag, const Art& art, const SvgScope& scope) {
     Affine inverse;
     if (!invert(scope.map, &inverse)) return;
-    tag->set("transform", formatMatrix(compose(inverse, concat(art.foreignMatrix, was))));
+    const Affine own = compose(inverse, ground_.placeOf(art));
+    if (own == Affine{}) {
+        tag->remove("transform");
+    } else {
+        tag->set("transform", formatMatrix(own));
+    }
 }
 
 // --- new art -------------------------------------------------------------------------------------------------------
 
 std::string SvgArtWriter::newLeaf(const Art& art, const SvgScope& scope) {
     if (art.kind == kForeignArt) {
-        if (art.foreignSource < 0) return newTag("g").str();
-        const SvgElement& original = source_.elements[static_cast<std::size_t>(art.foreignSource)];
-        const std::string_view text = elementText(source_.text, original.nameOffset);
+        if (art.origin < 0) return newTag("g").str();
+        const SvgOrigin& origin = source_.origins[static_cast<std::size_t>(art.origin)];
+        const auto record = std::ranges::lower_bound(source_.elements, origin.nameOffset, {}, &SvgElement::nameOffset);
+        const bool known = record != source_.elements.end() && record->nameOffset == origin.nameOffset;
+        const std::string_view text = elementText(source_.text, origin.nameOffset);
         const std::string_view start = startTagText(text, 1);
-        StartTag tag(start);
-        markTag(&tag, art, &original);
-        editForeign(&tag, art, source_.ctms[original.ctm], scope, false);
+        StartTag tag(start, &source_.entities);
+        const StartTag was = tag;
+        markTag(&tag, art, known ? &*record : nullptr);
+        editForeign(&tag, art, scope);
+        keepLook(&tag, was);
         return tag.str() + std::string(text.substr(start.size()));
     }
     if (art.kind == kTextFrameArt) {
@@ -357,6 +388,7 @@ std::string SvgArtWriter::newLeaf(const Art& art, const SvgScope& scope) {
         std::string content;
         setText(&tag, art, scope, &content);
         markTag(&tag, art, nullptr);
+        rules_.keepOut(&tag);
         tag.setSelfClosing(false);
         return tag.str() + content + "</" + tag.name() + ">";
     }
@@ -369,6 +401,7 @@ std::string SvgArtWriter::newLeaf(const Art& art, const SvgScope& scope) {
         tag.setProperty(property.name, property.value);
     setOutline(&tag, art, scope.map);
     markTag(&tag, art, nullptr);
+    rules_.keepOut(&tag);
     return tag.str();
 }
 

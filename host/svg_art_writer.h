@@ -7,8 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "host/svg_ground.h"
 #include "host/svg_markup.h"
 #include "host/svg_path_style.h"
+#include "host/svg_rules.h"
 #include "host/svg_source.h"
 
 namespace quorvel::host {
@@ -23,7 +25,8 @@ struct SvgScope {
 
 class SvgArtWriter {
   public:
-    SvgArtWriter(const Document& document, const SvgSource& source) : document_(document), source_(source) {}
+    SvgArtWriter(const Document& document, const SvgGround& ground)
+        : document_(document), ground_(ground), source_(ground.source()), rules_(source_) {}
 
     // Namespaces that what was written needs.
     bool usesOwn = false, usesInkscape = false, usesSodipodi = false;
@@ -32,6 +35,11 @@ class SvgArtWriter {
     std::string inkscapeName(std::string_view attribute);
     std::string svgName(std::string_view element) const { return source_.names.svg + std::string(element); }
     StartTag newTag(std::string_view element) const;
+    const SvgRules& rules() const { return rules_; }
+    // An element that has got another name or id keeps what style sheets say of it.
+    void keepLook(StartTag* tag, const StartTag& was) const;
+    // The tag of an element for the definitions in a removed one, from which they inherit the same.
+    std::string definitionsTag(StartTag tag) const;
 
     // Id, hidden, locked and tags. record: how the element was read, null for new art.
     void markTag(StartTag* tag, const Art& art, const SvgElement* record);
@@ -48,7 +56,7 @@ class SvgArtWriter {
     // The new content when that has to be replaced.
     std::optional<std::string> editText(StartTag* tag, const Art& art, const SvgElement& record, const SvgScope& scope,
                                         bool inPlace);
-    void editForeign(StartTag* tag, const Art& art, const Affine& was, const SvgScope& scope, bool sameMap);
+    void editForeign(StartTag* tag, const Art& art, const SvgScope& scope);
 
   private:
     void setOutline(StartTag* tag, const Art& art, const Affine& map);
@@ -60,7 +68,9 @@ class SvgArtWriter {
     bool sameMap(const SvgElement& record, const SvgScope& scope) const;
 
     const Document& document_;
+    const SvgGround& ground_;
     const SvgSource& source_;
+    SvgRules rules_;
 };
 
 }  // namespace quorvel::host

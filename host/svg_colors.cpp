@@ -15,6 +15,9 @@ SvgPaint parsePaint(std::string_view value) {
     if (value == "none" || value == "transparent") return {};
     if (value == "currentColor" || value == "currentcolor") return {SvgPaint::kCurrentColor, {}, {}};
     if (const std::optional<CssColor> color = parseColor(value)) return {SvgPaint::kColor, *color, {}};
+    // Each element that inherits a reference looks at all of it.
+    constexpr std::size_t kLongestReference = 4096;
+    if (value.size() > kLongestReference) return {};
     return {SvgPaint::kReference, {}, value};
 }
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -32,7 +33,8 @@ class File {
     int descriptor_;
 };
 
-bool readAll(int descriptor, std::size_t expected, std::string* text) {
+// Stops behind the limit: a file may be longer than it says, or grow.
+bool readAll(int descriptor, std::size_t expected, std::size_t limit, std::string* text) {
     text->resize(expected + 1);  // one more shows the end without another turn
     std::size_t filled = 0;
     for (;;) {
@@ -41,7 +43,8 @@ bool readAll(int descriptor, std::size_t expected, std::string* text) {
         if (got < 0) return false;
         if (got == 0) break;
         filled += static_cast<std::size_t>(got);
-        if (filled == text->size()) text->resize(filled * 2);
+        if (filled > limit) break;
+        if (filled == text->size()) text->resize(std::min(filled * 2, limit + 1));
     }
     text->resize(filled);
     return true;
@@ -90,7 +93,8 @@ void syncFolder(const std::string& path) {
 
 SvgReadResult readSvgFile(const std::string& path) {
     SvgReadResult result;
-    const File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    // A pipe must not keep us waiting for somebody to write into it.
+    const File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat info {};
     if (!file.valid() || ::fstat(file.get(), &info) != 0) {
         result.error = lastFailure();
@@ -99,7 +103,11 @@ SvgReadResult readSvgFile(const std::string& path) {
     std::string text;
     if (S_ISDIR(info.st_mode)) {
         result.error = std::strerror(EISDIR);
-    } else if (!readAll(file.get(), static_cast<std::size_t>(info.st_size), &text)) {
+    } else if (!S_ISREG(info.st_mode)) {
+        result.error = "a device or pipe, not a file";
+    } else if (static_cast<std::size_t>(info.st_size) > kLargestSvg) {
+        result.error = tooLargeSvg();
+    } else if (!readAll(file.get(), static_cast<std::size_t>(info.st_size), kLargestSvg, &text)) {
         result.error = lastFailure();
     } else {
         return readSvg(std::move(text));

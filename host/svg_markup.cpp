@@ -84,6 +84,42 @@ std::vector<ElementSpan> findElements(std::string_view text, std::span<const std
     return spans;
 }
 
+std::vector<ElementSpan> allElements(std::string_view element) {
+    std::vector<ElementSpan> spans;
+    std::vector<std::size_t> open;
+    scan(
+        element, 0,
+        [&](std::size_t begin, std::size_t tagEnd, bool) {
+            open.push_back(spans.size());
+            spans.push_back({static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(tagEnd), 0, 0});
+        },
+        [&](std::size_t begin, std::size_t end) {
+            if (open.empty()) return false;
+            spans[open.back()].contentEnd = static_cast<std::uint32_t>(begin);
+            spans[open.back()].end = static_cast<std::uint32_t>(end);
+            open.pop_back();
+            return !open.empty();
+        });
+    return spans;
+}
+
+std::vector<std::string_view> startTagsAround(std::string_view text, std::uint32_t rootNameOffset,
+                                              std::uint32_t nameOffset) {
+    std::vector<std::string_view> open;
+    bool reached = false;
+    scan(
+        text.substr(0, nameOffset + std::size_t{1}), rootNameOffset - 1,
+        [&](std::size_t begin, std::size_t tagEnd, bool) {
+            reached |= begin + 1 >= nameOffset;
+            if (!reached) open.push_back(text.substr(begin, tagEnd - begin));
+        },
+        [&](std::size_t, std::size_t) {
+            if (!reached && !open.empty()) open.pop_back();
+            return !reached;
+        });
+    return open;
+}
+
 std::string_view elementText(std::string_view text, std::uint32_t nameOffset) {
     const ElementSpan span = findElements(text, std::span(&nameOffset, 1))[0];
     return text.substr(span.begin, span.end - span.begin);
@@ -180,19 +216,73 @@ bool appendEntity(std::string* out, std::string_view name) {
 
 }  // namespace
 
-std::string unescapeXml(std::string_view text) {
+std::string unescapeXml(std::string_view text, const XmlEntities& entities) {
     std::string out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '&') {
-            const std::size_t end = text.find(';', i);
-            if (end != std::string_view::npos && appendEntity(&out, text.substr(i + 1, end - i - 1))) {
+            const std::size_t end = std::min(text.find_first_of("&;", i + 1), text.size());
+            const std::string_view name = text.substr(i + 1, end - i - 1);
+            const bool closed = end < text.size() && text[end] == ';';
+            const auto own = closed ? std::ranges::find(entities, name, &XmlEntity::name) : entities.end();
+            if (own != entities.end()) out += own->value;
+            if (own != entities.end() || (closed && appendEntity(&out, name))) {
                 i = end;
                 continue;
             }
         }
         out += isBlank(text[i]) ? ' ' : text[i];
     }
+    return out;
+}
+
+std::string asciiXml(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        if (lead < 0x80) {
+            out += text[i];
+            continue;
+        }
+        unsigned code = lead & (lead >= 0xF0 ? 7U : lead >= 0xE0 ? 15U : 31U);
+        for (; i + 1 < text.size() && (text[i + 1] & 0xC0) == 0x80; ++i)
+            code = code << 6 | (static_cast<unsigned char>(text[i + 1]) & 0x3FU);
+        out += "&#" + std::to_string(code) + ";";
+    }
+    return out;
+}
+
+std::optional<std::string> expandMarkup(std::string_view markup, const XmlEntities& entities, std::size_t* allowance) {
+    if (entities.empty()) return std::string(markup);
+    std::string out;
+    std::size_t copied = 0;
+    const auto copyUpTo = [&](std::size_t end) {
+        out += markup.substr(copied, end - copied);
+        copied = end;
+    };
+    for (std::size_t at = 0; (at = markup.find_first_of("<&", at)) != std::string_view::npos;) {
+        if (markup.substr(at).starts_with("<![CDATA[")) {
+            at = behind(markup, "]]>", at);
+        } else if (markup.substr(at).starts_with("<!--")) {
+            at = behind(markup, "-->", at);
+        } else if (markup[at] == '<') {
+            ++at;
+        } else {
+            const std::size_t end = std::min(markup.find_first_of("&;", at + 1), markup.size());
+            const auto own = std::ranges::find(entities, markup.substr(at + 1, end - at - 1), &XmlEntity::name);
+            if (own != entities.end() && end < markup.size() && markup[end] == ';') {
+                copyUpTo(at);
+                const std::string value = escapeXml(own->value);
+                if (value.size() > *allowance) return std::nullopt;
+                *allowance -= value.size();
+                out += value;
+                copied = end + 1;
+            }
+            at = std::min(end + (end < markup.size() && markup[end] == ';' ? 1 : 0), markup.size());
+        }
+    }
+    copyUpTo(markup.size());
     return out;
 }
 
@@ -204,7 +294,7 @@ std::string_view StartTag::Attribute::value() const {
     return std::string_view(raw).substr(open + 1, raw.size() - open - 2);
 }
 
-StartTag::StartTag(std::string_view text) {
+StartTag::StartTag(std::string_view text, const XmlEntities* entities) : entities_(entities) {
     std::size_t at = 1;
     const auto blanks = [&] {
         const std::size_t start = at;
@@ -241,10 +331,15 @@ const StartTag::Attribute* StartTag::find(std::string_view name) const {
     return found == attributes_.end() ? nullptr : &*found;
 }
 
+std::string StartTag::plain(const Attribute& attribute) const {
+    static const XmlEntities kNone;
+    return unescapeXml(attribute.value(), entities_ ? *entities_ : kNone);
+}
+
 std::optional<std::string> StartTag::attribute(std::string_view name) const {
     const Attribute* found = find(name);
     if (!found) return std::nullopt;
-    return unescapeXml(found->value());
+    return plain(*found);
 }
 
 void StartTag::set(std::string_view name, std::string_view value) {
@@ -256,7 +351,7 @@ void StartTag::set(std::string_view name, std::string_view value) {
         attributes_.push_back({before, std::string(name), "=\"" + escaped + "\""});
         return;
     }
-    if (unescapeXml(found->value()) == value) return;
+    if (plain(*found) == value) return;
     const std::size_t open = found->raw.find_first_of("\"'");
     const char quote = found->raw[open];
     for (std::size_t at = 0; quote == '\'' && (at = escaped.find('\'', at)) != std::string::npos;)

@@ -1,6 +1,7 @@
 // Looking up by id, and paints that refer to other elements. The index of ids is made when it is first asked for: most
 // drawings never ask.
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 #include "host/svg_walk.h"
@@ -41,10 +42,21 @@ std::string_view hrefId(const pugi::xml_node& element) {
 
 namespace {
 
+// Any number of gradients may take their stops from one: what would be long to look through each time is none.
+bool isModest(const pugi::xml_node& gradient) {
+    constexpr int kMostAttributes = 64;
+    constexpr std::size_t kLongestValue = 4096;
+    int count = 0;
+    for (const pugi::xml_attribute& attribute : gradient.attributes()) {
+        if (++count > kMostAttributes || ::strnlen(attribute.value(), kLongestValue) == kLongestValue) return false;
+    }
+    return true;
+}
+
 // An attribute of a gradient, or of the gradient that it takes its stops from.
 pugi::xml_attribute inherited(pugi::xml_node gradient, const char* name, SvgIds* ids) {
     constexpr int kLongestChain = 16;
-    for (int i = 0; i < kLongestChain && gradient; ++i) {
+    for (int i = 0; i < kLongestChain && gradient && isModest(gradient); ++i) {
         if (const pugi::xml_attribute found = gradient.attribute(name)) return found;
         gradient = ids->find(hrefId(gradient));
     }
@@ -56,24 +68,37 @@ double coordinate(const pugi::xml_attribute& attribute, double otherwise) {
     return parseLength(attribute.value(), {1, 16}).value_or(otherwise);
 }
 
-// Direction of a linear gradient's line in the document.
-float gradientAngle(const pugi::xml_node& gradient, const Affine& toDocument, SvgIds* ids) {
-    if (localName(gradient) != "linearGradient") return 0;
-    const double x1 = coordinate(inherited(gradient, "x1", ids), 0);
-    const double y1 = coordinate(inherited(gradient, "y1", ids), 0);
-    const double x2 = coordinate(inherited(gradient, "x2", ids), 1);
-    const double y2 = coordinate(inherited(gradient, "y2", ids), 0);
-    Affine map{1, 0, 0, -1, 0, 0};  // a box's own units are upright
-    if (std::string_view(inherited(gradient, "gradientUnits", ids).value()) == "userSpaceOnUse") map = toDocument;
+SvgGradient readGradient(const pugi::xml_node& gradient, SvgIds* ids) {
+    SvgGradient result;
+    if (localName(gradient) != "linearGradient") return result;
+    result.linear = true;
+    result.x1 = coordinate(inherited(gradient, "x1", ids), 0);
+    result.y1 = coordinate(inherited(gradient, "y1", ids), 0);
+    result.x2 = coordinate(inherited(gradient, "x2", ids), 1);
+    result.y2 = coordinate(inherited(gradient, "y2", ids), 0);
+    result.inUserSpace = std::string_view(inherited(gradient, "gradientUnits", ids).value()) == "userSpaceOnUse";
     Affine own;
-    if (parseTransform(inherited(gradient, "gradientTransform", ids).value(), &own)) map = compose(map, own);
-    const double dx = map.x(x2, y2) - map.x(x1, y1);
-    const double dy = map.y(x2, y2) - map.y(x1, y1);
+    if (parseTransform(inherited(gradient, "gradientTransform", ids).value(), &own)) result.own = own;
+    return result;
+}
+
+// Direction of a linear gradient's line in the document.
+float angleOf(const SvgGradient& gradient, const Affine& toDocument) {
+    if (!gradient.linear) return 0;
+    const Affine upright{1, 0, 0, -1, 0, 0};  // a box's own units
+    const Affine map = compose(gradient.inUserSpace ? toDocument : upright, gradient.own);
+    const double dx = map.x(gradient.x2, gradient.y2) - map.x(gradient.x1, gradient.y1);
+    const double dy = map.y(gradient.x2, gradient.y2) - map.y(gradient.x1, gradient.y1);
     if (!std::isfinite(dx) || !std::isfinite(dy)) return 0;
     return static_cast<float>(std::atan2(dy, dx) * 180 / std::numbers::pi) + 0.0F;
 }
 
 }  // namespace
+
+SvgPaints::SvgPaints(SvgIds* ids, Document* document) : ids_(*ids), document_(*document) {
+    for (const std::string& text : document_.paintSources)
+        numbers_.emplace(text, static_cast<std::int32_t>(numbers_.size()) + 1);
+}
 
 AIColor SvgPaints::paintOf(std::string_view reference, const Affine& toDocument) {
     const auto [number, added] = numbers_.try_emplace(std::string(reference), 0);
@@ -81,21 +106,24 @@ AIColor SvgPaints::paintOf(std::string_view reference, const Affine& toDocument)
         document_.paintSources.emplace_back(reference);
         number->second = static_cast<std::int32_t>(document_.paintSources.size());
     }
+    const auto [gradient, asked] = gradients_.try_emplace(number->second);
+    if (asked) gradient->second = gradientOf(reference);
     AIColor color;
-    color.kind = kOtherPaint;
+    color.kind = gradient->second ? kGradientPaint : kOtherPaint;
     color.reference = number->second;
+    if (gradient->second) color.gradientAngle = angleOf(*gradient->second, toDocument);
+    return color;
+}
+
+std::optional<SvgGradient> SvgPaints::gradientOf(std::string_view reference) {
     const std::size_t open = reference.find('#');
-    std::size_t close = reference.find_first_of(")\"'", open == std::string_view::npos ? 0 : open);
-    if (!reference.starts_with("url(") || open == std::string_view::npos || close == std::string_view::npos) {
-        return color;
-    }
+    const std::size_t close = reference.find_first_of(")\"'", open == std::string_view::npos ? 0 : open);
+    if (!reference.starts_with("url(") || open == std::string_view::npos || close == std::string_view::npos)
+        return std::nullopt;
     const pugi::xml_node target = ids_.find(reference.substr(open + 1, close - open - 1));
     const std::string_view name = localName(target);
-    if (name == "linearGradient" || name == "radialGradient") {
-        color.kind = kGradientPaint;
-        color.gradientAngle = gradientAngle(target, toDocument, &ids_);
-    }
-    return color;
+    if (name != "linearGradient" && name != "radialGradient") return std::nullopt;
+    return readGradient(target, &ids_);
 }
 
 double Viewport::diagonal() const { return std::hypot(width, height) / std::numbers::sqrt2; }

@@ -2,7 +2,10 @@
 // The document is handed out only when everything was read.
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <memory>
+#include <optional>
 #include <pugixml.hpp>
 
 #include "host/svg.h"
@@ -12,11 +15,12 @@
 namespace quorvel::host {
 namespace {
 
-constexpr std::size_t kLargestFile = std::size_t{512} << 20;
 // Entities are for names of namespaces and single signs; more than that is an attack.
 constexpr std::size_t kMostEntities = 64;
 constexpr std::size_t kLongestEntity = 2048;
-constexpr std::size_t kMostExpanded = std::size_t{4} << 20;
+// What they add: a drawing of many elements, each with its style by an entity, grows by a few times its size.
+constexpr std::size_t kGrowthAtLeast = std::size_t{4} << 20;
+constexpr std::size_t kGrowthForEachByte = 4;
 constexpr double kPointsPerPixel = 0.75;
 
 std::string atLine(std::string_view text, std::size_t offset, const std::string& what) {
@@ -28,6 +32,12 @@ std::string atLine(std::string_view text, std::size_t offset, const std::string&
 std::size_t firstForeignByte(std::string_view text) {
     const auto tail = [&](std::size_t at) { return at < text.size() && (text[at] & 0xC0) == 0x80; };
     for (std::size_t at = 0; at < text.size();) {
+        // Nearly all of a drawing is ASCII: eight at a time.
+        for (std::uint64_t eight = 0; at + 8 <= text.size(); at += 8) {
+            std::memcpy(&eight, text.data() + at, 8);
+            if (eight & 0x8080808080808080) break;
+        }
+        if (at == text.size()) break;
         const auto first = static_cast<unsigned char>(text[at]);
         const int more = first < 0x80 ? 0 : first >= 0xC2 && first < 0xE0 ? 1 : (first & 0xF0) == 0xE0 ? 2 : 3;
         if (more == 3 && (first < 0xF0 || first > 0xF4)) return at;
@@ -81,8 +91,8 @@ std::string declaredEncoding(std::string_view text) {
 }
 
 bool parseXml(std::string_view text, ParsedFile* file, std::string* error) {
-    if (text.size() > kLargestFile) {
-        *error = "the file is larger than " + std::to_string(kLargestFile >> 20) + " MB";
+    if (text.size() > kLargestSvg) {
+        *error = tooLargeSvg();
         return false;
     }
     if (text.find('\0') != std::string_view::npos) {
@@ -147,41 +157,49 @@ bool readEntities(std::string_view prolog, std::vector<Entity>* entities, std::s
     return true;
 }
 
-std::string expanded(std::string_view value, const std::vector<Entity>& entities) {
+// Nothing when it would grow by more than *allowance, which is less afterwards.
+std::optional<std::string> expanded(std::string_view value, const std::vector<Entity>& entities,
+                                    std::size_t* allowance) {
     std::string out;
     for (std::size_t at = 0; at < value.size();) {
         const std::size_t mark = std::min(value.find('&', at), value.size());
         out += value.substr(at, mark - at);
         at = mark;
         if (at == value.size()) break;
-        const std::size_t end = value.find(';', at);
-        const std::string_view name = value.substr(at + 1, end == std::string_view::npos ? 0 : end - at - 1);
-        const auto entity = std::ranges::find(entities, name, &Entity::name);
-        if (end == std::string_view::npos || entity == entities.end()) {
-            out += value[at++];
-        } else {
-            out += entity->value;
-            at = end + 1;
+        const std::size_t end = std::min(value.find_first_of("&;", at + 1), value.size());
+        const auto entity = std::ranges::find(entities, value.substr(at + 1, end - at - 1), &Entity::name);
+        if (end == value.size() || value[end] == '&' || entity == entities.end()) {
+            out += value.substr(at, end - at);
+            at = end;
+            continue;
         }
+        if (entity->value.size() > *allowance) return std::nullopt;
+        *allowance -= entity->value.size();
+        out += entity->value;
+        at = end + 1;
     }
     return out;
 }
 
-bool expandEntities(const ParsedFile& file, const std::vector<Entity>& entities, std::string* error) {
-    std::size_t total = 0;
+bool expandEntities(const ParsedFile& file, std::string_view fileText, const std::vector<Entity>& entities,
+                    std::string* error) {
+    std::size_t allowance = kGrowthAtLeast + kGrowthForEachByte * fileText.size();
+    pugi::xml_node tooLarge;
     forEachElement(file.root, [&](pugi::xml_node node, int) {
         for (pugi::xml_attribute attribute : node.attributes()) {
             const std::string_view value = attribute.value();
             if (value.find('&') == std::string_view::npos) continue;
-            const std::string text = expanded(value, entities);
-            total += text.size();
-            if (total > kMostExpanded) return false;
-            if (text != value) attribute.set_value(text.c_str());
+            const std::optional<std::string> text = expanded(value, entities, &allowance);
+            if (!text) {
+                tooLarge = node;
+                return false;
+            }
+            if (*text != value) attribute.set_value(text->c_str());
         }
         return true;
     });
-    if (total <= kMostExpanded) return true;
-    *error = "the entities expand to too much";
+    if (!tooLarge) return true;
+    *error = atLine(fileText, static_cast<std::size_t>(tooLarge.offset_debug()), "the entities expand to too much");
     return false;
 }
 
@@ -197,6 +215,8 @@ bool isName(std::string_view name) {
     });
 }
 
+constexpr std::size_t kLongestPrefix = 256;
+
 // The prefixes under which the root knows the namespaces.
 void readNamespaces(const pugi::xml_node& root, SvgNames* names, std::vector<std::string>* svgPrefixes) {
     const std::string_view name = root.name();
@@ -210,7 +230,7 @@ void readNamespaces(const pugi::xml_node& root, SvgNames* names, std::vector<std
     const Known known[] = {{kOwnNamespace, &names->own, &names->ownDeclared},
                            {kInkscapeNamespace, &names->inkscape, &names->inkscapeDeclared},
                            {kSodipodiNamespace, &names->sodipodi, &names->sodipodiDeclared}};
-    bool ownPrefixTaken = false;
+    std::vector<std::string> taken;
     bool defaultIsOther = false;
     for (const pugi::xml_attribute& attribute : root.attributes()) {
         const std::string_view declared = attribute.name();
@@ -220,7 +240,8 @@ void readNamespaces(const pugi::xml_node& root, SvgNames* names, std::vector<std
             defaultIsOther = uri != kSvgNamespace;
         }
         // A prefix that could not begin an attribute's name is no prefix that we could write under.
-        if (!declared.starts_with("xmlns:") || !isName(declared.substr(6))) continue;
+        if (!declared.starts_with("xmlns:") || declared.size() > kLongestPrefix || !isName(declared.substr(6)))
+            continue;
         const std::string prefix = std::string(declared.substr(6)) + ":";
         if (uri == kSvgNamespace) svgPrefixes->push_back(prefix);
         for (const Known& row : known) {
@@ -228,11 +249,15 @@ void readNamespaces(const pugi::xml_node& root, SvgNames* names, std::vector<std
             *row.prefix = prefix;
             *row.declared = true;
         }
-        ownPrefixTaken |= prefix == "quorvel:" && uri != kOwnNamespace;
+        taken.push_back(prefix);
     }
-    if (ownPrefixTaken && !names->ownDeclared) names->own = "quorvel-own:";
+    for (const Known& row : known) {
+        while (!*row.declared && std::ranges::find(taken, *row.prefix) != taken.end())
+            row.prefix->insert(row.prefix->size() - 1, "-own");
+    }
     // A drawing that names no namespace at all is taken for what it says it is.
     if (svgPrefixes->empty() && names->svg.empty() && !defaultIsOther) svgPrefixes->push_back("");
+    std::ranges::sort(*svgPrefixes);
 }
 
 struct Page {
@@ -243,21 +268,23 @@ struct Page {
 };
 
 Page readPage(const pugi::xml_node& root) {
+    constexpr double kSmallestPage = 1e-3;  // pixels
     constexpr double kLargestPage = 1e7;
+    const auto sound = [&](double side) { return std::clamp(side, kSmallestPage, kLargestPage); };
     const auto side = [&](const char* name) -> double {
         const std::string_view text = root.attribute(name).value();
         if (lengthUnit(text) == "%") return 0;
         const double pixels = parseLength(text, {}).value_or(0);
-        return pixels > 0 && pixels <= kLargestPage ? pixels : 0;
+        return pixels >= kSmallestPage && pixels <= kLargestPage ? pixels : 0;
     };
     Viewport size{side("width"), side("height")};
     Viewport box;
     viewBoxMap(root, {1, 1}, &box);
     // A side that is not given follows the viewBox; without one it is CSS's.
-    if (box.width > 0 && size.width > 0 && size.height <= 0) size.height = size.width * box.height / box.width;
-    if (box.width > 0 && size.height > 0 && size.width <= 0) size.width = size.height * box.width / box.height;
-    if (size.width <= 0) size.width = box.width > 0 ? std::min(box.width, kLargestPage) : 300;
-    if (size.height <= 0) size.height = box.height > 0 ? std::min(box.height, kLargestPage) : 150;
+    if (box.width > 0 && size.width > 0 && size.height <= 0) size.height = sound(size.width * box.height / box.width);
+    if (box.width > 0 && size.height > 0 && size.width <= 0) size.width = sound(size.height * box.width / box.height);
+    if (size.width <= 0) size.width = box.width > 0 ? sound(box.width) : 300;
+    if (size.height <= 0) size.height = box.height > 0 ? sound(box.height) : 150;
 
     Page page;
     page.width = size.width * kPointsPerPixel;
@@ -279,6 +306,7 @@ Page readPage(const pugi::xml_node& root) {
 
 // Style sheets, the named view and whether anything is nested too deeply, from one look at all elements.
 struct Survey {
+    std::size_t styled = 0;  // elements, with about as many as the use elements copy
     std::vector<std::string> sheets;
     pugi::xml_node namedView;
     pugi::xml_node tooDeep;
@@ -293,6 +321,8 @@ Survey survey(const pugi::xml_node& root, const SvgNames& names) {
             return false;
         }
         const std::string_view name = node.name();
+        constexpr std::size_t kCopiedByOne = 10;
+        result.styled += name.ends_with("use") ? kCopiedByOne : 1;
         if (name.ends_with("style") && localName(node) == "style") {
             std::string text;
             for (const pugi::xml_node& child : node.children()) text += child.value();
@@ -316,6 +346,20 @@ LayerId layerById(const std::string& id, const SvgWalk& walk, SvgIds* ids) {
     return 0;
 }
 
+// A file of nothing but unknown names is not worth a line for each.
+std::vector<std::string> firstOf(const std::set<std::string>& warnings) {
+    constexpr std::size_t kMostWarnings = 20;
+    std::vector<std::string> result;
+    for (const std::string& warning : warnings) {
+        if (result.size() == kMostWarnings) {
+            result.push_back("and " + std::to_string(warnings.size() - kMostWarnings) + " more kinds of things");
+            break;
+        }
+        result.push_back(warning);
+    }
+    return result;
+}
+
 SvgReadResult refused(std::string error) {
     SvgReadResult result;
     result.error = std::move(error);
@@ -324,7 +368,9 @@ SvgReadResult refused(std::string error) {
 
 }  // namespace
 
-SvgReadResult readSvg(std::string text) {
+std::string tooLargeSvg() { return "the file is larger than " + std::to_string(kLargestSvg >> 20) + " MB"; }
+
+SvgReadResult readSvg(std::string text, std::vector<std::string> paintSources) {
     auto source = std::make_unique<SvgSource>();
     source->text = std::move(text);
     auto file = std::make_unique<ParsedFile>();
@@ -335,7 +381,7 @@ SvgReadResult readSvg(std::string text) {
     const std::string_view prolog =
         std::string_view(source->text).substr(0, static_cast<std::size_t>(root.offset_debug()));
     if (!readEntities(prolog, &entities, &error)) return refused(error);
-    if (!entities.empty() && !expandEntities(*file, entities, &error)) return refused(error);
+    if (!entities.empty() && !expandEntities(*file, source->text, entities, &error)) return refused(error);
 
     std::vector<std::string> svgPrefixes;
     readNamespaces(root, &source->names, &svgPrefixes);
@@ -355,14 +401,20 @@ SvgReadResult readSvg(std::string text) {
     if (source->rulerUnit.empty()) source->rulerUnit = page.unit;
     result.rulerUnit = source->rulerUnit;
     auto document = std::make_unique<Document>(static_cast<float>(page.width), static_cast<float>(page.height));
+    document->paintSources = std::move(paintSources);
     SvgIds ids(root);
     SvgWalk walk(document.get(), source.get(), &ids);
     walk.svgPrefixes = std::move(svgPrefixes);
     walk.looseLayerTitles = decodeList(rootOwn(own_attribute::kLayerTitles));
+    for (const Entity& entity : entities)
+        source->entities.push_back({std::string(entity.name), std::string(entity.value)});
     for (const std::string& sheet : found.sheets) walk.resolver.sheet.add(sheet);
-    source->hasStyleSheet = !walk.resolver.sheet.empty();
+    source->sheets = found.sheets;
+    walk.resolver.sheet.expect(found.styled);
+    source->hasStyleSheet = !walk.resolver.sheet.empty() || walk.resolver.sheet.skippedSome();
     if (walk.resolver.sheet.skippedSome()) walk.warnings.insert("some style sheet rules are not understood");
     if (!walk.run(root, page.map, page.viewport, &error)) return refused(error);
+    if (walk.resolver.passedTransform) walk.warnings.insert("transforms in CSS are kept but not applied");
 
     std::string current = rootOwn(own_attribute::kCurrentLayer);
     if (found.namedView) {
@@ -372,7 +424,8 @@ SvgReadResult readSvg(std::string text) {
     }
     const LayerId layer = layerById(current, walk, &ids);
     source->currentLayer = layer;
-    result.warnings.assign(walk.warnings.begin(), walk.warnings.end());
+    source->artCount = document->artCount();
+    result.warnings = firstOf(walk.warnings);
     file.reset();  // the tree is needed no more, and large
     source->elements.shrink_to_fit();
     document->setSource(std::move(source));

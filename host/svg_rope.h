@@ -8,12 +8,15 @@
 #include <string_view>
 #include <vector>
 
+#include "host/svg_markup.h"
+
 namespace quorvel::host {
 
 // The new text as pieces of the old one and texts of its own.
 class Rope {
   public:
-    explicit Rope(std::string_view source) : source_(source) {}
+    // ascii: texts of its own get character references for all that is none.
+    Rope(std::string_view source, bool ascii) : source_(source), ascii_(ascii) {}
 
     void copy(std::size_t begin, std::size_t end) {
         if (begin >= end) return;
@@ -25,10 +28,7 @@ class Rope {
         }
     }
 
-    void add(std::string text) {
-        own_.push_back(std::move(text));
-        pieces_.push_back(own_.back());
-    }
+    void add(std::string text) { pieces_.push_back(keep(std::move(text))); }
 
     // A place for a text that is known later.
     std::size_t leave() {
@@ -36,10 +36,7 @@ class Rope {
         return pieces_.size() - 1;
     }
 
-    void fill(std::size_t place, std::string text) {
-        own_.push_back(std::move(text));
-        pieces_[place] = own_.back();
-    }
+    void fill(std::size_t place, std::string text) { pieces_[place] = keep(std::move(text)); }
 
     std::string join() const {
         std::size_t size = 0;
@@ -51,7 +48,13 @@ class Rope {
     }
 
   private:
+    std::string_view keep(std::string text) {
+        own_.push_back(ascii_ ? asciiXml(text) : std::move(text));
+        return own_.back();
+    }
+
     std::string_view source_;
+    bool ascii_;
     std::deque<std::string> own_;
     std::vector<std::string_view> pieces_;
 };

@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "host/document.h"
 #include "host/svg_affine.h"
+#include "host/svg_markup.h"
 #include "host/svg_names.h"
 
 namespace quorvel::host {
@@ -44,6 +46,14 @@ struct SvgElement {
     std::uint64_t content = 0;  // contentOf its art when it was read
 };
 
+// Where the look of art is said. Art made by a use element has one of its own, though its element is no child of the
+// use element and nothing may be written into it.
+struct SvgOrigin {
+    std::uint32_t nameOffset = 0;  // of the element's name in the text
+    std::int32_t parent = -1;      // what it inherits from: the origin of the container or use element around it
+    std::uint32_t ctm = 0;         // of its content, with its own transform
+};
+
 // How a text element stood when it was read.
 struct SvgTextOrigin {
     RealMatrix matrix;
@@ -51,13 +61,24 @@ struct SvgTextOrigin {
     std::uint64_t wording = 0;  // wordingOf its text
 };
 
+// How a use element places what it refers to, in user units; a size of 0 is none.
+struct SvgUse {
+    std::int32_t element = -1;
+    double x = 0, y = 0, width = 0, height = 0;
+};
+
 struct SvgSource {
     std::string text;
+    XmlEntities entities;             // of the document type
+    std::vector<std::string> sheets;  // texts of the style elements
     // In the order of the file; the root is the first.
     std::vector<SvgElement> elements;
+    std::vector<SvgOrigin> origins;  // the root's is the first
     std::vector<Affine> ctms;
     std::vector<StylePtr> styles;
     std::vector<SvgTextOrigin> texts;
+    std::vector<SvgUse> uses;  // those among the elements, in their order
+    std::size_t artCount = 0;  // when it was read
     SvgNames names;
     bool hasStyleSheet = false;
     std::string rulerUnit;
@@ -65,5 +86,8 @@ struct SvgSource {
     // The layer that the file names as the current one; 0 when it names none, so that it is the topmost.
     LayerId currentLayer = 0;
 };
+
+// The ids of elements that are no art: the root, layers, definitions and whatever else the file holds.
+std::unordered_set<std::string> idsBeyondArt(const SvgSource& source);
 
 }  // namespace quorvel::host

@@ -13,6 +13,9 @@
 namespace quorvel::host {
 namespace {
 
+// Of a list of font families, in bytes; each text that inherits it looks at all of it.
+constexpr std::size_t kLongestFamilies = 2048;
+
 enum class Property {
     kBaselineShift,
     kColor,
@@ -153,7 +156,7 @@ void readFont(std::string_view value, const SvgStyle& parent, SvgStyle* style) {
         } else if (parseLength(word.substr(0, word.find('/')), {}) &&
                    lengthUnit(word.substr(0, word.find('/'))) != "") {
             readFontSize(word.substr(0, word.find('/')), parent, style);
-            if (end < value.size()) style->fontFamily = trimmed(value.substr(end));
+            if (end < value.size()) style->fontFamily = trimmed(value.substr(end)).substr(0, kLongestFamilies);
             return;
         } else {
             readFontWeight(word, parent, style);
@@ -234,7 +237,7 @@ void StyleResolver::apply(std::string_view name, std::string_view value, const S
             if (!inherit) readFont(value, parent, style);
             break;
         case Property::kFontFamily:
-            style->fontFamily = inherit ? parent.fontFamily : value;
+            style->fontFamily = inherit ? parent.fontFamily : value.substr(0, kLongestFamilies);
             break;
         case Property::kFontSize:
             if (!inherit) readFontSize(value, parent, style);
@@ -325,7 +328,9 @@ bool StyleResolver::compute(const pugi::xml_node& element, const SvgStyle& paren
     for (const bool important : {false, true}) {
         for (const auto* declarations : {&fromSheet_, &fromAttribute_}) {
             for (const CssDeclaration& declaration : *declarations) {
-                if (declaration.important == important) apply(declaration.property, declaration.value, parent, style);
+                if (declaration.important != important) continue;
+                apply(declaration.property, declaration.value, parent, style);
+                passedTransform |= declaration.property == "transform" && declaration.value != "none";
             }
         }
     }

@@ -48,6 +48,7 @@ class StyleResolver {
     StyleSheet sheet;
     // Full names by family list, weight and slant, as they were found.
     std::map<std::tuple<std::string, int, bool>, std::string> fontNames;
+    bool passedTransform = false;  // CSS would have moved an element; only the attribute does here
     // The style of an element whose parent has this one. False when the style sheets ask for too much work.
     [[nodiscard]] bool compute(const pugi::xml_node& element, const SvgStyle& parent, SvgStyle* style);
     // Before the text that the last elements stood in goes away.

@@ -13,8 +13,9 @@
 namespace quorvel::host {
 namespace {
 
-// Work that copies made by use elements may cost, in elements or 256 bytes of path data.
+// Work that copies made by use elements may cost, in elements or 256 bytes of what is read again for them.
 constexpr std::size_t kMostCopies = 300'000;
+constexpr std::size_t kBytesForOne = 256;
 
 enum class Role : std::uint8_t { kNone, kContainer, kPath, kShape, kText, kUse, kForeign };
 
@@ -89,7 +90,9 @@ void settle(SvgStyle* style, bool changed) {
 }  // namespace
 
 SvgWalk::SvgWalk(Document* document, SvgSource* source, SvgIds* ids)
-    : document_(*document), source_(*source), ids_(*ids), paints_(ids, document), styles_(&source->styles) {}
+    : document_(*document), source_(*source), ids_(*ids), paints_(ids, document), styles_(&source->styles) {
+    textGrowth_ = (std::size_t{4} << 20) + 4 * source->text.size();
+}
 
 bool SvgWalk::fail(const pugi::xml_node& node, const std::string& what) {
     const auto offset = static_cast<std::ptrdiff_t>(std::max<std::ptrdiff_t>(node.offset_debug(), 0));
@@ -122,6 +125,7 @@ bool SvgWalk::run(const pugi::xml_node& root, const Affine& toDocument, const Vi
                                     .style = styleNumber(element),
                                     .kind = SvgKind::kRoot,
                                     .oddities = element.style.oddities});
+        source_.origins.push_back({.nameOffset = static_cast<std::uint32_t>(root.offset_debug())});
         while (sound && !stack_.empty()) sound = step();
     }
     if (sound && document_.layers().empty()) parentArt();
@@ -141,15 +145,26 @@ bool SvgWalk::step() {
     }
     const pugi::xml_node node = frame.next;
     frame.next = frame.single ? pugi::xml_node() : node.next_sibling();
-    if (frame.copied && ++copies_ > kMostCopies) return fail(node, "too many copies made by use elements");
+    if (frame.copied && !payForCopy(node)) return fail(node, "too many copies made by use elements");
     return node.type() != pugi::node_element || visit(node);
+}
+
+bool SvgWalk::payForCopy(const pugi::xml_node& node) {
+    std::size_t bytes = 0;
+    for (const pugi::xml_attribute& attribute : node.attributes())
+        bytes += std::string_view(attribute.name()).size() + std::string_view(attribute.value()).size();
+    // A text is parsed anew, which costs more than an attribute of its size.
+    if (localName(node) == "text")
+        bytes += 4 * elementText(source_.text, static_cast<std::uint32_t>(node.offset_debug())).size();
+    copies_ += 1 + bytes / kBytesForOne;
+    return copies_ <= kMostCopies;
 }
 
 bool SvgWalk::isSvg(const pugi::xml_node& node) const {
     const std::string_view name = node.name();
     const std::size_t colon = name.find(':');
     const std::string_view prefix = name.substr(0, colon == std::string_view::npos ? 0 : colon + 1);
-    return std::ranges::find(svgPrefixes, prefix) != svgPrefixes.end();
+    return std::ranges::binary_search(svgPrefixes, prefix);
 }
 
 bool SvgWalk::visit(const pugi::xml_node& node) {
@@ -202,10 +217,12 @@ ArtId SvgWalk::parentArt() {
     if (parent != 0) return parent;
     if (looseArt_ != 0) return looseArt_;
     std::string title = "Layer 1";
-    const bool hasLayers = std::ranges::any_of(root_.children(), [&](const pugi::xml_node& child) {
-        return localName(child) == "g" && valueOf(child, source_.names.inkscape, "groupmode") == "layer";
-    });
-    if (hasLayers) title = looseLayers_ == 0 ? "<root>" : "<root> " + std::to_string(looseLayers_ + 1);
+    if (!hasLayers_) {
+        hasLayers_ = std::ranges::any_of(root_.children(), [&](const pugi::xml_node& child) {
+            return localName(child) == "g" && valueOf(child, source_.names.inkscape, "groupmode") == "layer";
+        });
+    }
+    if (*hasLayers_) title = looseLayers_ == 0 ? "<root>" : "<root> " + std::to_string(looseLayers_ + 1);
     if (looseLayers_ < looseLayerTitles.size()) title = looseLayerTitles[looseLayers_];
     ++looseLayers_;
     const LayerId id = document_.loadLayer(title);
@@ -221,12 +238,17 @@ std::uint32_t SvgWalk::ctmNumber(const Element& element) {
     return static_cast<std::uint32_t>(source_.ctms.size() - 1);
 }
 
+// Copies have an origin alone, so that nothing is ever written into what a use element refers to.
 void SvgWalk::record(Element* element, SvgKind kind) {
+    const auto nameOffset = static_cast<std::uint32_t>(element->node.offset_debug());
+    const std::uint32_t ctm = ctmNumber(*element);
+    element->origin = static_cast<std::int32_t>(source_.origins.size());
+    source_.origins.push_back({nameOffset, stack_.back().origin, ctm});
     if (stack_.back().copied) return;
     element->number = static_cast<std::int32_t>(source_.elements.size());
-    source_.elements.push_back({.nameOffset = static_cast<std::uint32_t>(element->node.offset_debug()),
+    source_.elements.push_back({.nameOffset = nameOffset,
                                 .parent = stack_.back().element,
-                                .ctm = ctmNumber(*element),
+                                .ctm = ctm,
                                 .kind = kind,
                                 .oddities = element->style.oddities});
 }
@@ -234,6 +256,7 @@ void SvgWalk::record(Element* element, SvgKind kind) {
 Art& SvgWalk::loadOwn(const Element& element, ArtId id) {
     Art& art = document_.loading(id);
     art.source = element.number;
+    art.origin = element.origin;
     if (element.number < 0) {
         art.hidden = !element.style.displayed || (art.kind != kGroupArt && !element.style.visible);
         return art;
@@ -248,8 +271,25 @@ Art& SvgWalk::loadOwn(const Element& element, ArtId id) {
     return art;
 }
 
+// The member of a compound path that alone bears tags: when another editor has left but one piece, it is the one.
+std::optional<int> SvgWalk::onlyMember(const Element& element) const {
+    const std::string& prefix = source_.names.own;
+    std::optional<int> only;
+    for (const pugi::xml_attribute& attribute : element.node.attributes()) {
+        const std::string_view name = attribute.name();
+        if (!name.starts_with(prefix)) continue;
+        const std::optional<TagPlace> tag = tagOfAttribute(name.substr(prefix.size()));
+        if (!tag || tag->member < 0) continue;
+        if (only && *only != tag->member) return std::nullopt;
+        only = tag->member;
+    }
+    return only;
+}
+
 void SvgWalk::loadTags(const Element& element, ArtId id) {
     const std::string& prefix = source_.names.own;
+    std::vector<ArtId> members;  // of a compound path, the lowest first; listed for the first tag that asks
+    std::optional<std::optional<int>> only;
     for (const pugi::xml_attribute& attribute : element.node.attributes()) {
         const std::string_view name = attribute.name();
         if (!name.starts_with(prefix)) continue;
@@ -257,10 +297,19 @@ void SvgWalk::loadTags(const Element& element, ArtId id) {
         if (!tag || tag->name.empty()) continue;
         ArtId bearer = id;
         if (tag->member >= 0) {
+            if (document_.loading(id).kind == kPathArt) {
+                if (!only) only = onlyMember(element);
+                if (*only && ownValue(element, tagAttribute({-1, tag->name}).c_str()).empty())
+                    document_.loading(id).tags.push_back({std::move(tag->name), decodeBytes(attribute.value())});
+                continue;
+            }
             if (document_.loading(id).kind != kCompoundPathArt) continue;
-            bearer = document_.loading(id).lastChild;
-            for (int i = 0; i < tag->member && bearer != 0; ++i) bearer = document_.loading(bearer).above;
-            if (bearer == 0) continue;
+            if (members.empty()) {
+                for (ArtId at = document_.loading(id).lastChild; at != 0; at = document_.loading(at).above)
+                    members.push_back(at);
+            }
+            if (static_cast<std::size_t>(tag->member) >= members.size()) continue;
+            bearer = members[static_cast<std::size_t>(tag->member)];
         }
         document_.loading(bearer).tags.push_back({std::move(tag->name), decodeBytes(attribute.value())});
     }
@@ -333,6 +382,7 @@ bool SvgWalk::enterContainer(Element* element) {
         layer.editable = sodipodiValue(*element, "insensitive") != "true";
         layer.source = element->number;
         frame.art = layer.root;
+        document_.loading(layer.root).origin = element->origin;
         SvgElement& own = source_.elements[static_cast<std::size_t>(element->number)];
         own.hidden = !layer.visible;
         own.locked = !layer.editable;
@@ -345,8 +395,9 @@ bool SvgWalk::enterContainer(Element* element) {
     if (element->number >= 0) {
         const std::int32_t style = styleNumber(*element);
         source_.elements[static_cast<std::size_t>(element->number)].style = style;
-        frame.ctm = source_.elements[static_cast<std::size_t>(element->number)].ctm;
     }
+    frame.origin = element->origin;
+    frame.ctm = source_.origins[static_cast<std::size_t>(element->origin)].ctm;
     frame.next = element->node.first_child();
     frame.element = element->number;
     frame.map = element->map;
@@ -380,9 +431,12 @@ bool SvgWalk::enterUse(Element* element) {
     if (element->number >= 0) {
         const std::int32_t style = styleNumber(*element);
         source_.elements[static_cast<std::size_t>(element->number)].style = style;
+        source_.uses.push_back({element->number, x, y, frame.useSize.width, frame.useSize.height});
     }
     frame.next = target;
     frame.element = element->number;
+    frame.origin = element->origin;
+    frame.ctm = source_.origins[static_cast<std::size_t>(element->origin)].ctm;
     frame.single = true;
     frame.copied = true;
     frame.target = target;
@@ -536,7 +590,6 @@ bool SvgWalk::loadOutline(Element* element) {
     bool read = false;
     if (element->name == "path") {
         const std::string_view data = element->node.attribute("d").value();
-        if (stack_.back().copied) copies_ += data.size() / 256;
         read = parsePathData(data, &builder, &error);
     } else {
         read = drawShape(*element, &builder, &error);
@@ -550,9 +603,10 @@ bool SvgWalk::loadOutline(Element* element) {
 
 bool SvgWalk::loadText(Element* element) {
     const std::string_view markup = elementText(source_.text, static_cast<std::uint32_t>(element->node.offset_debug()));
-    if (stack_.back().copied) copies_ += markup.size() / 256;
     pugi::xml_document fragment;  // parsed again, because here blanks count
-    if (!fragment.load_buffer(markup.data(), markup.size(), pugi::parse_default | pugi::parse_ws_pcdata,
+    const std::optional<std::string> plain = expandMarkup(markup, source_.entities, &textGrowth_);
+    if (!plain) return fail(element->node, "the entities expand to too much");
+    if (!fragment.load_buffer(plain->data(), plain->size(), pugi::parse_default | pugi::parse_ws_pcdata,
                               pugi::encoding_utf8)) {
         return fail(element->node, "text cannot be read");
     }

@@ -2,6 +2,7 @@
 // It keeps its own stack, so that no depth of nesting costs more than an error.
 #pragma once
 
+#include <optional>
 #include <pugixml.hpp>
 #include <set>
 #include <string>
@@ -36,16 +37,25 @@ class SvgIds {
 // "#id" of an href attribute under any prefix, without "#"; empty when there is none.
 std::string_view hrefId(const pugi::xml_node& element);
 
+struct SvgGradient {
+    bool linear = false, inUserSpace = false;
+    double x1 = 0, y1 = 0, x2 = 1, y2 = 0;
+    Affine own;
+};
+
 // Gradients get their angle; patterns and the like are kept as texts.
 class SvgPaints : public PaintLookup {
   public:
-    SvgPaints(SvgIds* ids, Document* document) : ids_(*ids), document_(*document) {}
+    SvgPaints(SvgIds* ids, Document* document);
     AIColor paintOf(std::string_view reference, const Affine& toDocument) override;
 
   private:
+    std::optional<SvgGradient> gradientOf(std::string_view reference);
+
     SvgIds& ids_;
     Document& document_;
     std::unordered_map<std::string, std::int32_t> numbers_;
+    std::unordered_map<std::int32_t, std::optional<SvgGradient>> gradients_;  // by the reference's number, once read
 };
 
 struct Viewport {
@@ -61,7 +71,7 @@ class SvgWalk {
 
     StyleResolver resolver;
     std::set<std::string> warnings;
-    std::vector<std::string> svgPrefixes;                    // with colon; "" among them
+    std::vector<std::string> svgPrefixes;                    // with colon, in order; "" among them
     std::vector<std::string> looseLayerTitles;               // for art in no layer element, lowest first
     std::vector<std::pair<pugi::xml_node, LayerId>> layers;  // the root's node for loose art
 
@@ -74,6 +84,7 @@ class SvgWalk {
         pugi::xml_node next;  // child to be read
         ArtId art = 0;        // 0 on the root, where layers come first
         std::int32_t element = -1;
+        std::int32_t origin = 0;
         std::uint32_t ctm = 0;
         SvgStyle style;
         Viewport viewport;
@@ -90,10 +101,12 @@ class SvgWalk {
         Affine map;
         bool hasOwn = false, hasSodipodi = false;  // attributes of these namespaces
         std::int32_t number = -1;
+        std::int32_t origin = -1;
     };
 
     bool fail(const pugi::xml_node& node, const std::string& what);
     bool step();
+    bool payForCopy(const pugi::xml_node& node);
     bool visit(const pugi::xml_node& node);
     bool isSvg(const pugi::xml_node& node) const;
     bool enterContainer(Element* element);
@@ -107,6 +120,7 @@ class SvgWalk {
     void record(Element* element, SvgKind kind);
     Art& loadOwn(const Element& element, ArtId art);
     void loadTags(const Element& element, ArtId art);
+    std::optional<int> onlyMember(const Element& element) const;
     // Empty when the element has none.
     std::string_view ownValue(const Element& element, const char* name) const;
     std::string_view sodipodiValue(const Element& element, const char* name) const;
@@ -125,7 +139,9 @@ class SvgWalk {
     pugi::xml_node root_;
     ArtId looseArt_ = 0;  // root of the layer that takes the next art in no layer element
     std::size_t looseLayers_ = 0;
+    std::optional<bool> hasLayers_;  // below the root; looked for when it is first asked
     std::size_t copies_ = 0;
+    std::size_t textGrowth_ = 0;  // what entities in texts may still add, in bytes
     PathShape shape_;
     // The style number of the last element, for the computed style and scale that it was made of.
     std::uint64_t lastStyle_ = 0;

@@ -9,6 +9,8 @@
 #include "host/svg.h"
 #include "host/svg_art_writer.h"
 #include "host/svg_content.h"
+#include "host/svg_definitions.h"
+#include "host/svg_ground.h"
 #include "host/svg_rope.h"
 
 namespace quorvel::host {
@@ -40,15 +42,23 @@ std::vector<bool> longestRise(const std::vector<std::int64_t>& numbers) {
     return kept;
 }
 
+// A file that says so is read as ASCII by others.
+bool declaredAscii(std::string_view text) {
+    std::string head(text.substr(0, std::min<std::size_t>(text.find("?>"), 200)));
+    std::ranges::transform(head, head.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
+    return head.find("<?xml") < 4 && head.find("us-ascii", head.find("encoding")) != std::string::npos;
+}
+
 class Splicer {
   public:
-    Splicer(const Document& document, const SvgSource& source, std::string_view rulerUnit)
+    Splicer(const Document& document, const SvgGround& ground, std::string_view rulerUnit)
         : document_(document),
-          source_(source),
-          text_(source.text),
+          ground_(ground),
+          source_(ground.source()),
+          text_(source_.text),
           rulerUnit_(rulerUnit),
-          writer_(document, source),
-          rope_(source.text) {}
+          writer_(document, ground),
+          rope_(source_.text, declaredAscii(source_.text)) {}
 
     std::string write() {
         listChildren();
@@ -61,7 +71,7 @@ class Splicer {
         rope_.copy(0, spans_[0].begin);
         const SvgElement& root = source_.elements[0];
         SvgScope scope{source_.ctms[0], root.style, root.oddities, ""};
-        StartTag tag(startTag(0));
+        StartTag tag = startTag(0);
         const std::size_t place = rope_.leave();
         container(&tag, 0, rootItems_, scope, "\n", nullptr);
         finishRoot(&tag);
@@ -73,9 +83,8 @@ class Splicer {
   private:
     const SvgElement& element(std::int32_t number) const { return source_.elements[static_cast<std::size_t>(number)]; }
     const ElementSpan& span(std::int32_t number) const { return spans_[static_cast<std::size_t>(number)]; }
-    std::string_view startTag(std::int32_t number) const {
-        return text_.substr(span(number).begin, span(number).tagEnd - span(number).begin);
-    }
+    StartTag startTag(std::int32_t number) const { return tagNamedAt(element(number).nameOffset); }
+    StartTag tagNamedAt(std::uint32_t offset) const { return StartTag(startTagText(text_, offset), &source_.entities); }
 
     // --- what is there and what should be --------------------------------------------------------------------------
 
@@ -90,6 +99,7 @@ class Splicer {
         for (std::size_t i = 1; i < count; ++i)
             childList_[next[static_cast<std::size_t>(source_.elements[i].parent)]++] = static_cast<std::int32_t>(i);
         dirty_.assign(count, false);
+        present_.assign(count, false);
     }
 
     std::span<const std::int32_t> childrenOf(std::int32_t number) const {
@@ -101,7 +111,7 @@ class Splicer {
         std::vector<Item> items;
         for (ArtId id = parent.lastChild; id != 0;) {
             const Art* child = document_.find(id);
-            items.push_back({child, nullptr, child->source});
+            items.push_back({child, nullptr, ground_.elementOf(*child)});
             id = child->above;
         }
         return items;
@@ -115,9 +125,10 @@ class Splicer {
         for (auto id = layers.rbegin(); id != layers.rend(); ++id) {
             const Layer* layer = document_.layer(*id);
             const Art* root = document_.find(layer->root);
+            const std::int32_t element = ground_.elementOf(*layer);
             const bool sayable = layer->visible && layer->editable && (root->firstChild != 0 || layers.size() == 1);
             // Two such layers that have come to lie on each other would be read as one.
-            if (layer->source == 0 && sayable && !behindLoose) {
+            if (element == 0 && sayable && !behindLoose) {
                 behindLoose = true;
                 loose.push_back(layer);
                 const std::vector<Item> items = itemsOf(*root);
@@ -125,8 +136,8 @@ class Splicer {
             } else {
                 hasLayerElements = true;
                 behindLoose = false;
-                if (layer->source == 0) wrapped_.push_back(layer);
-                rootItems_.push_back({root, layer, layer->source > 0 ? layer->source : -1});
+                if (element == 0) wrapped_.push_back(layer);
+                rootItems_.push_back({root, layer, element > 0 ? element : -1});
             }
         }
         planTitles(loose, hasLayerElements);
@@ -135,7 +146,7 @@ class Splicer {
 
     // The titles of loose layers are said only where a reader would give them others.
     void planTitles(const std::vector<const Layer*>& loose, bool hasLayerElements) {
-        const StartTag root(startTagText(text_, source_.elements[0].nameOffset));
+        const StartTag root = startTag(0);
         const std::vector<std::string> said =
             decodeList(root.attribute(source_.names.own + own_attribute::kLayerTitles).value_or(""));
         bool asSaid = true;
@@ -160,16 +171,13 @@ class Splicer {
         const Layer* named = document_.layer(source_.currentLayer);
         const LayerId given = named && !wrapped(named) ? named->id : document_.layers().front();
         if (given == current) return;
-        const std::int32_t own = wrapped(layer) ? -1 : layer->source;
-        if (own >= 0) {
-            const StartTag tag(startTagText(text_, element(own).nameOffset));
-            currentId_ = tag.attribute("id").value_or("");
-        }
+        const std::int32_t own = wrapped(layer) ? -1 : ground_.elementOf(*layer);
+        if (own >= 0) currentId_ = startTag(own).attribute("id").value_or("");
         if (currentId_.empty()) {
             int number = 1;
             do {
                 currentId_ = "quorvel-layer-" + std::to_string(number++);
-            } while (text_.find("\"" + currentId_ + "\"") != std::string_view::npos);
+            } while (document_.svgIdTaken(currentId_));
             needsId_ = layer;
         }
     }
@@ -193,6 +201,7 @@ class Splicer {
         }
         const SvgElement& record = element(item.element);
         const Art& art = *item.art;
+        present_[static_cast<std::size_t>(item.element)] = true;
         bool changed = item.layer ? item.layer->revision != 0 || item.layer == needsId_ : art.revision != 0;
         switch (record.kind) {
             case SvgKind::kLayer:
@@ -212,6 +221,7 @@ class Splicer {
             default:
                 break;
         }
+        changed = changed || (ground_.writtenOut(art) && looksOther(document_, source_, art, nullptr, record));
         dirty_[static_cast<std::size_t>(item.element)] = changed;
         return changed;
     }
@@ -224,7 +234,7 @@ class Splicer {
     // --- the root's own attributes ---------------------------------------------------------------------------------
 
     bool rootChanges() {
-        StartTag tag(startTagText(text_, source_.elements[0].nameOffset));
+        StartTag tag = startTag(0);
         const std::string before = tag.str();
         setRootAttributes(&tag);
         return tag.str() != before;
@@ -238,7 +248,7 @@ class Splicer {
             tag->set(writer_.ownName(own_attribute::kRuler), rulerUnit_);
         if (!currentId_.empty() && source_.namedViewOffset == 0)
             tag->set(writer_.ownName(own_attribute::kCurrentLayer), currentId_);
-        if (needsId_ && needsId_->source == 0 && std::ranges::find(wrapped_, needsId_) == wrapped_.end())
+        if (needsId_ && ground_.elementOf(*needsId_) == 0 && std::ranges::find(wrapped_, needsId_) == wrapped_.end())
             tag->set("id", currentId_);
     }
 
@@ -261,7 +271,7 @@ class Splicer {
             return;
         }
         const std::string_view whole = startTagText(text_, source_.namedViewOffset);
-        StartTag tag(whole);
+        StartTag tag(whole, &source_.entities);
         tag.set(writer_.inkscapeName("current-layer"), currentId_);
         rope_.copy(begin, view - 1);
         rope_.add(tag.str());
@@ -271,12 +281,11 @@ class Splicer {
     // --- containers ------------------------------------------------------------------------------------------------
 
     std::size_t blanksBefore(std::size_t position, std::size_t least) const {
-        while (position > least && (text_[position - 1] == ' ' || text_[position - 1] == '\t' ||
-                                    text_[position - 1] == '\n' || text_[position - 1] == '\r')) {
-            --position;
-        }
+        while (position > least && isBlank(text_[position - 1])) --position;
         return position;
     }
+
+    static bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
     // From the last line end of the blanks before the position; nothing when they hold none.
     std::string lineBreakBefore(std::size_t position) const {
@@ -341,11 +350,13 @@ class Splicer {
         const auto cutUpTo = [&](std::size_t child, std::size_t end) {
             for (; nextChild < child; ++nextChild) {
                 const ElementSpan& gone = span(children[nextChild]);
+                const std::string rest = definitionsOf(children[nextChild]);
                 // Its line goes with it when nothing else stands there.
-                const bool lineEnds =
-                    text_.find_first_of(" \t\r\n", gone.end) == gone.end || text_.substr(gone.end, 2) == "</";
-                const std::size_t cut = gone.begin - (lineEnds ? lineBreakBefore(gone.begin).size() : 0);
+                const bool lineEnds = isBlank(text_[gone.end]) || text_.substr(gone.end, 2) == "</";
+                const bool wholeLine = lineEnds && rest.empty();
+                const std::size_t cut = gone.begin - (wholeLine ? lineBreakBefore(gone.begin).size() : 0);
                 gap(cursor, std::max(cut, cursor));
+                rope_.add(rest);
                 cursor = gone.end;
             }
             gap(cursor, end);
@@ -388,6 +399,22 @@ class Splicer {
         }
     }
 
+    // What a removed element leaves behind: definitions in it that something elsewhere may refer to, in an element that
+    // shows nothing and hands down what the removed one did. Empty when there is none.
+    std::string definitionsOf(std::int32_t number) const {
+        if (present_[static_cast<std::size_t>(number)] || element(number).kind == SvgKind::kForeign) return "";
+        const ElementSpan& whole = span(number);
+        std::string rest;
+        std::size_t cursor = whole.tagEnd;
+        for (std::int32_t child : childrenOf(number)) {
+            rest += definitionsIn(text_.substr(cursor, span(child).begin - cursor)) + definitionsOf(child);
+            cursor = span(child).end;
+        }
+        rest += definitionsIn(text_.substr(cursor, whole.contentEnd - cursor));
+        return rest.empty() ? ""
+                            : writer_.definitionsTag(startTag(number)) + rest + "</" + writer_.svgName("defs") + ">";
+    }
+
     std::size_t lastEnd(std::span<const std::int32_t> children, std::size_t otherwise) const {
         return children.empty() ? otherwise : span(children.back()).end;
     }
@@ -413,6 +440,7 @@ class Splicer {
             if (!item.art->svgId.empty()) tag.set("id", item.art->svgId);
             writer_.markTag(&tag, *item.art, nullptr);
         }
+        writer_.rules().keepOut(&tag);
         writeNewContent(&tag, itemsOf(*item.art), scope);
     }
 
@@ -439,15 +467,18 @@ class Splicer {
             rope_.copy(whole.begin, whole.end);
             return;
         }
-        StartTag tag(startTag(item.element));
+        StartTag tag = startTag(item.element);
+        const StartTag was = tag;
         switch (record.kind) {
             case SvgKind::kPath:
             case SvgKind::kShape:
                 writer_.editOutline(&tag, *item.art, record, scope, inPlace);
+                writer_.keepLook(&tag, was);
                 finishLeaf(tag, whole);
                 break;
             case SvgKind::kText: {
                 const auto content = writer_.editText(&tag, *item.art, record, scope, inPlace);
+                writer_.keepLook(&tag, was);
                 if (content) {
                     tag.setSelfClosing(false);
                     rope_.add(tag.str() + *content + "</" + tag.name() + ">");
@@ -458,7 +489,8 @@ class Splicer {
             }
             case SvgKind::kForeign:
                 writer_.markTag(&tag, *item.art, &record);
-                writer_.editForeign(&tag, *item.art, source_.ctms[record.ctm], scope, sameMap);
+                if (!sameMap || !ground_.stands(*item.art)) writer_.editForeign(&tag, *item.art, scope);
+                writer_.keepLook(&tag, was);
                 finishLeaf(tag, whole);
                 break;
             case SvgKind::kUse:
@@ -502,6 +534,7 @@ class Splicer {
 
     void writeContainer(StartTag* tag, const Item& item, const SvgScope& scope, bool inPlace) {
         const SvgElement& record = element(item.element);
+        const StartTag was = *tag;
         const SvgScope inner = inside(tag, record, scope, inPlace);
         if (!(inner.map == source_.ctms[record.ctm]) && tag->name() == writer_.svgName("svg")) {
             tag->rename(writer_.svgName("g"));
@@ -513,11 +546,13 @@ class Splicer {
         } else {
             writer_.markTag(tag, *item.art, &record);
         }
+        writer_.keepLook(tag, was);
         const std::string ownBreak = lineBreakBefore(span(item.element).begin);
         container(tag, item.element, itemsOf(*item.art), inner, ownBreak, &scope);
     }
 
-    // A use element whose copy has changed becomes a group of what it showed.
+    // A use element whose copy has changed is written out before; only one in a circle comes here. It becomes a group
+    // of what it showed, as far as the document knows it.
     void writeUse(StartTag* tag, const Item& item, const SvgScope& scope, bool inPlace) {
         const SvgElement& record = element(item.element);
         if (inPlace && contentOf(document_, *item.art) == record.content) {
@@ -537,6 +572,7 @@ class Splicer {
     }
 
     const Document& document_;
+    const SvgGround& ground_;
     const SvgSource& source_;
     std::string_view text_;
     std::string_view rulerUnit_;
@@ -545,6 +581,7 @@ class Splicer {
     std::vector<std::size_t> childStart_;
     std::vector<std::int32_t> childList_;
     std::vector<bool> dirty_;
+    std::vector<bool> present_;  // elements whose art is still in the document
     std::vector<ElementSpan> spans_;
     std::vector<Item> rootItems_;
     std::vector<const Layer*> wrapped_;       // art in no layer element that gets one now
@@ -590,13 +627,14 @@ std::string emptyFile(const Document& document, std::string_view rulerUnit) {
 }  // namespace
 
 std::string writeSvg(const Document& document, std::string_view rulerUnit) {
-    if (const SvgSource* source = document.source()) return Splicer(document, *source, rulerUnit).write();
+    if (const SvgSource* source = document.source())
+        return Splicer(document, SvgGround(document, *source), rulerUnit).write();
     const std::string_view unit = rulerUnit.empty() ? "pt" : rulerUnit;
     const SvgReadResult page = readSvg(emptyFile(document, unit));
     if (!page.document) return {};
     SvgSource source = *page.document->source();
     source.currentLayer = 0;
-    return Splicer(document, source, unit).write();
+    return Splicer(document, SvgGround(document, source), unit).write();
 }
 
 }  // namespace quorvel::host

@@ -65,9 +65,24 @@ void CommandList::showPopup() {
     QComboBox::showPopup();
 }
 
+// A row is a command, so that a key must not run one on its way to another: keys that would change the row of the
+// closed list open it, and letters do nothing.
 void CommandList::keyPressEvent(QKeyEvent* event) {
-    refreshRows();
-    QComboBox::keyPressEvent(event);
+    switch (event->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown:
+        case Qt::Key_Home:
+        case Qt::Key_End:
+            return showPopup();
+        case Qt::Key_Space:
+        case Qt::Key_F4:
+            refreshRows();
+            return QComboBox::keyPressEvent(event);
+        default:
+            event->ignore();
+    }
 }
 
 // A turn of the wheel over the dialog must not run a command by accident.

@@ -151,6 +151,7 @@ std::int32_t QtBackend::runDialog(const DialogTemplate& dialog, const WindowLogi
     };
     forms_.insert(running.form.get());
     dialogs_.push_back(&running);
+    if (events.dialogOpened) events.dialogOpened();
     running.form->open();
     if (const QScreen* desktop = parent != nullptr ? parent->screen() : QApplication::primaryScreen())
         running.window.move(desktop->geometry().center() - running.window.rect().center());
@@ -198,7 +199,9 @@ WindowRef QtBackend::buildPanel(void* panelWindow, const ControlRow* rows, std::
     if (found == panels_.end()) return nullptr;
     found->second =
         std::make_unique<ControlForm>(found->first, ControlForm::Content{rows, rowCount, language, logic, context, 1},
-                                      [this](const DialogStep& step) {
+                                      [this, &form = found->second](DialogStep step) {
+                                          const bool picks = step.kind == DialogStep::Kind::selectRow && step.row >= 0;
+                                          if (picks) step.text = form->rows(step.control).at(std::size_t(step.row));
                                           if (events.panelUsed) events.panelUsed(step);
                                       });
     forms_.insert(found->second.get());

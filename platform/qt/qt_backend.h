@@ -25,10 +25,12 @@ struct QtBackendEvents {
     std::function<void()> surfaceDrawn;  // a message has inverted pixels
     std::function<void(std::int32_t id, const QCursor& cursor)> cursorChosen;
     std::function<void()> beeped;
-    std::function<void(const DialogReply& reply)> dialogAnswered;
-    std::function<void(bool accepted, bool asked)> boxAnswered;  // asked: there was a choice
+    std::function<void()> dialogOpened;                            // before its logic runs
+    std::function<void(const DialogReply& reply)> dialogAnswered;  // of the dialog that was opened last
+    std::function<void(bool accepted, bool asked)> boxAnswered;    // asked: there was a choice
     std::function<void(const std::optional<std::string>& path)> fileChosen;
-    std::function<void(const DialogStep& step)> panelUsed;  // before the logic hears of it
+    // Before the logic hears of it. A row that is picked comes with its text.
+    std::function<void(const DialogStep& step)> panelUsed;
 };
 
 class QtBackend : public Backend {

@@ -2,20 +2,21 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QFile>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <clocale>
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
+    // A place of its own for each run: another's copies against a crash would be offered here.
+    const QTemporaryDir settings;
+    qputenv("XDG_DATA_HOME", QFile::encodeName(settings.path()));
     QApplication program(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
-    const QTemporaryDir settings;
     QSettings::setDefaultFormat(QSettings::IniFormat);
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
-    QStandardPaths::setTestModeEnabled(true);
     QApplication::setApplicationName("quorvel-desktop-test");
     QApplication::setOrganizationName("Selkie Works");
     return RUN_ALL_TESTS();

@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <cstdlib>
 
 #include "desktop/export.h"
@@ -23,11 +24,13 @@ class Painting : public ::testing::Test {
             "width=\"100pt\" height=\"100pt\" viewBox=\"0 0 100 100\">" +
             content + "</svg>");
         ASSERT_NE(read.document, nullptr) << read.error;
+        paint(*read.document);
+    }
+    void paint(const host::Document& document) {
         image = QImage(100, 100, QImage::Format_RGB32);
         image.fill(Qt::white);
         QPainter painter(&image);
-        desktop::DocumentPainter(*read.document, QString())
-            .paint(&painter, QTransform(1, 0, 0, -1, 0, 100), image.rect(), {});
+        desktop::DocumentPainter(document, files).paint(&painter, QTransform(1, 0, 0, -1, 0, 100), image.rect(), {});
     }
     // Red, green and blue of the pixel in whose middle the point lies, as the file counts, y downward.
     std::vector<int> at(int x, int y) {
@@ -37,6 +40,7 @@ class Painting : public ::testing::Test {
     static std::vector<int> grey(int light) { return {light, light, light}; }
 
     host::Host measuring;
+    QString files;  // where linked pictures are
     QImage image;
     const std::vector<int> paper = grey(255), black = grey(0);
 };
@@ -102,6 +106,206 @@ TEST_F(Painting, GradientsRunFromEndToEnd) {
     EXPECT_GT(at(98, 5)[0], 247);
     EXPECT_NEAR(at(5, 25)[0], 130, 5) << "25.5 of 50, in user space";
     EXPECT_EQ(at(5, 75), paper) << "padded";
+}
+
+// What a use element shows is drawn as where it stands, and takes what it inherits from the use element.
+TEST_F(Painting, UsedArtLooksAsItsElementSays) {
+    paint(
+        "<defs><linearGradient id='g' gradientUnits='userSpaceOnUse' x1='0' x2='20'><stop stop-color='#000'/>"
+        "<stop offset='1' stop-color='#fff'/></linearGradient><clipPath id='c'><rect width='5' height='99'/></clipPath>"
+        "<rect id='faint' width='20' height='10' opacity='.5'/><rect id='plain' width='20' height='10'/>"
+        "<path id='ring' fill-rule='evenodd' d='M0 0H20V20H0Z M5 5H15V15H5Z'/>"
+        "<rect id='grade' width='20' height='10' fill='url(#g)'/><rect id='cut' width='20' height='10' "
+        "clip-path='url(#c)'/></defs>"
+        "<use xlink:href='#faint'/><use xlink:href='#plain' x='30' fill-opacity='.25'/>"
+        "<use xlink:href='#ring' y='20'/><use xlink:href='#grade' x='50' y='20'/><use xlink:href='#cut' x='50' "
+        "y='50'/>");
+    EXPECT_NEAR(at(10, 5)[0], 127, 1);
+    EXPECT_NEAR(at(40, 5)[0], 191, 1);
+    EXPECT_EQ(at(2, 30), black);
+    EXPECT_EQ(at(10, 30), paper) << "the ring's hole";
+    EXPECT_NEAR(at(60, 25)[0], 134, 4) << "10.5 of 20 in the place of use";
+    EXPECT_EQ(at(52, 55), black);
+    EXPECT_EQ(at(58, 55), paper);
+}
+
+// Nothing is ever written into what a use element refers to.
+TEST_F(Painting, ChangedUsesLeaveDefinitionsAlone) {
+    const std::string defs = "<defs><g id='d'><rect id='r' width='9' height='9' opacity='.5'/></g></defs>";
+    const host::SvgReadResult read = host::readSvg(
+        "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' width='100pt' "
+        "height='100pt'>" +
+        defs + "<use id='u' xlink:href='#d'/></svg>");
+    ASSERT_NE(read.document, nullptr);
+    host::Document& document = *read.document;
+    host::ArtId leaf = document.findBySvgId("u");
+    while (document.find(leaf)->firstChild != 0) leaf = document.find(leaf)->firstChild;
+    EXPECT_EQ(document.find(leaf)->source, -1);
+    EXPECT_GE(document.find(leaf)->origin, 0);
+    document.begin();
+    ASSERT_TRUE(document.transform(leaf, {1, 0, 0, 1, 5, 5}, 1));
+    ASSERT_TRUE(document.setTag(leaf, "T", "1"));
+    ASSERT_NE(document.duplicateArt(leaf, "twin"), 0U);
+    ASSERT_TRUE(document.commit("Undo", "Redo"));
+    const std::string written = host::writeSvg(document);
+    EXPECT_NE(written.find(defs), std::string::npos) << written;
+    EXPECT_EQ(written.find("<use"), std::string::npos) << "a group of what it showed";
+}
+
+TEST_F(Painting, CopiesLookLikeTheirOriginals) {
+    const host::SvgReadResult read = host::readSvg(
+        "<svg xmlns='http://www.w3.org/2000/svg' width='100pt' height='100pt' viewBox='0 0 100 100'>"
+        "<path id='ring' opacity='.5' fill-rule='evenodd' d='M0 0H20V20H0Z M5 5H15V15H5Z'/></svg>");
+    ASSERT_NE(read.document, nullptr);
+    const host::ArtId copy = read.document->duplicateArt(read.document->findBySvgId("ring"), "copy");
+    ASSERT_TRUE(read.document->transform(copy, {1, 0, 0, 1, 50, 0}, 1));
+    const host::ArtId pasted =
+        read.document->insertCopy(read.document->copyOf(read.document->findBySvgId("ring")), kPlaceAboveAll, 0);
+    ASSERT_TRUE(read.document->transform(pasted, {1, 0, 0, 1, 0, -50}, 1));
+    paint(*read.document);
+    for (const auto& [x, y] : {std::pair(50, 0), std::pair(0, 50)}) {
+        EXPECT_NEAR(at(x + 2, y + 10)[0], 127, 1);
+        EXPECT_EQ(at(x + 10, y + 10), paper);
+    }
+}
+
+TEST_F(Painting, LayersAreCutAndFadedAsWholes) {
+    const std::string layer =
+        "<g xmlns:inkscape='http://www.inkscape.org/namespaces/inkscape' "
+        "inkscape:groupmode='layer' ";
+    paint("<defs><clipPath id='c'><rect width='30' height='30'/></clipPath></defs>" + layer +
+          "inkscape:label='a' opacity='.5'><rect y='50' width='20' height='20'/><rect x='10' y='50' width='20' "
+          "height='20'/></g>" +
+          layer + "inkscape:label='b' style='clip-path:url(#c)'><rect width='90' height='40'/></g>");
+    for (const int x : {5, 15, 25}) EXPECT_NEAR(at(x, 60)[0], 127, 1) << x << ": two overlap at 15";
+    EXPECT_EQ(at(20, 20), black);
+    EXPECT_EQ(at(50, 20), paper);
+}
+
+// A wide stroke and a picture reach out of the bounds that the host knows; so may art of a group that fades as one.
+TEST_F(Painting, GroupsReachAsFarAsTheirMembers) {
+    QImage dots(2, 1, QImage::Format_RGB32);
+    dots.setPixel(0, 0, qRgb(255, 0, 0));
+    dots.setPixel(1, 0, qRgb(0, 0, 255));
+    const QTemporaryDir folder;
+    ASSERT_TRUE(dots.save(folder.filePath("two dots.png")));
+    files = folder.path();
+    paint(
+        "<defs><image id='i' xlink:href='two%20dots.png' width='20' height='10'/></defs>"
+        "<g><image xlink:href='two%20dots.png' width='20' height='10'/></g><use xlink:href='#i' x='40'/>"
+        "<g opacity='.5'><path d='M0 70H100' stroke='#000' stroke-width='0.5'/>"
+        "<path d='M50 99H60' stroke='#000' stroke-width='100'/></g>");
+    const std::vector<int> red{255, 0, 0}, blue{0, 0, 255};
+    EXPECT_EQ(at(2, 5), red) << "alone in a group";
+    EXPECT_EQ(at(17, 5), blue);
+    EXPECT_EQ(at(42, 5), red) << "through a use element";
+    EXPECT_NEAR(at(55, 52)[0], 127, 1) << "47 points off the path";
+    EXPECT_EQ(at(55, 48), paper);
+}
+
+TEST_F(Painting, ImagesFillTheirFramesAsTold) {
+    QImage dots(2, 1, QImage::Format_RGB32);
+    dots.setPixel(0, 0, qRgb(255, 0, 0));
+    dots.setPixel(1, 0, qRgb(0, 0, 255));
+    const QTemporaryDir folder;
+    ASSERT_TRUE(dots.save(folder.filePath("d.png")));
+    const std::string link =
+        "<image xlink:href='" + QUrl::fromLocalFile(folder.filePath("d.png")).toString().toStdString() + "' ";
+    paint("<defs><mask id='m'><rect width='99' height='99' fill='#fff'/></mask></defs>" + link +
+          "width='20' height='20' preserveAspectRatio='none'/>" + link +
+          "x='30' width='20' height='20' preserveAspectRatio='xMinYMid slice'/>" + link +
+          "x='60' width='20' height='20'/>" + link +
+          "y='40' width='0.5in' height='0.25in' preserveAspectRatio='none'/>" + link +
+          "x='60' y='40' width='10%' height='10' opacity='.5' mask='url(#m)'/>");
+    const std::vector<int> red{255, 0, 0}, blue{0, 0, 255};
+    EXPECT_EQ(at(2, 2), red) << "stretched";
+    EXPECT_EQ(at(18, 18), blue);
+    EXPECT_EQ(at(32, 2), red) << "its left half fills the frame";
+    EXPECT_EQ(at(39, 18), red);
+    EXPECT_EQ(at(52, 10), paper);
+    EXPECT_EQ(at(62, 2), paper) << "as wide as the frame, 10 high";
+    EXPECT_EQ(at(62, 10), red);
+    EXPECT_EQ(at(46, 50), blue) << "48 units wide";
+    EXPECT_EQ(at(2, 62), red) << "24 high";
+    EXPECT_EQ(at(2, 66), paper);
+    EXPECT_NEAR(at(61, 45)[1], 127, 1) << "masked and faded once";
+    EXPECT_EQ(at(72, 45), paper);
+}
+
+TEST_F(Painting, GradientsHaveHardEdgesAndUnits) {
+    paint(
+        "<defs><linearGradient id='a'><stop offset='.5' stop-color='#f00'/><stop offset='.5' stop-color='#00f'/>"
+        "</linearGradient><linearGradient id='e'><stop offset='0' stop-color='#0f0'/><stop offset='1' "
+        "stop-color='#0f0'/><stop offset='1' stop-color='#f00'/></linearGradient>"
+        "<linearGradient id='p' gradientUnits='userSpaceOnUse' x1='20%' x2='80%'><stop stop-color='#000'/>"
+        "<stop offset='1' stop-color='#fff'/></linearGradient></defs>"
+        "<rect width='100' height='10' fill='url(#a)'/><rect y='20' width='90' height='10' fill='url(#e)'/>"
+        "<rect y='40' width='100' height='10' fill='url(#p)'/>");
+    EXPECT_EQ(at(10, 5), (std::vector<int>{255, 0, 0}));
+    EXPECT_EQ(at(48, 5), (std::vector<int>{255, 0, 0}));
+    EXPECT_EQ(at(51, 5), (std::vector<int>{0, 0, 255}));
+    EXPECT_EQ(at(87, 25), (std::vector<int>{0, 255, 0}));
+    EXPECT_EQ(at(10, 45), black);
+    EXPECT_NEAR(at(50, 45)[0], 129, 4) << "30.5 of 60";
+    EXPECT_EQ(at(90, 45), paper);
+}
+
+// A marker 10 wide and 4 high, red in its first half. Its reference point is on its left edge, half-way up.
+TEST_F(Painting, MarkersStandOnTheAnchors) {
+    const std::string box = "<rect width='10' height='4' fill='#00f'/><rect width='5' height='4' fill='#f00'/>";
+    const std::string size = "markerWidth='10' markerHeight='4' refY='2' markerUnits='userSpaceOnUse' ";
+    paint("<defs><marker id='along' orient='auto' " + size + ">" + box +
+          "</marker><marker id='back' "
+          "orient='auto-start-reverse' " +
+          size + ">" + box + "</marker><marker id='fixed' orient='90' " + size + ">" + box +
+          "</marker><marker id='scaled' viewBox='0 0 20 8' refY='4' markerWidth='10' markerHeight='4'><rect width='99' "
+          "height='99' fill='#0f0'/></marker><marker id='wide' overflow='visible'><rect width='9' height='9' "
+          "fill='context-stroke'/></marker></defs>"
+          "<path d='M20 20V40' stroke='#000' marker-start='url(#along)' marker-end='url(#back)'/>"
+          "<g marker-start='url(#back)'><path d='M60 20V40'/><rect x='95' y='95' width='4' height='4'/></g>"
+          "<polyline fill='none' points='10,70 20,70 20,80' style='marker-mid:url(#along)'/>"
+          "<path d='M40 70V60' marker-start='url(#fixed)'/><path d='M70 70H60' stroke-width='2' "
+          "marker-end='url(#scaled)'/><path d='M85 60V50' stroke='#f0f' marker-end='url(#wide)'/>");
+    const std::vector<int> red{255, 0, 0}, blue{0, 0, 255}, green{0, 255, 0};
+    EXPECT_EQ(at(18, 22), red) << "down from the first anchor";
+    EXPECT_EQ(at(18, 28), blue);
+    EXPECT_EQ(at(18, 43), red) << "on from the last one";
+    EXPECT_EQ(at(21, 48), blue);
+    EXPECT_EQ(at(24, 22), paper);
+    EXPECT_EQ(at(61, 18), red) << "turned round at the start, inherited";
+    EXPECT_EQ(at(61, 12), blue);
+    EXPECT_EQ(at(61, 22), paper);
+    EXPECT_EQ(at(90, 97), paper) << "a rectangle bears none";
+    EXPECT_EQ(at(22, 72), red) << "half-way between right and down";
+    EXPECT_EQ(at(26, 76), blue);
+    EXPECT_EQ(at(12, 70), paper);
+    EXPECT_EQ(at(41, 73), red) << "down, whatever the outline does";
+    EXPECT_EQ(at(41, 78), blue);
+    EXPECT_EQ(at(78, 73), green) << "20 by 8, twice the stroke's width";
+    EXPECT_EQ(at(61, 67), green);
+    EXPECT_EQ(at(81, 70), paper) << "cut at its frame";
+    EXPECT_EQ(at(70, 75), paper);
+    EXPECT_EQ(at(92, 57), (std::vector<int>{255, 0, 255})) << "not cut, and in the stroke's colour";
+}
+
+TEST_F(Painting, PatternsAreTiles) {
+    paint(
+        "<defs><pattern id='p' x='2' width='10' height='10' patternUnits='userSpaceOnUse'><rect width='5' height='10' "
+        "fill='#f00'/></pattern><pattern id='q' xlink:href='#p' patternTransform='rotate(90)'/>"
+        "<pattern id='b' width='.5' height='1' viewBox='0 0 2 1'><rect width='1' height='1' "
+        "fill='#00f'/></pattern></defs>"
+        "<rect width='100' height='20' fill='url(#p)'/><rect y='30' width='40' height='20' fill='url(#q)'/>"
+        "<rect y='60' width='80' height='20' fill='url(#b)' fill-opacity='.5'/>");
+    const std::vector<int> red{255, 0, 0};
+    EXPECT_EQ(at(4, 10), red);
+    EXPECT_EQ(at(9, 10), paper);
+    EXPECT_EQ(at(94, 15), red);
+    EXPECT_EQ(at(99, 15), paper);
+    EXPECT_EQ(at(10, 34), red) << "bands across: from 32 to 37 down";
+    EXPECT_EQ(at(30, 39), paper);
+    EXPECT_NEAR(at(10, 70)[0], 127, 1);
+    EXPECT_EQ(at(30, 70), paper);
+    EXPECT_NEAR(at(50, 70)[0], 127, 1) << "the second half begins anew";
 }
 
 TEST_F(Painting, TextStrokesHaveTheirWidth) {

@@ -1,5 +1,6 @@
 // What stands on the canvas is what a drawing from scratch shows, whatever has happened before.
 #include <random>
+#include <set>
 
 #include "tests/desktop/window_rig.h"
 
@@ -49,18 +50,22 @@ TEST(Canvas, PreviewIsTheDrawingInvertedAndNothingElse) {
     QTest::mousePress(&rig.canvas(), Qt::LeftButton, {}, rig.pixel(100, 100));
     rig.moveTo(rig.pixel(300, 200), Qt::LeftButton);
     const QImage shown = rig.canvas().shown(), fresh = rig.canvas().fresh();
+    // A pixel of the screen is of that of the view which its middle lies in, whatever the ratio between them.
+    const double ratio = rig.canvas().devicePixelRatioF();
+    std::set<std::pair<std::int64_t, std::int64_t>> told, found;
+    rig.desk->user().screen().forEachInverted([&](std::int64_t h, std::int64_t v) { told.insert({h, v}); });
     std::size_t inverted = 0, other = 0;
     for (int y = 0; y < shown.height(); ++y)
         for (int x = 0; x < shown.width(); ++x) {
             const QRgb a = shown.pixel(x, y), b = fresh.pixel(x, y);
-            if (a == (b ^ 0x00FFFFFFU))
-                ++inverted;
-            else if (a != b)
-                ++other;
+            const bool changed = a == (b ^ 0x00FFFFFFU);
+            if (changed) found.insert({std::int64_t((x + 0.5) / ratio), std::int64_t((y + 0.5) / ratio)});
+            inverted += changed ? 1 : 0;
+            other += !changed && a != b ? 1 : 0;
         }
     EXPECT_EQ(other, 0U);
-    const double ratio = rig.canvas().devicePixelRatioF();  // of the screen's pixels to the view's, each way
-    EXPECT_EQ(double(inverted), double(rig.desk->user().screen().visiblePixels()) * ratio * ratio);
+    EXPECT_EQ(found, told);
+    EXPECT_NEAR(double(inverted), double(told.size()) * ratio * ratio, double(told.size()) * (ratio - int(ratio)));
     EXPECT_GT(inverted, 100U);
     rig.picture(rig.window.get(), "preview-en-light");
     QTest::mouseRelease(&rig.canvas(), Qt::LeftButton, {}, rig.pixel(300, 200));
@@ -85,22 +90,27 @@ TEST(Canvas, EditsRedrawAllTheyTouch) {
     rig.document().markSaved();
 }
 
+// So many circles on top of each other in a group, and a plate.
+void writeCircles(const WindowRig& rig, int count, const QByteArray& look) {
+    QFile file(rig.drawing());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    std::mt19937 random(3);
+    QByteArray svg =
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"600pt\" height=\"400pt\" viewBox=\"0 0 600 400\">"
+        "<defs><clipPath id=\"c\"><circle cx=\"300\" cy=\"200\" r=\"190\"/></clipPath></defs>"
+        "<g id=\"all\" fill=\"none\" stroke=\"#246\" " +
+        look + ">";
+    for (int i = 0; i < count; ++i)
+        svg += "<circle r=\"9\" cx=\"" + QByteArray::number(int(random() % 600)) + "\" cy=\"" +
+               QByteArray::number(int(random() % 400)) + "\"/>";
+    file.write(svg + "</g><path id=\"plate\" stroke=\"#000\" fill=\"none\" d=\"M100 300H300V200H100Z\"/></svg>");
+}
+
 // A drawing too large for one slice: what stands there meanwhile is never blank, and the end is exact whatever happens
 // before it.
 TEST(Canvas, LargePictureIsSharpInTheEnd) {
     WindowRig rig;
-    {
-        QFile file(rig.drawing());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        std::mt19937 random(3);
-        QByteArray svg =
-            "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"600pt\" height=\"400pt\" viewBox=\"0 0 600 400\">"
-            "<g id=\"all\" fill=\"none\" stroke=\"#246\">";
-        for (int i = 0; i < 30'000; ++i)
-            svg += "<circle r=\"9\" cx=\"" + QByteArray::number(int(random() % 600)) + "\" cy=\"" +
-                   QByteArray::number(int(random() % 400)) + "\"/>";
-        file.write(svg + "</g><path id=\"plate\" stroke=\"#000\" fill=\"none\" d=\"M100 300H300V200H100Z\"/></svg>");
-    }
+    writeCircles(rig, 30'000, "");
     ASSERT_TRUE(rig.window->file().open(rig.drawing()));
     int steps = 0;
     QObject::connect(&rig.canvas(), &desktop::Canvas::pictureProgressed,
@@ -124,6 +134,107 @@ TEST(Canvas, LargePictureIsSharpInTheEnd) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return rig.canvas().isSharp(); }, 20'000)) << "the slices come to an end";
     EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "scrolled, hidden, undone";
     rig.document().markSaved();
+}
+
+// Much is drawn in slices, be it one group or what an edit has touched; the end is the same as ever.
+TEST(Canvas, MuchIsDrawnInSlices) {
+    WindowRig rig;
+    writeCircles(rig, 5'000, "clip-path=\"url(#c)\"");
+    ASSERT_TRUE(rig.window->file().open(rig.drawing()));
+    rig.canvas().shown();
+    rig.canvas().zoomAt({300, 200}, 1.25);
+    rig.canvas().repaint();
+    EXPECT_FALSE(rig.canvas().isSharp()) << "the group that cuts";
+    EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "zoomed";
+    rig.window->editing().selectAll();
+    rig.canvas().repaint();
+    EXPECT_FALSE(rig.canvas().isSharp()) << "the marks";
+    rig.canvas().repaint();
+    EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "selected";
+    rig.window->editing().move({37.3F, -11.7F});
+    rig.canvas().repaint();
+    EXPECT_FALSE(rig.canvas().isSharp()) << "the move";
+    rig.dimensionEdge();
+    rig.canvas().repaint();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return rig.canvas().isSharp(); }, 20'000));
+    EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << "moved, and dimensioned meanwhile";
+    rig.document().markSaved();
+}
+
+// Whatever the zoom: what panning uncovers is the drawing and no bare page.
+TEST(Canvas, PanningUncoversTheDrawing) {
+    WindowRig rig;
+    writeCircles(rig, 4'000, "");
+    ASSERT_TRUE(rig.window->file().open(rig.drawing()));
+    for (const double zoom : {1.93, 2.7, 3.33}) {
+        rig.canvas().setZoom(zoom);
+        rig.canvas().shown();
+        rig.canvas().scrollBy({0, -17});
+        const QImage now = rig.canvas().grab().toImage().convertToFormat(QImage::Format_RGB32);
+        const QImage fresh = rig.canvas().fresh();
+        ASSERT_EQ(now.size(), fresh.size());
+        const int strip = static_cast<int>(17 * rig.canvas().devicePixelRatioF());
+        int different = 0, inked = 0;
+        for (int y = now.height() - strip; y < now.height(); ++y)
+            for (int x = 0; x < now.width(); ++x) {
+                inked += fresh.pixel(x, y) != fresh.pixel(0, fresh.height() / 2) ? 1 : 0;
+                different += now.pixel(x, y) != fresh.pixel(x, y) ? 1 : 0;
+            }
+        EXPECT_GT(inked, now.width()) << zoom;
+        EXPECT_LT(different, inked / 4) << zoom;
+        EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh());
+    }
+    rig.document().markSaved();
+}
+
+// What acts on a group as a whole must follow each of its members.
+TEST(Canvas, EditsInGroupsRedrawTheGroups) {
+    WindowRig rig;
+    {
+        QFile file(rig.drawing());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(
+            "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"600pt\" height=\"400pt\" viewBox=\"0 0 600 400\"><defs>"
+            "<clipPath id=\"c\" clipPathUnits=\"objectBoundingBox\"><circle cx=\".5\" cy=\".5\" r=\".4\"/></clipPath>"
+            "<marker id=\"m\" markerWidth=\"9\" markerHeight=\"9\" refX=\"4\" refY=\"4\"><circle cx=\"4\" cy=\"4\" "
+            "r=\"4\"/></marker><linearGradient id=\"g\"><stop stop-color=\"#f00\"/><stop offset=\"1\" "
+            "stop-color=\"#00f\"/></linearGradient></defs><g clip-path=\"url(#c)\"><rect id=\"a\" x=\"20\" y=\"20\" "
+            "width=\"80\" height=\"300\"/><rect id=\"b\" x=\"150\" y=\"90\" width=\"80\" height=\"80\"/></g>"
+            "<g opacity=\".5\"><path id=\"d\" marker-end=\"url(#m)\" marker-start=\"url(#m)\" stroke-width=\"8\" "
+            "stroke=\"#060\" d=\"M300 50H400\"/><path id=\"e\" fill=\"url(#g)\" d=\"M300 300h40v40h-40z m200 "
+            "0h20v20h-20z"
+            "\"/></g></svg>");
+    }
+    ASSERT_TRUE(rig.window->file().open(rig.drawing()));
+    rig.canvas().shown();
+    for (const char* id : {"b", "d", "e"}) {
+        host::ArtId art = rig.document().findBySvgId(id);
+        if (rig.document().find(art)->kind == kCompoundPathArt) art = rig.document().find(art)->firstChild;
+        ASSERT_TRUE(rig.desk->host().edit("Move", [&](host::Document& document) {
+            return document.transform(art, {1, 0, 0, 1, 71.3F, -33.9F}, 1);
+        }));
+        EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << id;
+        rig.window->undo();
+        EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << id << " undone";
+    }
+    rig.document().markSaved();
+}
+
+TEST(Canvas, LostReleasesAndKeysLeaveNothingHeld) {
+    WindowRig rig;
+    rig.window->tools()->choose("select");
+    const QPoint start = rig.pixel(50, 50);
+    QTest::mousePress(&rig.canvas(), Qt::LeftButton, {}, start);
+    rig.moveTo(rig.pixel(350, 350), Qt::LeftButton);
+    rig.moveTo(rig.pixel(350, 350));  // the button was let go over an alert
+    EXPECT_TRUE(rig.document().find(rig.document().findBySvgId("plate"))->selected) << "the band has ended";
+    rig.click(rig.pixel(20, 20));
+    EXPECT_FALSE(rig.document().find(rig.document().findBySvgId("plate"))->selected) << "no press is swallowed";
+    QTest::keyPress(&rig.canvas(), Qt::Key_Space);
+    EXPECT_EQ(rig.canvas().cursor().shape(), Qt::OpenHandCursor);
+    QFocusEvent away(QEvent::FocusOut);
+    QApplication::sendEvent(&rig.canvas(), &away);
+    EXPECT_NE(rig.canvas().cursor().shape(), Qt::OpenHandCursor);
 }
 
 }  // namespace

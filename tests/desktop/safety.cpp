@@ -1,4 +1,9 @@
 // What keeps the user's work when something goes wrong.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QProcess>
 #include <QStandardPaths>
@@ -88,6 +93,92 @@ TEST(Safety, CopyOfACrashedProgramIsOffered) {
     other.waitForFinished();
 }
 
+// Whatever program file the one that still runs was started from, and whatever its number.
+TEST(Safety, CopyOfARunningProgramIsLeftAlone) {
+    for (const QString& file : RescueFolder().entryList(QDir::Files)) RescueFolder().remove(file);
+    QProcess other;
+    other.start("sleep", {"60"});
+    ASSERT_TRUE(other.waitForStarted());
+    const QString copy = RescueFolder().filePath(QString::number(other.processId()) + ".svg");
+    WindowRig rig;
+    ASSERT_TRUE(QFile::copy(rig.drawing(), copy));
+    const int lock = ::open(QFile::encodeName(copy + ".lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(lock, LOCK_EX | LOCK_NB), 0);
+    EXPECT_FALSE(rig.window->file().offerRescuedCopy()) << "would have asked, and waited for an answer";
+    EXPECT_TRUE(QFile::exists(copy));
+    ::close(lock);  // as when it crashes, though its number lives on
+    rig.inDialog([&] { EXPECT_FALSE(rig.window->file().offerRescuedCopy()); },
+                 [](QWidget* box) { Answer(box, QMessageBox::Discard); });
+    EXPECT_FALSE(QFile::exists(copy));
+    EXPECT_FALSE(QFile::exists(copy + ".lock"));
+    other.kill();
+    other.waitForFinished();
+}
+
+// A crash has left a copy under the number that this process has now.
+TEST(Safety, OwnCopyDoesNotOverwriteACrashedOne) {
+    for (const QString& file : RescueFolder().entryList(QDir::Files)) RescueFolder().remove(file);
+    const QString crashed = RescueFolder().filePath(QString::number(QCoreApplication::applicationPid()) + ".svg");
+    WindowRig rig;
+    ASSERT_TRUE(QFile::copy(rig.drawing(), crashed));
+    const QByteArray before = BytesOf(crashed);
+    rig.dimensionEdge();
+    rig.window->file().putCopyAside();
+    EXPECT_EQ(BytesOf(crashed), before);
+    EXPECT_EQ(RescueFolder().entryList({"*.svg"}, QDir::Files).size(), 2);
+    ASSERT_TRUE(rig.window->file().save());
+    EXPECT_EQ(RescueFolder().entryList({"*.svg"}, QDir::Files), QStringList(QFileInfo(crashed).fileName()));
+    QFile::remove(crashed);
+}
+
+// A name typed without its ending is that of a file which is there.
+TEST(Safety, NoFileIsReplacedUnasked) {
+    WindowRig rig;
+    const QString other = rig.home.filePath("other.svg"), paper = rig.home.filePath("plate.png");
+    for (const QString& path : {other, paper}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("somebody's");
+    }
+    const auto named = [&](const char* name) {
+        return [&rig, name](QWidget* dialog) { rig.nameFile(dialog, rig.home.filePath(name)); };
+    };
+    const auto answered = [](QMessageBox::StandardButton button) {
+        return [button](QWidget* box) { Answer(box, button); };
+    };
+    const auto leave = [](QWidget* dialog) { dialog->close(); };
+    rig.inDialogs([&] { EXPECT_FALSE(rig.window->file().saveAs()); },
+                  {named("other"), answered(QMessageBox::No), leave});
+    rig.inDialogs([&] { rig.item("Export PNG...")->trigger(); }, {named("plate"), answered(QMessageBox::No), leave});
+    EXPECT_EQ(BytesOf(other), "somebody's");
+    EXPECT_EQ(BytesOf(paper), "somebody's");
+    EXPECT_EQ(rig.window->file().path(), rig.drawing());
+    rig.inDialogs([&] { EXPECT_TRUE(rig.window->file().saveAs()); }, {named("other"), answered(QMessageBox::Yes)});
+    EXPECT_EQ(rig.window->file().path().toStdString(), other.toStdString());
+    EXPECT_EQ(BytesOf(other).toStdString(), BytesOf(rig.drawing()).toStdString());
+    rig.inDialogs([&] { rig.item("Export PNG...")->trigger(); }, {named("plate"), answered(QMessageBox::Yes)});
+    EXPECT_TRUE(BytesOf(paper).startsWith("\x89PNG"));
+    rig.inDialog([&] { EXPECT_TRUE(rig.window->file().saveAs()); }, named("fresh"));
+    EXPECT_TRUE(QFile::exists(rig.home.filePath("fresh.svg")));
+}
+
+TEST(Safety, WaitingIsShownWhileAFileIsOpened) {
+    WindowRig rig;
+    std::vector<Qt::CursorShape> seen;
+    QObject::connect(&rig.window->file(), &desktop::DrawingFile::drawingLeaves, [&] {
+        const QCursor* over = QApplication::overrideCursor();
+        seen.push_back(over != nullptr ? over->shape() : Qt::ArrowCursor);
+    });
+    ASSERT_TRUE(rig.window->file().open(rig.drawing()));
+    EXPECT_EQ(seen, std::vector<Qt::CursorShape>{Qt::WaitCursor});
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    rig.inDialog([&] { EXPECT_FALSE(rig.window->file().open(rig.home.filePath("missing.svg"))); },
+                 [](QWidget* box) {
+                     EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "nobody waits for a question";
+                     Answer(box, QMessageBox::Ok);
+                 });
+}
+
 // What was given up for a drawing that cannot be opened is still there, in the window and against a crash.
 TEST(Safety, DiscardedChangesStayUntilAnotherDrawingIsOpen) {
     const QString own = RescueFolder().filePath(QString::number(QCoreApplication::applicationPid()) + ".svg");
@@ -127,6 +218,57 @@ TEST(Safety, BrokenFileLeavesTheDrawingThatIsOpen) {
         EXPECT_EQ(rig.dump(), dump);
         EXPECT_EQ(rig.window->file().path(), rig.drawing());
         EXPECT_FALSE(desktop::DrawingFile::recentFiles().contains(path));
+    }
+}
+
+TEST(Safety, FailuresAreToldInTheLanguageOfTheTools) {
+    WindowRig rig({.language = "ja"});
+    const auto told = [&](const QByteArray& svg) {
+        const QString path = rig.home.filePath("bad.svg");
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9pt\" height=\"9pt\">\n" + svg + "</svg>");
+        file.close();
+        QString said;
+        rig.inDialog([&] { EXPECT_FALSE(rig.window->file().open(path)); },
+                     [&](QWidget* box) {
+                         said = qobject_cast<QMessageBox*>(box)->text();
+                         Answer(box, QMessageBox::Ok);
+                     });
+        return said.toStdString();
+    };
+    EXPECT_EQ(told("<rect id=\"a\" width=\"wide\" height=\"1\"/>"),
+              "bad.svg: 2 行目: rect \"a\": width の長さが正しくありません");
+    EXPECT_EQ(told("<g id=\"b\" transform=\"spin(3)\"/>"), "bad.svg: 2 行目: g \"b\": transform が正しくありません");
+    EXPECT_EQ(told("\xff"), "bad.svg: 2 行目: UTF-8 でないバイトがあります");
+    EXPECT_EQ(rig.desk->sayCause("12000 by 9000 pixels are too many; take fewer dots per inch").toStdString(),
+              "12000 × 9000 ピクセルは多すぎます。解像度を下げてください");
+    EXPECT_EQ(rig.desk->sayCause("the disk is on fire"), "the disk is on fire");
+}
+
+TEST(Safety, ButtonsSpeakTheLanguageOfTheTools) {
+    const QString words = QLibraryInfo::path(QLibraryInfo::TranslationsPath) + "/qtbase_ja.qm";
+    if (!QFile::exists(words)) GTEST_SKIP() << words.toStdString() << " (qt6-translations-l10n) is not here";
+    for (const char* language : {"ja", "en"}) {
+        WindowRig rig({.language = language});
+        rig.dimensionEdge();
+        QStringList labels;
+        rig.inDialog([&] { EXPECT_FALSE(rig.window->file().mayLeave()); },
+                     [&](QWidget* box) {
+                         for (QAbstractButton* button : qobject_cast<QMessageBox*>(box)->buttons())
+                             labels.append(button->text().remove('&'));
+                         rig.picture(box, QStringLiteral("unsaved-%1").arg(language));
+                         Answer(box, QMessageBox::Cancel);
+                     });
+        ASSERT_EQ(labels.size(), 3);
+        for (const QString& label : labels)
+            EXPECT_EQ(label.at(0).unicode() >= 0x3000, language[0] == 'j') << label.toStdString();
+        rig.inDialog([&] { rig.window->file().openAsking(); },
+                     [&](QWidget* dialog) {
+                         rig.picture(dialog, QStringLiteral("file-dialog-%1").arg(language));
+                         dialog->close();
+                     });
+        rig.document().markSaved();
     }
 }
 

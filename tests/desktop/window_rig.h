@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -125,11 +127,14 @@ struct WindowRig {
     // Runs deed, and on each dialog that it opens, one after the other, what is given for it.
     static void inDialogs(const std::function<void()>& deed, const std::vector<std::function<void(QWidget*)>>& there) {
         std::size_t came = 0;
+        bool inside = false;  // what is given may wait for something itself
         QTimer waiting;
         QObject::connect(&waiting, &QTimer::timeout, [&] {
             QWidget* dialog = QApplication::activeModalWidget();
-            if (dialog == nullptr || came == there.size()) return;
+            if (dialog == nullptr || inside || came == there.size()) return;
+            inside = true;
             there[came++](dialog);
+            inside = false;
             if (QApplication::activeModalWidget() == dialog) {
                 ADD_FAILURE() << "the dialog stays open";
                 dialog->close();
@@ -141,6 +146,23 @@ struct WindowRig {
     }
     static void inDialog(const std::function<void()>& deed, const std::function<void(QWidget*)>& there) {
         inDialogs(deed, {there});
+    }
+    // Gives a file dialog a name, as typed, once it has listed its folder: what it then selects goes before what was
+    // typed earlier.
+    static void nameFile(QWidget* dialog, const QString& path) {
+        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        ASSERT_NE(name, nullptr) << "no file dialog";
+        auto* list = dialog->findChild<QListView*>(QStringLiteral("listView"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount(list->rootIndex()) > 0; }));
+        name->setText(path);
+        QTest::keyClick(name, Qt::Key_Return);
+    }
+    // The menu's item of this text, without the letters that only say its key.
+    QAction* item(const QString& text) const {
+        for (QAction* action : window->findChildren<QAction*>())
+            if (action->text().remove(QLatin1Char('&')) == text) return action;
+        ADD_FAILURE() << "no menu item " << text.toStdString();
+        return nullptr;
     }
     template <typename Widget>
     static Widget* control(QWidget* dialog, int id) {

@@ -225,6 +225,28 @@ TEST_F(Suites, PathsGrowAtTheEndAndRefuseGapsAndNumbersThatAreNone) {
     });
 }
 
+// 16 bits count no further, so that a change of all that is seen would leave the rest behind.
+TEST_F(Suites, PathsWithMoreAnchorsThanCanBeCountedAreNotTorn) {
+    const std::vector<PathSegment> many(INT16_MAX, PathSegment{{1, 2}, {1, 2}, {1, 2}, 1});
+    AIArtHandle path = nullptr;
+    within([&] {
+        path = newPath({{0, 0}});
+        EXPECT_EQ(paths().SetPathSegments(path, 0, INT16_MAX, many.data()), kNoErr);
+        EXPECT_EQ(paths().SetPathSegments(path, 7, 1, many.data()), kNoErr);
+        EXPECT_NE(paths().SetPathSegments(path, INT16_MAX, 1, many.data()), kNoErr);
+    });
+    Document& document = *host.document();
+    const ArtId id = document.find(document.layer(document.layers()[0])->root)->firstChild;
+    document.setSegments(id, INT16_MAX, std::span(many).first(1));
+    within([&] {
+        std::int16_t count = 0;
+        EXPECT_EQ(paths().GetPathSegmentCount(path, &count), kNoErr);
+        EXPECT_EQ(count, INT16_MAX);
+        EXPECT_NE(paths().SetPathSegments(path, 7, 1, many.data()), kNoErr);
+        EXPECT_NE(paths().SetPathSegmentCount(path, 5), kNoErr);
+    });
+}
+
 TEST_F(Suites, SelectionOfAPathIsWholeUntilOneSegmentIsSet) {
     within([&] {
         const AIArtHandle path = newPath({{0, 0}, {10, 0}, {10, 10}});

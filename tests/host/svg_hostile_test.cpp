@@ -1,5 +1,11 @@
 // Damaged and hostile files: each is refused with one line that says what and where, and nothing is half loaded.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
 
 #include "tests/host/svg_support.h"
 
@@ -92,13 +98,146 @@ TEST(SvgHostile, CopiesOfCopies) {
     EXPECT_NE(refusal(page(text)).find("copies"), std::string::npos);
 }
 
-TEST(SvgHostile, StyleSheetsThatCostTooMuch) {
-    refusal(page("<style>" + repeated(".a{fill:red}", 20000) + "</style>" + repeated("<g class='a'/>", 5000)));
+// Files whose size is harmless and whose cost, taken naively, grows with its square or worse. Work is measured in the
+// processor's time, which no other program on the machine makes longer.
+class SvgHostileWork : public testing::Test {
+  protected:
+    ~SvgHostileWork() override { EXPECT_LT(double(std::clock() - start_) / CLOCKS_PER_SEC, 5.0); }
+
+  private:
+    std::clock_t start_ = std::clock();
+};
+
+TEST_F(SvgHostileWork, CopiesOfWhatIsLong) {
+    const std::string uses = repeated("<use href='#a'/>", 150000);
+    const std::string points = "1,1" + std::string(200000, ' ');
+    EXPECT_NE(refusal(page("<defs><polygon id='a' points='" + points + "'/></defs>" + uses)).find("copies"),
+              std::string::npos);
+    const std::string spans = repeated("<tspan/>", 20000);
+    EXPECT_NE(refusal(page("<defs><text id='a'>" + spans + "<textPath/></text></defs>" + uses)).find("copies"),
+              std::string::npos);
 }
 
-TEST(SvgHostile, FilesThatCannotBeRead) {
+TEST_F(SvgHostileWork, EntitiesInOneAttribute) {
+    const std::string head = "<!DOCTYPE svg [<!ENTITY x \"" + std::string(2000, 'y') + "\"><!ENTITY z \"\">]>\n";
+    EXPECT_EQ(refusal(head + page("<g id='" + repeated("&x;", 1000000) + "'/>")),
+              "line 3: the entities expand to too much");
+    // The marks of entities that never end, read and then edited.
+    const std::string marks(2000000, '&');
+    const auto document = open(head + page("<path id='p' d='M0 0' class='" + marks + "' style='" + marks + "'/>"));
+    document->setHidden(art(*document, "p").id, true);
+    EXPECT_GT(writeSvg(*document).size(), 4000000U);
+    // Many elements may each have their style by an entity.
+    const std::string style = "fill:none;stroke:#010203;stroke-width:2";
+    const auto styled =
+        open("<!DOCTYPE svg [<!ENTITY st0 \"" + style + std::string(61, ';') + "\">]>\n" +
+             page(repeated("<path style='&st0;' d='M0 0'/>", 60000) + "<path id='p' style='&st0;' d='M0 0'/>"));
+    EXPECT_EQ(art(*styled, "p").path->style->strokeWidth, 2);
+}
+
+TEST_F(SvgHostileWork, ClassesAndRules) {
+    const auto sheet = [](const std::string& rules, const std::string& elements) {
+        return page("<style>" + rules + "</style>" + elements);
+    };
+    const std::string thousand = repeated("fill:red;", 1000);
+    open(sheet(".a{" + thousand + "}", "<g class='" + repeated("a ", 500000) + "'/>"));
+    refusal(sheet(repeated(".a,", 30000) + ".a{" + repeated(thousand, 30) + "}", "<g class='a'/>"));
+    refusal(sheet(repeated(".a{fill:red}", 20000), repeated("<g class='a'/>", 5000)));
+    std::string names;
+    for (int i = 0; i < 99000; ++i) names += "b" + std::to_string(i) + " ";
+    open(sheet(repeated(".a", 99000) + "{fill:red}", "<g class='" + names + "a'/>"));
+}
+
+TEST_F(SvgHostileWork, ManyClassesOnManyElementsAreHonest) {
+    std::string rules, classes;
+    for (int i = 0; i < 10; ++i) {
+        const std::string name = "c" + std::to_string(i);
+        rules += "." + name + "{" + repeated("opacity:1;", 11) + "stroke-width:" + std::to_string(i) + "}";
+        classes += name + " ";
+    }
+    rules = "<style>" + rules + "</style>";
+    const std::string path = "<path class='" + classes + "' stroke='red' d='M0 0'/>";
+    const auto document = open(page(rules + repeated(path, 40000)));
+    EXPECT_EQ(document->artCount(), 40000U);
+    const Art& top = *document->find(document->find(topLayer(*document).root)->firstChild);
+    EXPECT_EQ(top.path->style->strokeWidth, 9);
+    open(page(rules + "<defs><g id='a'>" + repeated(path, 10) + "</g></defs>" + repeated("<use href='#a'/>", 4500)));
+}
+
+TEST_F(SvgHostileWork, LayersAndWhatLiesBetweenThem) {
+    const int count = 30000;
+    const auto document = open(page(repeated("<desc/>", 50000) + repeated("<g/><g inkscape:groupmode='layer'/>", count),
+                                    " xmlns:inkscape='http://www.inkscape.org/namespaces/inkscape'"));
+    ASSERT_EQ(document->layers().size(), 2U * count);
+    EXPECT_EQ(topLayer(*document).title, "Layer");
+    EXPECT_EQ(document->layer(document->layers()[1])->title, "<root> " + std::to_string(count));
+    EXPECT_EQ(document->layer(document->layers().back())->title, "<root>");
+}
+
+TEST_F(SvgHostileWork, WhatManyElementsInherit) {
+    std::string texts;
+    for (int weight = 1; weight < 1000; ++weight)
+        texts += "<text font-weight='" + std::to_string(weight) + "'>t</text>";
+    open(page("<g font-family='" + repeated("a,", 30000) + "'>" + texts + "</g>"));
+    const std::string paths = repeated("<path d='M0 0'/>", 30000);
+    open(page("<g fill='url(#" + std::string(2000000, 'a') + ")'>" + paths + "</g>"));
+    std::string attributes;
+    for (int i = 0; i < 20000; ++i) attributes += " a" + std::to_string(i) + "=''";
+    open(page("<linearGradient" + attributes + " id='l'/><g fill='url(#l)'>" + paths + "</g>"));
+}
+
+TEST_F(SvgHostileWork, Names) {
+    std::string prefixes;
+    for (int i = 0; i < 60000; ++i) prefixes += " xmlns:p" + std::to_string(i) + "='http://www.w3.org/2000/svg'";
+    const auto document = open(page(repeated("<p9:g/>", 100000) + repeated("<other:g/>", 100000), prefixes));
+    EXPECT_EQ(document->artCount(), 100000U);
+    const std::string longPrefix = " xmlns:" + std::string(1000000, 'i');
+    open(page(repeated("<g/>", 60000), longPrefix + "='http://www.inkscape.org/namespaces/inkscape'"));
+    std::string tags;
+    for (int i = 0; i < 60000; ++i) tags += " q:m" + std::to_string(59999 - i % 2) + "-t" + std::to_string(i) + "=''";
+    const auto compound = open(page("<path id='c' d='" + repeated("M0 0", 60000) + "'" + tags + "/>",
+                                    " xmlns:q='https://quorvel.invalid/ns/1'"));
+    const Art& last = *compound->find(art(*compound, "c").firstChild);
+    EXPECT_EQ(last.tags.size(), 30000U);
+    EXPECT_EQ(compound->find(last.below)->tags.size(), 30000U);
+}
+
+TEST_F(SvgHostileWork, FilesThatCannotBeRead) {
     EXPECT_EQ(readSvgFile("/no/such/file.svg").error, "No such file or directory");
     EXPECT_EQ(readSvgFile("/").error, "Is a directory");
+    EXPECT_EQ(readSvgFile("/dev/zero").error, "a device or pipe, not a file");
+    const std::string name = testing::TempDir() + "svg_hostile_" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+    EXPECT_EQ(readSvgFile(name).error, "a device or pipe, not a file");
+    std::filesystem::remove(name);
+    std::ofstream(name) << "<svg/>";
+    EXPECT_EQ(readSvgFile(name).error, "");
+    std::filesystem::resize_file(name, std::uintmax_t{1} << 40);  // takes no room on the disk
+    EXPECT_EQ(readSvgFile(name).error, "the file is larger than 512 MB");
+    std::filesystem::remove(name);
+}
+
+TEST(SvgHostile, PagesOutOfProportion) {
+    const struct {
+        std::string size;
+        float width, height;  // a side is from a thousandth of a pixel to ten million
+    } rows[] = {{"width='100' viewBox='0 0 1e-300 1e300'", 75, 7.5e6F},
+                {"height='100' viewBox='0 0 1e-300 1e300'", 7.5e-4F, 75},
+                {"viewBox='0 0 1e-300 1e300'", 7.5e-4F, 7.5e6F},
+                {"width='1e-300' height='1e300'", 225, 112.5F}};
+    for (const auto& row : rows) {
+        const auto document = open("<svg xmlns='http://www.w3.org/2000/svg' " + row.size + "/>");
+        EXPECT_EQ(document->width(), row.width) << row.size;
+        EXPECT_EQ(document->height(), row.height) << row.size;
+    }
+}
+
+TEST(SvgHostile, MoreUnknownNamesThanAnyoneReads) {
+    std::string text;
+    for (int i = 0; i < 1000; ++i) text += "<unknown" + std::to_string(i) + "/>";
+    const SvgReadResult read = readSvg(page(text));
+    ASSERT_EQ(read.warnings.size(), 21U);
+    EXPECT_EQ(read.warnings.back(), "and 980 more kinds of things");
 }
 
 }  // namespace

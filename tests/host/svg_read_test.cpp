@@ -166,6 +166,30 @@ TEST(SvgRead, SubpathsAreMembersOfACompoundPath) {
     expectPoint(closed[0].in, 7, 193);
 }
 
+TEST(SvgRead, APieceThatIsLeftOfSeveralKeepsItsTags) {
+    const std::string own = " xmlns:quorvel='https://quorvel.invalid/ns/1'";
+    const auto document =
+        open(page("<path id='one' d='M0 0 1 1' quorvel:m1-A='1' quorvel:m1-B='2' quorvel:C='3'/>"
+                  "<path id='two' d='M0 0 1 1' quorvel:m0-A='1' quorvel:m1-A='2'/>",
+                  own));
+    const ArtId one = art(*document, "one").id;
+    ASSERT_EQ(art(*document, "one").tags.size(), 3U);
+    EXPECT_EQ(*document->tag(one, "A"), "1");
+    EXPECT_EQ(*document->tag(one, "B"), "2");
+    // Which of two it was is not known.
+    EXPECT_EQ(document->tag(art(*document, "two").id, "A"), nullptr);
+}
+
+TEST(SvgRead, EntitiesInTextsAreExpanded) {
+    const auto document = open("<!DOCTYPE svg [<!ENTITY name 'A > \"B\"'><!ENTITY big 'font-size:20px'>]>" +
+                               page("<text id='t'>&name;<tspan style='&big;'>c</tspan><![CDATA[&name;]]>&amp;</text>"));
+    const TextData& text = *art(*document, "t").text;
+    EXPECT_EQ(text.text, u"A > \"B\"c&name;&");
+    ASSERT_EQ(text.runs.size(), 3U);
+    EXPECT_EQ(text.runs[1].length, 1);
+    EXPECT_EQ(text.runs[1].features.size, 20);
+}
+
 TEST(SvgRead, CornersComeFromHandlesOrNodeTypes) {
     const std::string sodipodi = " xmlns:sodipodi='http://sodipodi.sourceforge.net/DTD/sodipodi-0.dtd'";
     const auto document =
@@ -320,6 +344,19 @@ TEST(SvgRead, WhatIsNoArtIsKeptAndSaidOnce) {
                                         "image elements are kept as they are", "texts on paths are kept as they are"}));
     EXPECT_EQ(read.document->artCount(), 6U);
     EXPECT_EQ(art(*read.document, "p").kind, kPathArt);
+}
+
+TEST(SvgRead, TransformsInCssAreSaidOnceAndNotApplied) {
+    const std::vector<std::string> said{"transforms in CSS are kept but not applied"};
+    const std::string two = "<path id='p' class='a' d='M 1 0'/><path class='a' d='M 1 0'/>";
+    const SvgReadResult sheet = readSvg(page("<style>.a{transform:scale(2)}</style>" + two));
+    EXPECT_EQ(sheet.warnings, said);
+    expectPoint(segments(*sheet.document, "p")[0].p, 1, 200);
+    EXPECT_EQ(readSvg(page("<path style='transform:scale(2)' d='M 1 0'/>")).warnings, said);
+    // Rules for nothing, other properties and the attribute are no such thing.
+    EXPECT_TRUE(readSvg(page("<style>.b{transform:scale(2)}.a{transform:none;transform-origin:0 0}</style>" + two +
+                             "<text style='text-transform:none' transform='scale(2)'>t</text>"))
+                    .warnings.empty());
 }
 
 TEST(SvgRead, UseElementsShowWhatTheyReferTo) {

@@ -368,7 +368,8 @@ TEST(SvgRoundTrip, NewDocumentsComeBackWhole) {
     }
 }
 
-// Two layers beside loose art, transforms at all depths, inherited paint, shapes, text, a use, something foreign.
+// Two layers beside loose art, transforms at all depths, inherited paint, shapes, text, something foreign, and clones
+// of all of these, of each other and of what is only defined.
 constexpr const char* kBusyFile = R"svg(<?xml version="1.0"?>
 <!-- kept -->
 <svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink"
@@ -376,25 +377,29 @@ constexpr const char* kBusyFile = R"svg(<?xml version="1.0"?>
      xmlns:sodipodi="http://sodipodi.sourceforge.net/DTD/sodipodi-0.dtd"
      width="210mm" height="297mm" viewBox="0 0 210 297" id="root">
   <sodipodi:namedview id="view" inkscape:current-layer="one"/>
-  <defs><g id="nut"><circle r="3"/><path d="M 1 1 2 2"/></g></defs>
+  <defs><g id="nut"><circle r="3"/><path d="M 1 1 2 2"/></g>
+    <symbol id="sign" viewBox="0 0 7 9"><use xlink:href="#nut" x="1"/><rect id="plate" width="5" height="6"/></symbol></defs>
   <path id="loose" d="m 1,2 3,4 h 5" stroke="red"/>
   <g inkscape:groupmode="layer" inkscape:label="One" id="one" transform="rotate(30)" style="stroke-width:0.5;marker-end:url(#m)">
     <!-- inside -->
-    <g id="g1" transform="scale(2,3)" fill="#123456" fill-opacity="0.5">
+    <g id="g1" clip-path="url(#m)" transform="scale(2,3)" fill="#123456" fill-opacity="0.5">
       <rect id="r" x="1" y="2" width="30" height="40" rx="5"/>
       <circle id="c" cx="50" cy="60" r="7"><title>Hole</title></circle>
     </g>
     <use id="u" xlink:href="#nut" x="20" y="5" transform="skewX(10)"/>
-    <text id="t" x="10" y="20"><tspan font-size="5">A</tspan><tspan x="10" dy="6" font-weight="bold">B</tspan></text>
+    <text id="t" x="10" y="20" mask="url(#m)"><tspan font-size="5">A</tspan><tspan x="10" dy="6" font-weight="bold">B</tspan></text>
     <image id="i" width="10" height="10"/>
+    <use xlink:href="#sign" x="3" y="4" width="21" height="13" transform="rotate(7)"/>
   </g>
   <g inkscape:groupmode="layer" inkscape:label="Two">
     <path id="p" sodipodi:nodetypes="cscc" d="M 0 0 C 1 0 2 1 3 1 L 5 5 V 8 M 20 20 A 5 6 0 0 1 30 20 Z"
-       style="stroke:#000;stroke-dasharray:1,2"/></g>
+       style="stroke:#000;stroke-dasharray:1,2"/>
+    <g id="g2" transform="scale(0.7)"><use xlink:href="#g1" x="0.3" transform="scale(1.1)"/><use xlink:href="#t"/>
+    <use xlink:href="#two"/></g><g id="two" opacity="0.5" style="filter:url(#m)"><use xlink:href="#i"/><use xlink:href="#p" y="3.3"/></g></g>
 </svg>)svg";
 
 TEST(SvgRoundTrip, ChangedFilesComeBackWhole) {
-    for (unsigned seed = 1; seed <= 120 && !HasFailure(); ++seed) {
+    for (unsigned seed = 1; seed <= 300 && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         const std::unique_ptr<Document> document = open(kBusyFile);
         Draughtsman(document.get(), seed).work(1 + static_cast<int>(seed % 30));

@@ -185,7 +185,9 @@ TEST(SvgWrite, ChangedShapesBecomePaths) {
     expectChange("<g transform=\"rotate(90)\"><line id=\"l\" x2=\"7\"/></g>",
                  "<g transform=\"rotate(90)\"><path id=\"l\" d=\"M 5,-10 L 12,-10\"/></g>", shift("l"));
     expectChange("<use id='u' href='#s' x='3'/><defs><path id='s' d='M 0 0 1 1'/></defs>",
-                 "<g id='u'>\n  <path d=\"M 13,5 L 14,6\"/>\n</g><defs><path id='s' d='M 0 0 1 1'/></defs>",
+                 "<g id='u' transform=\"translate(10,5) translate(3,0)\">\n  <path d='M 0 0 1 1'/>\n</g><defs><path "
+                 "id='s' d='M 0 0 1 "
+                 "1'/></defs>",
                  shift("u"));
     expectChange("<image id=\"i\" transform=\"scale(2)\"/>", "<image id=\"i\" transform=\"matrix(2 0 0 2 10 5)\"/>",
                  shift("i"));
@@ -222,6 +224,142 @@ TEST(SvgWrite, AttributesAndStylesAreEditedInPlace) {
         document.undo();
     };
     expectChange(line, line, undone);
+}
+
+TEST(SvgWrite, ArtThatMovesWholeTakesAlongWhatItRefersTo) {
+    const auto shift = [](const char* id) {
+        return [=](Document& document) { document.transform(art(document, id).id, {1, 0, 0, 1, 10, -5}, 1); };
+    };
+    const auto turn = [](const char* id) {
+        return [=](Document& document) { document.transform(art(document, id).id, {0, 1, -1, 0, 200, 200}, 1); };
+    };
+    const std::string group = "<g id=\"g\" clip-path=\"url(#c)\"><path id='p' d='M0 0H9'/><image id='i'/></g>";
+    expectChange(group, replaced(group, "(#c)\"", "(#c)\" transform=\"translate(10,5)\""), shift("g"));
+    expectChange(group, replaced(group, "(#c)\"", "(#c)\" transform=\"matrix(0 -1 1 0 0 0)\""), turn("g"));
+    // What moves alone moves within the clip.
+    expectChange(group, replaced(group, "M0 0H9", "M 10,5 L 19,5"), shift("p"));
+    // What is new in the group is drawn for where it is.
+    expectChange(group,
+                 replaced(replaced(group, "(#c)\"", "(#c)\" transform=\"translate(10,5)\""), "</g>",
+                          "<path style=\"fill:none;stroke:#000000;stroke-width:0.75\" d=\"M -9,5 L -7.5,15\"/></g>"),
+                 [&](Document& document) {
+                     shift("g")(document);
+                     addLine(document, kPlaceInsideOnTop, art(document, "g").id);
+                 });
+    expectChange("<path id='p' mask='url(#m)' transform='scale(2)' d='M0 0H9'/>",
+                 "<path id='p' mask='url(#m)' transform='translate(10,5) scale(2)' d='M0 0H9'/>", shift("p"));
+    expectChange("<style>.c{clip-path:url(#c)}</style><path id=\"p\" class=\"c\" d=\"M0 0H9\"/>",
+                 "<style>.c{clip-path:url(#c)}</style><path id=\"p\" class=\"c\" d=\"M0 0H9\" "
+                 "transform=\"translate(10,5)\"/>",
+                 shift("p"));
+    // A gradient's angle is the drawing's own and does not turn with it.
+    const std::string gradient =
+        "<linearGradient id='l'/><g fill='url(#l)'><path id=\"p\" d=\"M0 0H9\"/><path d='M1 1'/></g>";
+    expectChange(gradient, replaced(gradient, "H9\"", "H9\" transform=\"translate(10,5)\""), shift("p"));
+    expectChange(gradient, replaced(gradient, "M0 0H9", "M 0,0 L 0,-9"), turn("p"));
+    expectChange(group, group, [&](Document& document) {
+        document.begin();
+        shift("g")(document);
+        document.commit("a", "b");
+        document.undo();
+    });
+}
+
+TEST(SvgWrite, DefinitionsInARemovedGroupStay) {
+    const std::string gradient = "<defs><linearGradient id=\"lg\"><stop offset=\"0\"/></linearGradient></defs>";
+    const std::string user = "<path id=\"b\" fill=\"url(#lg)\" d=\"M0 0H9V9Z\"/>";
+    const auto removeG = [](Document& document) { document.removeArt(art(document, "g").id); };
+    expectChange(
+        "<g id=\"g\" color=\"red\" transform=\"scale(2)\">" + gradient + "<path id=\"a\" d=\"M0 0H9\"/></g>" + user,
+        "<defs color=\"red\">" + gradient + "</defs>" + user, removeG);
+    // Also those of what was in it, but not of what has gone elsewhere.
+    expectChange(
+        "<g id='g'>\n  <title>T</title>\n  <g><clipPath id='c'/><clipPath/></g>\n  <g id='k'><marker id='m'/>"
+        "</g>\n</g>\n<g id='h'/>",
+        "<defs><defs><clipPath id='c'/></defs></defs>\n<g id='h'>\n  <g id='k'><marker id='m'/></g>\n</g>",
+        [](Document& document) {
+            document.moveArt(art(document, "k").id, kPlaceInsideOnTop, art(document, "h").id);
+            document.removeArt(art(document, "g").id);
+        });
+    expectChange("<g id='g'><style>.a{fill:red}</style><path d='M0 0'/></g><path class='a' d='M0 0'/>",
+                 "<defs><style>.a{fill:red}</style></defs><path class='a' d='M0 0'/>", removeG);
+}
+
+TEST(SvgWrite, AShapeThatBecomesAPathKeepsTheRulesOfShapes) {
+    const auto shift = [](Document& document) { document.transform(art(document, "r").id, {1, 0, 0, 1, 1, 0}, 1); };
+    const std::string sheet =
+        "<style>rect{fill:none;stroke:red;opacity:.5;rx:1}path{opacity:.2;mask:url(#m);fill-rule:evenodd}</style>";
+    expectChange(sheet + "<rect id=\"r\" style=\"stroke:blue\" width=\"3\" height=\"4\"/>",
+                 sheet +
+                     "<path id=\"r\" style=\"stroke:blue;fill:none;opacity:.5;rx:1;mask:none;fill-rule:inherit\" "
+                     "d=\"M 1,0 L 4,0 L 4,4 L 1,4 Z\"/>",
+                 shift);
+}
+
+TEST(SvgWrite, NewArtTakesOnNoRules) {
+    // The rules for what is not understood may be any.
+    const auto draw = [](Document& document) { addLine(document, kPlaceAboveAll, 0); };
+    const std::string whole =
+        "fill:none;stroke:#000000;stroke-width:0.75;stroke-miterlimit:4;stroke-linecap:butt;stroke-linejoin:miter;"
+        "stroke-dasharray:none;stroke-dashoffset:0";
+    const auto line = [](const std::string& style) { return "<path style=\"" + style + "\" d=\"M 1,10 L 2.5,20\"/>"; };
+    const std::string nested = "<style>svg path{stroke-width:9}</style><path d=\"M0 0\"/>";
+    expectChange(nested, nested + line(whole), draw);
+    const std::string rules = "<style>path{opacity:.2;marker-end:url(#m);fill:red}</style><path d=\"M0 0\"/>";
+    expectChange(rules, rules + line(whole + ";opacity:1;marker-end:none"), draw);
+}
+
+TEST(SvgWrite, EntitiesInAttributesSurviveAnEdit) {
+    const std::string type = "<!DOCTYPE svg [<!ENTITY st0 \"fill:none;stroke:#f00;\">]>";
+    const std::string before =
+        type + page("<g id=\"g\" style=\"&st0;\"><path id=\"p\" style=\"&st0;\" d=\"M0 0H10\"/></g>");
+    const auto document = open(before);
+    document->setTag(art(*document, "g").id, "T", "1");
+    document->setHidden(art(*document, "p").id, true);
+    EXPECT_EQ(writeSvg(*document), type + page("<g id=\"g\" style=\"&st0;\" quorvel:T=\"1\"><path id=\"p\" "
+                                               "style=\"fill:none;stroke:#f00;display:none;\" d=\"M0 0H10\"/></g>",
+                                               kOwnDeclared));
+}
+
+TEST(SvgWrite, AFileInAsciiStaysSo) {
+    const std::string head = "<?xml version=\"1.0\" encoding=\"US-ASCII\"?>\n";
+    const auto document = open(head + page("<g id='g'/>"));
+    document->setLayerTitle(document->layers()[0], "\u5BF8\u6CD5 \xC3\xA9\xF0\x9F\x98\x80");
+    document->setLayerVisible(document->layers()[0], false);
+    const std::string written = writeSvg(*document);
+    EXPECT_NE(written.find("\"&#23544;&#27861; &#233;&#128512;\""), std::string::npos) << written;
+    expectSame(*document, *open(written));
+}
+
+TEST(SvgWrite, IdsOfDefinitionsAreNotGivenAgain) {
+    const auto document =
+        open(page("<defs><linearGradient id='g-2'/></defs><g id='g'><path id='p' d='M0 0'/></g>"
+                  "<!-- p-2 --><clipPath id='p-2'/><clipPath id='quorvel-layer-1'/>"));
+    const ArtId g = art(*document, "g").id;
+    EXPECT_EQ(document->duplicateArt(g, "g-2"), 0U);
+    EXPECT_FALSE(document->setSvgId(g, "p-2"));
+    const ArtId copy = document->duplicateArt(g, "copy");
+    EXPECT_EQ(document->find(document->find(copy)->firstChild)->svgId, "p-3");
+    // The current layer's element gets a name as well.
+    document->insertLayer("Top", 0);
+    document->setCurrentLayer(document->layers().back());
+    EXPECT_NE(writeSvg(*document).find("quorvel-layer-2"), std::string::npos) << writeSvg(*document);
+    // What was art's own is free when the art is gone.
+    document->removeArt(g);
+    EXPECT_TRUE(document->setSvgId(copy, "g"));
+}
+
+TEST(SvgWrite, PrefixesOfOthersAreNotTaken) {
+    const std::string others = " xmlns:sodipodi=\"urn:a\" xmlns:quorvel=\"urn:b\" xmlns:quorvel-own=\"urn:c\"";
+    expectChange(
+        "<g id=\"p\"/>", "<g id=\"p\" sodipodi-own:insensitive=\"true\" quorvel-own-own:T=\"1\"/>",
+        [](Document& document) {
+            document.setLocked(art(document, "p").id, true);
+            document.setTag(art(document, "p").id, "T", "1");
+        },
+        others,
+        " xmlns:quorvel-own-own=\"https://quorvel.invalid/ns/1\" "
+        "xmlns:sodipodi-own=\"http://sodipodi.sourceforge.net/DTD/sodipodi-0.dtd\"");
 }
 
 TEST(SvgWrite, LayersAreGroupsOfTheRoot) {

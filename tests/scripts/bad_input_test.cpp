@@ -1,5 +1,8 @@
 // What the program says to input that it cannot use: one clear line on standard error, exit 2, and nothing written.
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 
 #include "tests/support/program_run.h"
@@ -67,6 +70,73 @@ TEST_F(BadInput, EndsInOneLineThatNamesTheFile) {
     expectRefused("run open.script", "absent.svg");
 }
 
+TEST_F(BadInput, NamesTheLineOfAByteThatIsNoUtf8) {
+    const auto titled = [](const std::string& title) {
+        return std::string(kHead) + "\n<title>" + title + "</title>\n<path d=\"M 0,0 L 10,10\"/></svg>";
+    };
+    // Of each length the first and the last that there is, and the neighbours of the surrogates.
+    write("good.svg", titled("\t\x7F|\xC2\x80\xDF\xBF|\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF|"
+                             "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"));
+    EXPECT_EQ(runProgram("dump good.svg"), 0) << err_;
+    const char* const foreign[] = {
+        "Pl\xE4tte",     // Latin-1
+        "12345678\xE4",  // behind eight that are sound
+        "\xC0\xAF",
+        "\xC1\xBF",
+        "\xE0\x9F\xBF",  // overlong
+        "\xF0\x8F\xBF\xBF",
+        "\xED\xA0\x80",
+        "\xED\xBF\xBF",  // overlong; surrogates
+        "\xF4\x90\x80\x80",
+        "\xF5\x80\x80\x80",
+        "\xFF",  // beyond the last character
+        "\x80",
+        "\xC3",
+        "\xE3\x81|",
+        "\xF0\x9F\x98|",
+    };
+    for (const char* title : foreign) {
+        write("foreign.svg", titled(title));
+        expectRefused("dump foreign.svg", "foreign.svg: line 2: a byte that is no UTF-8");
+    }
+}
+
+// Small files that once took minutes or gigabytes.
+TEST_F(BadInput, IsRefusedWithinASecondAndLittleMemory) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer itself takes more memory than the test allows";
+#endif
+    const auto repeated = [](const std::string& text, int times) {
+        std::string all;
+        for (int i = 0; i < times; ++i) all += text;
+        return all;
+    };
+    write("entity.svg", "<!DOCTYPE svg [<!ENTITY x \"" + std::string(2000, 'y') + "\">]>" + kHead + "\n<g id=\"" +
+                            repeated("&x;", 1000000) + "\"/></svg>");
+    write("rules.svg", std::string(kHead) + "<style>" + repeated(".a,", 30000) + ".a{" + repeated("fill:red;", 30000) +
+                           "}</style>\n<g class=\"a\"/></svg>");
+    write("copies.svg", kHead + ("\n<defs><polyline id=\"a\" points=\"1,1" + std::string(200000, ' ') + "\"/></defs>") +
+                            repeated("<use href=\"#a\"/>", 150000) + "</svg>");
+    write("long.svg", kHead + std::string("</svg>"));
+    std::filesystem::resize_file(path("long.svg"), std::uintmax_t{1} << 40);  // takes no room on the disk
+    ASSERT_EQ(mkfifo(path("pipe.svg").c_str(), 0600), 0);
+    const std::pair<const char*, const char*> files[] = {
+        {"entity.svg", "entity.svg: line 2: the entities expand to too much"},
+        {"rules.svg", "rules.svg: line 2: g: the style sheets ask for too much work"},
+        {"copies.svg", "copies.svg: line 2: polyline \"a\": too many copies"},
+        {"long.svg", "long.svg: the file is larger than 512 MB"},
+        {"pipe.svg", "pipe.svg: a device or pipe, not a file"},
+        {"/dev/zero", "/dev/zero: a device or pipe, not a file"},
+    };
+    for (const auto& [file, said] : files) {
+        SCOPED_TRACE(file);
+        const std::string limits = "ulimit -v 600000; ulimit -t 10; ";
+        EXPECT_EQ(runCommand(limits + "timeout 30 '" QUORVEL_PROGRAM_FILE "' dump --profile profile " + file), 2);
+        EXPECT_TRUE(err_.starts_with(said)) << err_;
+        EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 1) << err_;
+    }
+}
+
 TEST_F(BadInput, LeavesATargetThatStoodBefore) {
     write("good.svg", withPath("M 0,0 L 10,10"));
     write("bad.svg", withPath("M 0,0 L NaN,5"));
@@ -87,6 +157,14 @@ TEST_F(BadInput, IsFoundInAScriptBeforeAnyOfItRuns) {
         expectRefused("run bad.script", named);
     }
     expectRefused("run absent.script", "absent.script");
+}
+
+TEST_F(BadInput, IsNotAScriptThatDoesNothing) {
+    for (const char* text : {"", "\n\n", "# nothing\n"}) {
+        write("idle.script", text);
+        EXPECT_EQ(runProgram("run idle.script"), 0) << err_;
+        EXPECT_EQ(err_, "");
+    }
 }
 
 // A fault in the run itself is another thing than bad input: exit 1, with the line.

@@ -1,8 +1,9 @@
 // The program as a user has it: its own process on a screen of its own, with nothing but a mouse and keys (xdotool
 // under Xvfb). Where things stand is asked of a window of the same size in this process, since no place is promised.
-// Pictures of each step go to out/window where ImageMagick's import is there.
+// Pictures of each step go to out/window: the screen keeps its pixels in a file.
 #include <QProcess>
 #include <QStandardPaths>
+#include <QtEndian>
 #include <cmath>
 #include <regex>
 
@@ -12,6 +13,7 @@
 #include "cli/session.h"
 #include "desktop/layers_panel.h"
 #include "host/svg.h"
+#include "platform/qt/panel_button.h"
 #include "tests/desktop/window_rig.h"
 
 namespace quorvel::tests {
@@ -20,15 +22,38 @@ namespace {
 constexpr double kPoints = 72 / 25.4, kPageHeight = 210;
 constexpr double kFitMargin = 28;  // pixels
 constexpr int kPatience = 15'000;  // milliseconds, for a window to come
+constexpr int kPanelButton = 12;
 
-struct Case {
+struct Words {
     const char* language;
-    const char* look;
-    const char *straight, *radius, *schedule, *settings;
+    const char *straight, *radius, *schedule;                     // tools
+    const char *settings, *radiusOptions, *form, *preset, *open;  // titles of windows
+    const char* saveAs;                                           // a row of the form's presets
 };
-constexpr Case kCases[] = {
-    {"en", "light", "Straight Dimension Tool", "Radius Tool", "Schedule Tool [bottom]", "Quorvel Settings"},
-    {"ja", "dark", "寸法線ツール", "半径ツール", "図面枠ツール [下に部品]", "Quorvel 設定"}};
+constexpr Words kEnglish{.language = "en",
+                         .straight = "Straight Dimension Tool",
+                         .radius = "Radius Tool",
+                         .schedule = "Schedule Tool [bottom]",
+                         .settings = "Quorvel Settings",
+                         .radiusOptions = "Radius",
+                         .form = "Schedule",
+                         .preset = "Save File As",
+                         .open = "Open",
+                         .saveAs = "Save As..."};
+constexpr Words kJapanese{.language = "ja",
+                          .straight = "寸法線ツール",
+                          .radius = "半径ツール",
+                          .schedule = "図面枠ツール [下に部品]",
+                          .settings = "Quorvel 設定",
+                          .radiusOptions = "半径",
+                          .form = "図面枠",
+                          .preset = "保存",
+                          .open = "開く",
+                          .saveAs = "別名で保存..."};
+struct Case : Words {
+    const char* look;
+};
+constexpr Case kCases[] = {{kEnglish, "light"}, {kEnglish, "dark"}, {kJapanese, "light"}, {kJapanese, "dark"}};
 
 bool Present(const char* program) { return !QStandardPaths::findExecutable(QLatin1String(program)).isEmpty(); }
 
@@ -36,12 +61,12 @@ class Outside : public ::testing::TestWithParam<Case> {
   protected:
     void SetUp() override {
         if (!Present("Xvfb") || !Present("xdotool")) GTEST_SKIP() << "Xvfb or xdotool is not here";
-        screen_.start(
-            QStringLiteral("Xvfb"),
-            {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-             QStringLiteral("1400x950x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
-             // It would start afresh whenever the last client leaves, and refuse the program meanwhile.
-             QStringLiteral("-noreset")});
+        screen_.start(QStringLiteral("Xvfb"),
+                      {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                       QStringLiteral("0"), QStringLiteral("1400x950x24"), QStringLiteral("-nolisten"),
+                       QStringLiteral("tcp"), QStringLiteral("-fbdir"), home_.path(),
+                       // It would start afresh whenever the last client leaves, and refuse the program meanwhile.
+                       QStringLiteral("-noreset")});
         ASSERT_TRUE(screen_.waitForStarted());
         QByteArray number;
         while (!number.contains('\n') && screen_.waitForReadyRead(kPatience)) number += screen_.readAllStandardOutput();
@@ -63,6 +88,9 @@ class Outside : public ::testing::TestWithParam<Case> {
         }
     }
     QString drawing() const { return home_.filePath(QStringLiteral("bracket.svg")); }
+    QString preset() const {
+        return home_.filePath(QStringLiteral("profile/Adobe/Illustrator/Prefs/Quorvel/House.ini"));
+    }
     QString script() const { return home_.filePath(QStringLiteral("recorded.script")); }
 
     void startProgram() {
@@ -151,18 +179,50 @@ class Outside : public ::testing::TestWithParam<Case> {
         tool({"type", "--", QLatin1String(text)});
         settle();
     }
+    // The screen's file is an X window dump: words of 32 bits, the highest byte first, then the colours, then the
+    // pixels as the screen has them.
+    QImage screenshot() const {
+        enum Word { kHeaderSize = 0, kWidth = 4, kHeight = 5, kBitsPerPixel = 11, kBytesPerLine = 12, kColours = 19 };
+        constexpr int kColourSize = 12;
+        QFile file(home_.filePath(QStringLiteral("Xvfb_screen0")));
+        if (!file.open(QIODevice::ReadOnly)) return {};
+        const QByteArray bytes = file.readAll();
+        const auto word = [&](Word n) { return qFromBigEndian<quint32>(bytes.constData() + 4 * n); };
+        if (bytes.size() < 100 || word(kBitsPerPixel) != 32) return {};
+        const qsizetype start = word(kHeaderSize) + kColourSize * word(kColours);
+        if (bytes.size() < start + qsizetype{word(kBytesPerLine)} * word(kHeight)) return {};
+        return QImage(reinterpret_cast<const uchar*>(bytes.constData()) + start, static_cast<int>(word(kWidth)),
+                      static_cast<int>(word(kHeight)), word(kBytesPerLine), QImage::Format_RGB32)
+            .copy();
+    }
     void picture(const char* name) const {
-        if (!Present("import")) return;
         const QString folder = QStringLiteral(QUORVEL_SOURCE_DIR "/out/window");
         QDir().mkpath(folder);
-        QProcess process;
-        process.setProcessEnvironment(around_);
-        process.start(QStringLiteral("import"),
-                      {QStringLiteral("-window"), QStringLiteral("root"),
-                       folder + QStringLiteral("/outside-%1-%2-%3.png")
-                                    .arg(QLatin1String(name), QLatin1String(GetParam().language),
-                                         QLatin1String(GetParam().look))});
-        process.waitForFinished(kPatience);
+        EXPECT_TRUE(screenshot()
+                        .copy(0, 0, 1240, 820)
+                        .save(folder + QStringLiteral("/outside-%1-%2-%3.png")
+                                           .arg(QLatin1String(name), QLatin1String(GetParam().language),
+                                                QLatin1String(GetParam().look))))
+            << name;
+    }
+    // How often the script has such a line.
+    qsizetype recorded(const char* start) const {
+        QFile file(script());
+        return file.open(QIODevice::ReadOnly) ? file.readAll().count(QByteArray("\n") + start) : 0;
+    }
+    // What stands in the drawing's file, once it holds so many dimensions.
+    std::vector<cli::RecordedDimension> savedDimensions(std::size_t wanted) const {
+        const host::Host measuring;
+        std::vector<cli::RecordedDimension> found;
+        (void)QTest::qWaitFor(
+            [&] {
+                const host::SvgReadResult read = host::readSvgFile(drawing().toStdString());
+                found = read.document != nullptr ? cli::listDimensions(*read.document)
+                                                 : std::vector<cli::RecordedDimension>();
+                return found.size() == wanted;
+            },
+            kPatience);
+        return found;
     }
 
     // Pixels for each point, as the recorded script says it of the second fit but last.
@@ -208,13 +268,25 @@ QMap<int, QPoint> PlacesIn(QWidget* dialog) {
     return places;
 }
 
+// Keys that lead from the row which the open list shows to another: rows that are disabled are passed over.
+int StepsTo(QWidget* dialog, const char* row) {
+    auto* list = WindowRig::control<platform::CommandList>(dialog, 106);
+    list->refreshRows();
+    const int wanted = list->findText(QString::fromUtf8(row));
+    int steps = 0;
+    for (int at = list->currentIndex() + 1; at <= wanted; ++at)
+        if (list->model()->flags(list->model()->index(at, 0)) & Qt::ItemIsEnabled) ++steps;
+    EXPECT_GE(wanted, 0) << row;
+    return steps;
+}
+
 TEST_P(Outside, ADraftsmansFirstMinutes) {
     const Case& words = GetParam();
     // Where things are.
     QMap<int, QPoint> settingsPlaces, radiusPlaces, schedulePlaces;
     QMap<QString, QPoint> slotPlaces;
-    QPoint canvas;
-    int canvasHeight = 0;
+    QPoint canvas, panelButton;
+    int canvasHeight = 0, stepsToSaveAs = 0;
     {
         WindowRig rig({words.language, words.look[0] == 'd', false});
         QFile::copy(QStringLiteral(QUORVEL_SOURCE_DIR "/examples/bracket.svg"), rig.home.filePath("bracket.svg"));
@@ -228,6 +300,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
         }
         canvas = rig.canvas().mapTo(rig.window.get(), QPoint());
         canvasHeight = rig.canvas().height();
+        panelButton = rig.desk->user().panelForm()->widget(kPanelButton)->mapTo(rig.window.get(), QPoint(8, 8));
         const auto options = [&](const char* title) {
             return [&rig, title] {
                 QTest::mouseDClick(rig.window->tools()->slotOf(QString::fromUtf8(title)), Qt::LeftButton, {}, {8, 8});
@@ -236,8 +309,11 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
         rig.inDialog([&] { rig.window->menuGo("Orvane Group"); },
                      [&](QWidget* dialog) { settingsPlaces = PlacesIn(dialog), dialog->close(); });
         rig.inDialog(options(words.radius), [&](QWidget* dialog) { radiusPlaces = PlacesIn(dialog), dialog->close(); });
-        rig.inDialog(options(words.schedule),
-                     [&](QWidget* dialog) { schedulePlaces = PlacesIn(dialog), dialog->close(); });
+        rig.inDialog(options(words.schedule), [&](QWidget* dialog) {
+            schedulePlaces = PlacesIn(dialog);
+            stepsToSaveAs = StepsTo(dialog, words.saveAs);
+            dialog->close();
+        });
         rig.document().markSaved();
     }
     ASSERT_NO_FATAL_FAILURE(startProgram());
@@ -278,7 +354,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     // The radius tool's options, kept.
     moveTo(slotPlaces.value(QString::fromUtf8(words.radius)));
     click(slotPlaces.value(QString::fromUtf8(words.radius)), 2);
-    const QString radiusTitle = QString::fromUtf8(words.language[0] == 'e' ? "Radius" : "半径");
+    const QString radiusTitle = QString::fromUtf8(words.radiusOptions);
     QString dialog = awaitWindow(radiusTitle);
     ASSERT_FALSE(dialog.isEmpty()) << "no options of the radius tool";
     picture("radius");
@@ -299,23 +375,71 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     click(controlAt(dialog, settingsPlaces, 1));
     EXPECT_TRUE(awaitGone(QString::fromUtf8(words.settings)));
 
-    // The schedule, a preset of its own.
+    // The schedule: a preset is kept, the form changed, and the preset taken again.
     click(slotPlaces.value(QString::fromUtf8(words.schedule)), 2);
-    const QString scheduleTitle = QString::fromUtf8(words.language[0] == 'e' ? "Schedule" : "図面枠");
+    const QString scheduleTitle = QString::fromUtf8(words.form);
     dialog = awaitWindow(scheduleTitle);
     ASSERT_FALSE(dialog.isEmpty()) << "no schedule";
     click(controlAt(dialog, schedulePlaces, 8));
     type(dialog, "Mounting bracket");
     click(controlAt(dialog, schedulePlaces, 35));
     type(dialog, "Bracket");
+    const auto pick = [&](const char* towards, int steps) {
+        click(controlAt(dialog, schedulePlaces, 106));
+        for (int i = 0; i < steps; ++i) tool({"key", QLatin1String(towards)}), settle();
+        tool({"key", "Return"});
+        settle();
+    };
+    pick("Down", stepsToSaveAs);
+    const QString naming = awaitWindow(QString::fromUtf8(words.preset));
+    ASSERT_FALSE(naming.isEmpty()) << "no name is asked for";
+    picture("preset");
+    type(naming, "House");
+    tool({"key", "Return"});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(preset()); }, kPatience));
+    EXPECT_TRUE(awaitGone(QString::fromUtf8(words.preset)));
+    tool({"windowfocus", "--sync", dialog});
+    pick("Up", 1);  // the untitled form stands above
+    click(controlAt(dialog, schedulePlaces, 8));
+    type(dialog, "Other");
+    pick("Down", 1);
     picture("schedule");
     click(controlAt(dialog, schedulePlaces, 1));
     EXPECT_TRUE(awaitGone(scheduleTitle));
 
+    // A switch of the panel.
+    click(panelButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return recorded("panel toggle 12") == 1; }, kPatience));
     picture("panel");
-    key("ctrl+z");
-    key("ctrl+shift+z");
+
+    // Undo and redo are told by what the window shows and what is saved behind them.
+    const auto sheet = [&] { return screenshot().copy(QRect(canvas, QSize(int(canvasWidth), canvasHeight))); };
+    const QImage drawn = sheet();
     key("ctrl+s");
+    EXPECT_EQ(savedDimensions(1).size(), 1U);
+    key("ctrl+z");
+    EXPECT_NE(sheet(), drawn);
+    picture("undone");
+    key("ctrl+s");
+    EXPECT_EQ(savedDimensions(0).size(), 0U);
+    key("ctrl+shift+z");
+    EXPECT_EQ(sheet(), drawn);
+    picture("redone");
+    key("ctrl+s");
+    EXPECT_EQ(savedDimensions(1).size(), 1U);
+
+    // Opened again, it looks the same.
+    const qsizetype opened = recorded("open ");
+    key("ctrl+o");
+    dialog = awaitWindow(QString::fromUtf8(words.open));
+    ASSERT_FALSE(dialog.isEmpty()) << "no file dialog";
+    picture("file-dialog");
+    type(dialog, drawing().toUtf8().constData());
+    tool({"key", "Return"});
+    EXPECT_TRUE(awaitGone(QString::fromUtf8(words.open)));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return recorded("open ") == opened + 1; }, kPatience));
+    settle();
+    picture("reopened");
     key("ctrl+q");
     if (program_.state() != QProcess::NotRunning && !program_.waitForFinished(kPatience)) {
         picture("left-open");
@@ -324,10 +448,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     EXPECT_EQ(program_.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(program_.readAll().toStdString(), "") << "nothing to complain of";
 
-    const host::Host measuring;
-    const host::SvgReadResult read = host::readSvgFile(drawing().toStdString());
-    ASSERT_NE(read.document, nullptr);
-    const std::vector<cli::RecordedDimension> found = cli::listDimensions(*read.document);
+    const std::vector<cli::RecordedDimension> found = savedDimensions(1);
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0].kind, "straight");
     EXPECT_EQ(found[0].texts, std::vector<std::string>{"120"}) << "snapped to both corners";

@@ -1,0 +1,50 @@
+// What a document consists of, for the files that make it up.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "host/document.h"
+#include "host/drawing.h"
+#include "host/journal.h"
+#include "host/svg_source.h"
+
+namespace quorvel::host {
+
+// What insertCopy has made of a copy and all below it.
+struct MadeCopies {
+    std::vector<std::string>* paints = nullptr;  // the document's texts; they grow where the copy is another drawing's
+    std::vector<std::pair<ArtId, const ArtCopy*>> arts;
+};
+
+struct Document::Impl {
+    const std::uint64_t number = ++lastNumber;
+    static std::uint64_t lastNumber;
+    float width = 0, height = 0;
+    Drawing drawing;
+    Journal journal{drawing};
+    std::uint64_t lastRevision = 0;
+    StylePtr lastStyle;  // most paths share the style of the one before
+    std::unique_ptr<SvgSource> source;
+    mutable std::optional<std::unordered_set<std::string>> otherIds;  // of the source; listed when first asked for
+
+    std::optional<Place> placeFor(AIArtType kind, AIPaintOrder placement, ArtId prep) const;
+    void insertNew(ArtId art, Place place);
+    void done(Slot& slot, unsigned aspects);
+    StylePtr shared(const AIPathStyle& style);
+    bool canTransform(ArtId id, const RealMatrix& matrix) const;
+    void transformShape(Slot& slot, const RealMatrix& matrix, float lineScale);
+    ArtId copyTree(ArtId top, std::unordered_map<ArtId, ArtId>* copies);
+    ArtId copyOne(const Art& original);
+    bool svgIdTaken(std::string_view svgId) const;
+    std::string freeSvgId(const std::string& base) const;
+    ArtId make(const ArtCopy& copy, MadeCopies* made);
+    template <typename Value>
+    bool changeLayer(LayerId id, Value Layer::*field, const Value& value);
+};
+
+}  // namespace quorvel::host

@@ -1,0 +1,32 @@
+// Style sheet rules and saving: an element that gets another name or loses its id keeps the look that rules gave it,
+// and new art takes on none that its own style does not say.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/css.h"
+#include "host/svg_markup.h"
+#include "host/svg_source.h"
+
+namespace quorvel::host {
+
+class SvgRules {
+  public:
+    explicit SvgRules(const SvgSource& source);
+
+    // The tag has its new name and id; what it said itself stands.
+    void keepLook(StartTag* tag, std::string_view wasType, std::string_view wasId) const;
+    // The tag is of new art and says all that the host's styles can say.
+    void keepOut(StartTag* tag) const;
+
+    // A clip path, a mask or a paint that stands elsewhere in the file, said by the element or by rules for it.
+    bool refersToOthers(const StartTag& tag) const;
+
+  private:
+    std::vector<CssDeclaration> inForce(std::string_view type, std::string_view id, const StartTag& tag) const;
+
+    StyleSheet sheet_;
+};
+
+}  // namespace quorvel::host
