@@ -116,7 +116,7 @@ class Host {
     AIErr unload();
     AIErr reload();
     AIErr shutdown();
-    bool knowsField(std::string_view key);                         // is there a setting of this name?
+    bool knowsField(std::string_view key);                        // is there a setting of this name?
     bool setField(std::string_view key, std::string_view value);  // a setting; bytes of the system code page
 
     // --- the drawing ---------------------------------------------------------------------------------------------
@@ -151,7 +151,7 @@ class Host {
     const std::vector<ActionRecord>& actions() const;
     AIErr playAction(std::string_view event);
     const std::vector<PanelRecord>& panels() const;
-    bool chooseFlyout(int item);  // false when no panel has it
+    bool chooseFlyout(int item);        // false when no panel has it
     void setTheme(const Theme& theme);  // light at first
     // What a new path of the host itself gets: at first a black stroke of 1 pt and no fill.
     void setCurrentPathStyle(const AIPathStyle& style);
