@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "host/huge_pages.h"
 #include "host/svg.h"
 
 namespace quorvel::host {
@@ -35,6 +36,8 @@ class File {
 
 // Stops behind the limit: a file may be longer than it says, or grow.
 bool readAll(int descriptor, std::size_t expected, std::size_t limit, std::string* text) {
+    text->reserve(expected + 1);
+    adviseHugePages(text->data(), expected + 1);
     text->resize(expected + 1);  // one more shows the end without another turn
     std::size_t filled = 0;
     for (;;) {

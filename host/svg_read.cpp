@@ -8,6 +8,7 @@
 #include <optional>
 #include <pugixml.hpp>
 
+#include "host/huge_pages.h"
 #include "host/svg.h"
 #include "host/svg_markup.h"
 #include "host/svg_walk.h"
@@ -109,6 +110,7 @@ bool parseXml(std::string_view text, ParsedFile* file, std::string* error) {
         return false;
     }
     file->buffer = std::make_unique_for_overwrite<char[]>(text.size() + 1);
+    adviseHugePages(file->buffer.get(), text.size() + 1);
     std::ranges::copy(text, file->buffer.get());
     constexpr unsigned kFlags = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute;
     const pugi::xml_parse_result result =
