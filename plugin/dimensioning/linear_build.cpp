@@ -155,9 +155,9 @@ void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A,
     if (hasHeads && DistanceBetweenPoints(A, B) < static_cast<double>(prefs.flOsLimt)) {
         // Too narrow for heads inside: they stand outside, on stubs.
         wingAngle += kPi;
-        const double stub = static_cast<double>(prefs.flOsLead);
-        if (index == 0) *lineStart = PolarPoint(*lineStart, stub, g);
-        *lineEnd = PolarPoint(*lineEnd, stub, f);
+        const double lead = static_cast<double>(prefs.flOsLead);
+        if (index == 0) *lineStart = PolarPoint(*lineStart, lead, g);
+        *lineEnd = PolarPoint(*lineEnd, lead, f);
     }
 
     if (index == 0) AddLine2(group, P1, X1);

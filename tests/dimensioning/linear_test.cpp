@@ -156,7 +156,7 @@ TEST_F(Span, NarrowSpanTurnsItsHeadsOut) {
     expectPoint(art[3].segments[0].p, 29.9 + 8.660254, 45);
     expectPoint(start, -10, 40);
     expectPoint(end, 39.9, 40);
-    // A later span of a series adds no stub in front, nor a first extension line.
+    // A later span of a series adds no lead in front, nor a first extension line.
     art = build(29.9, 1);
     EXPECT_EQ(art.size(), 4U);
     expectPoint(start, -10, 40);

@@ -90,13 +90,13 @@ struct Style {
     double size = 9, angle = 20;  // of the arrow; degrees
     double gap = 6, past = 4;     // of extension lines: off the point, past the dimension line
     double above = 3;             // text
-    double limit = 30, stub = 11;
+    double limit = 30, lead = 11;
 
     std::string settings() const {
         std::ostringstream out;
         out << "set flArType " << type << "\nset flArSize" << type + 1 << ' ' << size << "\nset flArAngle " << angle
             << "\nset flScOfst " << gap << "\nset flArLead " << past << "\nset flScLead " << above << "\nset flOsLimt "
-            << limit << "\nset flOsLead " << stub << '\n';
+            << limit << "\nset flOsLead " << lead << '\n';
         return out.str();
     }
 };
@@ -115,8 +115,8 @@ std::vector<Piece> linear(const std::vector<Point>& measured, const std::vector<
     for (std::size_t i = 0; i + 1 < feet.size(); ++i) {
         const Point a = feet[i], b = feet[i + 1], along = unit(b - a);
         const bool outside = style.type < 2 && length(b - a) < style.limit;
-        if (outside && i == 0) start = a - style.stub * along;
-        if (outside && i + 2 == feet.size()) end = b + style.stub * along;
+        if (outside && i == 0) start = a - style.lead * along;
+        if (outside && i + 2 == feet.size()) end = b + style.lead * along;
         for (std::size_t side = i == 0 ? 0 : 1; side < 2; ++side) {
             const Point from = measured[i + side], foot = feet[i + side], out = unit(foot - from);
             pieces.push_back({{from + std::min(style.gap, length(foot - from)) * out, foot + style.past * out}});
