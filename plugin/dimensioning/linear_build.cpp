@@ -86,7 +86,7 @@ std::int16_t RecordKind(std::int16_t distanceMode) {
     }
 }
 
-// The spans from stop to stop and the one line that bears them all, with the outer stubs that the spans left.
+// The spans from stop to stop and the one line that bears them all, with the outer leads that the spans left.
 void AddSpans(AIArtHandle group, DoublePoint P1, const DoublePoint& P2, DoublePoint A, const DoublePoint& B,
               std::int16_t stopCount, const DoublePoint* S) {
     DoublePoint start, end;
@@ -153,7 +153,7 @@ void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A,
     double wingAngle = ArrowWingAngle(prefs);
     const bool hasHeads = prefs.flArType == kArrowOpen || prefs.flArType == kArrowTriangular;
     if (hasHeads && DistanceBetweenPoints(A, B) < static_cast<double>(prefs.flOsLimt)) {
-        // Too narrow for heads inside: they stand outside, on stubs.
+        // Too narrow for heads inside: they stand outside, on leads.
         wingAngle += kPi;
         const double lead = static_cast<double>(prefs.flOsLead);
         if (index == 0) *lineStart = PolarPoint(*lineStart, lead, g);
