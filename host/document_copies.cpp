@@ -5,37 +5,6 @@
 
 namespace quorvel::host {
 
-ArtId Document::Impl::copyOne(const Art& original) {
-    Art& copy = drawing.tree.create(original.kind).art;
-    copy.selected = original.selected;
-    copy.hidden = original.hidden;
-    copy.locked = original.locked;
-    if (original.path) *copy.path = *original.path;
-    if (original.text) *copy.text = *original.text;
-    copy.tags = original.tags;
-    copy.origin = original.origin;
-    copy.foreignSource = original.foreignSource >= 0 ? original.foreignSource : original.source;
-    if (original.kind != kForeignArt) copy.foreignSource = -1;
-    copy.foreignMatrix = original.foreignMatrix;
-    return copy.id;
-}
-
-// In no place, without SVG ids.
-ArtId Document::Impl::copyTree(ArtId top, std::unordered_map<ArtId, ArtId>* copies) {
-    for (ArtId id = top; id != 0; id = drawing.tree.next(id, top)) {
-        const Art& original = drawing.tree.slot(id).art;
-        const ArtId copy = copyOne(original);
-        (*copies)[id] = copy;
-        if (id != top) drawing.tree.link(copy, {copies->at(original.parent), 0});
-    }
-    for (const auto& [id, copy] : *copies) {
-        TextData* text = drawing.tree.slot(copy).art.text.get();
-        if (text == nullptr) continue;
-        if (const auto path = copies->find(text->pathObject); path != copies->end()) text->pathObject = path->second;
-    }
-    return copies->at(top);
-}
-
 bool Document::Impl::svgIdTaken(std::string_view svgId) const {
     if (svgId.empty()) return false;
     if (drawing.tree.findBySvgId(svgId) != 0) return true;
@@ -50,21 +19,6 @@ std::string Document::Impl::freeSvgId(const std::string& base) const {
         std::string candidate = base + "-" + std::to_string(number);
         if (!svgIdTaken(candidate)) return candidate;
     }
-}
-
-ArtId Document::duplicateArt(ArtId id, const std::string& newSvgId) {
-    const Art* art = find(id);
-    if (art == nullptr || art->parent == 0 || svgIdTaken(newSvgId)) return 0;
-    ArtTree& tree = impl_->drawing.tree;
-    std::unordered_map<ArtId, ArtId> copies;
-    const ArtId copy = impl_->copyTree(id, &copies);
-    impl_->insertNew(copy, {art->parent, id});
-    tree.setSvgId(tree.slot(copy), newSvgId);
-    for (ArtId below = tree.next(id, id); below != 0; below = tree.next(below, id)) {
-        const std::string& svgId = tree.slot(below).art.svgId;
-        if (!svgId.empty()) tree.setSvgId(tree.slot(copies.at(below)), impl_->freeSvgId(svgId));
-    }
-    return copy;
 }
 
 namespace {
@@ -148,23 +102,45 @@ ArtId Document::Impl::make(const ArtCopy& copy, MadeCopies* made) {
     return art.id;
 }
 
+// With the SVG ids that are free.
+ArtId Document::Impl::insertMade(const ArtCopy& copy, MadeCopies* made, const Place& place) {
+    const ArtId top = make(copy, made);
+    for (const auto& [id, from] : made->arts) {
+        TextData* text = drawing.tree.slot(id).art.text.get();
+        if (text == nullptr || text->pathObject == 0) continue;
+        const auto path = std::find_if(made->arts.begin(), made->arts.end(),
+                                       [&](const auto& one) { return one.second->original == text->pathObject; });
+        const bool stays = copy.drawing == number && drawing.tree.living(text->pathObject) != nullptr;
+        text->pathObject = path != made->arts.end() ? path->first : stays ? text->pathObject : 0;
+    }
+    insertNew(top, place);
+    for (const auto& [id, from] : made->arts) {
+        if (from->svgId.empty()) continue;
+        const bool taken = svgIdTaken(from->svgId);
+        drawing.tree.setSvgId(drawing.tree.slot(id), taken ? freeSvgId(from->svgId) : from->svgId);
+    }
+    return top;
+}
+
 ArtId Document::insertCopy(const ArtCopy& copy, AIPaintOrder placement, ArtId prep) {
     const std::optional<Place> place = impl_->placeFor(copy.kind, placement, prep);
     if (!place || copy.original == 0 || !comesAlong(copy, impl_->number)) return 0;
     MadeCopies made{&paintSources, {}};
-    const ArtId top = impl_->make(copy, &made);
-    for (const auto& [id, from] : made.arts) {
-        TextData* text = impl_->drawing.tree.slot(id).art.text.get();
-        if (text == nullptr || text->pathObject == 0) continue;
-        const auto path = std::find_if(made.arts.begin(), made.arts.end(),
-                                       [&](const auto& one) { return one.second->original == text->pathObject; });
-        text->pathObject = path != made.arts.end() ? path->first : 0;
-    }
-    impl_->insertNew(top, *place);
-    for (const auto& [id, from] : made.arts) {
-        if (from->svgId.empty()) continue;
-        const bool taken = svgIdTaken(from->svgId);
-        impl_->drawing.tree.setSvgId(impl_->drawing.tree.slot(id), taken ? impl_->freeSvgId(from->svgId) : from->svgId);
+    return impl_->insertMade(copy, &made, *place);
+}
+
+ArtId Document::duplicateArt(ArtId id, const std::string& newSvgId) {
+    const Art* art = find(id);
+    if (art == nullptr || art->parent == 0 || svgIdTaken(newSvgId)) return 0;
+    ArtCopy copy = copyOf(id);
+    copy.svgId = newSvgId;
+    MadeCopies made{&paintSources, {}};
+    const ArtId top = impl_->insertMade(copy, &made, {art->parent, id});
+    for (const auto& [twin, from] : made.arts) {
+        Art& selected = impl_->drawing.tree.slot(twin).art;
+        const Art& original = *find(from->original);
+        selected.selected = original.selected;
+        if (original.path) selected.path->segmentSelection = original.path->segmentSelection;
     }
     return top;
 }

@@ -3,7 +3,6 @@
 
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -38,11 +37,10 @@ struct Document::Impl {
     StylePtr shared(const AIPathStyle& style);
     bool canTransform(ArtId id, const RealMatrix& matrix) const;
     void transformShape(Slot& slot, const RealMatrix& matrix, float lineScale);
-    ArtId copyTree(ArtId top, std::unordered_map<ArtId, ArtId>* copies);
-    ArtId copyOne(const Art& original);
     bool svgIdTaken(std::string_view svgId) const;
     std::string freeSvgId(const std::string& base) const;
     ArtId make(const ArtCopy& copy, MadeCopies* made);
+    ArtId insertMade(const ArtCopy& copy, MadeCopies* made, const Place& place);
     template <typename Value>
     bool changeLayer(LayerId id, Value Layer::*field, const Value& value);
 };
