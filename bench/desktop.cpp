@@ -15,10 +15,10 @@
 
 #include "bench/mixed_drawing.h"
 #include "bench/plugin_run.h"
-#include "desktop/export.h"
-#include "desktop/look.h"
-#include "desktop/main_window.h"
-#include "host/svg.h"
+#include "desktop/window/color_scheme.h"
+#include "desktop/window/main_window.h"
+#include "interchange/svg/svg.h"
+#include "render/export.h"
 
 namespace quorvel::bench {
 namespace {
@@ -47,25 +47,25 @@ class Times {
     std::vector<double> times_;  // milliseconds
 };
 
-class Desk {
+class Session {
   public:
-    Desk() {
-        desktop::DeskOptions options;
+    Session() {
+        desktop::SessionOptions options;
         options.profile = home_.path().toStdString();
         options.language = "en";
         options.seed = 1;
         options.pluginFile = QUORVEL_PLUGIN_FILE;
-        desk_ = std::make_unique<desktop::Desk>(options);
+        session_ = std::make_unique<desktop::Session>(options);
         QString error;
-        if (!desk_->start(&error)) throw std::runtime_error(error.toStdString());
-        window_ = std::make_unique<desktop::MainWindow>(desk_.get());
+        if (!session_->start(&error)) throw std::runtime_error(error.toStdString());
+        window_ = std::make_unique<desktop::MainWindow>(session_.get());
         window_->resize(1600, 1000);
         window_->show();
         QApplication::processEvents();
     }
     desktop::Canvas& canvas() { return *window_->canvas(); }
     desktop::MainWindow& window() { return *window_; }
-    host::Document& document() { return *desk_->document(); }
+    doc::Document& document() { return *session_->document(); }
     void waitForSharp() {
         while (!canvas().isSharp()) QApplication::processEvents();
     }
@@ -90,7 +90,7 @@ class Desk {
 
   private:
     QTemporaryDir home_;
-    std::unique_ptr<desktop::Desk> desk_;
+    std::unique_ptr<desktop::Session> session_;
     std::unique_ptr<desktop::MainWindow> window_;
 };
 
@@ -99,36 +99,36 @@ QPointF somewhere(desktop::Canvas& canvas, std::mt19937& random) {
     return {within(canvas.width()), within(canvas.height())};
 }
 
-void measureView(Desk& desk, const std::string& view, Promises* promises) {
+void measureView(Session& session, const std::string& view, Promises* promises) {
     std::mt19937 random(5);
     Times track, wheel, scroll, sharp, undo;
-    desk.waitForSharp();
-    desk.window().tools()->choose(QStringLiteral("Straight Dimension Tool"));
-    const QPointF start = somewhere(desk.canvas(), random);
-    desk.move(start, false);
-    desk.button(QEvent::MouseButtonPress, start);
+    session.waitForSharp();
+    session.window().tools()->choose(QStringLiteral("Straight Dimension Tool"));
+    const QPointF start = somewhere(session.canvas(), random);
+    session.move(start, false);
+    session.button(QEvent::MouseButtonPress, start);
     for (int i = 0; i < kMoves; ++i) {
-        const QPointF at = somewhere(desk.canvas(), random);
-        track.take([&] { desk.move(at, true); });
+        const QPointF at = somewhere(session.canvas(), random);
+        track.take([&] { session.move(at, true); });
     }
     for (int i = 0; i < kTurnsOfTheWheel; ++i) {
-        const QPointF at = somewhere(desk.canvas(), random);
-        wheel.take([&] { desk.wheel(at, i % 2 == 0 ? 120 : -120, Qt::NoModifier); });
-        if (i % 10 == 0) sharp.take([&] { desk.waitForSharp(); });
+        const QPointF at = somewhere(session.canvas(), random);
+        wheel.take([&] { session.wheel(at, i % 2 == 0 ? 120 : -120, Qt::NoModifier); });
+        if (i % 10 == 0) sharp.take([&] { session.waitForSharp(); });
     }
     for (int i = 0; i < kTurnsOfTheWheel; ++i)
-        scroll.take([&] { desk.wheel(start, i % 4 < 2 ? 40 : -40, Qt::ControlModifier); });
-    const QPointF end = somewhere(desk.canvas(), random);
-    desk.move(end, true);
-    desk.button(QEvent::MouseButtonRelease, end);
-    desk.move(end + QPointF(9, 30), false);
-    desk.button(QEvent::MouseButtonPress, end + QPointF(9, 30));
-    desk.button(QEvent::MouseButtonRelease, end + QPointF(9, 30));
-    desk.waitForSharp();
+        scroll.take([&] { session.wheel(start, i % 4 < 2 ? 40 : -40, Qt::ControlModifier); });
+    const QPointF end = somewhere(session.canvas(), random);
+    session.move(end, true);
+    session.button(QEvent::MouseButtonRelease, end);
+    session.move(end + QPointF(9, 30), false);
+    session.button(QEvent::MouseButtonPress, end + QPointF(9, 30));
+    session.button(QEvent::MouseButtonRelease, end + QPointF(9, 30));
+    session.waitForSharp();
     for (int i = 0; i < 10; ++i)
         undo.take([&] {
-            i % 2 == 0 ? desk.window().undo() : desk.window().redo();
-            desk.canvas().repaint();
+            i % 2 == 0 ? session.window().undo() : session.window().redo();
+            session.canvas().repaint();
         });
     track.print((view + ": movement of the mouse to painted preview").c_str());
     wheel.print((view + ": zoom step to painted picture").c_str());
@@ -147,27 +147,28 @@ void measureWindow(Promises* promises) {
         const host::Host measuring;
         MixedDrawing drawing(kPaths);
         std::string error;
-        if (!host::saveSvgFile(*drawing.take(), file.toStdString(), "mm", &error)) throw std::runtime_error(error);
+        if (!interchange::saveSvgFile(*drawing.take(), file.toStdString(), "mm", &error))
+            throw std::runtime_error(error);
     }
-    Desk desk;
+    Session session;
     int steps = 0;
-    QObject::connect(&desk.canvas(), &desktop::Canvas::pictureProgressed, &desk.canvas(),
+    QObject::connect(&session.canvas(), &desktop::Canvas::pictureProgressed, &session.canvas(),
                      [&](int done, int total) { steps += done < total ? 1 : 0; });
     Times open, sharp;
     open.take([&] {
-        if (!desk.window().file().open(file)) throw std::runtime_error("the drawing was not opened");
-        desk.canvas().repaint();
+        if (!session.window().file().open(file)) throw std::runtime_error("the drawing was not opened");
+        session.canvas().repaint();
     });
-    sharp.take([&] { desk.waitForSharp(); });
+    sharp.take([&] { session.waitForSharp(); });
     std::printf("%-52s %9s %9s %9s\n", "milliseconds", "50 of 100", "95", "all");
     open.print("opening to the first painting");
     sharp.print("from there to the sharp picture");
     std::printf("progress was shown %d times meanwhile\n", steps);
     promises->check("paintings without progress while opening", steps > 0 ? 0 : 1, 0);
-    measureView(desk, "whole page", promises);
-    desk.canvas().setZoom(1);
-    measureView(desk, "at 1 pixel a point", promises);
-    desk.document().markSaved();
+    measureView(session, "whole page", promises);
+    session.canvas().setZoom(1);
+    measureView(session, "at 1 pixel a point", promises);
+    session.document().markSaved();
 }
 
 // Of all channels, 0 to 255.
@@ -196,12 +197,12 @@ void compareDrawings() {
             if (entry.path().extension() == ".svg") files.push_back(entry.path());
         std::sort(files.begin(), files.end());
         for (const fs::path& path : files) {
-            const host::SvgReadResult read = host::readSvgFile(path.string());
+            const interchange::SvgReadResult read = interchange::readSvgFile(path.string());
             const QString ours = folder.filePath(QStringLiteral("ours.png")), name(path.c_str());
             QString cause;
             if (read.document == nullptr ||
-                !desktop::ExportDrawing(*read.document, QString::fromStdString(path.parent_path().string()), {ours},
-                                        &cause)) {
+                !render::exportDrawing(*read.document, QString::fromStdString(path.parent_path().string()), {ours},
+                                       &cause)) {
                 std::printf("%-40s cannot be drawn: %s\n", path.filename().c_str(), cause.toUtf8().constData());
                 continue;
             }
@@ -230,7 +231,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication program(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
-    quorvel::desktop::ApplyLook(&program, quorvel::desktop::Look::light);
+    quorvel::desktop::applyColorScheme(&program, quorvel::desktop::ColorScheme::light);
     quorvel::bench::Promises promises;
     quorvel::bench::measureWindow(&promises);
     quorvel::bench::compareDrawings();

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/document.h"
+#include "document/document.h"
 
 namespace quorvel::bench {
 
@@ -19,17 +19,17 @@ class MixedDrawing {
   public:
     explicit MixedDrawing(int pathCount, std::uint64_t seed = 1)
         : random_(seed), side_(kPitch * std::sqrt(static_cast<float>(pathCount))) {
-        document_ = std::make_unique<host::Document>(side_, side_);
+        document_ = std::make_unique<doc::Document>(side_, side_);
         constexpr int kLayers = 4;
         for (int i = 0; i < kLayers; ++i) {
-            const host::LayerId layer = document_->loadLayer("Layer " + std::to_string(i + 1));
+            const doc::LayerId layer = document_->loadLayer("Layer " + std::to_string(i + 1));
             fillLayer(document_->layer(layer)->root, pathCount * (i + 1) / kLayers);
         }
         document_->finishLoading();
     }
 
-    std::unique_ptr<host::Document> take() { return std::move(document_); }
-    const std::vector<host::ArtId>& paths() const { return paths_; }
+    std::unique_ptr<doc::Document> take() { return std::move(document_); }
+    const std::vector<doc::ArtId>& paths() const { return paths_; }
 
   private:
     static constexpr float kPitch = 20;  // the page has a square of this side for each path, points
@@ -40,7 +40,7 @@ class MixedDrawing {
     RealPoint anywhere() { return {between(0, side_), between(0, side_)}; }
 
     // Up to so many paths of the whole drawing.
-    void fillLayer(host::ArtId root, int end) {
+    void fillLayer(doc::ArtId root, int end) {
         while (static_cast<int>(paths_.size()) < end) {
             if (oneIn(40)) {
                 fillGroup(root, end, 0);
@@ -55,8 +55,8 @@ class MixedDrawing {
     }
 
     // A part of the drawing whose pieces stand together in the tree, though not on the page.
-    void fillGroup(host::ArtId parent, int end, int depth) {
-        const host::ArtId group = document_->loadArt(kGroupArt, parent);
+    void fillGroup(doc::ArtId parent, int end, int depth) {
+        const doc::ArtId group = document_->loadArt(kGroupArt, parent);
         const int count = 5 + static_cast<int>(random_() % 30);
         for (int i = 0; i < count && static_cast<int>(paths_.size()) < end; ++i) {
             if (depth < 3 && oneIn(12)) {
@@ -69,16 +69,16 @@ class MixedDrawing {
 
     PathSegment corner(RealPoint p) const { return {p, p, p, 1}; }
 
-    host::ArtId add(host::ArtId parent, std::vector<PathSegment> segments, bool closed) {
-        const host::ArtId id = document_->loadArt(kPathArt, parent);
-        host::PathData& path = *document_->loading(id).path;
+    doc::ArtId add(doc::ArtId parent, std::vector<PathSegment> segments, bool closed) {
+        const doc::ArtId id = document_->loadArt(kPathArt, parent);
+        doc::PathData& path = *document_->loading(id).path;
         path.segments = std::move(segments);
         path.closed = closed;
         paths_.push_back(id);
         return id;
     }
 
-    void addPath(host::ArtId parent) {
+    void addPath(doc::ArtId parent) {
         if (oneIn(1000)) return addRule(parent);
         switch (random_() % 5) {
             case 0:
@@ -96,7 +96,7 @@ class MixedDrawing {
     }
 
     // A line of a page-wide construction.
-    void addRule(host::ArtId parent) {
+    void addRule(doc::ArtId parent) {
         const float at = between(0, side_);
         if (oneIn(2)) {
             add(parent, {corner({0, at}), corner({side_, at})}, false);
@@ -105,7 +105,7 @@ class MixedDrawing {
         }
     }
 
-    void addPolyline(host::ArtId parent) {
+    void addPolyline(doc::ArtId parent) {
         RealPoint at = anywhere();
         std::vector<PathSegment> segments{corner(at)};
         for (int i = 1 + static_cast<int>(random_() % 6); i > 0; --i) {
@@ -115,7 +115,7 @@ class MixedDrawing {
         add(parent, std::move(segments), oneIn(3));
     }
 
-    void addRectangle(host::ArtId parent) {
+    void addRectangle(doc::ArtId parent) {
         const RealPoint at = anywhere();
         const float width = between(5, 40), height = between(5, 40);
         add(parent,
@@ -134,7 +134,7 @@ class MixedDrawing {
     }
 
     // A quarter to three quarters of a circle.
-    void addArc(host::ArtId parent) {
+    void addArc(doc::ArtId parent) {
         std::vector<PathSegment> segments = circle(anywhere(), between(8, 40));
         segments.resize(2 + random_() % 3);
         segments.front().in = segments.front().p;
@@ -142,7 +142,7 @@ class MixedDrawing {
         add(parent, std::move(segments), false);
     }
 
-    void addCurve(host::ArtId parent) {
+    void addCurve(doc::ArtId parent) {
         RealPoint at = anywhere();
         std::vector<PathSegment> segments;
         for (int i = 2 + static_cast<int>(random_() % 4); i > 0; --i) {
@@ -154,16 +154,16 @@ class MixedDrawing {
     }
 
     // A circle with a hole, as one compound path.
-    void addRing(host::ArtId parent, int end) {
-        const host::ArtId compound = document_->loadArt(kCompoundPathArt, parent);
+    void addRing(doc::ArtId parent, int end) {
+        const doc::ArtId compound = document_->loadArt(kCompoundPathArt, parent);
         const RealPoint centre = anywhere();
         const float radius = between(8, 25);
         add(compound, circle(centre, radius), true);
         if (static_cast<int>(paths_.size()) < end) add(compound, circle(centre, radius / 2), true);
     }
 
-    void addText(host::ArtId parent) {
-        host::TextData& text = *document_->loading(document_->loadArt(kTextFrameArt, parent)).text;
+    void addText(doc::ArtId parent) {
+        doc::TextData& text = *document_->loading(document_->loadArt(kTextFrameArt, parent)).text;
         const RealPoint at = anywhere();
         text.matrix = {1, 0, 0, 1, at.h, at.v};
         text.text = u"12.5";
@@ -172,8 +172,8 @@ class MixedDrawing {
 
     std::mt19937_64 random_;
     float side_;
-    std::unique_ptr<host::Document> document_;
-    std::vector<host::ArtId> paths_;
+    std::unique_ptr<doc::Document> document_;
+    std::vector<doc::ArtId> paths_;
 };
 
 }  // namespace quorvel::bench

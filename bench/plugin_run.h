@@ -93,9 +93,9 @@ class PluginRun {
 
     host::Host& host() { return *host_; }
     platform::HeadlessBackend& user() { return user_; }
-    host::Document& document() { return *host_->document(); }
+    doc::Document& document() { return *host_->document(); }
 
-    void open(std::unique_ptr<host::Document> document) {
+    void open(std::unique_ptr<doc::Document> document) {
         host_->setDocument(std::move(document), "mm");
         user_.openView("Drawing @ 100%", host_->view().width, host_->view().height);
     }

@@ -26,9 +26,9 @@ std::string panelText(PluginRun& run, std::int32_t field) {
     return text;
 }
 
-void selectAll(PluginRun& run, const std::vector<host::ArtId>& paths) {
-    const bool done = run.host().edit("Select", [&](host::Document& document) {
-        for (const host::ArtId path : paths) document.setSelected(path, true);
+void selectAll(PluginRun& run, const std::vector<doc::ArtId>& paths) {
+    const bool done = run.host().edit("Select", [&](doc::Document& document) {
+        for (const doc::ArtId path : paths) document.setSelected(path, true);
         return true;
     });
     if (!done) throw std::runtime_error("the paths cannot be selected");

@@ -46,14 +46,14 @@ bool drawDimension(PluginRun& run, RealPoint from, RealPoint to) {
 }
 
 // Each measures from one anchor of a path to the next, path after path, the first half of them by the one tool.
-void drawDimensions(PluginRun& run, const std::vector<host::ArtId>& paths, int count) {
+void drawDimensions(PluginRun& run, const std::vector<doc::ArtId>& paths, int count) {
     constexpr std::size_t kStride = 7919;  // a prime: neighbours in the tree are not measured one after the other
     int drawn = 0;
     for (const char* tool : kTools) {
         run.host().selectTool(run.tool(tool));
         const int end = tool == kTools[0] ? count / 2 : count;
         for (std::size_t i = 0; drawn < end && i < 2 * paths.size(); ++i) {
-            const host::ArtId path = paths[i * kStride % paths.size()];
+            const doc::ArtId path = paths[i * kStride % paths.size()];
             const std::vector<PathSegment>& segments = run.document().find(path)->path->segments;
             const std::size_t anchor = i / paths.size();
             if (drawDimension(run, segments[anchor].p, segments[(anchor + 1) % segments.size()].p)) ++drawn;
@@ -63,34 +63,34 @@ void drawDimensions(PluginRun& run, const std::vector<host::ArtId>& paths, int c
     if (drawn < count) throw std::runtime_error("there is no room for so many dimensions");
 }
 
-void copyArt(const host::Document& from, host::ArtId art, host::Document& to, host::ArtId copy,
-             std::map<host::ArtId, host::ArtId>* copies) {
-    const host::Art& original = *from.find(art);
-    host::Art& made = to.loading(copy);
+void copyArt(const doc::Document& from, doc::ArtId art, doc::Document& to, doc::ArtId copy,
+             std::map<doc::ArtId, doc::ArtId>* copies) {
+    const doc::Art& original = *from.find(art);
+    doc::Art& made = to.loading(copy);
     made.selected = original.selected;
     if (original.path) *made.path = *original.path;
     if (original.text) *made.text = *original.text;
     made.tags = original.tags;
     made.svgId = original.svgId;
     (*copies)[art] = copy;
-    for (host::ArtId child = original.lastChild; child != 0; child = from.find(child)->above)
+    for (doc::ArtId child = original.lastChild; child != 0; child = from.find(child)->above)
         copyArt(from, child, to, to.loadArt(from.find(child)->kind, copy), copies);
 }
 
 // The same drawing for another host, as if it had been saved and opened again.
-std::unique_ptr<host::Document> copyOf(const host::Document& original) {
-    auto copy = std::make_unique<host::Document>(original.width(), original.height());
-    std::map<host::ArtId, host::ArtId> copies;
+std::unique_ptr<doc::Document> copyOf(const doc::Document& original) {
+    auto copy = std::make_unique<doc::Document>(original.width(), original.height());
+    std::map<doc::ArtId, doc::ArtId> copies;
     for (std::size_t i = original.layers().size(); i-- > 0;) {
-        const host::Layer& layer = *original.layer(original.layers()[i]);
-        const host::LayerId made = copy->loadLayer(layer.title);
+        const doc::Layer& layer = *original.layer(original.layers()[i]);
+        const doc::LayerId made = copy->loadLayer(layer.title);
         copyArt(original, layer.root, *copy, copy->layer(made)->root, &copies);
     }
     copy->finishLoading();
     return copy;
 }
 
-std::unique_ptr<host::Document> dimensionedDrawing(int arts, int dimensions) {
+std::unique_ptr<doc::Document> dimensionedDrawing(int arts, int dimensions) {
     PluginRun run({.artQuery = true, .settings = {{"flUseFcrs", "0"}, {"flUseFops", "0"}}});
     MixedDrawing drawing(arts);
     run.open(drawing.take());
@@ -100,12 +100,12 @@ std::unique_ptr<host::Document> dimensionedDrawing(int arts, int dimensions) {
 
 // --- passes ---------------------------------------------------------------------------------------------------------
 
-void visitArt(const host::Document& document, const std::function<void(const host::Art&)>& visit) {
-    for (const host::LayerId layer : document.layers()) {
-        const host::ArtId root = document.layer(layer)->root;
-        for (const host::Art* art = document.find(root); art != nullptr;) {
+void visitArt(const doc::Document& document, const std::function<void(const doc::Art&)>& visit) {
+    for (const doc::LayerId layer : document.layers()) {
+        const doc::ArtId root = document.layer(layer)->root;
+        for (const doc::Art* art = document.find(root); art != nullptr;) {
             visit(*art);
-            host::ArtId next = art->firstChild;
+            doc::ArtId next = art->firstChild;
             while (next == 0 && art->id != root) {
                 next = art->below;
                 if (next == 0) art = document.find(art->parent);
@@ -115,18 +115,18 @@ void visitArt(const host::Document& document, const std::function<void(const hos
     }
 }
 
-std::vector<host::ArtId> dimensionsOf(const host::Document& document) {
-    std::vector<host::ArtId> groups;
-    visitArt(document, [&](const host::Art& art) {
+std::vector<doc::ArtId> dimensionsOf(const doc::Document& document) {
+    std::vector<doc::ArtId> groups;
+    visitArt(document, [&](const doc::Art& art) {
         if (document.tag(art.id, kConfigTag) != nullptr) groups.push_back(art.id);
     });
     return groups;
 }
 
 // What a pass leaves, each art as one text.
-std::vector<std::string> portrait(const host::Document& document) {
+std::vector<std::string> portrait(const doc::Document& document) {
     std::vector<std::string> all;
-    visitArt(document, [&](const host::Art& art) {
+    visitArt(document, [&](const doc::Art& art) {
         std::string text = std::to_string(art.kind) + art.svgId;
         const auto add = [&text](const auto& value) {
             text.append(reinterpret_cast<const char*>(&value), sizeof value);
@@ -141,7 +141,7 @@ std::vector<std::string> portrait(const host::Document& document) {
             for (const char16_t unit : art.text->text) add(unit);
             add(art.text->matrix);
         }
-        for (const host::Tag& tag : art.tags) text += tag.name + '=' + tag.value + '\n';
+        for (const doc::Tag& tag : art.tags) text += tag.name + '=' + tag.value + '\n';
         all.push_back(std::move(text));
     });
     return all;
@@ -158,7 +158,7 @@ double passSeconds(PluginRun& run) {
 
 // The shortest of some passes over all dimensions, each undone again: what others do on the machine only ever makes a
 // pass longer.
-double timeWhole(const host::Document& drawing) {
+double timeWhole(const doc::Document& drawing) {
     PluginRun run({.artQuery = true});
     run.open(copyOf(drawing));
     std::vector<double> seconds;
@@ -174,11 +174,11 @@ struct Share {
     std::vector<std::string> left;
 };
 
-Share timeShare(const host::Document& drawing, bool artQuery) {
+Share timeShare(const doc::Document& drawing, bool artQuery) {
     PluginRun run({.artQuery = artQuery});
     run.open(copyOf(drawing));
-    const std::vector<host::ArtId> groups = dimensionsOf(run.document());
-    const bool chosen = run.host().edit("Select", [&](host::Document& document) {
+    const std::vector<doc::ArtId> groups = dimensionsOf(run.document());
+    const bool chosen = run.host().edit("Select", [&](doc::Document& document) {
         for (std::size_t i = 0; i < groups.size(); i += kShare) document.setSelected(groups[i], true);
         return true;
     });
@@ -208,8 +208,8 @@ int main() {
     std::printf("%10s %12s %16s %28s %12s\n", "arts", "dimensions", "indexed, ms", "walked, ms (10 x a tenth)",
                 "ratio");
     for (const int arts : kArts) {
-        const std::unique_ptr<host::Document> few = dimensionedDrawing(arts, kFew),
-                                              many = dimensionedDrawing(arts, kMany);
+        const std::unique_ptr<doc::Document> few = dimensionedDrawing(arts, kFew),
+                                             many = dimensionedDrawing(arts, kMany);
         std::vector<double> fewTimes, manyTimes, growth;
         for (int turn = 0; turn < kTurns; ++turn) {
             fewTimes.push_back(timeWhole(*few));
@@ -219,7 +219,7 @@ int main() {
         growths.emplace_back("indexed, 10000 dimensions / 1000, in " + std::to_string(arts) + " arts",
                              middleOf(growth));
         for (const bool isMany : {false, true}) {
-            const host::Document& drawing = isMany ? *many : *few;
+            const doc::Document& drawing = isMany ? *many : *few;
             const Share byIndex = timeShare(drawing, true), byWalk = timeShare(drawing, false);
             if (!sameLeft(byIndex, byWalk)) return 1;
             const double indexed = middleOf(isMany ? manyTimes : fewTimes), walked = byWalk.seconds * kShare;

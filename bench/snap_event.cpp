@@ -21,7 +21,7 @@ constexpr char kTool[] = "Oblique Dimension Tool";
 int walkedEvents(int paths) { return std::clamp(10'000'000 / paths, 10, 400); }
 
 // Within four points of an anchor or of the middle between two: some cursors hit, others run every search in vain.
-std::vector<RealPoint> cursorsNear(const host::Document& document, const std::vector<host::ArtId>& paths, int count) {
+std::vector<RealPoint> cursorsNear(const doc::Document& document, const std::vector<doc::ArtId>& paths, int count) {
     std::mt19937_64 random(7);
     const auto aside = [&random] { return static_cast<float>(static_cast<double>(random() >> 11) * 0x1p-50 - 4); };
     std::vector<RealPoint> cursors;

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 
 namespace {
 
@@ -57,18 +57,18 @@ Cost median(std::vector<Cost> costs) {
 
 // The work of a child: load, and save with one path more when a target is given.
 int work(const char* path, const char* target) {
-    host::SvgReadResult read = host::readSvgFile(path);
+    interchange::SvgReadResult read = interchange::readSvgFile(path);
     if (!read.document) {
         std::fprintf(stderr, "%s: %s\n", path, read.error.c_str());
         return 2;
     }
     if (target == nullptr) _exit(0);  // a program that ends does not tidy up
-    host::Document& document = *read.document;
-    const host::ArtId added = document.insertArt(kPathArt, kPlaceAboveAll, 0);
+    doc::Document& document = *read.document;
+    const doc::ArtId added = document.insertArt(kPathArt, kPlaceAboveAll, 0);
     const PathSegment ends[] = {{{10, 10}, {10, 10}, {10, 10}, 1}, {{90, 50}, {90, 50}, {90, 50}, 1}};
     document.setSegments(added, 0, ends);
     std::string error;
-    if (!host::saveSvgFile(document, target, "", &error)) {
+    if (!interchange::saveSvgFile(document, target, "", &error)) {
         std::fprintf(stderr, "%s: %s\n", target, error.c_str());
         return 2;
     }

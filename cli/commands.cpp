@@ -6,18 +6,19 @@
 #include <iostream>
 #include <set>
 
-#include "cli/borrowed_profile.h"
-#include "cli/check_many.h"
-#include "cli/dump.h"
+#include "app/dimension_list.h"
+#include "app/dump.h"
+#include "app/headless_session.h"
+#include "app/recalculation.h"
+#include "app/script.h"
+#include "app/script_runner.h"
+#include "app/temporary_profile.h"
+#include "cli/check_command.h"
 #include "cli/export_command.h"
 #include "cli/frame_command.h"
-#include "cli/list.h"
-#include "cli/recalculation.h"
-#include "cli/script.h"
-#include "cli/script_runner.h"
-#include "cli/session.h"
-#include "cli/snap_report.h"
-#include "host/svg.h"
+#include "cli/json_output.h"
+#include "cli/snap_command.h"
+#include "interchange/svg/svg.h"
 #include "platform/file.h"
 
 namespace quorvel::cli {
@@ -25,7 +26,7 @@ namespace quorvel::cli {
 namespace {
 
 struct Options {
-    SessionOptions session;
+    app::SessionOptions session;
     std::string file, output, at;
     std::vector<std::string> files, ids;
     bool json = false, all = false;
@@ -36,7 +37,7 @@ struct Options {
 
 std::string readFile(const std::string& path) {
     std::string bytes;
-    if (!platform::ReadWholeFile(path, &bytes)) throw InputError(path + ": cannot be read");
+    if (!platform::ReadWholeFile(path, &bytes)) throw app::InputError(path + ": cannot be read");
     return bytes;
 }
 
@@ -47,23 +48,23 @@ void tellWarnings(const std::string& file, const std::vector<std::string>& warni
 // For commands that read a drawing and run no plug-in.
 class ReadDrawing {
   public:
-    explicit ReadDrawing(const std::string& path) : result_(host::readSvgFile(path)) {
-        if (result_.document == nullptr) throw InputError(path + ": " + result_.error);
+    explicit ReadDrawing(const std::string& path) : result_(interchange::readSvgFile(path)) {
+        if (result_.document == nullptr) throw app::InputError(path + ": " + result_.error);
         tellWarnings(path, result_.warnings);
     }
-    const host::Document& document() const { return *result_.document; }
+    const doc::Document& document() const { return *result_.document; }
     const std::string& rulerUnit() const { return result_.rulerUnit; }
 
   private:
     host::Host measuring_;  // texts measure as they do while the plug-in runs
-    host::SvgReadResult result_;
+    interchange::SvgReadResult result_;
 };
 
 int runScriptFile(const Options& options) {
-    const std::vector<ScriptLine> lines = parseScript(readFile(options.file), options.file);
-    Session session(options.session);
-    const ScriptOutcome outcome =
-        runScript(lines, options.file, session, [](const std::string& line) { std::cout << line << std::endl; });
+    const std::vector<app::ScriptLine> lines = app::parseScript(readFile(options.file), options.file);
+    app::HeadlessSession session(options.session);
+    const app::ScriptOutcome outcome =
+        app::runScript(lines, options.file, session, [](const std::string& line) { std::cout << line << std::endl; });
     session.shutdown();
     if (outcome.held) return kExitOk;
     std::cerr << outcome.fault << '\n';
@@ -72,65 +73,61 @@ int runScriptFile(const Options& options) {
 
 int dumpFile(const Options& options) {
     const ReadDrawing drawing(options.file);
-    std::cout << writtenJson(dumpDocument(drawing.document(), drawing.rulerUnit())) << '\n';
+    std::cout << app::dumpDocument(drawing.document(), drawing.rulerUnit()) << '\n';
     return kExitOk;
 }
 
 int listFile(const Options& options) {
     const ReadDrawing drawing(options.file);
-    const std::vector<RecordedDimension> dimensions = listDimensions(drawing.document());
+    const std::vector<app::RecordedDimension> dimensions = app::listDimensions(drawing.document());
     if (options.json)
-        std::cout << writtenJson(listJson(dimensions)) << '\n';
+        std::cout << listJson(dimensions) << '\n';
     else
-        std::cout << listText(dimensions);
+        std::cout << app::listText(dimensions);
     return kExitOk;
 }
 
 int snapAt(Options options) {
-    ScriptWord h, v;
+    app::ScriptWord h, v;
     const std::size_t comma = options.at.find(',');
     try {
         h.text = options.at.substr(0, comma);
         v.text = comma == std::string::npos ? "" : options.at.substr(comma + 1);
-        options.snap.at = {static_cast<float>(numberIn(h)), static_cast<float>(numberIn(v))};
+        options.snap.at = {static_cast<float>(app::numberIn(h)), static_cast<float>(app::numberIn(v))};
     } catch (const std::invalid_argument& cause) {
-        throw InputError("--at " + options.at + ": " + cause.what());
+        throw app::InputError("--at " + options.at + ": " + cause.what());
     }
-    const BorrowedProfile profile(options.session);
-    Session session(profile.options());
+    const app::TemporaryProfile profile(options.session);
+    app::HeadlessSession session(profile.options());
     session.openDrawing(options.file);
     tellWarnings(options.file, session.takeWarnings());
     session.start();
-    const Json report = snapJson(session, options.snap);
-    if (options.json)
-        std::cout << writtenJson(report) << '\n';
-    else
-        std::cout << snapText(report);
+    std::cout << snapReport(session, options.snap, options.json);
     return kExitOk;
 }
 
 int recalculateFile(const Options& options) {
-    const BorrowedProfile profile(options.session);
-    Session session(profile.options());
+    const app::TemporaryProfile profile(options.session);
+    app::HeadlessSession session(profile.options());
     session.openDrawing(options.file);
     tellWarnings(options.file, session.takeWarnings());
     session.start();
     const std::set<std::string> asked(options.ids.begin(), options.ids.end());
     std::set<std::string> unknown = asked;
-    std::vector<host::ArtId> chosen;
-    for (const DimensionCheck& check : checkDimensions(session)) {
+    std::vector<doc::ArtId> chosen;
+    for (const app::DimensionCheck& check : app::checkDimensions(session)) {
         unknown.erase(check.svgId);
         if ((asked.empty() || asked.contains(check.svgId)) && (check.stale() || options.all))
             chosen.push_back(check.group);
     }
-    if (!unknown.empty()) throw InputError(options.file + ": no dimension has the id " + *unknown.begin());
-    const int rebuilt = rebuildDimensions(session, chosen);
+    if (!unknown.empty()) throw app::InputError(options.file + ": no dimension has the id " + *unknown.begin());
+    const int rebuilt = app::rebuildDimensions(session, chosen);
     session.saveDrawing(options.output);
     std::cout << options.output << ": " << rebuilt << " rebuilt\n";
     return kExitOk;
 }
 
-void addSessionOptions(CLI::App* command, SessionOptions* session) {
+void addSessionOptions(CLI::App* command, app::SessionOptions* session) {
     command->add_option("--profile", session->profile,
                         "folder that stands for the documents folder (settings, presets)");
     command->add_option("--language", session->language, "language of tools and dialogs")
@@ -213,7 +210,7 @@ int runCommandLine(int argc, char** argv) {
         const auto chosen = app.get_subcommands();
         std::cerr << "quorvel " << (chosen.empty() ? "" : chosen.front()->get_name() + ": ") << error.what() << '\n';
         return kExitBadInput;
-    } catch (const InputError& error) {
+    } catch (const app::InputError& error) {
         std::cerr << error.what() << '\n';
         return kExitBadInput;
     } catch (const std::exception& error) {

@@ -8,9 +8,9 @@
 #include <iostream>
 #include <sstream>
 
+#include "app/script.h"
 #include "cli/commands.h"
 #include "cli/output_paths.h"
-#include "cli/script.h"
 #include "cli/workers.h"
 
 namespace quorvel::cli {
@@ -31,7 +31,8 @@ std::string painterProgram() {
     for (std::string folder; std::getline(folders, folder, ':');)
         if (const fs::path program = fs::path(folder) / kPainter; access(program.c_str(), X_OK) == 0)
             return program.string();
-    throw InputError(std::string("export: ") + kPainter + ", which paints, is neither beside quorvel nor on the path");
+    throw app::InputError(std::string("export: ") + kPainter +
+                          ", which paints, is neither beside quorvel nor on the path");
 }
 
 // Puts the painting program in this process's place; comes back only when that cannot be.

@@ -6,11 +6,11 @@
 #include <iostream>
 #include <set>
 
-#include "cli/borrowed_profile.h"
+#include "app/script.h"
+#include "app/temporary_profile.h"
 #include "cli/commands.h"
 #include "cli/output_paths.h"
 #include "cli/progress_line.h"
-#include "cli/script.h"
 #include "platform/file.h"
 #include "platform/text.h"
 
@@ -42,35 +42,35 @@ Corners parseCorners(const std::string& text) {
         for (std::size_t i = 0; i < numbers.size(); ++i) {
             const std::size_t end = i + 1 < numbers.size() ? text.find(',', start) : text.size();
             if (end == std::string::npos) throw std::invalid_argument("four numbers, LEFT,BOTTOM,RIGHT,TOP");
-            ScriptWord word;
+            app::ScriptWord word;
             word.text = text.substr(start, end - start);
-            numbers[i] = static_cast<float>(numberIn(word));
+            numbers[i] = static_cast<float>(app::numberIn(word));
             start = end + 1;
         }
     } catch (const std::invalid_argument& cause) {
-        throw InputError("--at " + text + ": " + cause.what());
+        throw app::InputError("--at " + text + ": " + cause.what());
     }
     const Corners corners{{numbers[0], numbers[1]}, {numbers[2], numbers[3]}};
     if (corners.lower.h == corners.upper.h && corners.lower.v == corners.upper.v)
-        throw InputError("--at " + text + ": the two corners are one point");
+        throw app::InputError("--at " + text + ": the two corners are one point");
     return corners;
 }
 
-const ScheduleWords& wordsOf(Session& session) {
+const ScheduleWords& wordsOf(app::HeadlessSession& session) {
     for (const ScheduleWords& words : kWords)
         if (session.host().toolByTitle(words.bottomTool) != nullptr) return words;
-    throw InputError("frame: the profile's settings leave the Schedule tools out (oldmode)");
+    throw app::InputError("frame: the profile's settings leave the Schedule tools out (oldmode)");
 }
 
-void throwFault(Session& session) {
+void throwFault(app::HeadlessSession& session) {
     const std::string fault = session.user().takeFault();
     session.user().takeTranscript();
-    if (!fault.empty()) throw InputError("frame: " + fault);
+    if (!fault.empty()) throw app::InputError("frame: " + fault);
 }
 
-void importParts(Session& session, const ScheduleWords& words, const std::string& parts) {
+void importParts(app::HeadlessSession& session, const ScheduleWords& words, const std::string& parts) {
     // The dialog passes over a file that it cannot read in silence.
-    if (!platform::FileCanBeOpened(parts)) throw InputError(parts + ": cannot be read");
+    if (!platform::FileCanBeOpened(parts)) throw app::InputError(parts + ": cannot be read");
     session.newDrawing(100, 100);  // without a frame in it, so that the dialog edits what the next one will say
     session.user().queueDialog(
         {words.dialog,
@@ -80,16 +80,17 @@ void importParts(Session& session, const ScheduleWords& words, const std::string
     throwFault(session);
 }
 
-void applySets(Session& session, const std::vector<std::string>& sets) {
+void applySets(app::HeadlessSession& session, const std::vector<std::string>& sets) {
     for (const std::string& set : sets) {
         const std::size_t equals = set.find('=');
-        if (equals == std::string::npos) throw InputError("--set " + set + ": KEY=TEXT");
+        if (equals == std::string::npos) throw app::InputError("--set " + set + ": KEY=TEXT");
         const std::string value = platform::FromUtf8(set.substr(equals + 1), platform::kCodePageJapanese);
-        if (!session.host().setField(set.substr(0, equals), value)) throw InputError("--set " + set + ": unknown key");
+        if (!session.host().setField(set.substr(0, equals), value))
+            throw app::InputError("--set " + set + ": unknown key");
     }
 }
 
-void drawFrame(Session& session, const char* toolTitle, const Corners& corners) {
+void drawFrame(app::HeadlessSession& session, const char* toolTitle, const Corners& corners) {
     host::Host& host = session.host();
     const int beeps = session.user().beeps();
     host.selectTool(*host.toolByTitle(toolTitle));
@@ -100,7 +101,7 @@ void drawFrame(Session& session, const char* toolTitle, const Corners& corners) 
     host.sendTool(kSelectorMouseDrag, corners.upper, 0);
     host.sendTool(kSelectorMouseUp, corners.upper, 0);
     throwFault(session);
-    if (session.user().beeps() != beeps) throw InputError("the current layer is hidden or locked");
+    if (session.user().beeps() != beeps) throw app::InputError("the current layer is hidden or locked");
 }
 
 std::string namedError(const std::string& file, const std::string& cause) {
@@ -121,12 +122,12 @@ void addFrameOptions(CLI::App& command, FrameOptions* options) {
     command.add_option("--out-dir", options->outputFolder, "the folder where all drawings go, by their names");
 }
 
-int drawFrames(const FrameOptions& options, const SessionOptions& sessionOptions) {
+int drawFrames(const FrameOptions& options, const app::SessionOptions& sessionOptions) {
     const Corners corners = parseCorners(options.at);
     const std::vector<std::string> outputs =
         outputPaths({"frame", options.files, options.output, options.outputFolder, ""});
-    const BorrowedProfile profile(sessionOptions);
-    Session session(profile.options());
+    const app::TemporaryProfile profile(sessionOptions);
+    app::HeadlessSession session(profile.options());
     session.start();
     const ScheduleWords& words = wordsOf(session);
     importParts(session, words, options.parts);
@@ -146,7 +147,7 @@ int drawFrames(const FrameOptions& options, const SessionOptions& sessionOptions
             }
             drawFrame(session, tool, corners);
             session.saveDrawing(outputs[i]);
-        } catch (const InputError& error) {
+        } catch (const app::InputError& error) {
             progress.clear();
             std::cerr << namedError(file, error.what()) << '\n';
             status = kExitBadInput;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/session.h"
+#include "app/headless_session.h"
 
 namespace CLI {
 class App;
@@ -26,6 +26,6 @@ struct FrameOptions {
 void addFrameOptions(CLI::App& command, FrameOptions* options);
 // The settings of the user's profile count, and stay as they are. A drawing that fails is told in a line, and the
 // others follow; the exit status says that one did.
-int drawFrames(const FrameOptions& options, const SessionOptions& session);
+int drawFrames(const FrameOptions& options, const app::SessionOptions& session);
 
 }  // namespace quorvel::cli

@@ -6,7 +6,7 @@
 
 namespace quorvel::cli {
 
-struct OutputQuestion {
+struct OutputRequest {
     const char* command;
     const std::vector<std::string>& files;
     const std::string& output;  // for one drawing
@@ -16,6 +16,6 @@ struct OutputQuestion {
 
 // One path for each file, in their order. Throws InputError when both or neither of output and folder are given, when
 // one output is to hold several drawings, or when two drawings would bear one name.
-std::vector<std::string> outputPaths(const OutputQuestion& question);
+std::vector<std::string> outputPaths(const OutputRequest& question);
 
 }  // namespace quorvel::cli

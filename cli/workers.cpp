@@ -8,9 +8,9 @@
 #include <cerrno>
 #include <thread>
 
+#include "app/script.h"
 #include "cli/commands.h"
 #include "cli/progress_line.h"
-#include "cli/script.h"
 
 namespace quorvel::cli {
 
@@ -36,9 +36,9 @@ WorkerVerdict verdictOf(const std::string& file, std::size_t index, const Work& 
 // A process that writes its words into a pipe and leaves with its status.
 Worker startWorker(const std::string& file, std::size_t index, const Work& work) {
     int ends[2];
-    if (pipe(ends) != 0) throw InputError(file + ": no pipe for its process");
+    if (pipe(ends) != 0) throw app::InputError(file + ": no pipe for its process");
     const pid_t process = fork();
-    if (process < 0) throw InputError(file + ": no process for it");
+    if (process < 0) throw app::InputError(file + ": no process for it");
     if (process == 0) {
         close(ends[0]);
         const WorkerVerdict verdict = verdictOf(file, index, work, ends[1]);

@@ -55,7 +55,7 @@ constexpr Row kRows[] = {
 
 }  // namespace
 
-QString JapaneseCause(const QString& english) {
+QString japaneseCause(const QString& english) {
     // "line 3: path "plate": " stands before what is wrong there.
     static const QRegularExpression kPlace(QStringLiteral("^line (\\d+): ((?:[\\w:]+(?: \"[^\"]*\")?: )?)"));
     const QRegularExpressionMatch place = kPlace.match(english);

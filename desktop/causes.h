@@ -7,6 +7,6 @@
 namespace quorvel::desktop {
 
 // What is not known stays as it is, and so does all that the file itself says: names, numbers, places.
-QString JapaneseCause(const QString& english);
+QString japaneseCause(const QString& english);
 
 }  // namespace quorvel::desktop

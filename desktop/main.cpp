@@ -1,3 +1,3 @@
 #include "desktop/program.h"
 
-int main(int argc, char** argv) { return quorvel::desktop::RunProgram(argc, argv); }
+int main(int argc, char** argv) { return quorvel::desktop::runProgram(argc, argv); }

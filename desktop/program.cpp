@@ -12,11 +12,11 @@
 #include <cstdio>
 #include <exception>
 
-#include "desktop/desk.h"
-#include "desktop/export.h"
-#include "desktop/look.h"
-#include "desktop/main_window.h"
-#include "host/svg.h"
+#include "desktop/session.h"
+#include "desktop/window/color_scheme.h"
+#include "desktop/window/main_window.h"
+#include "interchange/svg/svg.h"
+#include "render/export.h"
 
 namespace quorvel::desktop {
 
@@ -24,13 +24,13 @@ namespace {
 
 constexpr int kExitOk = 0, kExitBadInput = 2;
 
-int Fail(const QString& text) {
+int fail(const QString& text) {
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     return kExitBadInput;
 }
 
 // Each drawing goes to the name given, or, when that begins with a dot (".pdf"), beside itself under its own name.
-int ExportAll(const QString& output, double dotsPerInch, const QStringList& files) {
+int exportAll(const QString& output, double dotsPerInch, const QStringList& files) {
     const host::Host measuring;  // texts measure as they do while the plug-in runs
     for (const QString& file : files) {
         const QFileInfo info(file);
@@ -38,24 +38,24 @@ int ExportAll(const QString& output, double dotsPerInch, const QStringList& file
                                  ? info.path() + QLatin1Char('/') + info.completeBaseName() + output
                                  : output;
         if (QFileInfo(path).absoluteFilePath() == info.absoluteFilePath())
-            return Fail(path + QStringLiteral(": is the drawing itself"));
-        const host::SvgReadResult read = host::readSvgFile(QFile::encodeName(file).toStdString());
-        if (read.document == nullptr) return Fail(file + QStringLiteral(": ") + QString::fromStdString(read.error));
+            return fail(path + QStringLiteral(": is the drawing itself"));
+        const interchange::SvgReadResult read = interchange::readSvgFile(QFile::encodeName(file).toStdString());
+        if (read.document == nullptr) return fail(file + QStringLiteral(": ") + QString::fromStdString(read.error));
         QString cause;
-        if (!ExportDrawing(*read.document, info.absolutePath(), {path, dotsPerInch}, &cause))
-            return Fail(path + QStringLiteral(": ") + cause);
+        if (!render::exportDrawing(*read.document, info.absolutePath(), {path, dotsPerInch}, &cause))
+            return fail(path + QStringLiteral(": ") + cause);
     }
     return kExitOk;
 }
 
-int OpenWindow(QApplication& program, const DeskOptions& options, Look look, const QStringList& files) {
-    ApplyLook(&program, look);
-    Desk desk(options);
+int openWindow(QApplication& program, const SessionOptions& options, ColorScheme scheme, const QStringList& files) {
+    applyColorScheme(&program, scheme);
+    Session session(options);
     QString error;
-    if (!desk.start(&error)) return Fail(error);
-    MainWindow window(&desk);
+    if (!session.start(&error)) return fail(error);
+    MainWindow window(&session);
     window.show();
-    if (!window.file().offerRescuedCopy() && !files.isEmpty()) window.file().open(files.front());
+    if (!window.file().offerRecovery() && !files.isEmpty()) window.file().open(files.front());
     return program.exec();
 }
 
@@ -74,7 +74,7 @@ class Application : public QApplication {
 };
 
 // Where a session has made no folder for running programs, Qt makes one in the place for temporary files and complains.
-void NameRuntimeFolder() {
+void nameRuntimeFolder() {
     if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) return;
     const QString folder = QDir::tempPath() + QStringLiteral("/runtime-quorvel-") + QString::number(getuid());
     QDir().mkpath(folder);
@@ -84,8 +84,8 @@ void NameRuntimeFolder() {
 
 }  // namespace
 
-int RunProgram(int argc, char** argv) {
-    NameRuntimeFolder();
+int runProgram(int argc, char** argv) {
+    nameRuntimeFolder();
     // Exporting asks for no screen.
     for (int i = 1; i < argc; ++i)
         if (qstrcmp(argv[i], "--export") == 0 || QByteArray(argv[i]).startsWith("--export="))
@@ -101,7 +101,7 @@ int RunProgram(int argc, char** argv) {
         QStringLiteral("export"), QStringLiteral("write OUT.pdf or OUT.png and end; .pdf or .png: beside each drawing"),
         QStringLiteral("OUT"));
     const QCommandLineOption dpi(QStringLiteral("dpi"), QStringLiteral("dots per inch of a PNG export"),
-                                 QStringLiteral("N"), QString::number(kPngResolution));
+                                 QStringLiteral("N"), QString::number(render::kPngResolution));
     const QCommandLineOption record(QStringLiteral("record"), QStringLiteral("write what is done as a script"),
                                     QStringLiteral("FILE"));
     const QCommandLineOption profile(QStringLiteral("profile"),
@@ -111,38 +111,38 @@ int RunProgram(int argc, char** argv) {
                                       QStringLiteral("LANGUAGE"));
     const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("start of the random numbers"),
                                   QStringLiteral("N"));
-    const QCommandLineOption look(
+    const QCommandLineOption scheme(
         QStringLiteral("look"), QStringLiteral("light or dark; what was chosen last, or the desktop's own, without it"),
         QStringLiteral("LOOK"));
-    words.addOptions({exportTo, dpi, record, profile, language, seed, look});
+    words.addOptions({exportTo, dpi, record, profile, language, seed, scheme});
     words.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("the drawing"), QStringLiteral("[FILE...]"));
     words.process(program);
 
     const QStringList files = words.positionalArguments();
     if (words.isSet(exportTo)) {
-        if (files.isEmpty()) return Fail(QStringLiteral("--export: no drawing is named"));
+        if (files.isEmpty()) return fail(QStringLiteral("--export: no drawing is named"));
         const double dotsPerInch = words.value(dpi).toDouble();
-        if (!(dotsPerInch > 0)) return Fail(QStringLiteral("--dpi: a number above 0 is needed"));
-        return ExportAll(words.value(exportTo), dotsPerInch, files);
+        if (!(dotsPerInch > 0)) return fail(QStringLiteral("--dpi: a number above 0 is needed"));
+        return exportAll(words.value(exportTo), dotsPerInch, files);
     }
     const QString tongue = words.value(language);
     if (!tongue.isEmpty() && tongue != QLatin1String("ja") && tongue != QLatin1String("en") &&
         tongue != QLatin1String("ko"))
-        return Fail(QStringLiteral("--language: ja, en or ko"));
-    DeskOptions options;
+        return fail(QStringLiteral("--language: ja, en or ko"));
+    SessionOptions options;
     options.profile = QFile::encodeName(words.value(profile)).toStdString();
     options.language = tongue.toStdString();
     options.recordFile = QFile::encodeName(words.value(record)).toStdString();
     if (words.isSet(seed)) {
         bool read = false;
         options.seed = words.value(seed).toULongLong(&read);
-        if (!read) return Fail(QStringLiteral("--seed: a whole number is needed"));
+        if (!read) return fail(QStringLiteral("--seed: a whole number is needed"));
     }
-    const QString asked = words.value(look);
-    return OpenWindow(program, options,
-                      asked == QLatin1String("dark")    ? Look::dark
-                      : asked == QLatin1String("light") ? Look::light
-                                                        : ChosenLook(),
+    const QString asked = words.value(scheme);
+    return openWindow(program, options,
+                      asked == QLatin1String("dark")    ? ColorScheme::dark
+                      : asked == QLatin1String("light") ? ColorScheme::light
+                                                        : savedColorScheme(),
                       files);
 }
 

@@ -4,6 +4,6 @@
 namespace quorvel::desktop {
 
 // Runs the program; the value is its exit status.
-int RunProgram(int argc, char** argv);
+int runProgram(int argc, char** argv);
 
 }  // namespace quorvel::desktop

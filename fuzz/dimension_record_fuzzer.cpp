@@ -25,10 +25,10 @@ std::string tagName(std::size_t index) {
 PathSegment corner(float h, float v) { return {{h, v}, {h, v}, {h, v}, 1}; }
 
 // Ids 1, 2 and 3: an angle, a curved and closed path, a text.
-host::ArtId makeArt(host::Document& document) {
-    const host::ArtId angle = document.insertArt(kPathArt, kPlaceAboveAll, 0);
-    const host::ArtId round = document.insertArt(kPathArt, kPlaceAboveAll, 0);
-    const host::ArtId text = document.insertArt(kTextFrameArt, kPlaceAboveAll, 0);
+doc::ArtId makeArt(doc::Document& document) {
+    const doc::ArtId angle = document.insertArt(kPathArt, kPlaceAboveAll, 0);
+    const doc::ArtId round = document.insertArt(kPathArt, kPlaceAboveAll, 0);
+    const doc::ArtId text = document.insertArt(kTextFrameArt, kPlaceAboveAll, 0);
     document.setSegments(angle, 0, std::vector{corner(100, 100), corner(300, 100), corner(300, 250)});
     document.setSegments(round, 0,
                          std::vector<PathSegment>{{{450, 200}, {450, 172.4F}, {450, 227.6F}, 0},
@@ -38,14 +38,14 @@ host::ArtId makeArt(host::Document& document) {
     document.setClosed(round, true);
     AIPathStyle style;
     style.strokePaint = 1;
-    for (const host::ArtId path : {angle, round}) document.setStyle(path, style);
-    host::TextData words;
+    for (const doc::ArtId path : {angle, round}) document.setStyle(path, style);
+    doc::TextData words;
     words.text = u"text";
     words.runs = {{4, {}}};
     words.matrix.tx = 50;
     document.setText(text, words);
     const char* ids[] = {"1", "2", "3"};
-    const host::ArtId arts[] = {angle, round, text};
+    const doc::ArtId arts[] = {angle, round, text};
     for (int i = 0; i < 3; ++i) document.setTag(arts[i], "quorvel_object_id", ids[i]);
     return angle;
 }
@@ -54,9 +54,9 @@ host::ArtId makeArt(host::Document& document) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static fuzz::PluginUnderTest plugin;
-    host::Document& document = plugin.begin();
-    const host::ArtId angle = makeArt(document);
-    const host::ArtId group = document.insertArt(kGroupArt, kPlaceAboveAll, 0);
+    doc::Document& document = plugin.begin();
+    const doc::ArtId angle = makeArt(document);
+    const doc::ArtId group = document.insertArt(kGroupArt, kPlaceAboveAll, 0);
     const std::vector<std::string> values = fuzz::cutAtZeros(data, size);
     for (std::size_t i = 0; i < values.size() && i < kFixedTags + kStops; ++i)
         if (!values[i].empty()) document.setTag(group, tagName(i), values[i]);

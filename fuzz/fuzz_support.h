@@ -78,7 +78,7 @@ class PluginUnderTest {
     }
 
     // An empty page and the settings of a first start.
-    host::Document& begin() {
+    doc::Document& begin() {
         gGlobals->prefs = *atStart_;
         host_->newDocument(600, 400);
         return *host_->document();

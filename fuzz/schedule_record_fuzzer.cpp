@@ -21,9 +21,9 @@ std::string tagName(std::size_t index) {
     return name;
 }
 
-void makeFrame(host::Document& document, const std::vector<std::string>& values) {
-    const host::ArtId group = document.insertArt(kGroupArt, kPlaceAboveAll, 0);
-    const host::ArtId line = document.insertArt(kPathArt, kPlaceInsideOnTop, group);
+void makeFrame(doc::Document& document, const std::vector<std::string>& values) {
+    const doc::ArtId group = document.insertArt(kGroupArt, kPlaceAboveAll, 0);
+    const doc::ArtId line = document.insertArt(kPathArt, kPlaceInsideOnTop, group);
     const PathSegment ends[] = {{{10, 10}, {10, 10}, {10, 10}, 1}, {{500, 300}, {500, 300}, {500, 300}, 1}};
     document.setSegments(line, 0, ends);
     for (std::size_t i = 0; i < values.size() && i < 204; ++i)
@@ -40,12 +40,12 @@ void openDialog(fuzz::PluginUnderTest& plugin, std::int32_t button) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static fuzz::PluginUnderTest plugin;
-    host::Document& document = plugin.begin();
+    doc::Document& document = plugin.begin();
     makeFrame(document, fuzz::cutAtZeros(data, size));
     openDialog(plugin, kOk);
     // As the dialog has stored it: bytes that are no text of the code page have become question marks.
     const std::string stored = fuzz::scheduleText(*gGlobals);
-    const host::ArtId made = document.find(document.layer(document.currentLayer())->root)->firstChild;
+    const doc::ArtId made = document.find(document.layer(document.currentLayer())->root)->firstChild;
     if (document.tag(made, "QUORVEL_ZWK_SETTING_1") != nullptr) {
         document.setSelected(made, true);
         openDialog(plugin, kCancel);

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 
 using namespace quorvel;
 
@@ -15,17 +15,16 @@ void require(bool holds) {
 }
 
 // Something of everything that saving can splice.
-void change(host::Document& document) {
-    const host::LayerId layer = document.currentLayer();
-    const host::ArtId root = document.layer(layer)->root;
-    if (const host::ArtId top = document.find(root)->firstChild; top != 0) {
+void change(doc::Document& document) {
+    const doc::LayerId layer = document.currentLayer();
+    const doc::ArtId root = document.layer(layer)->root;
+    if (const doc::ArtId top = document.find(root)->firstChild; top != 0) {
         document.setTag(top, "quorvel_object_id", "\x81\x5C%\"");
         document.transform(top, {0.5F, 0.25F, -0.25F, 0.5F, 3, 4}, 1);
         document.setHidden(top, !document.find(top)->hidden);
     }
-    if (const host::ArtId low = document.find(root)->lastChild; low != 0)
-        document.moveArt(low, kPlaceInsideOnTop, root);
-    const host::ArtId path = document.insertArt(kPathArt, kPlaceInsideOnTop, root);
+    if (const doc::ArtId low = document.find(root)->lastChild; low != 0) document.moveArt(low, kPlaceInsideOnTop, root);
+    const doc::ArtId path = document.insertArt(kPathArt, kPlaceInsideOnTop, root);
     const PathSegment ends[] = {{{1, 2}, {1, 2}, {3, 4}, 1}, {{5, 6}, {7, 8}, {5, 6}, 0}};
     document.setSegments(path, 0, ends);
     document.setLayerTitle(layer, "Title");
@@ -36,16 +35,16 @@ void change(host::Document& document) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    const host::SvgReadResult read = host::readSvg(text);
+    const interchange::SvgReadResult read = interchange::readSvg(text);
     require(read.error.find('\n') == std::string::npos);
     require((read.document == nullptr) == !read.error.empty());
     if (!read.document) return 0;
-    require(host::writeSvg(*read.document) == text);
+    require(interchange::writeSvg(*read.document) == text);
     change(*read.document);
-    const std::string changed = host::writeSvg(*read.document);
-    const host::SvgReadResult again = host::readSvg(changed);
+    const std::string changed = interchange::writeSvg(*read.document);
+    const interchange::SvgReadResult again = interchange::readSvg(changed);
     require(again.document != nullptr);
-    require(host::writeSvg(*again.document) == changed);
+    require(interchange::writeSvg(*again.document) == changed);
     require(again.document->layers().size() >= 2);
     return 0;
 }

@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "fonts/fonts.h"
 #include "host/code_page.h"
-#include "host/fonts.h"
 #include "host/host_state.h"
 
 namespace quorvel::host {
@@ -22,8 +22,8 @@ constexpr const char* kMenuGroups[] = {"Preferences", "Tool Palettes", "About"};
 HostState* running = nullptr;
 
 float measureText(const std::string& fontName, char32_t character) {
-    const Font* font = findFont(fontName);
-    return characterWidth(font != nullptr ? *font : fonts().front(), character);
+    const fonts::Font* font = fonts::findFont(fontName);
+    return fonts::characterWidth(font != nullptr ? *font : fonts::fonts().front(), character);
 }
 
 AIPathStyle initialStyle() {
@@ -89,7 +89,7 @@ HostState::HostState(Host& itsHost, HostOptions itsOptions) : host(itsHost), opt
 // --- one message
 // ---------------------------------------------------------------------------------------------------------
 
-bool HostState::survives(const std::function<void()>& call) {
+bool HostState::invokeGuarded(const std::function<void()>& call) {
     std::string failure = "unknown cause";
     try {
         call();
@@ -105,7 +105,7 @@ bool HostState::survives(const std::function<void()>& call) {
 AIErr HostState::callPlugin(const char* caller, const char* selector, SPMessageData* message) {
     *message = {kMessageCheck, makeHandle<SPPluginRef>(1), globals, &basicSuite()};
     AIErr result = kPluginFailedErr;
-    const bool survived = survives([&] {
+    const bool survived = invokeGuarded([&] {
         const Raised deeper(depth);
         result = entry(caller, selector, message);
     });
@@ -188,7 +188,7 @@ AIErr Host::notify(std::string_view type) {
 Host::Host(HostOptions options) : impl_(std::make_unique<Impl>(*this, std::move(options))) {
     if (running != nullptr) throw std::logic_error("there is a host already");
     running = impl_.get();
-    setTextMeasure(measureText);
+    doc::setTextMeasure(measureText);
 }
 
 void Host::attachPlugin(PluginMainProc entry, void* module) {
@@ -365,7 +365,7 @@ bool Host::chooseFlyout(int item) {
         const auto bears = [item](const std::pair<int, std::string>& one) { return one.first == item; };
         if (std::none_of(panel.flyoutItems.begin(), panel.flyoutItems.end(), bears)) continue;
         const AIPanelFlyoutProc proc = panel.flyoutProc;
-        if (proc != nullptr) impl_->survives([proc, item, handle = panel.handle] { proc(handle, item); });
+        if (proc != nullptr) impl_->invokeGuarded([proc, item, handle = panel.handle] { proc(handle, item); });
         return true;
     }
     return false;
@@ -394,12 +394,12 @@ void HostState::destroyPanel(AIPanelRef handle) {
 // --- steps
 // ---------------------------------------------------------------------------------------------------------------
 
-bool Host::edit(const std::string& name, const std::function<bool(Document&)>& change) {
+bool Host::edit(const std::string& name, const std::function<bool(doc::Document&)>& change) {
     return edit(StepName{"Undo " + name, "Redo " + name}, change);
 }
 
-bool Host::edit(const StepName& name, const std::function<bool(Document&)>& change) {
-    Document* document = impl_->document.get();
+bool Host::edit(const StepName& name, const std::function<bool(doc::Document&)>& change) {
+    doc::Document* document = impl_->document.get();
     if (document == nullptr || document->inTransaction()) return false;
     document->begin();
     bool done = false;
@@ -420,7 +420,7 @@ bool Host::edit(const StepName& name, const std::function<bool(Document&)>& chan
 }
 
 bool Host::undo() {
-    Document* document = impl_->document.get();
+    doc::Document* document = impl_->document.get();
     if (document == nullptr || document->inTransaction() || !document->undo()) return false;
     impl_->lastUndoName.clear();
     impl_->queueArtChange();
@@ -429,7 +429,7 @@ bool Host::undo() {
 }
 
 bool Host::redo() {
-    Document* document = impl_->document.get();
+    doc::Document* document = impl_->document.get();
     if (document == nullptr || document->inTransaction() || !document->redo()) return false;
     impl_->lastUndoName.clear();
     impl_->queueArtChange();

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/document.h"
+#include "document/document.h"
 #include "hostapi/messages.h"
 #include "hostapi/suites.h"
 
@@ -121,9 +121,9 @@ class Host {
 
     // --- the drawing ---------------------------------------------------------------------------------------------
     void newDocument(float width, float height);
-    void setDocument(std::unique_ptr<Document> document, const std::string& rulerUnit);  // zoom 1
+    void setDocument(std::unique_ptr<doc::Document> document, const std::string& rulerUnit);  // zoom 1
     void closeDocument();
-    Document* document() const;  // null when none is open
+    doc::Document* document() const;  // null when none is open
     View& view();
     void setZoom(float zoom);  // about the centre; the view is repainted
     void setCentre(RealPoint centre);
@@ -158,15 +158,15 @@ class Host {
     // What each search of the tool's chain finds at the point; null when the plug-in does not answer.
     std::unique_ptr<QuorvelSnapMessage> snapReport(const ToolRecord& tool, RealPoint cursor);
     // The art that a handle names, 0 when it is gone.
-    ArtId artOfHandle(AIArtHandle handle) const;
+    doc::ArtId artOfHandle(AIArtHandle handle) const;
     // A message of our own making, as one transaction.
     AIErr send(const char* caller, const char* selector, SPMessageData* message);
 
     // --- steps ---------------------------------------------------------------------------------------------------
     // The host's own editing as one step; "Move" makes a step "Undo Move". False, and nothing has changed, when change
     // gives false or a message is running.
-    bool edit(const std::string& name, const std::function<bool(Document&)>& change);
-    bool edit(const StepName& name, const std::function<bool(Document&)>& change);
+    bool edit(const std::string& name, const std::function<bool(doc::Document&)>& change);
+    bool edit(const StepName& name, const std::function<bool(doc::Document&)>& change);
     bool undo();
     bool redo();
     // The name of what was done last, UTF-8: the one that a message gave its step, also when nothing came of it, or the

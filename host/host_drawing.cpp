@@ -64,21 +64,21 @@ std::int32_t toPixel(double value) {
 
 // --- the drawing ------------------------------------------------------------------------------------------------
 
-void HostState::replaceDocument(std::unique_ptr<Document> next) {
+void HostState::replaceDocument(std::unique_ptr<doc::Document> next) {
     artIndex.reset();
     document = std::move(next);
     documentSerial = documentSerial == UINT16_MAX ? 1 : documentSerial + 1;
     lastGroupNumber = 0;
     notifiedChange = document != nullptr ? document->changeCount() : 0;
     if (document == nullptr) return;
-    artIndex = std::make_unique<ArtIndex>(*document);
+    artIndex = std::make_unique<doc::ArtIndex>(*document);
     if (depth > 0) document->begin();  // the message that is running goes on in the new drawing
     view.zoom = 1;
     view.centre = {document->width() / 2, document->height() / 2};
 }
 
 void Host::newDocument(float width, float height) {
-    auto document = std::make_unique<Document>(width, height);
+    auto document = std::make_unique<doc::Document>(width, height);
     if (document->layers().empty()) {
         document->loadLayer("Layer 1");
         document->finishLoading();
@@ -86,7 +86,7 @@ void Host::newDocument(float width, float height) {
     setDocument(std::move(document), "pt");
 }
 
-void Host::setDocument(std::unique_ptr<Document> document, const std::string& rulerUnit) {
+void Host::setDocument(std::unique_ptr<doc::Document> document, const std::string& rulerUnit) {
     impl_->replaceDocument(std::move(document));
     setRulerUnit(rulerUnit);
     if (callbacks.viewRepainted) callbacks.viewRepainted();
@@ -97,7 +97,7 @@ void Host::closeDocument() {
     if (callbacks.viewRepainted) callbacks.viewRepainted();
 }
 
-Document* Host::document() const { return impl_->document.get(); }
+doc::Document* Host::document() const { return impl_->document.get(); }
 
 // --- the view
 // --------------------------------------------------------------------------------------------------------------
@@ -115,9 +115,9 @@ void Host::setCentre(RealPoint centre) {
     if (callbacks.viewRepainted) callbacks.viewRepainted();
 }
 
-ArtId Host::artOfHandle(AIArtHandle handle) const {
+doc::ArtId Host::artOfHandle(AIArtHandle handle) const {
     if (document() == nullptr) return 0;
-    const Art* art = document()->find(numberOf(handle, impl_->documentSerial));
+    const doc::Art* art = document()->find(numberOf(handle, impl_->documentSerial));
     return art == nullptr ? 0 : art->id;
 }
 
@@ -155,7 +155,7 @@ HostState& theHost() {
     return *host;
 }
 
-Document& theDocument() {
+doc::Document& theDocument() {
     HostState& host = theHost();
     require(host.document != nullptr, kNoDocumentErr);
     return *host.document;
@@ -163,26 +163,26 @@ Document& theDocument() {
 
 void requirePlugin(SPPluginRef plugin) { require(numberOf(plugin) == 1, kStaleHandleErr); }
 
-const Art& artOf(AIArtHandle handle) {
-    const Document& document = theDocument();
-    const Art* art = document.find(numberOf(handle, theHost().documentSerial));
+const doc::Art& artOf(AIArtHandle handle) {
+    const doc::Document& document = theDocument();
+    const doc::Art* art = document.find(numberOf(handle, theHost().documentSerial));
     require(art != nullptr, kStaleHandleErr);
     return *art;
 }
 
-const Layer& layerOf(AILayerHandle handle) {
-    const Document& document = theDocument();
-    const Layer* layer = document.layer(numberOf(handle, theHost().documentSerial));
+const doc::Layer& layerOf(AILayerHandle handle) {
+    const doc::Document& document = theDocument();
+    const doc::Layer* layer = document.layer(numberOf(handle, theHost().documentSerial));
     require(layer != nullptr, kStaleHandleErr);
     return *layer;
 }
 
-AIArtHandle artHandle(ArtId id) { return makeHandle<AIArtHandle>(id, theHost().documentSerial); }
-AILayerHandle layerHandle(LayerId id) { return makeHandle<AILayerHandle>(id, theHost().documentSerial); }
+AIArtHandle artHandle(doc::ArtId id) { return makeHandle<AIArtHandle>(id, theHost().documentSerial); }
+AILayerHandle layerHandle(doc::LayerId id) { return makeHandle<AILayerHandle>(id, theHost().documentSerial); }
 
 namespace {
 
-void requireOpenLayer(const Layer* layer) {
+void requireOpenLayer(const doc::Layer* layer) {
     require(layer != nullptr);
     require(layer->visible && layer->editable, kLockedErr);
 }
@@ -190,14 +190,14 @@ void requireOpenLayer(const Layer* layer) {
 }  // namespace
 
 Placement openPlacement(std::int16_t placement, AIArtHandle prep) {
-    const Document& document = theDocument();
+    const doc::Document& document = theDocument();
     if (placement == kPlaceAboveAll) {
-        const Layer* layer = document.layer(document.currentLayer());
+        const doc::Layer* layer = document.layer(document.currentLayer());
         requireOpenLayer(layer);
         return {kPlaceInsideOnTop, layer->root};
     }
     require(placement >= kPlaceAbove && placement <= kPlaceInsideOnBottom);
-    const Art& beside = artOf(prep);
+    const doc::Art& beside = artOf(prep);
     requireOpenLayer(document.layer(document.layerOf(beside.id)));
     return {static_cast<AIPaintOrder>(placement), beside.id};
 }

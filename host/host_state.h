@@ -16,17 +16,17 @@
 #include <utility>
 #include <vector>
 
-#include "host/art_index.h"
+#include "document/art_index.h"
 #include "host/host.h"
-#include "host/suite_support.h"
+#include "host/suites/suite_support.h"
 
 namespace quorvel::host {
 
 struct TextRange {
-    ArtId frame = 0;
+    doc::ArtId frame = 0;
     std::uint16_t documentSerial = 0;
-    std::int32_t start = 0, end = 0;      // UTF-16 units
-    std::optional<CharFeatures> pending;  // for what is inserted next, while the range is empty
+    std::int32_t start = 0, end = 0;           // UTF-16 units
+    std::optional<doc::CharFeatures> pending;  // for what is inserted next, while the range is empty
 };
 
 struct ParaFeatures {
@@ -55,7 +55,7 @@ struct MessageArena {
     std::deque<std::vector<std::uint16_t>> strings;
     MessageTexts texts;
     std::deque<TextRange> ranges;
-    std::deque<CharFeatures> charFeatures;
+    std::deque<doc::CharFeatures> charFeatures;
     std::deque<ParaFeatures> paraFeatures;
     std::deque<AIColor> paints;
     std::vector<AIArtHandle> foundArt;
@@ -72,7 +72,7 @@ struct HostState {
     explicit HostState(Host& itsHost, HostOptions itsOptions);
 
     // A call into the plug-in; false, and the user is told, when it throws.
-    bool survives(const std::function<void()>& call);
+    bool invokeGuarded(const std::function<void()>& call);
     // Runs the plug-in's function once. When it throws, the message's changes are dropped.
     AIErr callPlugin(const char* caller, const char* selector, SPMessageData* message);
     void beginMessage();
@@ -81,7 +81,7 @@ struct HostState {
     AIErr sendNotification(const std::string& type);
     void queueArtChange();
     void dropRegistrations();
-    void replaceDocument(std::unique_ptr<Document> next);
+    void replaceDocument(std::unique_ptr<doc::Document> next);
     bool fails(std::string_view what) const { return options.failAdding == what; }
     PanelRecord* panel(AIPanelRef handle);
     void destroyPanel(AIPanelRef handle);
@@ -96,8 +96,8 @@ struct HostState {
     std::int32_t pluginOptions = 0;
     std::map<int, int> held;  // acquisitions less releases, by the suite's place in the table
 
-    std::unique_ptr<Document> document;
-    std::unique_ptr<ArtIndex> artIndex;
+    std::unique_ptr<doc::Document> document;
+    std::unique_ptr<doc::ArtIndex> artIndex;
     std::uint16_t documentSerial = 0;
     std::uint32_t lastGroupNumber = 0;  // of the ids given to groups of this document
     std::uint64_t notifiedChange = 0;   // the document's change count when its changes were last told
@@ -139,18 +139,18 @@ struct Host::Impl : HostState {
 HostState* runningHost();                  // null when there is none
 void releaseHost(const HostState* state);  // it ends: another one may run
 HostState& theHost();                      // refuses when there is none
-Document& theDocument();                   // refuses when none is open
+doc::Document& theDocument();              // refuses when none is open
 void requirePlugin(SPPluginRef plugin);
 
-const Art& artOf(AIArtHandle handle);
-const Layer& layerOf(AILayerHandle handle);
-AIArtHandle artHandle(ArtId id);  // null for 0
-AILayerHandle layerHandle(LayerId id);
+const doc::Art& artOf(AIArtHandle handle);
+const doc::Layer& layerOf(AILayerHandle handle);
+AIArtHandle artHandle(doc::ArtId id);  // null for 0
+AILayerHandle layerHandle(doc::LayerId id);
 
 // Where new art goes, with "above all" said as a place in the current layer. Refuses a hidden or locked layer.
 struct Placement {
     AIPaintOrder order;
-    ArtId prep;
+    doc::ArtId prep;
 };
 Placement openPlacement(std::int16_t placement, AIArtHandle prep);
 
@@ -176,7 +176,7 @@ void copyText(std::string_view text, char* to, std::int32_t size);
 // A change of the drawing. Outside of messages it is a step of its own.
 template <typename Change>
 auto changeDocument(Change change) {
-    Document& document = theDocument();
+    doc::Document& document = theDocument();
     if (document.inTransaction()) return change(document);
     document.begin();
     try {

@@ -28,7 +28,7 @@ constexpr Handling kHandling[] = {
     {ControlKind::pushButton, false, false, false, true},
 };
 
-bool CanDo(ControlKind kind, StepKind step) {
+bool canDo(ControlKind kind, StepKind step) {
     for (const Handling& row : kHandling) {
         if (row.kind != kind) continue;
         switch (step) {
@@ -64,7 +64,7 @@ const char* Deed(StepKind step) {
     }
 }
 
-void SwitchOn(WindowState& window, ControlState& control) {
+void switchOn(WindowState& window, ControlState& control) {
     if (control.kind == ControlKind::radio)
         for (ControlState& other : window.controls)
             if (other.kind == ControlKind::radio) other.checked = false;
@@ -80,7 +80,7 @@ ControlState* WindowState::find(std::int32_t control) {
 
 // --- what a control holds
 
-std::string ShownText(const ControlState& control) {
+std::string shownText(const ControlState& control) {
     switch (control.kind) {
         case ControlKind::checkBox:
         case ControlKind::radio:
@@ -94,14 +94,14 @@ std::string ShownText(const ControlState& control) {
     }
 }
 
-void SelectControlRow(ControlState& control, std::int32_t row) {
+void selectControlRow(ControlState& control, std::int32_t row) {
     const bool there = row >= 0 && static_cast<std::size_t>(row) < control.rows.size();
     control.selected = there ? row : -1;
     if (control.kind == ControlKind::editList)
         control.text = there ? control.rows[static_cast<std::size_t>(row)] : std::string();
 }
 
-void SetControlContent(ControlState& control, const std::string& text) {
+void setControlContent(ControlState& control, const std::string& text) {
     if (control.kind == ControlKind::list || control.kind == ControlKind::commandList) return;
     control.text = text;
     if (control.kind != ControlKind::editList) return;
@@ -109,14 +109,14 @@ void SetControlContent(ControlState& control, const std::string& text) {
     control.selected = row == control.rows.end() ? -1 : static_cast<std::int32_t>(row - control.rows.begin());
 }
 
-void InsertControlRow(ControlState& control, std::int32_t row, const std::string& text) {
+void insertControlRow(ControlState& control, std::int32_t row, const std::string& text) {
     const auto count = static_cast<std::int32_t>(control.rows.size());
     const std::int32_t place = row < 0 || row > count ? count : row;
     control.rows.insert(control.rows.begin() + place, text);
     if (control.selected >= place) ++control.selected;
 }
 
-void RemoveControlRow(ControlState& control, std::int32_t row) {
+void removeControlRow(ControlState& control, std::int32_t row) {
     if (row < 0 || static_cast<std::size_t>(row) >= control.rows.size()) return;
     control.rows.erase(control.rows.begin() + row);
     if (control.selected == row)
@@ -147,7 +147,7 @@ ControlWindows::Held ControlWindows::stand(const ControlRow* rows, std::int32_t 
         ControlState control;
         control.id = row->id;
         control.kind = row->kind;
-        SetControlContent(control, language == Language::english ? row->english : row->japanese);
+        setControlContent(control, language == Language::english ? row->english : row->japanese);
         window->controls.push_back(std::move(control));
     }
     windows_.push_back(window);
@@ -201,7 +201,7 @@ void ControlWindows::post(WindowRef window, std::int32_t number) {
 // --- dialogs
 
 std::int32_t ControlWindows::runDialog(const DialogTemplate& dialog, const WindowLogic& logic, void* context) {
-    user_.say("dialog " + std::to_string(dialog.id) + ' ' + QuotedForTranscript(dialog.title));
+    user_.say("dialog " + std::to_string(dialog.id) + ' ' + quotedForTranscript(dialog.title));
     if (dialogsOpen_++ == 0) user_.lastFocus = 0;
     const std::optional<DialogReply> reply = user_.replyTo(dialog.id);
     const Held window = stand(dialog.rows, dialog.rowCount, dialog.language, logic, context);
@@ -231,17 +231,17 @@ std::string ControlWindows::perform(const Held& window, const DialogStep& step) 
     ControlState* control = window->find(step.control);
     if (control == nullptr) return name + " is not there";
     if (step.kind == StepKind::expectText) {
-        const std::string found = ShownText(*control);
+        const std::string found = shownText(*control);
         if (found == step.text) return {};
-        return name + ": expected " + QuotedForTranscript(step.text) + ", found " + QuotedForTranscript(found);
+        return name + ": expected " + quotedForTranscript(step.text) + ", found " + quotedForTranscript(found);
     }
     if (!control->shown) return name + " is hidden";
     if (!control->enabled) return name + " is disabled";
-    if (!CanDo(control->kind, step.kind)) return name + ' ' + Deed(step.kind);
+    if (!canDo(control->kind, step.kind)) return name + ' ' + Deed(step.kind);
     const WindowLogic& logic = window->logic;
     switch (step.kind) {
         case StepKind::setText:
-            SetControlContent(*control, step.text);
+            setControlContent(*control, step.text);
             break;
         case StepKind::selectRow:
             if (step.row < 0 || static_cast<std::size_t>(step.row) >= control->rows.size())
@@ -249,11 +249,11 @@ std::string ControlWindows::perform(const Held& window, const DialogStep& step) 
             if (control->kind == ControlKind::commandList && logic.rowDisabled != nullptr &&
                 logic.rowDisabled(reinterpret_cast<WindowRef>(window.get()), step.control, step.row, window->context))
                 return {};
-            SelectControlRow(*control, step.row);
+            selectControlRow(*control, step.row);
             break;
         case StepKind::check:
             if (control->checked && control->kind == ControlKind::checkBox) return {};
-            SwitchOn(*window, *control);
+            switchOn(*window, *control);
             break;
         case StepKind::uncheck:
             if (!control->checked) return {};
@@ -261,7 +261,7 @@ std::string ControlWindows::perform(const Held& window, const DialogStep& step) 
             break;
         case StepKind::press:
             if (control->kind == ControlKind::radio)
-                SwitchOn(*window, *control);
+                switchOn(*window, *control);
             else if (control->kind == ControlKind::checkBox)
                 control->checked = !control->checked;
             break;

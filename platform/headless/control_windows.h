@@ -81,11 +81,11 @@ class ControlWindows {
 };
 
 // What a user reads off the control: "on" or "off" of what is switched, the selected row of a list, else the text.
-std::string ShownText(const ControlState& control);
+std::string shownText(const ControlState& control);
 // Out of range selects nothing. A list with a text of its own takes the row's text over.
-void SelectControlRow(ControlState& control, std::int32_t row);
-void SetControlContent(ControlState& control, const std::string& text);
-void InsertControlRow(ControlState& control, std::int32_t row, const std::string& text);
-void RemoveControlRow(ControlState& control, std::int32_t row);
+void selectControlRow(ControlState& control, std::int32_t row);
+void setControlContent(ControlState& control, const std::string& text);
+void insertControlRow(ControlState& control, std::int32_t row, const std::string& text);
+void removeControlRow(ControlState& control, std::int32_t row);
 
 }  // namespace quorvel::platform

@@ -12,20 +12,20 @@ namespace quorvel::platform {
 
 namespace {
 
-std::string Environment(const char* name) {
+std::string environment(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? "" : value;
 }
 
 // The base directory rules let only absolute paths count.
-std::string BaseFolder(const char* variable, const char* belowHome) {
-    const std::string value = Environment(variable), home = Environment("HOME");
+std::string baseFolder(const char* variable, const char* belowHome) {
+    const std::string value = environment(variable), home = environment("HOME");
     if (!value.empty() && value.front() == '/') return value;
     return home.empty() ? "" : home + belowHome;
 }
 
 // Empty when the line does not set the folder.
-std::string DocumentsInLine(std::string_view line, const std::string& home) {
+std::string documentsInLine(std::string_view line, const std::string& home) {
     constexpr std::string_view kKey = "XDG_DOCUMENTS_DIR=\"", kHome = "$HOME";
     const std::size_t first = line.find_first_not_of(" \t");
     if (first == std::string_view::npos || line.substr(first, kKey.size()) != kKey) return {};
@@ -39,33 +39,33 @@ std::string DocumentsInLine(std::string_view line, const std::string& home) {
         if (value[i] == '\\' && i + 1 < value.size()) ++i;
         path += value[i];
     }
-    return !path.empty() && path.front() == '/' ? WithoutEndSeparator(path) : "";
+    return !path.empty() && path.front() == '/' ? withoutEndSeparator(path) : "";
 }
 
 }  // namespace
 
-std::string WithoutEndSeparator(std::string path) {
+std::string withoutEndSeparator(std::string path) {
     while (path.size() > 1 && (path.back() == '/' || path.back() == '\\')) path.pop_back();
     return path;
 }
 
-std::string UserDocumentsFolder() {
-    const std::string home = Environment("HOME");
-    std::string chosen = home.empty() ? "" : WithoutEndSeparator(home) + "/Documents";
+std::string userDocumentsFolder() {
+    const std::string home = environment("HOME");
+    std::string chosen = home.empty() ? "" : withoutEndSeparator(home) + "/Documents";
     std::string content;
-    const std::string settings = BaseFolder("XDG_CONFIG_HOME", "/.config");
+    const std::string settings = baseFolder("XDG_CONFIG_HOME", "/.config");
     if (settings.empty() || !ReadWholeFile(settings + "/user-dirs.dirs", &content)) return chosen;
     for (std::size_t start = 0; start < content.size();) {
         const std::size_t end = std::min(content.find('\n', start), content.size());
-        const std::string found = DocumentsInLine(std::string_view(content).substr(start, end - start), home);
+        const std::string found = documentsInLine(std::string_view(content).substr(start, end - start), home);
         if (!found.empty()) chosen = found;
         start = end + 1;
     }
     return chosen;
 }
 
-std::string UserStateFolder() {
-    const std::string state = BaseFolder("XDG_STATE_HOME", "/.local/state");
+std::string userStateFolder() {
+    const std::string state = baseFolder("XDG_STATE_HOME", "/.local/state");
     if (state.empty()) return {};
     const std::string folder = state + "/quorvel";
     return CreateFolder(folder) ? folder : "";

@@ -6,10 +6,10 @@
 namespace quorvel::platform {
 
 // The documents folder that the user chose for the desktop, else "Documents" in the home; empty without a home.
-std::string UserDocumentsFolder();
+std::string userDocumentsFolder();
 // The folder for logs of this program, made when it is not there; empty when that fails.
-std::string UserStateFolder();
+std::string userStateFolder();
 
-std::string WithoutEndSeparator(std::string path);
+std::string withoutEndSeparator(std::string path);
 
 }  // namespace quorvel::platform

@@ -46,7 +46,7 @@ HeadlessBackend::~HeadlessBackend() {
 
 // --- what the script sets up and asks
 
-void HeadlessBackend::setDocumentsFolder(const std::string& path) { impl_->documents = WithoutEndSeparator(path); }
+void HeadlessBackend::setDocumentsFolder(const std::string& path) { impl_->documents = withoutEndSeparator(path); }
 
 void HeadlessBackend::queueAnswer(bool yes) { impl_->user.answers.push_back(yes); }
 
@@ -88,7 +88,7 @@ int HeadlessBackend::beeps() const { return impl_->beeps; }
 bool HeadlessBackend::askQuestion(const std::string& text) { return impl_->user.answer("question", text, "yes", "no"); }
 
 // Nothing is asked, so that no reply is taken from the questions.
-void HeadlessBackend::showAlert(const std::string& text) { impl_->user.say("alert " + QuotedForTranscript(text)); }
+void HeadlessBackend::showAlert(const std::string& text) { impl_->user.say("alert " + quotedForTranscript(text)); }
 
 // --- the panel's user
 
@@ -190,11 +190,11 @@ std::string HeadlessBackend::controlText(WindowRef window, std::int32_t control)
     const ControlState* found = impl_->windows.control(window, control);
     if (found == nullptr) return {};
     const bool list = found->kind == ControlKind::list || found->kind == ControlKind::commandList;
-    return list ? ShownText(*found) : found->text;
+    return list ? shownText(*found) : found->text;
 }
 
 void HeadlessBackend::setControlText(WindowRef window, std::int32_t control, const std::string& text) {
-    if (ControlState* found = impl_->windows.control(window, control)) SetControlContent(*found, text);
+    if (ControlState* found = impl_->windows.control(window, control)) setControlContent(*found, text);
 }
 
 std::vector<std::string> HeadlessBackend::rows(WindowRef window, std::int32_t control) {
@@ -203,11 +203,11 @@ std::vector<std::string> HeadlessBackend::rows(WindowRef window, std::int32_t co
 }
 
 void HeadlessBackend::insertRow(WindowRef window, std::int32_t control, std::int32_t row, const std::string& text) {
-    if (ControlState* found = impl_->windows.control(window, control)) InsertControlRow(*found, row, text);
+    if (ControlState* found = impl_->windows.control(window, control)) insertControlRow(*found, row, text);
 }
 
 void HeadlessBackend::removeRow(WindowRef window, std::int32_t control, std::int32_t row) {
-    if (ControlState* found = impl_->windows.control(window, control)) RemoveControlRow(*found, row);
+    if (ControlState* found = impl_->windows.control(window, control)) removeControlRow(*found, row);
 }
 
 std::int32_t HeadlessBackend::selectedRow(WindowRef window, std::int32_t control) {
@@ -216,7 +216,7 @@ std::int32_t HeadlessBackend::selectedRow(WindowRef window, std::int32_t control
 }
 
 void HeadlessBackend::selectRow(WindowRef window, std::int32_t control, std::int32_t row) {
-    if (ControlState* found = impl_->windows.control(window, control)) SelectControlRow(*found, row);
+    if (ControlState* found = impl_->windows.control(window, control)) selectControlRow(*found, row);
 }
 
 bool HeadlessBackend::checked(WindowRef window, std::int32_t control) {
@@ -293,12 +293,12 @@ void HeadlessBackend::freeZeroed(void* block) {
 std::uint32_t HeadlessBackend::lastError() { return impl_->error; }
 
 std::string HeadlessBackend::documentsFolder() {
-    return impl_->documents.empty() ? UserDocumentsFolder() : impl_->documents;
+    return impl_->documents.empty() ? userDocumentsFolder() : impl_->documents;
 }
 
 std::string HeadlessBackend::errorLogPath() {
     // A run with a folder of its own leaves nothing in the user's.
-    const std::string folder = impl_->documents.empty() ? UserStateFolder() : impl_->documents;
+    const std::string folder = impl_->documents.empty() ? userStateFolder() : impl_->documents;
     return CreateFolder(folder) ? JoinPath(folder, "ERROR MSG.TXT") : "";
 }
 

@@ -18,7 +18,7 @@ constexpr std::int64_t kReach = ViewScreen::kReach;
 // Products of coordinate differences: 34 bits each, their doubled product does not fit 64.
 __extension__ typedef __int128 Wide;
 
-bool InReach(std::int64_t value) { return value >= -kReach && value <= kReach; }
+bool inReach(std::int64_t value) { return value >= -kReach && value <= kReach; }
 
 // One line walked along its longer axis: a pixel for each step, the nearest one across.
 struct LineWalk {
@@ -34,7 +34,7 @@ struct LineWalk {
 };
 
 template <typename Visit>
-void WalkLine(const LineWalk& line, Visit visit) {
+void walkLine(const LineWalk& line, Visit visit) {
     const std::int64_t first = line.firstStep(), end = line.endStep();
     if (first >= end) return;
     // Offset across at step i: (2 i across + steps) / (2 steps), rounded down, carried on by its remainder.
@@ -56,36 +56,36 @@ struct Direction {
     std::int64_t h, v;
 };
 
-Direction DirectionTo(std::int64_t h2, std::int64_t v2) {
+Direction directionTo(std::int64_t h2, std::int64_t v2) {
     return h2 == 0 && v2 == 0 ? Direction{1, 0} : Direction{h2, v2};
 }
 
 // Above 0 when b lies less than half a turn counter-clockwise on the screen from a (v runs down).
-int Turn(Direction a, Direction b) {
+int turn(Direction a, Direction b) {
     const Wide cross = Wide{a.v} * b.h - Wide{a.h} * b.v;
     return cross > 0 ? 1 : cross < 0 ? -1 : 0;
 }
 
-bool SameWay(Direction a, Direction b) { return Turn(a, b) == 0 && Wide{a.h} * b.h + Wide{a.v} * b.v > 0; }
+bool sameWay(Direction a, Direction b) { return turn(a, b) == 0 && Wide{a.h} * b.h + Wide{a.v} * b.v > 0; }
 
 // Is p met before end on the way counter-clockwise from start, start counted and end not?
-bool MetBetween(Direction start, Direction end, Direction p) {
-    if (SameWay(start, end) || SameWay(start, p)) return true;
-    const bool pInFirstHalf = Turn(start, p) > 0, endInFirstHalf = Turn(start, end) > 0;
+bool metBetween(Direction start, Direction end, Direction p) {
+    if (sameWay(start, end) || sameWay(start, p)) return true;
+    const bool pInFirstHalf = turn(start, p) > 0, endInFirstHalf = turn(start, end) > 0;
     if (pInFirstHalf != endInFirstHalf) return pInFirstHalf;
-    return Turn(p, end) > 0;
+    return turn(p, end) > 0;
 }
 
 using PixelPlace = std::pair<std::int64_t, std::int64_t>;
 
-std::int64_t Nearest(double value) { return static_cast<std::int64_t>(std::floor(value + 0.5)); }
+std::int64_t nearest(double value) { return static_cast<std::int64_t>(std::floor(value + 0.5)); }
 
 // The ellipse's outline as far as it lies within reach. Where it runs flat each column has one pixel above and one
 // below, where it runs steep each row one left and one right: no holes, no doubled steps.
-std::vector<PixelPlace> EllipseOutline(double centreH, double centreV, double a, double b) {
+std::vector<PixelPlace> ellipseOutline(double centreH, double centreV, double a, double b) {
     std::vector<PixelPlace> outline;
     const auto keep = [&](std::int64_t h, std::int64_t v) {
-        if (InReach(h) && InReach(v)) outline.emplace_back(h, v);
+        if (inReach(h) && inReach(v)) outline.emplace_back(h, v);
     };
     const auto first = [](double low) { return std::max(-kReach, static_cast<std::int64_t>(std::ceil(low))); };
     const auto last = [](double high) { return std::min(kReach, static_cast<std::int64_t>(std::floor(high))); };
@@ -96,14 +96,14 @@ std::vector<PixelPlace> EllipseOutline(double centreH, double centreV, double a,
     for (std::int64_t h = first(centreH - a); h <= last(centreH + a); ++h) {
         const double x = static_cast<double>(h) - centreH, y = otherAxis(x, a, b);
         if (std::abs(x) * b * b > y * a * a || (a == 0.0 && b > 0.0)) continue;
-        keep(h, Nearest(centreV - y));
-        keep(h, Nearest(centreV + y));
+        keep(h, nearest(centreV - y));
+        keep(h, nearest(centreV + y));
     }
     for (std::int64_t v = first(centreV - b); v <= last(centreV + b); ++v) {
         const double y = static_cast<double>(v) - centreV, x = otherAxis(y, b, a);
         if (a > 0.0 && x * b * b <= std::abs(y) * a * a) continue;
-        keep(Nearest(centreH - x), v);
-        keep(Nearest(centreH + x), v);
+        keep(nearest(centreH - x), v);
+        keep(nearest(centreH + x), v);
     }
     std::sort(outline.begin(), outline.end());
     outline.erase(std::unique(outline.begin(), outline.end()), outline.end());
@@ -113,7 +113,7 @@ std::vector<PixelPlace> EllipseOutline(double centreH, double centreV, double a,
 }  // namespace
 
 void ViewScreen::invert(std::int64_t h, std::int64_t v) {
-    if (!InReach(h) || !InReach(v)) return;
+    if (!inReach(h) || !inReach(v)) return;
     const std::uint64_t key = static_cast<std::uint64_t>(h + kReach) << 32 | static_cast<std::uint64_t>(v + kReach);
     if (!inverted_.insert(key).second) inverted_.erase(key);
 }
@@ -135,10 +135,10 @@ void ViewScreen::lineTo(SurfaceRef surface, Pixel point) {
     if (lengthH == 0 && lengthV == 0) {
         if (!pen->dotted) invert(h, v);
     } else if (lengthH >= lengthV) {
-        WalkLine({h, v, lengthH, lengthV, signH, signV, left},
+        walkLine({h, v, lengthH, lengthV, signH, signV, left},
                  [&](std::int64_t ph, std::int64_t pv) { invert(ph, pv); });
     } else {
-        WalkLine({v, h, lengthV, lengthH, signV, signH, left},
+        walkLine({v, h, lengthV, lengthH, signV, signH, left},
                  [&](std::int64_t pv, std::int64_t ph) { invert(ph, pv); });
     }
     pen->dotted = lengthH == 0 && lengthV == 0;
@@ -150,14 +150,14 @@ void ViewScreen::arc(SurfaceRef surface, PixelRect box, Pixel start, Pixel end) 
     if (pen == nullptr) return;
     // Twice the centre, which lies on whole or half pixels.
     const std::int64_t h2 = std::int64_t{box.left} + box.right, v2 = std::int64_t{box.top} + box.bottom;
-    const Direction from = DirectionTo(std::int64_t{2} * start.h - h2, std::int64_t{2} * start.v - v2);
-    const Direction to = DirectionTo(std::int64_t{2} * end.h - h2, std::int64_t{2} * end.v - v2);
+    const Direction from = directionTo(std::int64_t{2} * start.h - h2, std::int64_t{2} * start.v - v2);
+    const Direction to = directionTo(std::int64_t{2} * end.h - h2, std::int64_t{2} * end.v - v2);
     const double a = static_cast<double>(std::abs(std::int64_t{box.right} - box.left)) / 2.0;
     const double b = static_cast<double>(std::abs(std::int64_t{box.bottom} - box.top)) / 2.0;
     const std::int64_t centreH2 = h2 + 2 * pen->originH, centreV2 = v2 + 2 * pen->originV;
     for (const auto& [h, v] :
-         EllipseOutline(static_cast<double>(centreH2) / 2.0, static_cast<double>(centreV2) / 2.0, a, b))
-        if (MetBetween(from, to, DirectionTo(2 * h - centreH2, 2 * v - centreV2))) invert(h, v);
+         ellipseOutline(static_cast<double>(centreH2) / 2.0, static_cast<double>(centreV2) / 2.0, a, b))
+        if (metBetween(from, to, directionTo(2 * h - centreH2, 2 * v - centreV2))) invert(h, v);
 }
 
 }  // namespace quorvel::platform

@@ -6,7 +6,7 @@
 
 namespace quorvel::platform {
 
-std::string QuotedForTranscript(const std::string& text) {
+std::string quotedForTranscript(const std::string& text) {
     std::string quoted = "\"";
     for (const char c : text) {
         if (c == '\r') {
@@ -27,7 +27,7 @@ void ScriptedUser::fault(const std::string& text) {
 }
 
 bool ScriptedUser::answer(const char* kind, const std::string& text, const char* yes, const char* no) {
-    const std::string shown = std::string(kind) + ' ' + QuotedForTranscript(text);
+    const std::string shown = std::string(kind) + ' ' + quotedForTranscript(text);
     bool accepted = false;
     if (answers.empty()) {
         fault("unexpected " + shown);

@@ -14,7 +14,7 @@
 namespace quorvel::platform {
 
 // In quotes, as a script writes it: the marks of a line's end become \r and \n, so that one event stays one line.
-std::string QuotedForTranscript(const std::string& text);
+std::string quotedForTranscript(const std::string& text);
 
 class ScriptedUser {
   public:

@@ -13,15 +13,15 @@ namespace {
 // the least size would let the point a third into the window miss it.
 constexpr int kWindowLeft = 8, kWindowTop = 6, kFrame = 8, kTitleBar = 24, kLeastCanvas = 240, kBar = 12;
 
-TreeWindow* FindIn(const TreeWindow& tree, ViewWindowRef window) {
+TreeWindow* findIn(const TreeWindow& tree, ViewWindowRef window) {
     for (const auto& child : tree.children) {
         if (reinterpret_cast<ViewWindowRef>(child.get()) == window) return child.get();
-        if (TreeWindow* found = FindIn(*child, window)) return found;
+        if (TreeWindow* found = findIn(*child, window)) return found;
     }
     return nullptr;
 }
 
-ViewWindowRef RefOf(const std::unique_ptr<TreeWindow>& window) { return reinterpret_cast<ViewWindowRef>(window.get()); }
+ViewWindowRef refOf(const std::unique_ptr<TreeWindow>& window) { return reinterpret_cast<ViewWindowRef>(window.get()); }
 
 }  // namespace
 
@@ -73,11 +73,11 @@ void ViewScreen::repainted() {
     ++generation_;
 }
 
-const TreeWindow* ViewScreen::find(ViewWindowRef window) const { return FindIn(desktop_, window); }
+const TreeWindow* ViewScreen::find(ViewWindowRef window) const { return findIn(desktop_, window); }
 
 ViewWindowRef ViewScreen::first(ViewWindowRef parent) const {
     const TreeWindow* tree = parent == nullptr ? &desktop_ : find(parent);
-    return tree == nullptr || tree->children.empty() ? nullptr : RefOf(tree->children.front());
+    return tree == nullptr || tree->children.empty() ? nullptr : refOf(tree->children.front());
 }
 
 ViewWindowRef ViewScreen::next(ViewWindowRef window) const {
@@ -85,7 +85,7 @@ ViewWindowRef ViewScreen::next(ViewWindowRef window) const {
     if (found == nullptr) return nullptr;
     const auto& siblings = found->parent->children;
     const auto place = std::find_if(siblings.begin(), siblings.end(), [&](const auto& w) { return w.get() == found; });
-    return place + 1 == siblings.end() ? nullptr : RefOf(*(place + 1));
+    return place + 1 == siblings.end() ? nullptr : refOf(*(place + 1));
 }
 
 SurfaceRef ViewScreen::begin(ViewWindowRef window) {

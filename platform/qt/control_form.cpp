@@ -31,7 +31,7 @@ constexpr double kPixelsPerPoint = 96.0 / 72.0;
 constexpr std::int32_t kOkControl = 1;
 
 // A label shows what the plug-in parts with carriage returns on lines of its own.
-QString ShownText(const std::string& text) {
+QString shownText(const std::string& text) {
     return QString::fromStdString(text).replace(QLatin1Char('\r'), QLatin1Char('\n'));
 }
 
@@ -44,7 +44,7 @@ struct SetFree {
 
 }  // namespace
 
-QFont FontBySystemName(const std::string& systemName, float points) {
+QFont fontBySystemName(const std::string& systemName, float points) {
     QFont font = QApplication::font();
     const std::unique_ptr<FcPattern, PatternFree> wanted(FcPatternCreate());
     FcPatternAddString(wanted.get(), FC_POSTSCRIPT_NAME, reinterpret_cast<const FcChar8*>(systemName.c_str()));
@@ -139,7 +139,7 @@ QWidget* ControlForm::make(const ControlRow& row, const QString& label) {
         case ControlKind::picture: {
             auto* picture = new QLabel(page_);
             picture->setAlignment(Qt::AlignCenter);
-            picture->setPixmap(Picture(row.picture, page_->devicePixelRatioF()));
+            picture->setPixmap(loadPicture(row.picture, page_->devicePixelRatioF()));
             return picture;
         }
         case ControlKind::toggle:
@@ -161,7 +161,8 @@ void ControlForm::place(QWidget* widget, const ControlRow& row) const {
     widget->setObjectName(QStringLiteral("control%1").arg(row.id));
     if (row.kind == ControlKind::picture && content_.scale > 1)
         if (auto* label = qobject_cast<QLabel*>(widget); label != nullptr && !label->pixmap().isNull())
-            label->setPixmap(Picture(row.picture, page_->devicePixelRatioF(), label->pixmap().size() * content_.scale));
+            label->setPixmap(
+                loadPicture(row.picture, page_->devicePixelRatioF(), label->pixmap().size() * content_.scale));
 }
 
 // --- the user's hand
@@ -245,7 +246,7 @@ void ControlForm::setText(std::int32_t control, const std::string& text) {
     } else if (auto* list = qobject_cast<QComboBox*>(found->widget)) {
         if (list->isEditable()) list->setEditText(QString::fromStdString(text));
     } else if (auto* label = qobject_cast<QLabel*>(found->widget)) {
-        label->setText(ShownText(text));
+        label->setText(shownText(text));
     } else if (auto* button = qobject_cast<QAbstractButton*>(found->widget)) {
         button->setText(QString::fromStdString(text));
     }
@@ -329,7 +330,7 @@ void ControlForm::focusSelectingAll(std::int32_t control) {
 void ControlForm::setFont(std::int32_t control, const std::string& systemName, float points) {
     QWidget* found = widget(control);
     if (found == nullptr) return;
-    QFont font = FontBySystemName(systemName, points);
+    QFont font = fontBySystemName(systemName, points);
     // A list's frame leaves little room in the height of a line.
     if (qobject_cast<QComboBox*>(found) != nullptr)
         font.setPixelSize(std::min(font.pixelSize(), std::max(8, found->height() - 6)));
@@ -350,7 +351,7 @@ void ControlForm::setTheme(const PanelTheme& theme) {
         if (control.row.kind == ControlKind::picture)
             static_cast<QLabel*>(control.widget)
                 ->setPixmap(
-                    Picture(second_ ? control.row.darkPicture : control.row.picture, page_->devicePixelRatioF()));
+                    loadPicture(second_ ? control.row.darkPicture : control.row.picture, page_->devicePixelRatioF()));
         if (control.row.kind == ControlKind::line) {
             QPalette line = colors;
             line.setColor(QPalette::Window, ink);

@@ -81,6 +81,6 @@ class ControlForm : public QObject {
 };
 
 // The drawn font of a static text by its PostScript name; "system" is the program's own.
-QFont FontBySystemName(const std::string& systemName, float points);
+QFont fontBySystemName(const std::string& systemName, float points);
 
 }  // namespace quorvel::platform

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kIconSize = 32;
 
-QColor ColorOf(const float (&channels)[3]) { return QColor::fromRgbF(channels[0], channels[1], channels[2]); }
+QColor colorOf(const float (&channels)[3]) { return QColor::fromRgbF(channels[0], channels[1], channels[2]); }
 
 }  // namespace
 
@@ -39,9 +39,9 @@ void PanelButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const bool lit = lit_ || isDown();
     const QColor highlight(QRgb{theme_.highlight});
-    painter.fillRect(rect(), lit ? highlight : ColorOf(theme_.background));
+    painter.fillRect(rect(), lit ? highlight : colorOf(theme_.background));
     const bool second = theme_.secondIcons != lit;
-    const QPixmap icon = Picture(second ? secondPicture_ : picture_, devicePixelRatioF());
+    const QPixmap icon = loadPicture(second ? secondPicture_ : picture_, devicePixelRatioF());
     painter.drawPixmap(QPointF((width() - kIconSize) / 2.0, (height() - kIconSize) / 2.0), icon);
     painter.setPen(hasFocus() ? palette().color(QPalette::Highlight) : highlight);
     painter.drawRect(rect().adjusted(0, 0, -1, -1));

@@ -16,9 +16,9 @@ namespace quorvel::platform {
 
 namespace {
 
-QString PathOf(std::int32_t id) { return QStringLiteral(":/pictures/%1.svg").arg(id); }
+QString pathOf(std::int32_t id) { return QStringLiteral(":/pictures/%1.svg").arg(id); }
 
-const QHash<std::int32_t, QPoint>& HotSpots() {
+const QHash<std::int32_t, QPoint>& hotSpots() {
     static const QHash<std::int32_t, QPoint> spots = [] {
         QHash<std::int32_t, QPoint> read;
         QFile file(QStringLiteral(":/pictures/hotspots.txt"));
@@ -36,17 +36,17 @@ const QHash<std::int32_t, QPoint>& HotSpots() {
 
 }  // namespace
 
-void InitPictures() { InitResource(); }
+void initPictures() { InitResource(); }
 
-bool PictureExists(std::int32_t id) { return QFile::exists(PathOf(id)); }
+bool pictureExists(std::int32_t id) { return QFile::exists(pathOf(id)); }
 
-QPixmap Picture(std::int32_t id, qreal pixelRatio, QSize size) {
-    if (!PictureExists(id)) return {};
+QPixmap loadPicture(std::int32_t id, qreal pixelRatio, QSize size) {
+    if (!pictureExists(id)) return {};
     const QString key =
         QStringLiteral("quorvel-%1-%2-%3x%4").arg(id).arg(pixelRatio).arg(size.width()).arg(size.height());
     QPixmap pixmap;
     if (QPixmapCache::find(key, &pixmap)) return pixmap;
-    QSvgRenderer drawing(PathOf(id));
+    QSvgRenderer drawing(pathOf(id));
     if (!drawing.isValid()) return {};
     drawing.setAspectRatioMode(Qt::KeepAspectRatio);
     const QSize shown = size.isValid() && !size.isEmpty() ? size : drawing.defaultSize();
@@ -60,10 +60,10 @@ QPixmap Picture(std::int32_t id, qreal pixelRatio, QSize size) {
     return pixmap;
 }
 
-QCursor PictureCursor(std::int32_t id, qreal pixelRatio) {
-    const QPixmap pixmap = Picture(id, pixelRatio);
+QCursor pictureCursor(std::int32_t id, qreal pixelRatio) {
+    const QPixmap pixmap = loadPicture(id, pixelRatio);
     if (pixmap.isNull()) return {};
-    const QPoint spot = HotSpots().value(id, {0, 0});
+    const QPoint spot = hotSpots().value(id, {0, 0});
     return QCursor(pixmap, spot.x(), spot.y());
 }
 

@@ -9,10 +9,10 @@
 namespace quorvel::platform {
 
 // Makes the pictures known; before the first is asked for.
-void InitPictures();
-bool PictureExists(std::int32_t id);
+void initPictures();
+bool pictureExists(std::int32_t id);
 // At its own size, or fitted into the size given; null when there is none.
-QPixmap Picture(std::int32_t id, qreal pixelRatio, QSize size = {});
-QCursor PictureCursor(std::int32_t id, qreal pixelRatio);
+QPixmap loadPicture(std::int32_t id, qreal pixelRatio, QSize size = {});
+QCursor pictureCursor(std::int32_t id, qreal pixelRatio);
 
 }  // namespace quorvel::platform

@@ -22,7 +22,7 @@ constexpr char kProgramName[] = "Quorvel";
 // Width of an average letter for which the dialogs' rectangles are drawn.
 constexpr double kDesignedLetter = 6.0;
 
-double DialogScale(const QFont& font) {
+double dialogScale(const QFont& font) {
     const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
     const double letter = QFontMetricsF(font).horizontalAdvance(letters) / letters.size();
     return std::max(1.0, letter / kDesignedLetter);
@@ -37,7 +37,7 @@ class DialogWindow : public QDialog {
 };
 
 // A run of typing in one control is one step: what stood there when the user went on.
-void AddStep(std::vector<DialogStep>* steps, const DialogStep& step) {
+void addStep(std::vector<DialogStep>* steps, const DialogStep& step) {
     const bool goesOn = !steps->empty() && steps->back().control == step.control && steps->back().kind == step.kind &&
                         step.kind == DialogStep::Kind::setText;
     if (goesOn)
@@ -56,8 +56,8 @@ struct QtBackend::RunningDialog {
     explicit RunningDialog(QWidget* parent) : window(parent) {}
 };
 
-QtBackend::QtBackend(std::string documentsFolder) : documents_(WithoutEndSeparator(std::move(documentsFolder))) {
-    InitPictures();
+QtBackend::QtBackend(std::string documentsFolder) : documents_(withoutEndSeparator(std::move(documentsFolder))) {
+    initPictures();
 }
 
 QtBackend::~QtBackend() {
@@ -132,15 +132,15 @@ QWidget* QtBackend::windowInFront() const { return dialogs_.empty() ? dialogPare
 std::int32_t QtBackend::runDialog(const DialogTemplate& dialog, const WindowLogic& logic, void* context) {
     QWidget* parent = windowInFront();
     RunningDialog running(parent);
-    const double scale = DialogScale(running.window.font());
+    const double scale = dialogScale(running.window.font());
     running.window.setWindowTitle(QString::fromUtf8(dialog.title));
     running.window.setObjectName(QStringLiteral("dialog%1").arg(dialog.id));
     running.window.setFixedSize(static_cast<int>(dialog.width * scale), static_cast<int>(dialog.height * scale));
     running.form = std::make_unique<ControlForm>(
         &running.window, ControlForm::Content{dialog.rows, dialog.rowCount, dialog.language, logic, context, scale},
-        [&running](const DialogStep& step) { AddStep(&running.steps, step); });
+        [&running](const DialogStep& step) { addStep(&running.steps, step); });
     running.window.cancelled = [&running] {
-        AddStep(&running.steps, {DialogStep::Kind::press, kCancelControl, {}, 0});
+        addStep(&running.steps, {DialogStep::Kind::press, kCancelControl, {}, 0});
         running.form->sendEvent(kCancelControl);
         // A dialog whose logic does not hear of it must not trap the user.
         if (running.form->isOpen()) {
@@ -347,7 +347,7 @@ void QtBackend::beep(std::uint32_t) {
 }
 
 CursorRef QtBackend::loadCursor(void*, std::int32_t id) {
-    if (!PictureExists(id)) return nullptr;
+    if (!pictureExists(id)) return nullptr;
     std::unique_ptr<std::int32_t>& place = cursors_[id];
     if (place == nullptr) place = std::make_unique<std::int32_t>(id);
     return reinterpret_cast<CursorRef>(place.get());
@@ -356,7 +356,7 @@ CursorRef QtBackend::loadCursor(void*, std::int32_t id) {
 void QtBackend::setCursor(CursorRef cursor) {
     const std::int32_t id = *reinterpret_cast<std::int32_t*>(cursor);
     const qreal ratio = dialogParent != nullptr ? dialogParent->devicePixelRatioF() : 1.0;
-    if (events.cursorChosen) events.cursorChosen(id, PictureCursor(id, ratio));
+    if (events.cursorChosen) events.cursorChosen(id, pictureCursor(id, ratio));
 }
 
 void* QtBackend::allocateZeroed(std::size_t size) {
@@ -372,10 +372,10 @@ void QtBackend::freeZeroed(void* block) {
 
 std::uint32_t QtBackend::lastError() { return error_; }
 
-std::string QtBackend::documentsFolder() { return documents_.empty() ? UserDocumentsFolder() : documents_; }
+std::string QtBackend::documentsFolder() { return documents_.empty() ? userDocumentsFolder() : documents_; }
 
 std::string QtBackend::errorLogPath() {
-    const std::string folder = documents_.empty() ? UserStateFolder() : documents_;
+    const std::string folder = documents_.empty() ? userStateFolder() : documents_;
     return CreateFolder(folder) ? JoinPath(folder, "ERROR MSG.TXT") : "";
 }
 

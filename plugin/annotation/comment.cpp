@@ -3,7 +3,7 @@
 #include "plugin/annotation/comment.h"
 
 #include "plugin/settings/small_dialogs.h"
-#include "plugin/snapping/run_protocol.h"
+#include "plugin/snapping/tool_steps.h"
 
 namespace quorvel {
 

@@ -10,7 +10,7 @@
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
 #include "plugin/snapping/snap.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

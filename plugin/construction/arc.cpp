@@ -10,8 +10,8 @@
 #include "plugin/settings/info_panel.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/snapping/run_protocol.h"
-#include "plugin/walking/walk.h"
+#include "plugin/snapping/tool_steps.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

@@ -3,8 +3,8 @@
 #include "plugin/construction/slant.h"
 
 #include "plugin/shell/suites.h"
-#include "plugin/snapping/run_protocol.h"
-#include "plugin/walking/walk.h"
+#include "plugin/snapping/tool_steps.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

@@ -3,7 +3,7 @@
 #include "plugin/dimensioning/graphics.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

@@ -8,7 +8,7 @@
 #include "plugin/settings/small_dialogs.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

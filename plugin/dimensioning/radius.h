@@ -5,7 +5,7 @@
 #include "hostapi/messages.h"
 #include "plugin/dimensioning/units.h"
 #include "plugin/shell/globals.h"
-#include "plugin/snapping/run_protocol.h"
+#include "plugin/snapping/tool_steps.h"
 
 namespace quorvel {
 

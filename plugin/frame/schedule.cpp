@@ -2,7 +2,7 @@
 #include "plugin/frame/schedule.h"
 
 #include "plugin/frame/frame_art.h"
-#include "plugin/snapping/run_protocol.h"
+#include "plugin/snapping/tool_steps.h"
 
 namespace quorvel {
 

@@ -7,7 +7,7 @@
 #include "plugin/settings/prefs_file.h"
 #include "plugin/settings/prefs_keys.h"
 #include "plugin/shell/suites.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

@@ -12,7 +12,7 @@
 #include "plugin/record/dimension_record.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

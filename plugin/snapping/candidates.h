@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "plugin/shell/suites.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

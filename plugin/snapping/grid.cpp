@@ -4,7 +4,7 @@
 #include "plugin/dimensioning/linear.h"
 #include "plugin/shell/services.h"
 #include "plugin/snapping/snap.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

@@ -2,7 +2,7 @@
 // through it, at the distance that the cursor has from it.
 #include "plugin/shell/suites.h"
 #include "plugin/snapping/snap.h"
-#include "plugin/walking/walk.h"
+#include "plugin/traversal/traverse.h"
 
 namespace quorvel {
 

@@ -4,15 +4,15 @@
 
 #include <cmath>
 
-#include "host/fonts.h"
+#include "fonts/fonts.h"
 #include "tests/support/drawing_hand.h"
 
 namespace quorvel::tests {
 namespace {
 
-using host::Art;
-using host::ArtId;
-using host::Document;
+using doc::Art;
+using doc::ArtId;
+using doc::Document;
 
 constexpr float kNear = 1e-3F;
 constexpr char kComment[] = "Comment Tool", kNumber[] = "Object Number Tool", kLength[] = "Length Comment Tool";
@@ -25,7 +25,7 @@ void Put(char (&field)[Size], const std::string& text) {
 
 double WidthAt12(const std::u16string& text) {
     double sum = 0;
-    for (const char16_t unit : text) sum += static_cast<double>(host::characterWidth(host::fonts().front(), unit));
+    for (const char16_t unit : text) sum += static_cast<double>(fonts::characterWidth(fonts::fonts().front(), unit));
     return sum * 12;
 }
 
@@ -154,7 +154,7 @@ TEST_F(Annotation, ATwoBehindALetterIsRaised) {
         EXPECT_EQ(TextOf(*text), row.comment);
         ASSERT_EQ(text->text->runs.size(), row.raised ? 2U : 1U) << row.comment;
         if (!row.raised) continue;
-        const host::TextRun& two = text->text->runs[1];
+        const doc::TextRun& two = text->text->runs[1];
         EXPECT_TRUE(two.length == 1 && two.features.size == 6);
         EXPECT_NEAR(two.features.baselineShift, 3.6, 1e-6);
         EXPECT_TRUE(text->text->runs[0].features.size == 12 && text->text->runs[0].features.baselineShift == 0);

@@ -1,12 +1,15 @@
 // The command line itself: what it refuses, in one line, and what its questions print.
 #include <algorithm>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/program_run.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 // A square of 80 points from (10, 10), y up, on a page of 100.
 constexpr char kSquare[] =
@@ -57,21 +60,21 @@ TEST_F(Commands, SnapTellsWhatEachSearchFindsAndWhichOneWins) {
     EXPECT_NE(out_.find("anchor          wins: anchor 10.0,90.0  square[0]\n"), std::string::npos) << out_;
     EXPECT_NE(out_.find("did not run: anchor came before it"), std::string::npos) << out_;
     EXPECT_EQ(runProgram("snap square.svg --at 50,89.5 --json --language en"), 0) << err_;
-    const cli::Json report = cli::Json::parse(out_);
+    const Json report = Json::parse(out_);
     EXPECT_EQ(report["kind"], "path");
-    EXPECT_EQ(report["point"], cli::Json::array({50, 90}));
-    for (const cli::Json& search : report["searches"]) {
+    EXPECT_EQ(report["point"], Json::array({50, 90}));
+    for (const Json& search : report["searches"]) {
         const bool path = search["search"] == "path";
         EXPECT_EQ(search["outcome"] == "wins", path) << search.dump();
         if (path) {
-            EXPECT_EQ(search["art"], cli::Json::parse(R"([{"id": "square", "index": 1}])"));
+            EXPECT_EQ(search["art"], Json::parse(R"([{"id": "square", "index": 1}])"));
         }
     }
     // Farther away than two pixels there is nothing to land on.
     EXPECT_EQ(runProgram("snap square.svg --at 50,87 --json --language en"), 0) << err_;
-    EXPECT_EQ(cli::Json::parse(out_)["kind"], "free");
+    EXPECT_EQ(Json::parse(out_)["kind"], "free");
     EXPECT_EQ(runProgram("snap square.svg --at 50,87 --zoom 0.5 --json --language en"), 0) << err_;
-    EXPECT_EQ(cli::Json::parse(out_)["kind"], "path");
+    EXPECT_EQ(Json::parse(out_)["kind"], "path");
 }
 
 TEST_F(Commands, SlipsInAScriptFailIt) {

@@ -10,7 +10,7 @@
 #include <set>
 #include <sstream>
 
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
@@ -39,7 +39,7 @@ INSTANTIATE_TEST_SUITE_P(Languages, Day, testing::Values("day", "day_ja"),
 
 TEST_P(Day, UsesEveryToolAndDialog) {
     std::set<std::string> taken, dialogs;
-    for (const cli::ScriptLine& line : run->lines()) {
+    for (const app::ScriptLine& line : run->lines()) {
         if (line.verb == "tool") taken.insert(line.words[0].text);
         if (line.verb == "dialog") dialogs.insert(line.words[0].text);
     }
@@ -54,7 +54,7 @@ TEST_P(Day, ShowsTheDimensionsItPromises) {
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);)
         if (line.starts_with("# shows ")) promised.push_back(line.substr(8));
-    for (const cli::RecordedDimension& dimension : run->dimensions()) {
+    for (const app::RecordedDimension& dimension : run->dimensions()) {
         if (dimension.kind == "frame") continue;
         std::string line = dimension.kind;
         for (const std::string& value : dimension.texts) line += " \"" + value + "\"";
@@ -77,7 +77,7 @@ TEST_P(Day, GoesBackToTheBytesItBeganWith) {
     EXPECT_FALSE(host.redo());
     EXPECT_EQ(run->saved(), done);
     const std::size_t undone = static_cast<std::size_t>(std::count_if(
-        run->lines().begin(), run->lines().end(), [](const cli::ScriptLine& line) { return line.verb == "redo"; }));
+        run->lines().begin(), run->lines().end(), [](const app::ScriptLine& line) { return line.verb == "redo"; }));
     EXPECT_EQ(static_cast<int>(undone), steps) << "the script takes back all that it did";
     EXPECT_EQ(host.suitesHeld(), 0);
 }

@@ -8,10 +8,10 @@
 #include <fstream>
 #include <sstream>
 
+#include "app/dimension_list.h"
+#include "app/script.h"
 #include "cli/commands.h"
-#include "cli/list.h"
-#include "cli/script.h"
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 #include "platform/text.h"
 
 namespace quorvel::cli {
@@ -41,21 +41,21 @@ struct FrameCommand : testing::Test {
     void write(const char* name, const std::string& text) { std::ofstream(folder / name, std::ios::binary) << text; }
     // The one frame of a drawing; its outer rectangle.
     RealRect frameIn(const std::string& file, std::vector<std::string>* texts = nullptr) {
-        host::SvgReadResult read = host::readSvgFile(file);
+        interchange::SvgReadResult read = interchange::readSvgFile(file);
         EXPECT_NE(read.document, nullptr) << read.error;
         if (read.document == nullptr) return {};
-        const std::vector<RecordedDimension> frames = listDimensions(*read.document);
+        const std::vector<app::RecordedDimension> frames = app::listDimensions(*read.document);
         EXPECT_EQ(frames.size(), 1U);
         if (frames.size() != 1) return {};
         EXPECT_EQ(frames[0].kind, "frame");
         if (texts != nullptr) *texts = frames[0].texts;
-        const host::Document& document = *read.document;
-        const host::ArtId titles = document.find(frames[0].group)->lastChild;
+        const doc::Document& document = *read.document;
+        const doc::ArtId titles = document.find(frames[0].group)->lastChild;
         return document.bounds(document.find(titles)->lastChild);
     }
 
     fs::path folder = fs::path(testing::TempDir()) / ("frame_command_" + std::to_string(getpid()));
-    SessionOptions session;
+    app::SessionOptions session;
     FrameOptions options;
 };
 
@@ -106,10 +106,10 @@ TEST_F(FrameCommand, TheProfileCountsAndStaysAsItIs) {
     ASSERT_EQ(drawFrames(options, session), kExitOk);
     const RealRect rect = frameIn(options.output);
     EXPECT_TRUE(rect.left == 10 && rect.right == 810) << "no grid";
-    host::SvgReadResult read = host::readSvgFile(options.output);
-    const host::ArtId frame = listDimensions(*read.document).at(0).group;
-    const host::ArtId titles = read.document->find(frame)->lastChild;
-    const host::ArtId block = read.document->find(read.document->find(titles)->lastChild)->above;
+    interchange::SvgReadResult read = interchange::readSvgFile(options.output);
+    const doc::ArtId frame = app::listDimensions(*read.document).at(0).group;
+    const doc::ArtId titles = read.document->find(frame)->lastChild;
+    const doc::ArtId block = read.document->find(read.document->find(titles)->lastChild)->above;
     EXPECT_EQ(read.document->bounds(block).left, 810 - 240) << "rows of 8";
     std::ifstream in(settings, std::ios::binary);
     std::ostringstream bytes;
@@ -121,7 +121,7 @@ TEST_F(FrameCommand, BadInputIsNamed) {
     const auto refusal = [&](const FrameOptions& bad) -> std::string {
         try {
             drawFrames(bad, session);
-        } catch (const InputError& error) {
+        } catch (const app::InputError& error) {
             return error.what();
         }
         return "accepted";

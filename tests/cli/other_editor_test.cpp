@@ -3,6 +3,7 @@
 // Inkscape, driven from its command line; where it is not installed the tests are skipped.
 #include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
 
@@ -12,6 +13,8 @@
 
 namespace quorvel::tests {
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 namespace fs = std::filesystem;
 
@@ -60,7 +63,7 @@ class OtherEditor : public ProgramRun {
     std::set<std::string> shown(const std::string& file) {
         EXPECT_EQ(runProgram("list " + file + " --json"), 0) << err_;
         std::set<std::string> texts;
-        for (const cli::Json& dimension : cli::Json::parse(out_))
+        for (const Json& dimension : Json::parse(out_))
             texts.insert(dimension["id"].get<std::string>() + " " + dimension["kind"].get<std::string>() + " \"" +
                          dimension["texts"][0].get<std::string>() + "\"");
         return texts;

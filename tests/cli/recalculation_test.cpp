@@ -2,6 +2,7 @@
 // named, what is rebuilt, and that nothing else is touched, neither in the drawing nor in the user's settings.
 #include <algorithm>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "tests/cli/measured_drawing.h"
 #include "tests/support/program_run.h"
@@ -9,6 +10,8 @@
 
 namespace quorvel::tests {
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 namespace fs = std::filesystem;
 
@@ -168,7 +171,7 @@ TEST_F(Recalculation, ManyFilesAreCheckedInOneCall) {
     EXPECT_EQ(runProgram("check drawn.svg longer.svg drawn.svg"), 1) << err_;
     EXPECT_EQ(out_, "longer.svg: quorvel-1 straight \"100\" -> \"120\", moved\n");
     EXPECT_EQ(runProgram("check broken.svg longer.svg drawn.svg --json"), 2);
-    const cli::Json all = cli::Json::parse(out_);
+    const Json all = Json::parse(out_);
     ASSERT_EQ(all.size(), 3U);
     EXPECT_EQ(all[0]["file"], "broken.svg");
     EXPECT_NE(all[0]["error"].get<std::string>(), "");

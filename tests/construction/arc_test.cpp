@@ -221,7 +221,7 @@ TEST_F(ArcTools, RefusalsBeep) {
     EXPECT_FALSE(drag({100, 100}, {100, 100}));
     ASSERT_TRUE(drag({100, 100}, {200, 100}));
     EXPECT_FALSE(ends({300, 100}));
-    change([](host::Document& document) { return document.setLayerEditable(document.currentLayer(), false); });
+    change([](doc::Document& document) { return document.setLayerEditable(document.currentLayer(), false); });
     ASSERT_TRUE(drag({100, 100}, {200, 100}));
     EXPECT_FALSE(ends({300, 200}));
     EXPECT_EQ(artCount(), 0);

@@ -20,7 +20,7 @@ class Fillet : public ToolRig {
         plugin.prefs().flRadius = 50;
     }
     // Up from (100, 100) and to the right: the corner stands at (100, 200), the legs are 100 and 120 long.
-    host::ArtId addCorner() { return plugin.addPath({{100, 100}, {100, 200}, {220, 200}}, false, false); }
+    doc::ArtId addCorner() { return plugin.addPath({{100, 100}, {100, 200}, {220, 200}}, false, false); }
     bool roundCorner() { return drag({100, 150}, {160, 200}); }
     void expectArc(const PathSegment* records) {
         ExpectAt(records[0].p, 100, 150);
@@ -30,7 +30,7 @@ class Fillet : public ToolRig {
 };
 
 TEST_F(Fillet, AdditionLeavesThePathAlone) {
-    const host::ArtId path = addCorner();
+    const doc::ArtId path = addCorner();
     const std::vector<PathSegment> before = segments(path);
     take(kAddition);
     ASSERT_TRUE(roundCorner());
@@ -44,7 +44,7 @@ TEST_F(Fillet, AdditionLeavesThePathAlone) {
 }
 
 TEST_F(Fillet, ReplacePutsTheArcIntoThePath) {
-    const host::ArtId path = addCorner();
+    const doc::ArtId path = addCorner();
     take(kReplace);
     ASSERT_TRUE(drag({160, 200}, {100, 150}));  // against the path's direction
     EXPECT_EQ(artCount(), 1);
@@ -59,7 +59,7 @@ TEST_F(Fillet, ReplacePutsTheArcIntoThePath) {
 }
 
 TEST_F(Fillet, SeparateKeepsTheCornerAsAPath) {
-    const host::ArtId path = addCorner();
+    const doc::ArtId path = addCorner();
     take(kSeparate);
     ASSERT_TRUE(roundCorner());
     ASSERT_EQ(segments(path).size(), 5U);
@@ -76,7 +76,7 @@ TEST_F(Fillet, SeparateKeepsTheCornerAsAPath) {
 }
 
 TEST_F(Fillet, WhatCannotBePutIntoThePathIsAdded) {
-    const host::ArtId path = addCorner();
+    const doc::ArtId path = addCorner();
     plugin.prefs().flRadius = 110;  // longer than the leg of 100
     for (const char* tool : {kSeparate, kReplace}) {
         take(tool);
@@ -86,7 +86,7 @@ TEST_F(Fillet, WhatCannotBePutIntoThePathIsAdded) {
     EXPECT_EQ(artCount(), 3);
     // Two paths that touch in the corner are two paths.
     plugin.prefs().flRadius = 20;
-    const host::ArtId one = plugin.addPath({{300, 100}, {300, 200}}, false, false);
+    const doc::ArtId one = plugin.addPath({{300, 100}, {300, 200}}, false, false);
     plugin.addPath({{300, 200}, {400, 200}}, false, false);
     EXPECT_TRUE(drag({300, 150}, {350, 200}));
     EXPECT_EQ(artCount(), 6);
@@ -101,7 +101,7 @@ TEST_F(Fillet, EachCornerOfAClosedPathIsANeighbourhood) {
         for (const bool forward : {true, false}) {
             SCOPED_TRACE(corner);
             plugin.newDrawing();
-            const host::ArtId path = plugin.addPath({{100, 100}, {300, 100}, {300, 300}, {100, 300}}, true, false);
+            const doc::ArtId path = plugin.addPath({{100, 100}, {300, 100}, {300, 300}, {100, 300}}, true, false);
             take(kReplace);
             const RealPoint &one = sides[corner], &other = sides[(corner + 1) % 4];
             ASSERT_TRUE(drag(forward ? one : other, forward ? other : one));
@@ -124,7 +124,7 @@ TEST_F(Fillet, LineAndQuarterArcMeet) {
     take(kReplace);
     ASSERT_TRUE(drag({370.71068F, 270.71068F}, {340, 200}));
     ASSERT_EQ(artCount(), 3);
-    const host::ArtId arc = document().find(document().find(topArt())->below)->id;
+    const doc::ArtId arc = document().find(document().find(topArt())->below)->id;
     ASSERT_EQ(segments(arc).size(), 3U);
     const double t = std::sqrt(6000.0);
     ExpectAt(segments(arc)[0].p, 300 + t * 100 / 80, 220 + 20 * 20 / 80.0, 0.05);
@@ -145,7 +145,7 @@ TEST_F(Fillet, RefusalsBeepAndChangeNothing) {
     EXPECT_EQ(plugin.user().lastCursor(), 16104);
     move({470, 150});
     EXPECT_EQ(plugin.user().lastCursor(), 16102);
-    change([](host::Document& document) { return document.setLayerEditable(document.currentLayer(), false); });
+    change([](doc::Document& document) { return document.setLayerEditable(document.currentLayer(), false); });
     EXPECT_FALSE(roundCorner());
     EXPECT_EQ(artCount(), arts);
     EXPECT_EQ(plugin.user().visiblePixels(), 0U);

@@ -39,8 +39,8 @@ class Slant : public ToolRig {
 };
 
 TEST_F(Slant, TheDrawnLineComesToLieLevel) {
-    const host::ArtId path = plugin.addPath({{100, 100}, {180, 160}, {120, 300}}, false, true);
-    const host::ArtId other = plugin.addPath({{300, 100}, {400, 200}}, false, false);
+    const doc::ArtId path = plugin.addPath({{100, 100}, {180, 160}, {120, 300}}, false, true);
+    const doc::ArtId other = plugin.addPath({{300, 100}, {400, 200}}, false, false);
     ASSERT_TRUE(drag({100, 100}, {180, 160}));
     EXPECT_EQ(plugin.host().lastUndoName(), "Undo Slant Tool");
     ExpectAt(segments(path)[0].p, 100, 100);
@@ -54,16 +54,16 @@ TEST_F(Slant, TheDrawnLineComesToLieLevel) {
 }
 
 TEST_F(Slant, FromRightToLeftTurnsUpsideDown) {
-    const host::ArtId path = plugin.addPath({{100, 100}, {200, 150}}, false, true);
+    const doc::ArtId path = plugin.addPath({{100, 100}, {200, 150}}, false, true);
     ASSERT_TRUE(drag({400, 350}, {300, 350}));
     ExpectAt(segments(path)[0].p, 700, 600);
     ExpectAt(segments(path)[1].p, 600, 550);
 }
 
 TEST_F(Slant, HiddenLayersTurnAndDimensionsStay) {
-    const host::ArtId hidden = plugin.addPath({{100, 100}, {200, 100}}, false, true);
-    host::ArtId dimension = 0, member = 0, compound = 0, hole = 0;
-    change([&](host::Document& d) {
+    const doc::ArtId hidden = plugin.addPath({{100, 100}, {200, 100}}, false, true);
+    doc::ArtId dimension = 0, member = 0, compound = 0, hole = 0;
+    change([&](doc::Document& d) {
         d.setLayerVisible(d.currentLayer(), false);
         d.setLayerEditable(d.currentLayer(), false);
         d.setCurrentLayer(d.insertLayer("upper", 0));
@@ -72,7 +72,7 @@ TEST_F(Slant, HiddenLayersTurnAndDimensionsStay) {
         member = d.insertArt(kPathArt, kPlaceInsideOnTop, dimension);
         compound = d.insertArt(kCompoundPathArt, kPlaceAboveAll, 0);
         hole = d.insertArt(kPathArt, kPlaceInsideOnTop, compound);
-        for (const host::ArtId path : {member, hole}) d.setSegments(path, 0, line), d.setSelected(path, true);
+        for (const doc::ArtId path : {member, hole}) d.setSegments(path, 0, line), d.setSelected(path, true);
         return d.setTag(dimension, "QUORVEL_TOOLCNF", "1");
     });
     ASSERT_TRUE(drag({10, 0}, {10, 50}));  // upright becomes level
@@ -82,16 +82,16 @@ TEST_F(Slant, HiddenLayersTurnAndDimensionsStay) {
 }
 
 TEST_F(Slant, TextAndGradientsTurnAlong) {
-    const host::ArtId path = plugin.addPath({{100, 100}, {200, 100}}, false, true);
-    host::ArtId text = 0;
-    change([&](host::Document& d) {
+    const doc::ArtId path = plugin.addPath({{100, 100}, {200, 100}}, false, true);
+    doc::ArtId text = 0;
+    change([&](doc::Document& d) {
         AIPathStyle style = *d.find(path)->path->style;
         style.fillPaint = style.strokePaint = 1;
         style.fill.kind = style.stroke.kind = kGradientPaint;
         style.fill.gradientAngle = 10;
         style.fill.gradientHiliteAngle = 20;
         text = d.insertArt(kTextFrameArt, kPlaceAboveAll, 0);
-        host::TextData data;
+        doc::TextData data;
         data.matrix = {1, 0, 0, 1, 100, 50};
         data.text = u"12";
         data.runs.push_back({2, {}});
@@ -108,7 +108,7 @@ TEST_F(Slant, TextAndGradientsTurnAlong) {
 }
 
 TEST_F(Slant, NothingSelectedIsStillAStepByName) {
-    const host::ArtId path = plugin.addPath({{100, 100}, {200, 100}}, false, false);
+    const doc::ArtId path = plugin.addPath({{100, 100}, {200, 100}}, false, false);
     ASSERT_TRUE(drag({300, 300}, {350, 350}));
     EXPECT_EQ(plugin.host().lastUndoName(), "Undo Slant Tool");
     ExpectAt(segments(path)[1].p, 200, 100, 0);

@@ -37,15 +37,15 @@ class ToolRig : public testing::Test {
         return plugin.user().beeps() == beeps;
     }
 
-    host::Document& document() { return *plugin.host().document(); }
-    const std::vector<PathSegment>& segments(host::ArtId path) { return document().find(path)->path->segments; }
-    host::ArtId root() { return document().layer(document().currentLayer())->root; }
-    host::ArtId topArt() { return document().find(root())->firstChild; }
+    doc::Document& document() { return *plugin.host().document(); }
+    const std::vector<PathSegment>& segments(doc::ArtId path) { return document().find(path)->path->segments; }
+    doc::ArtId root() { return document().layer(document().currentLayer())->root; }
+    doc::ArtId topArt() { return document().find(root())->firstChild; }
     int artCount() { return static_cast<int>(document().artCount()); }
-    void change(const std::function<bool(host::Document&)>& work) { EXPECT_TRUE(plugin.host().edit("Draw", work)); }
-    host::ArtId addSegments(const std::vector<PathSegment>& path, bool selected) {
-        host::ArtId made = 0;
-        change([&](host::Document& document) {
+    void change(const std::function<bool(doc::Document&)>& work) { EXPECT_TRUE(plugin.host().edit("Draw", work)); }
+    doc::ArtId addSegments(const std::vector<PathSegment>& path, bool selected) {
+        doc::ArtId made = 0;
+        change([&](doc::Document& document) {
             made = document.insertArt(kPathArt, kPlaceAboveAll, 0);
             return document.setSegments(made, 0, path) && document.setSelected(made, selected);
         });

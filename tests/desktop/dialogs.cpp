@@ -96,16 +96,16 @@ TEST(Dialogs, NothingIsCutOrHidden) {
             return dialog->close();
         };
         rig.inDialog([&] { rig.window->menuGo("Orvane Group"); }, look);
-        for (const host::ToolRecord& tool : rig.desk->host().tools()) {
+        for (const host::ToolRecord& tool : rig.session->host().tools()) {
             QTimer waiting;
             QObject::connect(&waiting, &QTimer::timeout, [&] {
                 if (QWidget* dialog = QApplication::activeModalWidget()) look(dialog);
             });
             waiting.start(20);
             rig.window->tools()->choose(QString::fromStdString(tool.title));
-            rig.desk->host().editOptions(tool);
+            rig.session->host().editOptions(tool);
         }
-        rig.inDialog([&] { rig.desk->host().about(); },
+        rig.inDialog([&] { rig.session->host().about(); },
                      [&](QWidget* box) {
                          rig.picture(box, QString::fromStdString("about-" + language));
                          QTest::keyClick(box, Qt::Key_Return);

@@ -6,7 +6,7 @@
 #include <QPainter>
 #include <random>
 
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 #include "tests/desktop/window_rig.h"
 
 namespace quorvel::tests {
@@ -35,20 +35,20 @@ void Open(WindowRig& rig, const std::string& text, const QString& name = QString
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(QByteArray::fromStdString(text));
     file.close();
-    if (rig.desk->document() != nullptr) rig.document().markSaved();
+    if (rig.session->document() != nullptr) rig.document().markSaved();
     ASSERT_TRUE(rig.window->file().open(rig.home.filePath(name)));
     QApplication::processEvents();
 }
 
-std::size_t PicturesIn(const host::Document& document) {
-    const std::string text = host::writeSvg(document, "");
+std::size_t PicturesIn(const doc::Document& document) {
+    const std::string text = interchange::writeSvg(document, "");
     std::size_t count = 0;
     for (std::size_t at = text.find("<image"); at != std::string::npos; at = text.find("<image", at + 1)) ++count;
     return count;
 }
 
-std::vector<host::ArtId> Ids(WindowRig& rig, std::initializer_list<const char*> names) {
-    std::vector<host::ArtId> ids;
+std::vector<doc::ArtId> Ids(WindowRig& rig, std::initializer_list<const char*> names) {
+    std::vector<doc::ArtId> ids;
     for (const char* name : names) ids.push_back(rig.document().findBySvgId(name));
     return ids;
 }
@@ -60,7 +60,7 @@ TEST(Selecting, KeysWhileTheButtonIsHeldTakeTheArtAway) {
     WindowRig rig;
     desktop::Editing& editing = rig.window->editing();
     rig.press("select");
-    const host::ArtId plate = rig.document().findBySvgId("plate");
+    const doc::ArtId plate = rig.document().findBySvgId("plate");
     const QPoint inside = rig.pixel(150, 150);
     const auto press = [&] {
         rig.moveTo(inside);
@@ -88,7 +88,7 @@ TEST(Selecting, PicturesAreTakenWhereTheyAreSeen) {
     WindowRig rig;
     Open(rig, PictureDrawing());
     desktop::Editing& editing = rig.window->editing();
-    const host::ArtId photo = rig.document().findBySvgId("photo"), held = rig.document().findBySvgId("held");
+    const doc::ArtId photo = rig.document().findBySvgId("photo"), held = rig.document().findBySvgId("held");
     EXPECT_EQ(editing.objectAt({301, 261}, 0.5), photo);
     EXPECT_EQ(editing.objectAt({379, 299}, 0.5), photo);
     EXPECT_EQ(editing.objectAt({383, 280}, 0.5), 0U);
@@ -113,8 +113,8 @@ TEST(Selecting, PicturesAreTakenWhereTheyAreSeen) {
 TEST(Selecting, WhatHasBeenHiddenOrLockedSinceIsLeftAlone) {
     WindowRig rig;
     desktop::Editing& editing = rig.window->editing();
-    host::Document& document = rig.document();
-    const host::ArtId plate = document.findBySvgId("plate"), hole = document.findBySvgId("hole");
+    doc::Document& document = rig.document();
+    const doc::ArtId plate = document.findBySvgId("plate"), hole = document.findBySvgId("hole");
     editing.selectAll();
     document.setHidden(plate, true);
     EXPECT_EQ(editing.selection(), std::vector({hole}));
@@ -132,8 +132,8 @@ TEST(Selecting, WhatHasBeenHiddenOrLockedSinceIsLeftAlone) {
     EXPECT_FALSE(document.find(plate)->selected);  // also of what can't be taken
     document.setLayerEditable(document.layers().front(), true);
     rig.window->editing().select({plate});
-    host::ArtId group = 0;
-    rig.desk->host().edit("Group", [&](host::Document& d) {
+    doc::ArtId group = 0;
+    rig.session->host().edit("Group", [&](doc::Document& d) {
         group = d.insertArt(kGroupArt, kPlaceAbove, plate);
         return d.moveArt(plate, kPlaceInsideOnTop, group) && d.insertArt(kPathArt, kPlaceInsideOnTop, group) != 0;
     });
@@ -185,18 +185,18 @@ TEST(Steps, ADeedThatChangesNothingIsNone) {
 // Random changes in two steps, joined: what undo and redo give is what stood before the first and behind the second.
 TEST(Steps, JoinedStepsAreUndoneAndRedoneAsOne) {
     std::mt19937 random(5);
-    host::Document document(600, 400);
-    std::vector<host::ArtId> arts;
-    const auto dumped = [&] { return cli::dumpDocument(document, "pt").dump(); };
+    doc::Document document(600, 400);
+    std::vector<doc::ArtId> arts;
+    const auto dumped = [&] { return app::dumpDocument(document, "pt"); };
     const auto pick = [&](std::size_t count) { return std::size_t(random() % count); };
     const auto change = [&] {
-        const host::ArtId art = arts.empty() ? 0 : arts[pick(arts.size())];
-        const host::ArtId other = arts.empty() ? 0 : arts[pick(arts.size())];
+        const doc::ArtId art = arts.empty() ? 0 : arts[pick(arts.size())];
+        const doc::ArtId other = arts.empty() ? 0 : arts[pick(arts.size())];
         const float by = static_cast<float>(pick(100));
         switch (pick(8)) {
             case 0:
             case 1: {
-                const host::ArtId made = document.insertArt(pick(2) ? kPathArt : kGroupArt, kPlaceAboveAll, 0);
+                const doc::ArtId made = document.insertArt(pick(2) ? kPathArt : kGroupArt, kPlaceAboveAll, 0);
                 const PathSegment segment{{by, by}, {by, by}, {by, by}, 1};
                 document.setSegments(made, 0, {&segment, 1});
                 return arts.push_back(made);
@@ -290,7 +290,7 @@ TEST(Pasting, IntoAnotherDrawingSaysWhatStaysBehind) {
          "<defs><linearGradient id=\"other\"/></defs><path id=\"p\" d=\"M0 0H9V9\" fill=\"url(#other)\"/></svg>",
          "third.svg");
     editing.paste();
-    const std::string saved = host::writeSvg(rig.document(), "");
+    const std::string saved = interchange::writeSvg(rig.document(), "");
     EXPECT_NE(saved.find("url(#steel)"), std::string::npos) << saved;
     rig.document().markSaved();
 }
@@ -298,8 +298,8 @@ TEST(Pasting, IntoAnotherDrawingSaysWhatStaysBehind) {
 TEST(Pasting, GivesWhatWasCopiedStepByStepAndWhereItMay) {
     WindowRig rig;
     desktop::Editing& editing = rig.window->editing();
-    host::Document& document = rig.document();
-    const host::ArtId plate = document.findBySvgId("plate");
+    doc::Document& document = rig.document();
+    const doc::ArtId plate = document.findBySvgId("plate");
     editing.select({plate});
     editing.copy();
     editing.move({100, 0});
@@ -315,10 +315,10 @@ TEST(Pasting, GivesWhatWasCopiedStepByStepAndWhereItMay) {
     editing.copy();
     EXPECT_EQ(pastedLeft(), 148);
     // Its own layer is locked, the current one hidden: the layer that is left takes it.
-    host::LayerId open = 0;
-    rig.desk->host().edit("Layer", [&](host::Document& d) {
+    doc::LayerId open = 0;
+    rig.session->host().edit("Layer", [&](doc::Document& d) {
         open = d.insertLayer("Open", d.layers().front());
-        const host::LayerId hidden = d.insertLayer("Hidden", 0);
+        const doc::LayerId hidden = d.insertLayer("Hidden", 0);
         return d.setLayerVisible(hidden, false) && d.setCurrentLayer(hidden) &&
                d.setLayerEditable(d.layerOf(plate), false);
     });
@@ -359,7 +359,7 @@ TEST(ManyObjects, ArePastedBandedAndDraggedInTime) {
     // In the middle of a drag, of all and of as many as are drawn.
     QImage picture(rig.canvas().size(), QImage::Format_RGB32);
     QPainter painter(&picture);
-    const std::vector<host::ArtId> all = editing.selection();
+    const std::vector<doc::ArtId> all = editing.selection();
     for (const std::size_t count : {all.size(), std::size_t{3000}}) {
         constexpr int kPaints = 100;
         editing.select({all.begin(), all.begin() + std::ptrdiff_t(count)});
@@ -370,12 +370,12 @@ TEST(ManyObjects, ArePastedBandedAndDraggedInTime) {
         clock.start();
         for (int i = 0; i < kPaints; ++i) {
             rig.moveTo(at + QPoint(4 + i, 4), Qt::LeftButton);
-            rig.canvas().hand()->paint(painter);
+            rig.canvas().tool()->paint(painter);
         }
         EXPECT_EQ(editing.selection().size(), count);
         RecordProperty("paint" + std::to_string(count), std::to_string(seconds() / kPaints));
         EXPECT_LT(seconds() / kPaints, 0.016);
-        rig.canvas().hand()->cancel();
+        rig.canvas().tool()->cancel();
         QTest::mouseRelease(&rig.canvas(), Qt::LeftButton, {}, at);
     }
     editing.select(all);

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <map>
 
-#include "cli/list.h"
+#include "app/dimension_list.h"
 #include "tests/desktop/window_rig.h"
 
 namespace quorvel::tests {
@@ -94,7 +94,7 @@ class Guide : public ::testing::Test {
     // How often each value stands on the drawing's dimensions.
     std::map<std::string, int> values() {
         std::map<std::string, int> found;
-        for (const cli::RecordedDimension& dimension : cli::listDimensions(rig.document()))
+        for (const app::RecordedDimension& dimension : app::listDimensions(rig.document()))
             if (dimension.kind != "frame")
                 for (const std::string& text : dimension.texts) ++found[text];
         return found;
@@ -185,7 +185,7 @@ TEST_F(Guide, FromADrawingToASheet) {
             WindowRig::picture(dialog, QStringLiteral("guide-7-schedule"));
             ok(dialog);
         });
-    for (const host::LayerId layer : rig.document().layers())
+    for (const doc::LayerId layer : rig.document().layers())
         if (rig.document().layer(layer)->title == "Sheet") rig.document().setLayerVisible(layer, false);
     draw("Schedule Tool [bottom]", at(10, 10), at(287, 200));
     rig.window->tools()->choose("select");
@@ -207,7 +207,7 @@ TEST_F(Guide, FromADrawingToASheet) {
     file.write(svg);
     file.close();
     ASSERT_TRUE(rig.window->file().open(bracket()));
-    rig.inDialog([&] { rig.desk->host().playAction("Recalculate_Dimension_lines"); },
+    rig.inDialog([&] { rig.session->host().playAction("Recalculate_Dimension_lines"); },
                  [&](QWidget* dialog) {
                      WindowRig::picture(dialog, QStringLiteral("guide-9-question"));
                      QTest::keyClick(dialog, Qt::Key_Return);

@@ -3,9 +3,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/script.h"
-#include "cli/script_runner.h"
-#include "cli/session.h"
+#include "app/headless_session.h"
+#include "app/script.h"
+#include "app/script_runner.h"
 #include "tests/desktop/window_rig.h"
 
 namespace quorvel::tests {
@@ -55,7 +55,7 @@ class Layers : public ::testing::Test {
     }
     std::vector<std::string> titles() {
         std::vector<std::string> all;
-        for (const host::LayerId id : rig->document().layers()) all.push_back(rig->document().layer(id)->title);
+        for (const doc::LayerId id : rig->document().layers()) all.push_back(rig->document().layer(id)->title);
         return all;
     }
     std::vector<std::string> shownTitles() {
@@ -158,21 +158,21 @@ TEST_F(Layers, ScriptMeansTheLayerThatWasClicked) {
     EXPECT_EQ(rig->document().currentLayer(), rig->document().layers()[1]);
     rig->window->undo();
     click(2, kTitle);
-    rig->desk->recorder().flush();
+    rig->session->recorder().flush();
     const std::string dump = rig->dump(), name = rig->home.path().toStdString() + "/recorded.script";
     std::ostringstream script;
     script << std::ifstream(name).rdbuf();
     rig->document().markSaved();
     rig->window.reset();
-    rig->desk.reset();
+    rig->session.reset();
 
     const QTemporaryDir profile;
-    cli::Session session({profile.path().toStdString(), "", 1, QUORVEL_PLUGIN_FILE});
-    const cli::ScriptOutcome outcome =
-        cli::runScript(cli::parseScript(script.str(), name), name, session, [](const std::string&) {});
+    app::HeadlessSession session({profile.path().toStdString(), "", 1, QUORVEL_PLUGIN_FILE});
+    const app::ScriptOutcome outcome =
+        app::runScript(app::parseScript(script.str(), name), name, session, [](const std::string&) {});
     EXPECT_TRUE(outcome.held) << outcome.fault << "\n" << script.str();
     ASSERT_NE(session.document(), nullptr);
-    EXPECT_EQ(cli::dumpDocument(*session.document(), session.host().rulerUnit()).dump(1), dump) << script.str();
+    EXPECT_EQ(app::dumpDocument(*session.document(), session.host().rulerUnit()), dump) << script.str();
     rig.reset();
 }
 

@@ -7,10 +7,10 @@
 #include <QUrl>
 #include <cstdlib>
 
-#include "desktop/export.h"
-#include "desktop/painter.h"
 #include "host/host.h"
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
+#include "render/export.h"
+#include "render/painter.h"
 #include "tests/desktop/window_rig.h"
 
 namespace quorvel::tests {
@@ -19,18 +19,18 @@ namespace {
 class Painting : public ::testing::Test {
   protected:
     void paint(const std::string& content) {
-        const host::SvgReadResult read = host::readSvg(
+        const interchange::SvgReadResult read = interchange::readSvg(
             "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
             "width=\"100pt\" height=\"100pt\" viewBox=\"0 0 100 100\">" +
             content + "</svg>");
         ASSERT_NE(read.document, nullptr) << read.error;
         paint(*read.document);
     }
-    void paint(const host::Document& document) {
+    void paint(const doc::Document& document) {
         image = QImage(100, 100, QImage::Format_RGB32);
         image.fill(Qt::white);
         QPainter painter(&image);
-        desktop::DocumentPainter(document, files).paint(&painter, QTransform(1, 0, 0, -1, 0, 100), image.rect(), {});
+        render::DocumentPainter(document, files).paint(&painter, QTransform(1, 0, 0, -1, 0, 100), image.rect(), {});
     }
     // Red, green and blue of the pixel in whose middle the point lies, as the file counts, y downward.
     std::vector<int> at(int x, int y) {
@@ -132,13 +132,13 @@ TEST_F(Painting, UsedArtLooksAsItsElementSays) {
 // Nothing is ever written into what a use element refers to.
 TEST_F(Painting, ChangedUsesLeaveDefinitionsAlone) {
     const std::string defs = "<defs><g id='d'><rect id='r' width='9' height='9' opacity='.5'/></g></defs>";
-    const host::SvgReadResult read = host::readSvg(
+    const interchange::SvgReadResult read = interchange::readSvg(
         "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' width='100pt' "
         "height='100pt'>" +
         defs + "<use id='u' xlink:href='#d'/></svg>");
     ASSERT_NE(read.document, nullptr);
-    host::Document& document = *read.document;
-    host::ArtId leaf = document.findBySvgId("u");
+    doc::Document& document = *read.document;
+    doc::ArtId leaf = document.findBySvgId("u");
     while (document.find(leaf)->firstChild != 0) leaf = document.find(leaf)->firstChild;
     EXPECT_EQ(document.find(leaf)->source, -1);
     EXPECT_GE(document.find(leaf)->origin, 0);
@@ -147,19 +147,19 @@ TEST_F(Painting, ChangedUsesLeaveDefinitionsAlone) {
     ASSERT_TRUE(document.setTag(leaf, "T", "1"));
     ASSERT_NE(document.duplicateArt(leaf, "twin"), 0U);
     ASSERT_TRUE(document.commit("Undo", "Redo"));
-    const std::string written = host::writeSvg(document);
+    const std::string written = interchange::writeSvg(document);
     EXPECT_NE(written.find(defs), std::string::npos) << written;
     EXPECT_EQ(written.find("<use"), std::string::npos) << "a group of what it showed";
 }
 
 TEST_F(Painting, CopiesLookLikeTheirOriginals) {
-    const host::SvgReadResult read = host::readSvg(
+    const interchange::SvgReadResult read = interchange::readSvg(
         "<svg xmlns='http://www.w3.org/2000/svg' width='100pt' height='100pt' viewBox='0 0 100 100'>"
         "<path id='ring' opacity='.5' fill-rule='evenodd' d='M0 0H20V20H0Z M5 5H15V15H5Z'/></svg>");
     ASSERT_NE(read.document, nullptr);
-    const host::ArtId copy = read.document->duplicateArt(read.document->findBySvgId("ring"), "copy");
+    const doc::ArtId copy = read.document->duplicateArt(read.document->findBySvgId("ring"), "copy");
     ASSERT_TRUE(read.document->transform(copy, {1, 0, 0, 1, 50, 0}, 1));
-    const host::ArtId pasted =
+    const doc::ArtId pasted =
         read.document->insertCopy(read.document->copyOf(read.document->findBySvgId("ring")), kPlaceAboveAll, 0);
     ASSERT_TRUE(read.document->transform(pasted, {1, 0, 0, 1, 0, -50}, 1));
     paint(*read.document);
@@ -330,26 +330,26 @@ TEST_F(Painting, TextStrokesHaveTheirWidth) {
 TEST_F(Painting, FilesSayWhyTheyAreNotWritten) {
     const QTemporaryDir folder;
     const auto page = [&](const char* size) {
-        return host::readSvg(std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"") + size +
-                             "\" height=\"72pt\"><rect width=\"10\" height=\"10\"/></svg>");
+        return interchange::readSvg(std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"") + size +
+                                    "\" height=\"72pt\"><rect width=\"10\" height=\"10\"/></svg>");
     };
-    const host::SvgReadResult inch = page("72pt"), wide = page("90000pt");
+    const interchange::SvgReadResult inch = page("72pt"), wide = page("90000pt");
     QString cause;
     const QString png = folder.filePath("a.png"), pdf = folder.filePath("a.pdf");
-    ASSERT_TRUE(desktop::ExportDrawing(*inch.document, {}, {png, 300}, &cause)) << cause.toStdString();
+    ASSERT_TRUE(render::exportDrawing(*inch.document, {}, {png, 300}, &cause)) << cause.toStdString();
     EXPECT_EQ(QImage(png).size(), QSize(300, 300));
     EXPECT_NEAR(QImage(png).dotsPerMeterX(), 300 / 0.0254, 1);
-    ASSERT_TRUE(desktop::ExportDrawing(*inch.document, {}, {pdf}, &cause)) << cause.toStdString();
+    ASSERT_TRUE(render::exportDrawing(*inch.document, {}, {pdf}, &cause)) << cause.toStdString();
     QFile file(pdf);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(file.readAll().contains("/MediaBox [0 0 72."));
-    for (const auto& [document, target] : {std::pair(&inch, desktop::ExportTarget{folder.filePath("a.gif")}),
-                                           std::pair(&inch, desktop::ExportTarget{folder.filePath("none/a.pdf")}),
-                                           std::pair(&inch, desktop::ExportTarget{folder.filePath("big.png"), 1e6}),
-                                           std::pair(&wide, desktop::ExportTarget{folder.filePath("wide.png")}),
-                                           std::pair(&wide, desktop::ExportTarget{folder.filePath("wide.pdf")})}) {
+    for (const auto& [document, target] : {std::pair(&inch, render::ExportTarget{folder.filePath("a.gif")}),
+                                           std::pair(&inch, render::ExportTarget{folder.filePath("none/a.pdf")}),
+                                           std::pair(&inch, render::ExportTarget{folder.filePath("big.png"), 1e6}),
+                                           std::pair(&wide, render::ExportTarget{folder.filePath("wide.png")}),
+                                           std::pair(&wide, render::ExportTarget{folder.filePath("wide.pdf")})}) {
         cause.clear();
-        EXPECT_FALSE(desktop::ExportDrawing(*document->document, {}, target, &cause));
+        EXPECT_FALSE(render::exportDrawing(*document->document, {}, target, &cause));
         EXPECT_FALSE(cause.isEmpty());
         EXPECT_FALSE(QFile::exists(target.path));
     }
@@ -361,9 +361,9 @@ TEST_F(Painting, PrintsAtTrueSizeWherePaperHoldsIt) {
     const QPageLayout paper(QPageSize(QPageSize::A4), QPageLayout::Landscape, {10, 10, 10, 10},
                             QPageLayout::Millimeter);
     const auto onPaper = [&](const char* size) {
-        const host::SvgReadResult read =
-            host::readSvg(std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" ") + size + "/>");
-        const QTransform toPaper = desktop::PrintTransform(*read.document, paper, kDots);
+        const interchange::SvgReadResult read =
+            interchange::readSvg(std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" ") + size + "/>");
+        const QTransform toPaper = render::printTransform(*read.document, paper, kDots);
         const QRectF dots = toPaper.mapRect(QRectF(0, 0, read.document->width(), read.document->height()));
         const double millimetres = 25.4 / kDots;
         return QRectF(dots.topLeft() * millimetres, dots.size() * millimetres);

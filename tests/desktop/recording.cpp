@@ -3,9 +3,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/script.h"
-#include "cli/script_runner.h"
-#include "cli/session.h"
+#include "app/headless_session.h"
+#include "app/script.h"
+#include "app/script_runner.h"
 #include "tests/desktop/window_rig.h"
 
 namespace quorvel::tests {
@@ -24,15 +24,15 @@ void ReplaysHere(WindowRig& rig) {
     const std::string dump = rig.dump();
     rig.document().markSaved();
     rig.window.reset();
-    rig.desk.reset();
+    rig.session.reset();
     const std::string script = ReadText(name);
     QTemporaryDir profile;
-    cli::Session session({profile.path().toStdString(), "", 1, QUORVEL_PLUGIN_FILE});
-    const cli::ScriptOutcome outcome =
-        cli::runScript(cli::parseScript(script, name), name, session, [](const std::string&) {});
+    app::HeadlessSession session({profile.path().toStdString(), "", 1, QUORVEL_PLUGIN_FILE});
+    const app::ScriptOutcome outcome =
+        app::runScript(app::parseScript(script, name), name, session, [](const std::string&) {});
     EXPECT_TRUE(outcome.held) << outcome.fault << "\n" << script;
     ASSERT_NE(session.document(), nullptr);
-    EXPECT_EQ(cli::dumpDocument(*session.document(), session.host().rulerUnit()).dump(1), dump) << script;
+    EXPECT_EQ(app::dumpDocument(*session.document(), session.host().rulerUnit()), dump) << script;
 }
 
 TEST(Recording, ReplaysToTheSameDump) {
@@ -48,7 +48,7 @@ TEST(Recording, ReplaysToTheSameDump) {
                      emit shape->activated(0);
                      QTest::mouseClick(rig.control<QPushButton>(dialog, 1), Qt::LeftButton);
                  });
-    QTest::mouseClick(rig.desk->user().panelForm()->widget(13), Qt::LeftButton);
+    QTest::mouseClick(rig.session->user().panelForm()->widget(13), Qt::LeftButton);
     rig.window->tools()->choose("Radius Tool");
     rig.drag(rig.pixel(400, 170) + QPoint(0, 0), rig.pixel(470, 200));
     rig.window->tools()->choose("select");
@@ -170,14 +170,14 @@ TEST(Recording, DialogsInDialogsReplay) {
 
 TEST(Recording, AGridStepPickedFromTheListReplays) {
     WindowRig rig({"en", false, true});
-    auto* list = qobject_cast<QComboBox*>(rig.desk->user().panelForm()->widget(20));
+    auto* list = qobject_cast<QComboBox*>(rig.session->user().panelForm()->widget(20));
     ASSERT_NE(list, nullptr);
     ASSERT_GT(list->count(), 4);
     list->setCurrentIndex(4);
     emit list->activated(4);
     rig.window->tick();
     const std::string script = ReadText(rig.home.path().toStdString() + "/recorded.script");
-    EXPECT_NE(script.find("panel text 20 " + cli::quotedWord(list->itemText(4).toStdString()) + "\ntick\n"),
+    EXPECT_NE(script.find("panel text 20 " + app::quotedWord(list->itemText(4).toStdString()) + "\ntick\n"),
               std::string::npos)
         << script;
     ReplaysHere(rig);
@@ -195,7 +195,7 @@ class RecorderFile : public testing::Test {
         return text.substr(text.find('\n', text.find('\n') + 1) + 1);  // behind the two comments
     }
     QTemporaryDir folder;
-    desktop::Recorder recorder;
+    app::Recorder recorder;
 };
 
 // A deed that brings the program down is the one that is wanted.
@@ -210,7 +210,7 @@ TEST_F(RecorderFile, HoldsALineBeforeItIsDone) {
     EXPECT_EQ(lines(), "tool \"A\"\ntrack 3 1\ntrack 4 1\ndown\nmove \"a\" 1 2\nmove \"b\" 1 2\n");
     recorder.step({});
     EXPECT_EQ(lines(), "tool \"A\"\ntrack 3 1\ntrack 4 1\ndown\n");
-    desktop::Recorder unseeded;
+    app::Recorder unseeded;
     ASSERT_TRUE(unseeded.open(path(), std::nullopt));
     EXPECT_NE(ReadText(path()).find("ids differ"), std::string::npos);
 }

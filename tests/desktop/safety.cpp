@@ -8,7 +8,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 
-#include "desktop/drawing_file.h"
+#include "desktop/files/drawing_file.h"
 #include "tests/desktop/window_rig.h"
 
 namespace quorvel::tests {
@@ -60,10 +60,10 @@ TEST(Safety, CopyOfACrashedProgramIsOffered) {
     {
         WindowRig rig;
         lost = rig.drawing();
-        rig.window->file().putCopyAside();
+        rig.window->file().autosave();
         EXPECT_FALSE(QFile::exists(own)) << "nothing has changed yet";
         rig.dimensionEdge();
-        rig.window->file().putCopyAside();
+        rig.window->file().autosave();
         dump = rig.dump();
         ASSERT_TRUE(QFile::rename(own, crashed));
         ASSERT_TRUE(QFile::rename(own + ".origin", crashed + ".origin"));
@@ -71,13 +71,13 @@ TEST(Safety, CopyOfACrashedProgramIsOffered) {
     }
     {
         WindowRig rig;
-        rig.inDialog([&] { EXPECT_FALSE(rig.window->file().offerRescuedCopy()); },
+        rig.inDialog([&] { EXPECT_FALSE(rig.window->file().offerRecovery()); },
                      [](QWidget* box) { Answer(box, QMessageBox::Cancel); });
         EXPECT_TRUE(QFile::exists(crashed)) << "offered again next time";
     }
     {
         WindowRig rig;
-        rig.inDialog([&] { EXPECT_TRUE(rig.window->file().offerRescuedCopy()); },
+        rig.inDialog([&] { EXPECT_TRUE(rig.window->file().offerRecovery()); },
                      [](QWidget* box) { Answer(box, QMessageBox::Open); });
         EXPECT_EQ(rig.dump(), dump);
         EXPECT_TRUE(rig.window->isWindowModified());
@@ -104,10 +104,10 @@ TEST(Safety, CopyOfARunningProgramIsLeftAlone) {
     ASSERT_TRUE(QFile::copy(rig.drawing(), copy));
     const int lock = ::open(QFile::encodeName(copy + ".lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(::flock(lock, LOCK_EX | LOCK_NB), 0);
-    EXPECT_FALSE(rig.window->file().offerRescuedCopy()) << "would have asked, and waited for an answer";
+    EXPECT_FALSE(rig.window->file().offerRecovery()) << "would have asked, and waited for an answer";
     EXPECT_TRUE(QFile::exists(copy));
     ::close(lock);  // as when it crashes, though its number lives on
-    rig.inDialog([&] { EXPECT_FALSE(rig.window->file().offerRescuedCopy()); },
+    rig.inDialog([&] { EXPECT_FALSE(rig.window->file().offerRecovery()); },
                  [](QWidget* box) { Answer(box, QMessageBox::Discard); });
     EXPECT_FALSE(QFile::exists(copy));
     EXPECT_FALSE(QFile::exists(copy + ".lock"));
@@ -123,7 +123,7 @@ TEST(Safety, OwnCopyDoesNotOverwriteACrashedOne) {
     ASSERT_TRUE(QFile::copy(rig.drawing(), crashed));
     const QByteArray before = BytesOf(crashed);
     rig.dimensionEdge();
-    rig.window->file().putCopyAside();
+    rig.window->file().autosave();
     EXPECT_EQ(BytesOf(crashed), before);
     EXPECT_EQ(RescueFolder().entryList({"*.svg"}, QDir::Files).size(), 2);
     ASSERT_TRUE(rig.window->file().save());
@@ -184,7 +184,7 @@ TEST(Safety, DiscardedChangesStayUntilAnotherDrawingIsOpen) {
     const QString own = RescueFolder().filePath(QString::number(QCoreApplication::applicationPid()) + ".svg");
     WindowRig rig;
     rig.dimensionEdge();
-    rig.window->file().putCopyAside();
+    rig.window->file().autosave();
     ASSERT_TRUE(QFile::exists(own));
     const std::string dump = rig.dump();
     rig.inDialogs(
@@ -241,9 +241,9 @@ TEST(Safety, FailuresAreToldInTheLanguageOfTheTools) {
               "bad.svg: 2 行目: rect \"a\": width の長さが正しくありません");
     EXPECT_EQ(told("<g id=\"b\" transform=\"spin(3)\"/>"), "bad.svg: 2 行目: g \"b\": transform が正しくありません");
     EXPECT_EQ(told("\xff"), "bad.svg: 2 行目: UTF-8 でないバイトがあります");
-    EXPECT_EQ(rig.desk->sayCause("12000 by 9000 pixels are too many; take fewer dots per inch").toStdString(),
+    EXPECT_EQ(rig.session->sayCause("12000 by 9000 pixels are too many; take fewer dots per inch").toStdString(),
               "12000 × 9000 ピクセルは多すぎます。解像度を下げてください");
-    EXPECT_EQ(rig.desk->sayCause("the disk is on fire"), "the disk is on fire");
+    EXPECT_EQ(rig.session->sayCause("the disk is on fire"), "the disk is on fire");
 }
 
 TEST(Safety, ButtonsSpeakTheLanguageOfTheTools) {
@@ -253,7 +253,7 @@ TEST(Safety, ButtonsSpeakTheLanguageOfTheTools) {
         WindowRig rig({.language = language});
         rig.dimensionEdge();
         QStringList labels;
-        rig.inDialog([&] { EXPECT_FALSE(rig.window->file().mayLeave()); },
+        rig.inDialog([&] { EXPECT_FALSE(rig.window->file().confirmDiscard()); },
                      [&](QWidget* box) {
                          for (QAbstractButton* button : qobject_cast<QMessageBox*>(box)->buttons())
                              labels.append(button->text().remove('&'));

@@ -9,7 +9,7 @@
 #include <QStatusBar>
 #include <algorithm>
 
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 #include "platform/qt/panel_button.h"
 #include "tests/desktop/window_rig.h"
 
@@ -23,7 +23,7 @@ TEST(Window, StraightDimensionByMouseSnapsUndoesSavesAndReopens) {
     rig.dimensionEdge();
     EXPECT_EQ(rig.newestText(), "71");  // 200 points are 70.56 mm: both ends have snapped to the corners
     EXPECT_GT(rig.document().artCount(), before);
-    EXPECT_EQ(rig.desk->user().screen().visiblePixels(), 0U);
+    EXPECT_EQ(rig.session->user().screen().visiblePixels(), 0U);
 
     const std::size_t drawn = rig.document().artCount();
     rig.window->undo();
@@ -42,14 +42,14 @@ TEST(Window, MovedArtTakesItsDimensionAlong) {
     WindowRig rig;
     rig.dimensionEdge();
     rig.press("select");
-    const host::ArtId plate = rig.document().findBySvgId("plate");
+    const doc::ArtId plate = rig.document().findBySvgId("plate");
     const RealRect before = rig.document().bounds(plate);
     rig.drag(rig.pixel(150, 150), rig.pixel(150, 150) + QPoint(40, -30));
     const RealRect after = rig.document().bounds(plate);
-    const double zoom = rig.desk->host().view().zoom;
+    const double zoom = rig.session->host().view().zoom;
     EXPECT_NEAR(after.left - before.left, 40 / zoom, 0.01);
     EXPECT_NEAR(after.bottom - before.bottom, 30 / zoom, 0.01);
-    const host::Art* root = rig.document().find(rig.document().layer(rig.document().currentLayer())->root);
+    const doc::Art* root = rig.document().find(rig.document().layer(rig.document().currentLayer())->root);
     const RealRect dimension = rig.document().bounds(root->firstChild);
     EXPECT_GT(dimension.right, 300 + 20 / zoom);
 }
@@ -149,7 +149,7 @@ TEST(Window, PresetsAreSavedChosenAndDeleted) {
             emit list->activated(found);
         };
         // Answers whatever window comes over the dialog, and waits until it has gone.
-        const auto answering = [](QWidget* dialog, const std::function<void()>& deed,
+        const auto answering = [](QWidget* dialog, const std::function<void()>& gesture,
                                   const std::function<void(QWidget*)>& answer) {
             bool answered = false;
             QTimer waiting;
@@ -160,7 +160,7 @@ TEST(Window, PresetsAreSavedChosenAndDeleted) {
                 answer(over);
             });
             waiting.start(20);
-            deed();
+            gesture();
             EXPECT_TRUE(QTest::qWaitFor([&] { return answered && QApplication::activeModalWidget() == dialog; }));
         };
         rig.inDialog(open, [&](QWidget* dialog) {
@@ -222,12 +222,12 @@ TEST(Window, KeysRunNoPresetUnseen) {
 // Rulers, host and plug-in mean the same by each unit.
 TEST(Window, UnitsAreTheSameEverywhere) {
     WindowRig rig;
-    host::Host& host = rig.desk->host();
+    host::Host& host = rig.session->host();
     const auto settings = [&] { rig.window->menuGo("Orvane Group"); };
-    ASSERT_EQ(desktop::RulerUnits().size(), 7U);
+    ASSERT_EQ(desktop::rulerUnits().size(), 7U);
     auto* point = rig.window->findChild<QLabel*>("point");
     ASSERT_NE(point, nullptr);
-    for (const desktop::RulerUnit& unit : desktop::RulerUnits()) {
+    for (const desktop::RulerUnit& unit : desktop::rulerUnits()) {
         SCOPED_TRACE(unit.name);
         host.setRulerUnit(unit.name);
         ASSERT_EQ(host.rulerUnit(), unit.name);
@@ -254,8 +254,8 @@ TEST(Window, UnitsAreTheSameEverywhere) {
 
 TEST(Window, GridStepsAreWholeInANewDrawingsUnit) {
     WindowRig rig;
-    for (const int step : {20, 22, 24}) EXPECT_EQ(rig.desk->user().panelForm()->text(step), "5 mm") << step;
-    EXPECT_EQ(rig.desk->host().rulerUnit(), "pt") << "the drawing has brought its own";
+    for (const int step : {20, 22, 24}) EXPECT_EQ(rig.session->user().panelForm()->text(step), "5 mm") << step;
+    EXPECT_EQ(rig.session->host().rulerUnit(), "pt") << "the drawing has brought its own";
 }
 
 // What was closed stays closed, and the plug-in's menu item says so.
@@ -281,7 +281,7 @@ TEST(Window, PanelStaysAsItWasLeft) {
 
 TEST(Window, AppearanceIsKeptAndFollowsTheDesktop) {
     QSettings().clear();
-    EXPECT_EQ(desktop::ChosenLook(), desktop::Look::system);
+    EXPECT_EQ(desktop::savedColorScheme(), desktop::ColorScheme::system);
     WindowRig rig;
     const auto choose = [&](const char* look) {
         rig.item(look)->trigger();
@@ -293,30 +293,31 @@ TEST(Window, AppearanceIsKeptAndFollowsTheDesktop) {
         QApplication::processEvents();
     };
     choose("As the Desktop");
-    const bool desktopIsDark = rig.desk->dark();
-    EXPECT_EQ(desktop::ChosenLook(), desktop::Look::system);
+    const bool desktopIsDark = rig.session->dark();
+    EXPECT_EQ(desktop::savedColorScheme(), desktop::ColorScheme::system);
     // As if the desktop had been of the other kind until now.
     QPalette other;
     other.setColor(QPalette::Window, desktopIsDark ? Qt::white : Qt::black);
     other.setColor(QPalette::WindowText, desktopIsDark ? Qt::black : Qt::white);
     qobject_cast<QApplication*>(QApplication::instance())->setPalette(other);
     QApplication::processEvents();
-    EXPECT_NE(rig.desk->dark(), desktopIsDark);
+    EXPECT_NE(rig.session->dark(), desktopIsDark);
     themeChanges();
-    EXPECT_EQ(rig.desk->dark(), desktopIsDark);
+    EXPECT_EQ(rig.session->dark(), desktopIsDark);
     for (const bool dark : {true, false}) {
         choose(dark ? "Dark" : "Light");
-        EXPECT_EQ(desktop::ChosenLook(), dark ? desktop::Look::dark : desktop::Look::light) << "for the next time";
-        EXPECT_EQ(rig.desk->dark(), dark);
+        EXPECT_EQ(desktop::savedColorScheme(), dark ? desktop::ColorScheme::dark : desktop::ColorScheme::light)
+            << "for the next time";
+        EXPECT_EQ(rig.session->dark(), dark);
         themeChanges();
-        EXPECT_EQ(rig.desk->dark(), dark) << "what the user has chosen";
+        EXPECT_EQ(rig.session->dark(), dark) << "what the user has chosen";
     }
     QSettings().clear();
 }
 
 TEST(Window, PanelTogglesAndItsMenuItem) {
     WindowRig rig({"ja", true, false});
-    platform::ControlForm* form = rig.desk->user().panelForm();
+    platform::ControlForm* form = rig.session->user().panelForm();
     ASSERT_NE(form, nullptr);
     const bool lit = form->checked(12);
     QTest::mouseClick(form->widget(12), Qt::LeftButton);
@@ -349,9 +350,9 @@ TEST(Window, EscapeGivesUpWhatAToolHasBegun) {
     rig.window->tools()->choose("Straight Dimension Tool");
     rig.drag(rig.pixel(100, 100), rig.pixel(300, 100));
     rig.moveTo(rig.pixel(200, 60));
-    EXPECT_GT(rig.desk->user().screen().visiblePixels(), 0U);
+    EXPECT_GT(rig.session->user().screen().visiblePixels(), 0U);
     QTest::keyClick(&rig.canvas(), Qt::Key_Escape);
-    EXPECT_EQ(rig.desk->user().screen().visiblePixels(), 0U);
+    EXPECT_EQ(rig.session->user().screen().visiblePixels(), 0U);
     rig.click(rig.pixel(200, 60));  // a first point again, and no third
     EXPECT_EQ(rig.dump(), dump);
     EXPECT_FALSE(rig.window->isWindowModified());
@@ -378,11 +379,11 @@ TEST(Window, LongBuildShowsItsProgress) {
     auto* bar = rig.window->statusBar()->findChild<QProgressBar*>();
     std::vector<int> seen;
     bool hidden = false;
-    QObject::connect(rig.desk.get(), &desktop::Desk::progressed, [&](int current, int maximum) {
+    QObject::connect(rig.session.get(), &desktop::Session::progressed, [&](int current, int maximum) {
         seen.push_back(current);
         hidden = hidden || bar->isVisible() != (current < maximum);
         rig.window->tick();  // a clock that strikes in the middle
-        EXPECT_TRUE(rig.desk->host().busy());
+        EXPECT_TRUE(rig.session->host().busy());
     });
     rig.window->tools()->choose("Curve Dimension Tool");
     rig.drag(rig.pixel(100, 200), rig.pixel(500, 200));
@@ -403,23 +404,23 @@ TEST(Window, LongBuildShowsItsProgress) {
 TEST(Window, CtrlClickTakesAPartOfAGroup) {
     WindowRig rig;
     rig.dimensionEdge();
-    host::Document& document = rig.document();
-    const host::ArtId plate = document.findBySvgId("plate"), hole = document.findBySvgId("hole");
-    host::ArtId group = 0;
-    rig.desk->host().edit("Group", [&](host::Document& d) {
+    doc::Document& document = rig.document();
+    const doc::ArtId plate = document.findBySvgId("plate"), hole = document.findBySvgId("hole");
+    doc::ArtId group = 0;
+    rig.session->host().edit("Group", [&](doc::Document& d) {
         group = d.insertArt(kGroupArt, kPlaceAbove, plate);
         return d.moveArt(plate, kPlaceInsideOnTop, group) && d.moveArt(hole, kPlaceInsideOnTop, group);
     });
     rig.press("select");
     rig.click(rig.pixel(120, 180));
-    EXPECT_EQ(rig.window->editing().selection(), std::vector<host::ArtId>({group}));
+    EXPECT_EQ(rig.window->editing().selection(), std::vector<doc::ArtId>({group}));
     const QPoint inside = rig.pixel(120, 180);
     rig.click(rig.pixel(50, 350));
     QTest::mouseClick(&rig.canvas(), Qt::LeftButton, Qt::ControlModifier, inside);
-    EXPECT_EQ(rig.window->editing().selection(), std::vector<host::ArtId>({plate}));
+    EXPECT_EQ(rig.window->editing().selection(), std::vector<doc::ArtId>({plate}));
     QTest::mouseClick(&rig.canvas(), Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier,
-                      rig.pixel(420, 150));                                           // the hole's edge
-    EXPECT_EQ(rig.window->editing().selection(), std::vector<host::ArtId>({group}));  // both of its parts
+                      rig.pixel(420, 150));                                          // the hole's edge
+    EXPECT_EQ(rig.window->editing().selection(), std::vector<doc::ArtId>({group}));  // both of its parts
     rig.window->editing().select({plate});
     const RealRect still = document.bounds(hole);
     rig.window->editing().move({20, 0});

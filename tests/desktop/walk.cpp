@@ -10,12 +10,12 @@ namespace {
 
 constexpr double kPoints = 72 / 25.4, kPageHeight = 210;
 
-struct Look {
+struct ColorScheme {
     const char* language;
     bool dark;
 };
 
-class Walk : public ::testing::TestWithParam<Look> {
+class Walk : public ::testing::TestWithParam<ColorScheme> {
   protected:
     Walk() : rig({.language = GetParam().language, .dark = GetParam().dark}) {}
 
@@ -82,7 +82,7 @@ TEST_P(Walk, FromOpeningToReopening) {
     QTest::mousePress(&rig.canvas(), Qt::LeftButton, {}, from);
     rig.moveTo((from + to) / 2, Qt::LeftButton);
     rig.moveTo(to, Qt::LeftButton);
-    EXPECT_GT(rig.desk->user().screen().visiblePixels(), 0U);
+    EXPECT_GT(rig.session->user().screen().visiblePixels(), 0U);
     window("02-snapping");
     QTest::mouseRelease(&rig.canvas(), Qt::LeftButton, {}, to);
     rig.moveTo(at(120, 150));
@@ -136,7 +136,7 @@ TEST_P(Walk, FromOpeningToReopening) {
                      ok(dialog);
                  });
 
-    platform::ControlForm* panel = rig.desk->user().panelForm();
+    platform::ControlForm* panel = rig.session->user().panelForm();
     const bool lit = panel->checked(12);
     QTest::mouseClick(panel->widget(12), Qt::LeftButton);
     EXPECT_NE(panel->checked(12), lit);
@@ -164,8 +164,9 @@ TEST_P(Walk, FromOpeningToReopening) {
     window("14-reopened");
 }
 
-INSTANTIATE_TEST_SUITE_P(Looks, Walk,
-                         ::testing::Values(Look{"en", false}, Look{"en", true}, Look{"ja", false}, Look{"ja", true}),
+INSTANTIATE_TEST_SUITE_P(SvgAppearance, Walk,
+                         ::testing::Values(ColorScheme{"en", false}, ColorScheme{"en", true}, ColorScheme{"ja", false},
+                                           ColorScheme{"ja", true}),
                          [](const auto& info) {
                              return std::string(info.param.language) + (info.param.dark ? "Dark" : "Light");
                          });

@@ -19,9 +19,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/dump.h"
-#include "desktop/look.h"
-#include "desktop/main_window.h"
+#include "app/dump.h"
+#include "desktop/window/color_scheme.h"
+#include "desktop/window/main_window.h"
+#include "host/code_page.h"
 
 namespace quorvel::tests {
 
@@ -50,18 +51,18 @@ struct WindowRig {
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(kPlate);
         file.close();
-        desktop::ApplyLook(qobject_cast<QApplication*>(QApplication::instance()),
-                           options.dark ? desktop::Look::dark : desktop::Look::light);
-        desktop::DeskOptions deskOptions;
+        desktop::applyColorScheme(qobject_cast<QApplication*>(QApplication::instance()),
+                                  options.dark ? desktop::ColorScheme::dark : desktop::ColorScheme::light);
+        desktop::SessionOptions deskOptions;
         deskOptions.profile = folder;
         deskOptions.language = options.language;
         deskOptions.seed = 1;
         deskOptions.pluginFile = options.pluginFile;
         if (options.record) deskOptions.recordFile = folder + "/recorded.script";
-        desk = std::make_unique<desktop::Desk>(deskOptions);
+        session = std::make_unique<desktop::Session>(deskOptions);
         QString error;
-        EXPECT_TRUE(desk->start(&error)) << error.toStdString();
-        window = std::make_unique<desktop::MainWindow>(desk.get());
+        EXPECT_TRUE(session->start(&error)) << error.toStdString();
+        window = std::make_unique<desktop::MainWindow>(session.get());
         window->resize(1240, 820);
         window->show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
@@ -72,7 +73,7 @@ struct WindowRig {
 
     QString drawing() const { return home.path() + QStringLiteral("/plate.svg"); }
     desktop::Canvas& canvas() { return *window->canvas(); }
-    host::Document& document() { return *desk->document(); }
+    doc::Document& document() { return *session->document(); }
 
     QPoint pixel(double h, double v) {
         return canvas().toPixel({static_cast<float>(h), static_cast<float>(v)}).toPoint();
@@ -104,18 +105,18 @@ struct WindowRig {
         click(place);
     }
     // The text of the topmost text frame below the art.
-    std::string textBelow(host::ArtId id) {
-        const host::Art* art = document().find(id);
-        if (art->text != nullptr) return cli::toUtf8(art->text->text);
-        for (host::ArtId child = art->firstChild; child != 0; child = document().find(child)->below)
+    std::string textBelow(doc::ArtId id) {
+        const doc::Art* art = document().find(id);
+        if (art->text != nullptr) return host::toUtf8(art->text->text);
+        for (doc::ArtId child = art->firstChild; child != 0; child = document().find(child)->below)
             if (const std::string text = textBelow(child); !text.empty()) return text;
         return {};
     }
     std::string newestText() {
-        const host::Art* root = document().find(document().layer(document().currentLayer())->root);
+        const doc::Art* root = document().find(document().layer(document().currentLayer())->root);
         return textBelow(root->firstChild);
     }
-    std::string dump() { return cli::dumpDocument(document(), desk->host().rulerUnit()).dump(1); }
+    std::string dump() { return app::dumpDocument(document(), session->host().rulerUnit()); }
 
     // The picture of the window, or of a dialog over it, for people to look at.
     static void picture(QWidget* of, const QString& name) {
@@ -125,7 +126,8 @@ struct WindowRig {
         EXPECT_TRUE(of->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png")));
     }
     // Runs deed, and on each dialog that it opens, one after the other, what is given for it.
-    static void inDialogs(const std::function<void()>& deed, const std::vector<std::function<void(QWidget*)>>& there) {
+    static void inDialogs(const std::function<void()>& gesture,
+                          const std::vector<std::function<void(QWidget*)>>& there) {
         std::size_t came = 0;
         bool inside = false;  // what is given may wait for something itself
         QTimer waiting;
@@ -141,11 +143,11 @@ struct WindowRig {
             }
         });
         waiting.start(20);
-        deed();
+        gesture();
         EXPECT_EQ(came, there.size()) << "dialogs that came";
     }
-    static void inDialog(const std::function<void()>& deed, const std::function<void(QWidget*)>& there) {
-        inDialogs(deed, {there});
+    static void inDialog(const std::function<void()>& gesture, const std::function<void(QWidget*)>& there) {
+        inDialogs(gesture, {there});
     }
     // Gives a file dialog a name, as typed, once it has listed its folder: what it then selects goes before what was
     // typed earlier.
@@ -172,11 +174,11 @@ struct WindowRig {
     }
 
     QTemporaryDir home;
-    std::unique_ptr<desktop::Desk> desk;
+    std::unique_ptr<desktop::Session> session;
     std::unique_ptr<desktop::MainWindow> window;
     ~WindowRig() {
         window.reset();
-        desk.reset();
+        session.reset();
     }
 };
 

@@ -30,8 +30,8 @@ class Angle : public testing::Test {
         prefs.flArSpStr = 1;
     }
     std::vector<Piece> measure(RealPoint from, RealPoint to, RealPoint placement) {
-        for (host::ArtId old : table.dimensions())
-            table.change([&](host::Document& document) { return document.removeArt(old); });
+        for (doc::ArtId old : table.dimensions())
+            table.change([&](doc::Document& document) { return document.removeArt(old); });
         table.choose("Angle Tool");
         table.track(from);
         table.down();
@@ -39,7 +39,7 @@ class Angle : public testing::Test {
         table.up();
         table.track(placement);
         table.down();
-        const std::vector<host::ArtId> made = table.dimensions();
+        const std::vector<doc::ArtId> made = table.dimensions();
         return made.empty() ? std::vector<Piece>{} : table.pieces(made.front());
     }
     // Where the text stands: 2 outside the arc at its middle, running clockwise.
@@ -49,8 +49,8 @@ class Angle : public testing::Test {
         EXPECT_NEAR(std::remainder(text.angle - (middleDegrees - 90) * kTurn / 360, kTurn), 0, 1e-5);
     }
     DraftingTable table;
-    host::ArtId level = table.drawLines({{0, 100}, {300, 100}}, false);
-    host::ArtId upright = table.drawLines({{100, 0}, {100, 300}}, false);
+    doc::ArtId level = table.drawLines({{0, 100}, {300, 100}}, false);
+    doc::ArtId upright = table.drawLines({{100, 0}, {100, 300}}, false);
 };
 
 constexpr RealPoint kEast{180, 100}, kNorth{100, 180}, kWest{20, 100}, kSouth{100, 20};
@@ -96,8 +96,8 @@ TEST_F(Angle, ElsewhereTheReflexSideIsShown) {
 
 TEST_F(Angle, CentreOfAnUprightAndASlantedLeg) {
     // v = 20 + 0.8 h crosses h = 100 at 100.
-    table.change([&](host::Document& document) { return document.removeArt(level); });
-    const host::ArtId slanted = table.drawLines({{0, 20}, {300, 260}}, false);
+    table.change([&](doc::Document& document) { return document.removeArt(level); });
+    const doc::ArtId slanted = table.drawLines({{0, 20}, {300, 260}}, false);
     const double slope = std::atan(0.8) * 360 / kTurn;
     for (const auto& [from, to] : {std::pair{kNorth, RealPoint{200, 180}}, std::pair{RealPoint{200, 180}, kNorth}}) {
         const std::vector<Piece> art = measure(from, to, {160, 180});
@@ -110,7 +110,7 @@ TEST_F(Angle, CentreOfAnUprightAndASlantedLeg) {
 }
 
 TEST_F(Angle, ClosingSegmentCountsToTheLastAnchor) {
-    const host::ArtId triangle = table.drawLines({{600, 100}, {800, 100}, {600, 300}}, true);
+    const doc::ArtId triangle = table.drawLines({{600, 100}, {800, 100}, {600, 300}}, true);
     const std::vector<Piece> art = measure({700, 100}, {600, 200}, {660, 140});
     EXPECT_EQ(art.back().text, u" 90°");
     const std::string id = table.tag(triangle, "quorvel_object_id");

@@ -168,7 +168,7 @@ TEST(CurveChain, LengthIsThatOfThePathOnThePlacementsSide) {
     int checked = 0, reversed = 0, closed = 0, passing = 0, missing = 0;
     for (int round = 0; round < 900; ++round) {
         const Sampled path = source.path();
-        const host::ArtId art = table.draw(path.segments, path.closed);
+        const doc::ArtId art = table.draw(path.segments, path.closed);
         table.inside([&] {
             PluginGlobals& globals = table.globals();
             const ChainBuffer& chain = *globals.workBufferA;
@@ -220,7 +220,7 @@ TEST(CurveChain, LengthIsThatOfThePathOnThePlacementsSide) {
                 }
             }
         });
-        table.change([&](host::Document& document) { return document.removeArt(art); });
+        table.change([&](doc::Document& document) { return document.removeArt(art); });
     }
     EXPECT_GT(checked, 2000);
     EXPECT_GT(reversed, 600);
@@ -250,8 +250,8 @@ class Curve : public testing::Test {
         prefs.flScFix = 2;
     }
     std::vector<Piece> measure(RealPoint from, RealPoint to, RealPoint placement, std::vector<RealPoint> stops = {}) {
-        for (host::ArtId old : table.dimensions())
-            table.change([&](host::Document& document) { return document.removeArt(old); });
+        for (doc::ArtId old : table.dimensions())
+            table.change([&](doc::Document& document) { return document.removeArt(old); });
         table.choose("Curve Dimension Tool");
         table.track(from);
         table.down();

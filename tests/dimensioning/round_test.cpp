@@ -34,14 +34,14 @@ class Round : public testing::Test {
 
     // What a pick at the first and a release at the second point make; empty when nothing.
     std::vector<Piece> label(const char* tool, RealPoint pick, RealPoint placement, std::uint16_t modifiers = 0) {
-        for (host::ArtId old : table.dimensions())
-            table.change([&](host::Document& document) { return document.removeArt(old); });
+        for (doc::ArtId old : table.dimensions())
+            table.change([&](doc::Document& document) { return document.removeArt(old); });
         table.choose(tool);
         table.track(pick);
         table.down();
         table.drag(placement, modifiers);
         table.up();
-        const std::vector<host::ArtId> made = table.dimensions();
+        const std::vector<doc::ArtId> made = table.dimensions();
         return made.empty() ? std::vector<Piece>{} : table.pieces(made.front());
     }
 
@@ -55,7 +55,7 @@ class Round : public testing::Test {
     }
 
     DraftingTable table;
-    host::ArtId circle = table.drawCircle(kCentre, 50);
+    doc::ArtId circle = table.drawCircle(kCentre, 50);
 };
 
 struct Placing {
@@ -91,7 +91,7 @@ TEST_F(Round, RadiusPlacedOutsideInsideAndOnTheCircle) {
 
 // On the circle counts as inside: the leader's end is then the computed surface point, not the placement, to the bit.
 TEST_F(Round, OnTheCircleIsInside) {
-    const host::ArtId about = table.drawCircle({0, 0}, 65);
+    const doc::ArtId about = table.drawCircle({0, 0}, 65);
     for (const auto& [h, v] :
          {std::pair{16, 63}, {63, 16}, {33, 56}, {56, 33}, {25, 60}, {60, 25}, {39, 52}, {52, 39}}) {
         const DoublePoint placement{double(h), double(v)};
@@ -197,7 +197,7 @@ TEST_F(Round, ShiftTurnsThePlacementAboutTheCentre) {
 TEST_F(Round, RecordLinksBothEndsOfTheSegment) {
     const auto listsFor = [&](RealPoint pick) {
         label("Diameter Tool", pick, kOutside);
-        const host::ArtId group = table.dimension();
+        const doc::ArtId group = table.dimension();
         EXPECT_EQ(table.tag(group, "QUORVEL_TOOLCNF"), "2000,0,0,0,0");
         EXPECT_EQ(table.tag(group, "QUORVEL_TOPOS"), "32000,0,0,0");
         return table.tag(group, "QUORVEL_FROMCELL") + " " + table.tag(group, "QUORVEL_TOCELL");
@@ -229,7 +229,7 @@ TEST_F(Round, RefusalsBeepAndMakeNothing) {
     // Half a circle of two anchors has no centre when both tangents are level.
     table.draw({{{700, 250}, {700, 250}, {766, 250}, 0}, {{700, 150}, {766, 150}, {700, 150}, 0}}, false);
     EXPECT_EQ(beepsFor({750, 200}), 1);
-    table.change([](host::Document& document) { return document.setLayerEditable(document.currentLayer(), false); });
+    table.change([](doc::Document& document) { return document.setLayerEditable(document.currentLayer(), false); });
     EXPECT_EQ(beepsFor(kOnArc), 1);
 }
 

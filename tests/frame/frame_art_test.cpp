@@ -5,15 +5,15 @@
 #include <cmath>
 #include <regex>
 
-#include "host/fonts.h"
-#include "host/svg.h"
+#include "fonts/fonts.h"
+#include "interchange/svg/svg.h"
 #include "tests/support/drawing_hand.h"
 
 namespace quorvel::tests {
 namespace {
 
-using host::Art;
-using host::ArtId;
+using doc::Art;
+using doc::ArtId;
 
 constexpr float kNear = 2e-4F;
 constexpr char kBottomTool[] = "Schedule Tool [bottom]", kTopTool[] = "Schedule Tool [top + bottom]";
@@ -165,13 +165,13 @@ void ExpectLine(const Art& art, const Line& line) {
 
 float AdvanceAt(float size, const std::u16string& text) {
     float sum = 0;
-    for (const char16_t unit : text) sum += host::characterWidth(host::fonts().front(), unit);
+    for (const char16_t unit : text) sum += fonts::characterWidth(fonts::fonts().front(), unit);
     return sum * size;
 }
 
 void ExpectCell(const Art& art, const Cell& cell) {
     ASSERT_EQ(art.kind, kTextFrameArt);
-    const host::TextData& text = *art.text;
+    const doc::TextData& text = *art.text;
     EXPECT_EQ(TextOf(art), cell.text);
     EXPECT_NEAR(text.matrix.tx, cell.h, kNear) << cell.text;
     EXPECT_NEAR(text.matrix.ty, cell.v, kNear) << cell.text;
@@ -181,8 +181,8 @@ void ExpectCell(const Art& art, const Cell& cell) {
     EXPECT_TRUE(text.matrix.b == 0 && text.matrix.c == 0);
     EXPECT_EQ(text.justification, cell.centred ? kJustifyCenter : kJustifyLeft) << cell.text;
     ASSERT_EQ(text.runs.size(), 1U);
-    const host::CharFeatures& f = text.runs[0].features;
-    EXPECT_EQ(f.font, host::fonts().front().fullName);
+    const doc::CharFeatures& f = text.runs[0].features;
+    EXPECT_EQ(f.font, fonts::fonts().front().fullName);
     EXPECT_TRUE(f.size == 12 && f.horizontalScale == 1 && f.verticalScale == 1 && f.miterLimit == 4);
     EXPECT_TRUE(f.fillOn && !f.strokeOn && f.fill.kind == kGrayPaint && f.fill.gray == 1);
 }
@@ -332,15 +332,15 @@ TEST_F(FrameArt, LongTextsShrinkEvenly) {
 TEST_F(FrameArt, AShrunkTextIsShrunkInTheFileToo) {
     begin("ENGLISH", 2);
     std::snprintf(hand->prefs().flZwkTitle, sizeof hand->prefs().flZwkTitle, "%s", std::string(50, 'W').c_str());
-    const host::TextData& title = *hand->piecesOf(hand->piecesOf(draw()->id).at(0)->id).at(14)->text;
-    const std::string saved = host::writeSvg(hand->document());
+    const doc::TextData& title = *hand->piecesOf(hand->piecesOf(draw()->id).at(0)->id).at(14)->text;
+    const std::string saved = interchange::writeSvg(hand->document());
     // As a program shows it that knows nothing of our own attributes.
     const std::string plain = std::regex_replace(saved, std::regex(" quorvel:text-exact=\"[^\"]*\""), "");
     ASSERT_NE(plain, saved);
-    const host::SvgReadResult read = host::readSvg(plain);
+    const interchange::SvgReadResult read = interchange::readSvg(plain);
     ASSERT_NE(read.document, nullptr) << read.error;
-    const host::Document& document = *read.document;
-    const host::ArtId root = document.layer(document.currentLayer())->root;
+    const doc::Document& document = *read.document;
+    const doc::ArtId root = document.layer(document.currentLayer())->root;
     const Art* text =
         document.find(document.find(document.find(document.find(root)->firstChild)->lastChild)->lastChild);
     for (int i = 0; i < 14; ++i) text = document.find(text->above);
@@ -360,19 +360,19 @@ TEST_F(FrameArt, ACellTooNarrowForItsMarginTurnsItsText) {
 
 TEST_F(FrameArt, TheFrameIsDrawnWhereItCanBe) {
     begin("ENGLISH", 2);
-    host::Document& document = hand->document();
+    doc::Document& document = hand->document();
     const std::size_t before = document.artCount();
     hand->take(kBottomTool);
     int beeps = hand->spy->beeps();
     hand->click({300, 300});
     EXPECT_EQ(hand->spy->beeps(), ++beeps) << "equal corners";
     for (const bool locked : {true, false}) {
-        hand->host().edit("Layer", [&](host::Document& d) {
+        hand->host().edit("Layer", [&](doc::Document& d) {
             return locked ? d.setLayerEditable(d.currentLayer(), false) : d.setLayerVisible(d.currentLayer(), false);
         });
         hand->drag({100, 50}, {700, 450});
         EXPECT_EQ(hand->spy->beeps(), ++beeps);
-        hand->host().edit("Layer", [&](host::Document& d) {
+        hand->host().edit("Layer", [&](doc::Document& d) {
             return d.setLayerEditable(d.currentLayer(), true) && d.setLayerVisible(d.currentLayer(), true);
         });
     }

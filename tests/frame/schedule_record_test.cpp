@@ -8,9 +8,9 @@
 namespace quorvel::tests {
 namespace {
 
-using host::Art;
-using host::ArtId;
-using host::Document;
+using doc::Art;
+using doc::ArtId;
+using doc::Document;
 
 constexpr char kTool[] = "Schedule Tool [bottom]";
 constexpr std::int32_t kDialog = 16259;

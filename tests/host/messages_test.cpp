@@ -175,8 +175,8 @@ TEST_F(Messages, ChangesOfTheArtAreToldOnceAndNotTheAnswersToThem) {
     EXPECT_EQ(told, 1);
     host.undo();
     EXPECT_EQ(told, 2);
-    host.edit("Select", [](Document& document) {
-        const LayerId layer = document.currentLayer();
+    host.edit("Select", [](doc::Document& document) {
+        const doc::LayerId layer = document.currentLayer();
         return document.setSelected(document.find(document.layer(layer)->root)->firstChild, true);
     });
     EXPECT_EQ(told, 3);
@@ -212,10 +212,10 @@ TEST_F(Messages, WhatACallbackThrowsDoesNotCrossTheSlot) {
 }
 
 TEST_F(Messages, EditsAreStepsAndRefusedInsideAMessage) {
-    const auto addLayer = [](Document& document) { return document.insertLayer("x", 0) != 0; };
+    const auto addLayer = [](doc::Document& document) { return document.insertLayer("x", 0) != 0; };
     EXPECT_TRUE(host.edit("Layer", addLayer));
     EXPECT_EQ(steps, std::vector<std::string>{"Undo Layer"});
-    EXPECT_FALSE(host.edit("Layer", [&](Document& document) { return addLayer(document) && false; }));
+    EXPECT_FALSE(host.edit("Layer", [&](doc::Document& document) { return addLayer(document) && false; }));
     EXPECT_EQ(host.document()->layers().size(), 2u);
     FakePlugin::within(host, [&](SPMessageData*) {
         EXPECT_FALSE(host.edit("Layer", addLayer));

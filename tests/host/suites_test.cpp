@@ -8,7 +8,7 @@
 #include <random>
 #include <set>
 
-#include "host/fonts.h"
+#include "fonts/fonts.h"
 #include "tests/host/fake_plugin.h"
 
 namespace quorvel::host {
@@ -157,8 +157,8 @@ TEST_F(Suites, HandlesAreRefusedWhenStaleOrOfAnotherKind) {
 }
 
 TEST_F(Suites, NewArtNeedsAnOpenLayer) {
-    Document& document = *host.document();
-    const LayerId layer = document.currentLayer();
+    doc::Document& document = *host.document();
+    const doc::LayerId layer = document.currentLayer();
     for (const bool hide : {true, false}) {
         hide ? document.setLayerVisible(layer, false) : document.setLayerEditable(layer, false);
         within([&] {
@@ -235,8 +235,8 @@ TEST_F(Suites, PathsWithMoreAnchorsThanCanBeCountedAreNotTorn) {
         EXPECT_EQ(paths().SetPathSegments(path, 7, 1, many.data()), kNoErr);
         EXPECT_NE(paths().SetPathSegments(path, INT16_MAX, 1, many.data()), kNoErr);
     });
-    Document& document = *host.document();
-    const ArtId id = document.find(document.layer(document.layers()[0])->root)->firstChild;
+    doc::Document& document = *host.document();
+    const doc::ArtId id = document.find(document.layer(document.layers()[0])->root)->firstChild;
     document.setSegments(id, INT16_MAX, std::span(many).first(1));
     within([&] {
         std::int16_t count = 0;
@@ -365,16 +365,16 @@ TEST_F(Suites, FeaturesOfAnEmptyRangeAreThoseOfWhatIsInsertedNext) {
         EXPECT_NE(text.ranges.SetRange(text.range, 0, 5), kNoErr);
         EXPECT_NE(text.ranges.SetRange(text.range, 3, 2), kNoErr);
 
-        const Document& document = *host.document();
-        const Art& root = *document.find(document.layer(document.currentLayer())->root);
-        const TextData& data = *document.find(root.firstChild)->text;
+        const doc::Document& document = *host.document();
+        const doc::Art& root = *document.find(document.layer(document.currentLayer())->root);
+        const doc::TextData& data = *document.find(root.firstChild)->text;
         EXPECT_EQ(data.text,
                   u"cm\x00B0"
                   u"2");
         ASSERT_EQ(data.runs.size(), 2u);
         EXPECT_EQ(data.runs[0].length, 3);
         EXPECT_EQ(data.runs[0].features.size, 10);
-        EXPECT_EQ(data.runs[0].features.font, fonts().front().fullName);
+        EXPECT_EQ(data.runs[0].features.font, fonts::fonts().front().fullName);
         EXPECT_EQ(data.runs[1].length, 1);
         EXPECT_EQ(data.runs[1].features.size, 5);
         EXPECT_EQ(data.runs[1].features.baselineShift, 3);
@@ -402,9 +402,9 @@ TEST_F(Suites, FeaturesOfARangeReplaceThoseOfItsCharactersAlone) {
         text.ranges.SetRange(text.range, 2, 4);
         text.chars.SetHorizontalScale(text.features, 0.5f);
         text.ranges.SetLocalCharFeatures(text.range, text.features);
-        const Document& document = *host.document();
-        const Art& root = *document.find(document.layer(document.currentLayer())->root);
-        const std::vector<TextRun>& runs = document.find(root.firstChild)->text->runs;
+        const doc::Document& document = *host.document();
+        const doc::Art& root = *document.find(document.layer(document.currentLayer())->root);
+        const std::vector<doc::TextRun>& runs = document.find(root.firstChild)->text->runs;
         ASSERT_EQ(runs.size(), 3u);
         EXPECT_EQ(runs[0].features.horizontalScale, 1);
         EXPECT_EQ(runs[1].length, 2);

@@ -18,8 +18,8 @@
 namespace quorvel::tests {
 namespace {
 
-using host::ArtId;
-using host::Document;
+using doc::ArtId;
+using doc::Document;
 
 constexpr double kNear = 3e-3;
 constexpr char kTrack[] = "2644-3993-9293-3747-5729-7605", kRecalculate[] = "2644-3993-9293-3747-5729-5825";
@@ -265,7 +265,7 @@ TEST_F(Recalculate, NothingToDoAsksNothing) {
     EXPECT_EQ(table.user().takeFault(), "");
     table.drawLines({{100, 100}, {300, 100}}, false);
     const ArtId made = oblique({100, 100}, {300, 100}, {200, 50});
-    const host::LayerId layer = table.document().currentLayer();
+    const doc::LayerId layer = table.document().currentLayer();
     table.change([&](Document& document) { return document.setLayerEditable(layer, false); });
     EXPECT_EQ(table.host().playAction(kAction), kNoErr);
     EXPECT_EQ(table.user().takeFault(), "");
@@ -340,7 +340,7 @@ constexpr double kTurnOfSixDigits = kSixDigits / 30;
 struct Drawn {
     Piece piece;
     AIPathStyle style;
-    host::TextData text;
+    doc::TextData text;
 };
 
 class RandomDimensions : public Recalculate {
@@ -440,9 +440,9 @@ class RandomDimensions : public Recalculate {
             all.emplace_back();
             ArtId child = document.find(group)->lastChild;
             for (Piece& piece : table.pieces(group)) {
-                const host::Art& art = *document.find(child);
+                const doc::Art& art = *document.find(child);
                 all.back().push_back({std::move(piece), art.path ? *art.path->style : AIPathStyle{},
-                                      art.text ? *art.text : host::TextData{}});
+                                      art.text ? *art.text : doc::TextData{}});
                 child = art.above;
             }
         }
@@ -473,7 +473,7 @@ void expectSameStyle(const AIPathStyle& was, const AIPathStyle& is) {
     EXPECT_EQ(was.dashCount, is.dashCount);
 }
 
-void expectSameText(const host::TextData& was, const host::TextData& is) {
+void expectSameText(const doc::TextData& was, const doc::TextData& is) {
     EXPECT_EQ(was.text, is.text);
     EXPECT_EQ(was.type, is.type);
     EXPECT_EQ(was.orientation, is.orientation);

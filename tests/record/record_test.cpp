@@ -16,9 +16,9 @@
 namespace quorvel::tests {
 namespace {
 
-using host::Art;
-using host::ArtId;
-using host::Document;
+using doc::Art;
+using doc::ArtId;
+using doc::Document;
 
 PluginHostOptions WithQuery(bool offered) {
     PluginHostOptions options;
@@ -289,7 +289,7 @@ TEST_P(Record, CellsAndStopsAreLinkedByIds) {
 TEST_P(Record, TextsAreLinkedByTheirAnchors) {
     ArtId text = 0;
     table.change([&](Document& document) {
-        host::TextData data;
+        doc::TextData data;
         data.matrix = {1, 0, 0, 1, 300.5F, 40};
         data.text = u"Bolt";
         data.runs = {{4, {}}};
@@ -393,7 +393,7 @@ TEST_P(Record, FindsTheNearestOfWhatCanBeMeasured) {
     EXPECT_EQ(count(5), 0);
     table.change([&](Document& document) { return document.setHidden(near, false) && document.setLocked(near, true); });
     EXPECT_EQ(count(5), 1);
-    const host::LayerId layer = table.document().currentLayer();
+    const doc::LayerId layer = table.document().currentLayer();
     for (const bool lock : {true, false}) {
         const auto use = [&](bool usable) {
             table.change([&](Document& document) {
@@ -412,8 +412,8 @@ TEST_P(Record, FindsTheNearestOfWhatCanBeMeasured) {
 class PlainWalk {
   public:
     explicit PlainWalk(const Document& document) : document_(document) {
-        for (host::LayerId id : document.layers()) {
-            const host::Layer& layer = *document.layer(id);
+        for (doc::LayerId id : document.layers()) {
+            const doc::Layer& layer = *document.layer(id);
             if (layer.visible && layer.editable) walk(layer.root, false);
         }
     }
@@ -459,14 +459,14 @@ class PlainWalk {
 };
 
 TEST_P(Record, FindsOnRandomDrawingsWhatAPlainWalkFinds) {
-    host::RandomDrawing random(GetParam() ? 11 : 12);
+    doc::RandomDrawing random(GetParam() ? 11 : 12);
     int found = 0, dimensions = 0;
     for (int round = 0; round < 12; ++round) {
         auto fresh = std::make_unique<Document>(400.0F, 400.0F);
         random.load(*fresh, 3, 60);
         table.host().setDocument(std::move(fresh), "pt");
         Document& document = table.document();
-        for (ArtId art : host::RandomDrawing::arts(document)) {
+        for (ArtId art : doc::RandomDrawing::arts(document)) {
             Art& loaded = document.loading(art);
             AIPathStyle style;
             style.strokePaint = random.below(5) != 0;
@@ -475,7 +475,7 @@ TEST_P(Record, FindsOnRandomDrawingsWhatAPlainWalkFinds) {
             loaded.hidden = random.below(8) == 0;
         }
         for (int edits = 0; edits < 4; ++edits) {
-            const std::vector<ArtId> all = host::RandomDrawing::arts(document);
+            const std::vector<ArtId> all = doc::RandomDrawing::arts(document);
             table.change([&](Document& drawing) {
                 for (ArtId art : all) {
                     if (random.below(3) == 0) drawing.setTag(art, kObjectIdTag, std::to_string(random.below(5)));

@@ -9,7 +9,7 @@
 #include <span>
 #include <sstream>
 
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
@@ -143,17 +143,17 @@ std::vector<Piece> linear(const std::vector<Point>& measured, const std::vector<
 
 constexpr double kPlace = 2e-3;  // points: files hold six to eight digits, art holds floats
 
-void expectPieces(const std::vector<const host::Art*>& found, const std::vector<Piece>& expected) {
+void expectPieces(const std::vector<const doc::Art*>& found, const std::vector<Piece>& expected) {
     ASSERT_EQ(found.size(), expected.size());
     for (std::size_t i = 0; i < found.size(); ++i) {
         SCOPED_TRACE("piece " + std::to_string(i));
-        const host::Art& art = *found[i];
+        const doc::Art& art = *found[i];
         const Piece& piece = expected[i];
         ASSERT_EQ(art.text != nullptr, !piece.text.empty());
         if (art.text != nullptr) {
             const RealMatrix& matrix = art.text->matrix;
             const Point along = piece.points[1] - piece.points[0];
-            EXPECT_EQ(cli::toUtf8(art.text->text), piece.text);
+            EXPECT_EQ(host::toUtf8(art.text->text), piece.text);
             EXPECT_NEAR(matrix.tx, piece.points[0].h, kPlace);
             EXPECT_NEAR(matrix.ty, piece.points[0].v, kPlace);
             EXPECT_NEAR(matrix.a, along.h, 1e-5);
@@ -275,11 +275,11 @@ TEST(RealDrawings, PutDimensionsOnANewLayerWhenToldTo) {
                   taking("Straight Dimension Tool") + measure(kHeightTop, kHeightBottom, {450, 300}) +
                   measure(kHeightTop, kHeightBottom, {480, 300}));
     ASSERT_EQ(run.fault(), "");
-    const std::vector<host::LayerId> layers = run.document().layers();
+    const std::vector<doc::LayerId> layers = run.document().layers();
     ASSERT_EQ(layers.size(), 2U);
     EXPECT_EQ(run.document().layer(layers[0])->title, "Measures");
     EXPECT_EQ(run.document().currentLayer(), layers[1]);
-    for (const cli::RecordedDimension& dimension : run.dimensions()) EXPECT_EQ(dimension.layer, "Measures");
+    for (const app::RecordedDimension& dimension : run.dimensions()) EXPECT_EQ(dimension.layer, "Measures");
 }
 
 TEST(RealDrawings, StayAsTheyAreWhenTheLayerIsLocked) {
@@ -335,12 +335,12 @@ void expectSnap(const SnapCase& snap, double slack) {
                   where(snap.cursor) + "\ndown\ndrag 7 7\nup\ntrack 3 11\ndown\n");
     ASSERT_EQ(run.fault(), "");
     EXPECT_EQ(run.told().at(0), snap.shape);
-    const cli::RecordedDimension dimension = run.dimensions().at(0);
+    const app::RecordedDimension dimension = run.dimensions().at(0);
     EXPECT_EQ(dimension.points.at(0).first, "from");
     EXPECT_NEAR(dimension.points[0].second.h, snap.lands.h, slack);  // the record has six digits
     EXPECT_NEAR(dimension.points[0].second.v, snap.lands.v, slack);
     EXPECT_EQ(std::count_if(dimension.links.begin(), dimension.links.end(),
-                            [](const cli::LinkedArt& link) { return link.from == "from"; }),
+                            [](const app::LinkedArt& link) { return link.from == "from"; }),
               snap.links);
 }
 
@@ -426,7 +426,7 @@ TEST(RealDrawings, KeepTheRecordInTagsLetterByLetter) {
                   "150 shift\ndown\n");
     ASSERT_EQ(run.fault(), "");
     ASSERT_EQ(run.dimensions().size(), 2U);
-    const host::ArtId straight = run.dimensions()[0].group, series = run.dimensions()[1].group;
+    const doc::ArtId straight = run.dimensions()[0].group, series = run.dimensions()[1].group;
     const std::string id = run.tag(run.art("path897").id, "quorvel_object_id");
     EXPECT_TRUE(std::regex_match(id, std::regex("[1-9][0-9]{0,7}"))) << id;
     // The axis was chosen as level while the cursor stood below the first point; the points' own h then decides.
@@ -489,7 +489,7 @@ TEST(RealDrawings, TellACopyFromWhatWasMeasuredFirst) {
         ScriptRun run(start + away + measure(Point{230, 50} + shift, Point{310, 110} + shift, Point{280, 30} + shift));
         ASSERT_EQ(run.fault(), "");
         ASSERT_EQ(run.dimensions().size(), 2U);
-        const host::ArtId old = run.dimensions()[0].group, young = run.dimensions()[1].group;
+        const doc::ArtId old = run.dimensions()[0].group, young = run.dimensions()[1].group;
         const std::string kept = run.tag(run.art("slope").id, "quorvel_object_id");
         const std::string given = run.tag(run.art("twin").id, "quorvel_object_id");
         EXPECT_NE(kept, given);
@@ -584,19 +584,19 @@ TEST(RealDrawings, TellTheAreaOfAWheelLessItsHole) {
         std::ostringstream text;
         text.precision(2);
         text << '"' << std::fixed << areas[0] - (selected ? areas[1] : 0) << " mm2\"";
-        EXPECT_NE(run.dump().dump().find(text.str()), std::string::npos) << text.str();
+        EXPECT_NE(run.dump().find(text.str()), std::string::npos) << text.str();
     }
 }
 
 // Art of one kind below a parent, the lowest first.
-void collect(const host::Document& document, host::ArtId parent, AIArtType kind, std::vector<const host::Art*>* found) {
-    for (host::ArtId id = document.find(parent)->lastChild; id != 0; id = document.find(id)->above) {
+void collect(const doc::Document& document, doc::ArtId parent, AIArtType kind, std::vector<const doc::Art*>* found) {
+    for (doc::ArtId id = document.find(parent)->lastChild; id != 0; id = document.find(id)->above) {
         if (document.find(id)->kind == kind) found->push_back(document.find(id));
         collect(document, id, kind, found);
     }
 }
-std::vector<const host::Art*> textsOf(const host::Document& document) {
-    std::vector<const host::Art*> found;
+std::vector<const doc::Art*> textsOf(const doc::Document& document) {
+    std::vector<const doc::Art*> found;
     for (std::size_t i = document.layers().size(); i-- > 0;)
         collect(document, document.layer(document.layers()[i])->root, kTextFrameArt, &found);
     return found;
@@ -609,9 +609,9 @@ struct Placed {
     Point place;
     ATEJustification justification;
 };
-void expectPlaced(const host::TextData& text, const Placed& expected) {
+void expectPlaced(const doc::TextData& text, const Placed& expected) {
     SCOPED_TRACE(expected.text);
-    EXPECT_EQ(cli::toUtf8(text.text), expected.text);
+    EXPECT_EQ(host::toUtf8(text.text), expected.text);
     EXPECT_NEAR(text.matrix.tx, expected.place.h, kPlace);
     EXPECT_NEAR(text.matrix.ty, expected.place.v, kPlace);
     EXPECT_EQ(text.justification, expected.justification);
@@ -645,16 +645,16 @@ TEST(RealDrawings, CarryTheNotesThatTheScriptPromises) {
         // 19.5 px or 5.159375 mm, where the circle itself holds 83.63 mm2.
         {"83.65 mm2", shelf({80, 87}), kJustifyLeft},
     };
-    const std::size_t own = textsOf(*host::readSvgFile(sharedDrawing(kTablet.file)).document).size();
+    const std::size_t own = textsOf(*interchange::readSvgFile(sharedDrawing(kTablet.file)).document).size();
     EXPECT_EQ(own, 9U) << "labels of six keys, of the ring's two ways and of its middle";
     ScriptRun run(readBytes(scriptFile("real_annotation.script")), scriptFile("real_annotation.script"));
     ASSERT_EQ(run.fault(), "");
-    const host::SvgReadResult saved = host::readSvg(run.saved());
+    const interchange::SvgReadResult saved = interchange::readSvg(run.saved());
     ASSERT_NE(saved.document, nullptr) << saved.error;
-    const std::vector<const host::Art*> texts = textsOf(*saved.document);
+    const std::vector<const doc::Art*> texts = textsOf(*saved.document);
     ASSERT_EQ(texts.size(), own + std::size(notes));
     for (std::size_t i = 0; i < std::size(notes); ++i) expectPlaced(*texts[own + i]->text, notes[i]);
-    const std::vector<host::TextRun>& runs = texts.back()->text->runs;
+    const std::vector<doc::TextRun>& runs = texts.back()->text->runs;
     ASSERT_EQ(runs.size(), 2U) << "the 2 of mm2 is small and raised";
     EXPECT_EQ(runs[1].length, 1);
     EXPECT_NEAR(runs[1].features.size, kTextSize / 2, 1e-5);
@@ -710,17 +710,17 @@ TEST(RealDrawings, CarryAFrameInTheRightPlaces) {
     ScriptRun run(readBytes(scriptFile("real_frame.script")), scriptFile("real_frame.script"));
     ASSERT_EQ(run.fault(), "");
     ASSERT_EQ(run.dimensions().size(), 1U);
-    const std::vector<const host::Art*> parts = run.pieces(run.dimensions()[0]);
+    const std::vector<const doc::Art*> parts = run.pieces(run.dimensions()[0]);
     ASSERT_EQ(parts.size(), 2U) << "the block and the table";
-    const host::Document& document = run.document();
-    const auto expectRule = [&](const host::Art& art, double left, double bottom, double width, double height) {
+    const doc::Document& document = run.document();
+    const auto expectRule = [&](const doc::Art& art, double left, double bottom, double width, double height) {
         const RealRect box = document.bounds(art.id);
         EXPECT_NEAR(box.left, left, 1e-3);
         EXPECT_NEAR(box.bottom, bottom, 1e-3);
         EXPECT_NEAR(box.right - box.left, width, 1e-3);
         EXPECT_NEAR(box.top - box.bottom, height, 1e-3);
     };
-    const auto expectRules = [&](std::span<const host::Art* const> lines, std::span<const Rule> rules) {
+    const auto expectRules = [&](std::span<const doc::Art* const> lines, std::span<const Rule> rules) {
         ASSERT_EQ(lines.size(), rules.size());
         for (std::size_t i = 0; i < rules.size(); ++i) {
             SCOPED_TRACE("rule " + std::to_string(i));
@@ -729,8 +729,8 @@ TEST(RealDrawings, CarryAFrameInTheRightPlaces) {
                        rule.height * kRow);
         }
     };
-    const auto expectCells = [&](host::ArtId group, std::span<const Cell> cells) {
-        std::vector<const host::Art*> texts;
+    const auto expectCells = [&](doc::ArtId group, std::span<const Cell> cells) {
+        std::vector<const doc::Art*> texts;
         collect(document, group, kTextFrameArt, &texts);
         ASSERT_EQ(texts.size(), cells.size());
         for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -752,7 +752,7 @@ TEST(RealDrawings, CarryAFrameInTheRightPlaces) {
             EXPECT_LE(box.right, left + width - 2 + 1e-2);
         }
     };
-    std::vector<const host::Art*> titleLines, tableLines;
+    std::vector<const doc::Art*> titleLines, tableLines;
     collect(document, parts[0]->id, kPathArt, &titleLines);
     collect(document, parts[1]->id, kPathArt, &tableLines);
     ASSERT_FALSE(titleLines.empty());

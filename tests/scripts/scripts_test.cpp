@@ -10,16 +10,17 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "host/svg.h"
+#include "interchange/svg/svg.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
 namespace {
 
 namespace fs = std::filesystem;
-using cli::Json;
+using Json = nlohmann::ordered_json;
 
 constexpr double kNumberTolerance = 1e-4;  // of the number, or of 1 below it
 
@@ -88,7 +89,7 @@ void print(const Json& json, std::ostream& out, const std::string& indent = "") 
     out << '\n' << indent << (json.is_array() ? "]" : "}");
 }
 
-std::string shownBy(const cli::RecordedDimension& dimension) {
+std::string shownBy(const app::RecordedDimension& dimension) {
     std::string line = dimension.kind;
     for (const std::string& text : dimension.texts) line += " \"" + text + "\"";
     return line;
@@ -123,18 +124,18 @@ void expectDump(const std::string& name, const Json& actual) {
 
 void expectComesBackFromItsFile(ScriptRun& run) {
     const std::string bytes = run.saved();
-    const host::SvgReadResult again = host::readSvg(bytes);
+    const interchange::SvgReadResult again = interchange::readSvg(bytes);
     ASSERT_NE(again.document, nullptr) << again.error;
-    EXPECT_EQ(firstDifference(withoutSelection(run.dump()),
-                              withoutSelection(cli::dumpDocument(*again.document, again.rulerUnit))),
+    EXPECT_EQ(firstDifference(withoutSelection(Json::parse(run.dump())),
+                              withoutSelection(Json::parse(app::dumpDocument(*again.document, again.rulerUnit)))),
               "");
-    EXPECT_TRUE(host::writeSvg(*again.document) == bytes) << "a second save writes other bytes";
+    EXPECT_TRUE(interchange::writeSvg(*again.document) == bytes) << "a second save writes other bytes";
 }
 
 // The file that the drawing was opened from; empty when it is a new page or was saved over since.
 std::string openedFile(const ScriptRun& run) {
     std::string file;
-    for (const cli::ScriptLine& line : run.lines()) {
+    for (const app::ScriptLine& line : run.lines()) {
         if (line.verb == "open") file = line.words[0].text;
         if (line.verb == "new" || (line.verb == "save" && line.words[0].text == file)) file.clear();
     }
@@ -145,14 +146,14 @@ std::string openedFile(const ScriptRun& run) {
 void expectUndoGoesAllTheWay(ScriptRun& run) {
     const std::string file = openedFile(run);
     if (file.empty()) return;
-    const Json drawn = withoutSelection(run.dump());
+    const Json drawn = withoutSelection(Json::parse(run.dump()));
     host::Host& host = run.session().host();
     int steps = 0;
     while (host.undo()) ++steps;
     EXPECT_TRUE(run.saved() == readBytes(file)) << "undoing " << steps << " steps does not give the file's bytes";
     while (steps > 0 && host.redo()) --steps;
     EXPECT_EQ(steps, 0) << "steps that could not be done again";
-    EXPECT_EQ(firstDifference(drawn, withoutSelection(run.dump())), "");
+    EXPECT_EQ(firstDifference(drawn, withoutSelection(Json::parse(run.dump()))), "");
 }
 
 class Scripts : public testing::TestWithParam<std::string> {};
@@ -168,11 +169,11 @@ TEST_P(Scripts, Hold) {
     ASSERT_NE(run.session().document(), nullptr);
 
     std::vector<std::string> shown;
-    for (const cli::RecordedDimension& dimension : run.dimensions()) shown.push_back(shownBy(dimension));
+    for (const app::RecordedDimension& dimension : run.dimensions()) shown.push_back(shownBy(dimension));
     if (const std::vector<std::string> lines = promised(text); !lines.empty()) {
         EXPECT_EQ(shown, lines);
     }
-    expectDump(GetParam(), run.dump());
+    expectDump(GetParam(), Json::parse(run.dump()));
     expectComesBackFromItsFile(run);
     expectUndoGoesAllTheWay(run);
 }

@@ -2,7 +2,9 @@
 // what OK stores.
 #include "plugin/settings/settings_dialog.h"
 
-#include "host/fonts.h"
+#include <cmath>
+
+#include "fonts/fonts.h"
 #include "plugin/settings/prefs_keys.h"
 #include "tests/support/drawing_hand.h"
 
@@ -92,7 +94,7 @@ TEST_P(SettingsDialog, ListsHoldTheirRows) {
     const Texts scales = {"1/100", "1/10", "1/5", "1/3", "1/2", "1/1", "2/1", "3/1", "4/1", "10/1", "100/1"};
     const Texts areas = {"mm2", "cm2", "m2", "in2", "ft2", "pt2"};
     Texts fonts;
-    for (const host::Font& font : host::fonts()) fonts.push_back(font.fullName);
+    for (const fonts::Font& font : fonts::fonts()) fonts.push_back(font.fullName);
     Texts units = tables ? Texts{"Millimeters", "Centimeters", "Meters", "Inches", "Feet"}
                          : Texts{"ミリメートル", "センチメートル", "メートル", "インチ", "フィート"};
     units.push_back(english ? "Points" : "ポイント");
@@ -184,12 +186,12 @@ TEST_P(SettingsDialog, OkStoresEachField) {
     EXPECT_STREQ(p.flArDim2ConvText, "0.3025");
     EXPECT_STREQ(p.flArDim3UnitName, "are");
     EXPECT_STREQ(p.flArDim3ConvText, "0.01");
-    EXPECT_EQ(std::string(p.flArFName), host::fonts()[1].fullName.substr(0, 63));
+    EXPECT_EQ(std::string(p.flArFName), fonts::fonts()[1].fullName.substr(0, 63));
     // Width 0 is a width, an empty scale is 0, and a font that is not there becomes the first.
     std::snprintf(hand.prefs().flArFName, sizeof p.flArFName, "No Such Font");
     run({Type(19, "0"), Type(18, ""), Untick(12), Untick(47), Press(kOk)});
     EXPECT_TRUE(p.flArThick == 0 && p.flScale == 0 && p.flUseTani == 0 && p.flArDim2Show == 0);
-    EXPECT_EQ(std::string(p.flArFName), host::fonts()[0].fullName);
+    EXPECT_EQ(std::string(p.flArFName), fonts::fonts()[0].fullName);
 }
 
 TEST_P(SettingsDialog, CancelStoresNothing) {
@@ -256,8 +258,8 @@ TEST_P(SettingsDialog, AnAreaBoxWakesItsControls) {
 }
 
 TEST_P(SettingsDialog, ThePreviewFollowsFontAndSize) {
-    if (host::fonts().size() < 2) GTEST_SKIP() << "one font alone";
-    const auto& fonts = host::fonts();
+    if (fonts::fonts().size() < 2) GTEST_SKIP() << "one font alone";
+    const auto& fonts = fonts::fonts();
     std::vector<std::pair<std::string, float>> seen;
     hand.spy->opened = [&] { EXPECT_EQ(hand.spy->font, (std::pair{fonts[0].postScriptName, 12.0F})); };
     hand.spy->changed = [&] { seen.push_back(hand.spy->font); };

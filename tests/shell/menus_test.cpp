@@ -247,7 +247,7 @@ TEST_F(MenusTest, MenuAndFlyoutOpenTheSettings) {
 // 72 points are an inch; the square of 72 by 72 encloses a square inch.
 TEST_F(MenusTest, ReadOutsInEachUnit) {
     beginDrawing();
-    const host::ArtId square = plugin_->addPath({{0, 0}, {72, 0}, {72, 72}, {0, 72}}, true, true);
+    const doc::ArtId square = plugin_->addPath({{0, 0}, {72, 0}, {72, 72}, {0, 72}}, true, true);
     struct Row {
         std::int16_t unit;
         const char* length;
@@ -287,7 +287,7 @@ TEST_F(MenusTest, PointsLoseTheirZeros) {
                                     {100.0F, "100 pt"},
                                     {0.0625F, "0.0625 pt"},
                                     {0.03125F, "0.0312 pt"}}) {
-        const host::ArtId line = plugin_->addPath({{0, 0}, {end, 0}}, false, true);
+        const doc::ArtId line = plugin_->addPath({{0, 0}, {end, 0}}, false, true);
         EXPECT_EQ(lengthAfterTick(), text);
         plugin_->select(line, false);
     }
@@ -330,16 +330,16 @@ TEST_F(MenusTest, ReadOutsFollowEveryChange) {
         options.host.offerArtQuery = query;
         beginDrawing(std::move(options));
         plugin_->prefs().flArLenUnit = 5;
-        const host::ArtId line = plugin_->addPath({{0, 0}, {50, 0}}, false, true);
+        const doc::ArtId line = plugin_->addPath({{0, 0}, {50, 0}}, false, true);
         EXPECT_EQ(lengthAfterTick(), "50 pt");
         EXPECT_EQ(lengthAfterTick(), "50 pt");
         host::Host& host = plugin_->host();
-        host.edit("Stretch", [&](host::Document& d) { return d.transform(line, {2, 0, 0, 1, 0, 0}, 1); });
+        host.edit("Stretch", [&](doc::Document& d) { return d.transform(line, {2, 0, 0, 1, 0, 0}, 1); });
         EXPECT_EQ(lengthAfterTick(), "100 pt");
         ASSERT_TRUE(host.undo());
         EXPECT_EQ(lengthAfterTick(), "50 pt");
-        const host::LayerId layer = host.document()->layerOf(line);
-        host.edit("Hide", [&](host::Document& d) { return d.setLayerVisible(layer, false); });
+        const doc::LayerId layer = host.document()->layerOf(line);
+        host.edit("Hide", [&](doc::Document& d) { return d.setLayerVisible(layer, false); });
         EXPECT_EQ(lengthAfterTick(), "");
         ASSERT_TRUE(host.undo());
         plugin_->newDrawing();
@@ -353,9 +353,9 @@ TEST_F(MenusTest, AnUnchangedSelectionCostsNoWalk) {
     beginDrawing();
     constexpr int kPaths = 20000;
     const PathSegment ends[] = {{{0, 0}, {0, 0}, {0, 0}, 1}, {{1, 0}, {1, 0}, {1, 0}, 1}};
-    plugin_->host().edit("Draw", [&](host::Document& document) {
+    plugin_->host().edit("Draw", [&](doc::Document& document) {
         for (int i = 0; i < kPaths; ++i) {
-            const host::ArtId path = document.insertArt(kPathArt, kPlaceAboveAll, 0);
+            const doc::ArtId path = document.insertArt(kPathArt, kPlaceAboveAll, 0);
             document.setSegments(path, 0, ends);
             document.setSelected(path, true);
         }
@@ -396,7 +396,7 @@ TEST_F(MenusTest, NotificationsRecalculateOrTrack) {
     options.language = "JAPANESE";
     beginDrawing(std::move(options));
     host::Host& host = plugin_->host();
-    const host::ArtId line = plugin_->addPath({{100, 100}, {200, 100}}, false, false);
+    const doc::ArtId line = plugin_->addPath({{100, 100}, {200, 100}}, false, false);
     drawDimension("斜め寸法線ツール");
     plugin_->user().queueAnswer(true);
     EXPECT_EQ(host.notify(kRecalcType), kNoErr);

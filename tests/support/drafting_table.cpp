@@ -13,9 +13,9 @@ namespace quorvel::tests {
 
 namespace {
 
-using host::Art;
-using host::ArtId;
-using host::Document;
+using doc::Art;
+using doc::ArtId;
+using doc::Document;
 
 constexpr char kTestCaller[] = "Test";
 constexpr float kQuarterHandle = 0.552277F;
@@ -128,7 +128,7 @@ void DraftingTable::up(std::uint16_t modifiers) {
 std::vector<ArtId> DraftingTable::dimensions() {
     const Document& drawing = document();
     std::vector<ArtId> found;
-    for (host::LayerId layer : drawing.layers()) Collect(drawing, drawing.layer(layer)->root, &found);
+    for (doc::LayerId layer : drawing.layers()) Collect(drawing, drawing.layer(layer)->root, &found);
     return found;
 }
 

@@ -23,16 +23,16 @@ class DraftingTable : public PluginHost {
   public:
     explicit DraftingTable(PluginHostOptions options = {});
 
-    host::Document& document() { return *host().document(); }
+    doc::Document& document() { return *host().document(); }
     // On top of the current layer, stroked.
-    host::ArtId draw(const std::vector<PathSegment>& segments, bool closed);
-    host::ArtId drawLines(const std::vector<RealPoint>& anchors, bool closed);
+    doc::ArtId draw(const std::vector<PathSegment>& segments, bool closed);
+    doc::ArtId drawLines(const std::vector<RealPoint>& anchors, bool closed);
     // Four anchors, from the right one anticlockwise.
-    host::ArtId drawCircle(RealPoint centre, float radius);
-    void change(const std::function<bool(host::Document&)>& how);
-    void move(host::ArtId art, float h, float v);
-    static AIArtHandle handle(host::ArtId art);
-    static host::ArtId artOf(AIArtHandle handle);  // 0 for null
+    doc::ArtId drawCircle(RealPoint centre, float radius);
+    void change(const std::function<bool(doc::Document&)>& how);
+    void move(doc::ArtId art, float h, float v);
+    static AIArtHandle handle(doc::ArtId art);
+    static doc::ArtId artOf(AIArtHandle handle);  // 0 for null
 
     // Runs the job as a message of the host, with the suites held.
     void inside(const std::function<void()>& job);
@@ -44,10 +44,10 @@ class DraftingTable : public PluginHost {
     void up(std::uint16_t modifiers = 0);
     int beeps() { return user().beeps(); }
 
-    std::vector<host::ArtId> dimensions();               // in walk order: the last made comes first in its layer
-    host::ArtId dimension();                             // the only one
-    std::vector<Piece> pieces(host::ArtId group);        // bottom to top
-    std::string tag(host::ArtId art, const char* name);  // "(none)" when it is absent
+    std::vector<doc::ArtId> dimensions();               // in walk order: the last made comes first in its layer
+    doc::ArtId dimension();                             // the only one
+    std::vector<Piece> pieces(doc::ArtId group);        // bottom to top
+    std::string tag(doc::ArtId art, const char* name);  // "(none)" when it is absent
 
   private:
     RealPoint cursor_;

@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/dump.h"
+#include "app/dump.h"
+#include "host/code_page.h"
 #include "platform/text.h"
 #include "tests/support/dialog_spy.h"
 #include "tests/support/plugin_host.h"
@@ -36,7 +37,7 @@ struct DrawingHand {
     }
 
     host::Host& host() { return plugin->host(); }
-    host::Document& document() { return *plugin->host().document(); }
+    doc::Document& document() { return *plugin->host().document(); }
     PrefsRecord& prefs() { return plugin->prefs(); }
 
     void take(const char* title) {
@@ -68,17 +69,17 @@ struct DrawingHand {
         send(kSelectorMouseUp, at);
     }
 
-    host::ArtId root() { return document().layer(document().currentLayer())->root; }
-    std::vector<const host::Art*> piecesOf(host::ArtId group) {
-        std::vector<const host::Art*> pieces;
-        for (host::ArtId id = document().find(group)->lastChild; id != 0; id = document().find(id)->above)
+    doc::ArtId root() { return document().layer(document().currentLayer())->root; }
+    std::vector<const doc::Art*> piecesOf(doc::ArtId group) {
+        std::vector<const doc::Art*> pieces;
+        for (doc::ArtId id = document().find(group)->lastChild; id != 0; id = document().find(id)->above)
             pieces.push_back(document().find(id));
         return pieces;
     }
     // The topmost art of the current layer.
-    const host::Art* newest() { return document().find(document().find(root())->firstChild); }
-    std::vector<const host::Art*> newestPieces() { return piecesOf(newest()->id); }
-    std::string tag(host::ArtId art, const std::string& name) {
+    const doc::Art* newest() { return document().find(document().find(root())->firstChild); }
+    std::vector<const doc::Art*> newestPieces() { return piecesOf(newest()->id); }
+    std::string tag(doc::ArtId art, const std::string& name) {
         const std::string* value = document().tag(art, name);
         return value == nullptr ? "(absent)" : *value;
     }
@@ -87,8 +88,8 @@ struct DrawingHand {
     std::unique_ptr<PluginHost> plugin;
 };
 
-inline std::string TextOf(const host::Art& art) { return cli::toUtf8(art.text->text); }
-inline RealPoint AnchorOf(const host::Art& text) { return {text.text->matrix.tx, text.text->matrix.ty}; }
+inline std::string TextOf(const doc::Art& art) { return host::toUtf8(art.text->text); }
+inline RealPoint AnchorOf(const doc::Art& text) { return {text.text->matrix.tx, text.text->matrix.ty}; }
 inline std::string Sjis(const char* utf8) { return platform::FromUtf8(utf8, platform::kCodePageJapanese); }
 
 }  // namespace quorvel::tests

@@ -72,11 +72,11 @@ void PluginHost::newDrawing(float width, float height) {
     user_->openView("Untitled @ 100%", host_->view().width, host_->view().height);
 }
 
-host::ArtId PluginHost::addPath(const std::vector<RealPoint>& anchors, bool closed, bool selected) {
+doc::ArtId PluginHost::addPath(const std::vector<RealPoint>& anchors, bool closed, bool selected) {
     std::vector<PathSegment> segments;
     for (const RealPoint& anchor : anchors) segments.push_back({anchor, anchor, anchor, 1});
-    host::ArtId path = 0;
-    const bool drawn = host_->edit("Draw", [&](host::Document& document) {
+    doc::ArtId path = 0;
+    const bool drawn = host_->edit("Draw", [&](doc::Document& document) {
         path = document.insertArt(kPathArt, kPlaceAboveAll, 0);
         return path != 0 && document.setSegments(path, 0, segments) && document.setClosed(path, closed) &&
                document.setSelected(path, selected);
@@ -85,8 +85,8 @@ host::ArtId PluginHost::addPath(const std::vector<RealPoint>& anchors, bool clos
     return path;
 }
 
-void PluginHost::select(host::ArtId art, bool selected) {
-    EXPECT_TRUE(host_->edit("Select", [&](host::Document& document) { return document.setSelected(art, selected); }));
+void PluginHost::select(doc::ArtId art, bool selected) {
+    EXPECT_TRUE(host_->edit("Select", [&](doc::Document& document) { return document.setSelected(art, selected); }));
 }
 
 std::string PluginHost::panelText(std::int32_t control) {

@@ -39,8 +39,8 @@ class PluginHost {
 
     void newDrawing(float width = 600, float height = 400);
     // A path of straight segments on top of the current layer, as a step of the host's own.
-    host::ArtId addPath(const std::vector<RealPoint>& anchors, bool closed, bool selected);
-    void select(host::ArtId art, bool selected);
+    doc::ArtId addPath(const std::vector<RealPoint>& anchors, bool closed, bool selected);
+    void select(doc::ArtId art, bool selected);
 
     // The information panel as its user sees it. An absent control reads as "(absent)".
     std::string panelText(std::int32_t control);

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "host/document.h"
+#include "document/document.h"
 
-namespace quorvel::host {
+namespace quorvel::doc {
 
 class RandomDrawing {
   public:
@@ -178,4 +178,4 @@ class RandomDrawing {
     std::mt19937_64 random_;
 };
 
-}  // namespace quorvel::host
+}  // namespace quorvel::doc

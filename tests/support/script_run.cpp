@@ -8,8 +8,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/script_runner.h"
-#include "host/svg.h"
+#include "app/script_runner.h"
+#include "interchange/svg/svg.h"
 
 namespace quorvel::tests {
 
@@ -48,20 +48,20 @@ std::string readBytes(const std::string& path) {
 ScriptRun::ScriptRun(const std::string& text, const std::string& name)
     : folder_(newFolder()), returnTo_(fs::current_path().string()) {
     fs::current_path(folder_);
-    lines_ = cli::parseScript(text, name);
-    for (cli::ScriptLine& line : lines_) {
+    lines_ = app::parseScript(text, name);
+    for (app::ScriptLine& line : lines_) {
         if (line.verb != "open" || line.words[0].text.rfind(kShared, 0) != 0) continue;
         const std::string drawing = sharedDrawing(line.words[0].text.substr(kShared.size()));
         if (drawing.empty()) absent_ = line.words[0].text;
         line.words[0].text = drawing;
     }
     if (!absent_.empty()) return;
-    cli::SessionOptions options;
+    app::SessionOptions options;
     options.profile = folder_ + "/profile";
     options.seed = 1;
     options.pluginFile = QUORVEL_PLUGIN_FILE;
-    session_ = std::make_unique<cli::Session>(options);
-    fault_ = cli::runScript(lines_, name, *session_, [this](const std::string& line) { told_.push_back(line); }).fault;
+    session_ = std::make_unique<app::HeadlessSession>(options);
+    fault_ = app::runScript(lines_, name, *session_, [this](const std::string& line) { told_.push_back(line); }).fault;
 }
 
 ScriptRun::~ScriptRun() {
@@ -70,30 +70,30 @@ ScriptRun::~ScriptRun() {
     fs::remove_all(folder_);
 }
 
-cli::Json ScriptRun::dump() { return cli::dumpDocument(document(), session_->host().rulerUnit()); }
+std::string ScriptRun::dump() { return app::dumpDocument(document(), session_->host().rulerUnit()); }
 
-std::string ScriptRun::saved() { return host::writeSvg(document(), session_->host().rulerUnit()); }
+std::string ScriptRun::saved() { return interchange::writeSvg(document(), session_->host().rulerUnit()); }
 
-std::vector<cli::RecordedDimension> ScriptRun::dimensions() {
-    std::vector<cli::RecordedDimension> found = cli::listDimensions(document());
+std::vector<app::RecordedDimension> ScriptRun::dimensions() {
+    std::vector<app::RecordedDimension> found = app::listDimensions(document());
     std::reverse(found.begin(), found.end());
     return found;
 }
 
-const host::Art& ScriptRun::art(const std::string& svgId) {
-    const host::Art* found = document().find(document().findBySvgId(svgId));
+const doc::Art& ScriptRun::art(const std::string& svgId) {
+    const doc::Art* found = document().find(document().findBySvgId(svgId));
     if (found == nullptr) throw std::runtime_error("no art has the id " + svgId);
     return *found;
 }
 
-std::vector<const host::Art*> ScriptRun::pieces(const cli::RecordedDimension& dimension) {
-    std::vector<const host::Art*> found;
-    for (host::ArtId id = document().find(dimension.group)->lastChild; id != 0; id = document().find(id)->above)
+std::vector<const doc::Art*> ScriptRun::pieces(const app::RecordedDimension& dimension) {
+    std::vector<const doc::Art*> found;
+    for (doc::ArtId id = document().find(dimension.group)->lastChild; id != 0; id = document().find(id)->above)
         found.push_back(document().find(id));
     return found;
 }
 
-std::string ScriptRun::tag(host::ArtId art, const std::string& name) {
+std::string ScriptRun::tag(doc::ArtId art, const std::string& name) {
     const std::string* value = document().tag(art, name);
     return value == nullptr ? "(absent)" : *value;
 }

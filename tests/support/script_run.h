@@ -6,10 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/dump.h"
-#include "cli/list.h"
-#include "cli/script.h"
-#include "cli/session.h"
+#include "app/dimension_list.h"
+#include "app/dump.h"
+#include "app/headless_session.h"
+#include "app/script.h"
+#include "host/code_page.h"
 
 namespace quorvel::tests {
 
@@ -30,24 +31,24 @@ class ScriptRun {
     const std::string& fault() const { return fault_; }             // empty when every line held
     const std::vector<std::string>& told() const { return told_; }  // a line for each thing that happened
     const std::string& absent() const { return absent_; }           // a drawing that is not here: nothing was run
-    const std::vector<cli::ScriptLine>& lines() const { return lines_; }
+    const std::vector<app::ScriptLine>& lines() const { return lines_; }
     const std::string& folder() const { return folder_; }  // where the script saves to
-    cli::Session& session() { return *session_; }
-    host::Document& document() { return *session_->document(); }
-    cli::Json dump();
+    app::HeadlessSession& session() { return *session_; }
+    doc::Document& document() { return *session_->document(); }
+    std::string dump();   // as `quorvel dump` prints it
     std::string saved();  // the file as a save would write it now
     // The lowest first, which is the order of making within a layer.
-    std::vector<cli::RecordedDimension> dimensions();
-    const host::Art& art(const std::string& svgId);
+    std::vector<app::RecordedDimension> dimensions();
+    const doc::Art& art(const std::string& svgId);
     // A dimension's pieces, the lowest first.
-    std::vector<const host::Art*> pieces(const cli::RecordedDimension& dimension);
-    std::string tag(host::ArtId art, const std::string& name);  // "(absent)" without it
+    std::vector<const doc::Art*> pieces(const app::RecordedDimension& dimension);
+    std::string tag(doc::ArtId art, const std::string& name);  // "(absent)" without it
 
   private:
     std::string folder_, returnTo_, fault_, absent_;
     std::vector<std::string> told_;
-    std::vector<cli::ScriptLine> lines_;
-    std::unique_ptr<cli::Session> session_;
+    std::vector<app::ScriptLine> lines_;
+    std::unique_ptr<app::HeadlessSession> session_;
 };
 
 }  // namespace quorvel::tests

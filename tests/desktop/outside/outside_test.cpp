@@ -7,12 +7,12 @@
 #include <cmath>
 #include <regex>
 
-#include "cli/list.h"
-#include "cli/script.h"
-#include "cli/script_runner.h"
-#include "cli/session.h"
-#include "desktop/layers_panel.h"
-#include "host/svg.h"
+#include "app/dimension_list.h"
+#include "app/headless_session.h"
+#include "app/script.h"
+#include "app/script_runner.h"
+#include "desktop/window/layers_panel.h"
+#include "interchange/svg/svg.h"
 #include "platform/qt/panel_button.h"
 #include "tests/desktop/window_rig.h"
 
@@ -195,7 +195,7 @@ class Outside : public ::testing::TestWithParam<Case> {
                       static_cast<int>(word(kHeight)), word(kBytesPerLine), QImage::Format_RGB32)
             .copy();
     }
-    void picture(const char* name) const {
+    void loadPicture(const char* name) const {
         const QString folder = QStringLiteral(QUORVEL_SOURCE_DIR "/out/window");
         QDir().mkpath(folder);
         EXPECT_TRUE(screenshot()
@@ -211,14 +211,14 @@ class Outside : public ::testing::TestWithParam<Case> {
         return file.open(QIODevice::ReadOnly) ? file.readAll().count(QByteArray("\n") + start) : 0;
     }
     // What stands in the drawing's file, once it holds so many dimensions.
-    std::vector<cli::RecordedDimension> savedDimensions(std::size_t wanted) const {
+    std::vector<app::RecordedDimension> savedDimensions(std::size_t wanted) const {
         const host::Host measuring;
-        std::vector<cli::RecordedDimension> found;
+        std::vector<app::RecordedDimension> found;
         (void)QTest::qWaitFor(
             [&] {
-                const host::SvgReadResult read = host::readSvgFile(drawing().toStdString());
-                found = read.document != nullptr ? cli::listDimensions(*read.document)
-                                                 : std::vector<cli::RecordedDimension>();
+                const interchange::SvgReadResult read = interchange::readSvgFile(drawing().toStdString());
+                found = read.document != nullptr ? app::listDimensions(*read.document)
+                                                 : std::vector<app::RecordedDimension>();
                 return found.size() == wanted;
             },
             kPatience);
@@ -300,7 +300,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
         }
         canvas = rig.canvas().mapTo(rig.window.get(), QPoint());
         canvasHeight = rig.canvas().height();
-        panelButton = rig.desk->user().panelForm()->widget(kPanelButton)->mapTo(rig.window.get(), QPoint(8, 8));
+        panelButton = rig.session->user().panelForm()->widget(kPanelButton)->mapTo(rig.window.get(), QPoint(8, 8));
         const auto options = [&](const char* title) {
             return [&rig, title] {
                 QTest::mouseDClick(rig.window->tools()->slotOf(QString::fromUtf8(title)), Qt::LeftButton, {}, {8, 8});
@@ -318,7 +318,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     }
     ASSERT_NO_FATAL_FAILURE(startProgram());
     for (int i = 0; i < 3; ++i) key("ctrl+0");  // the whole page
-    picture("open");
+    loadPicture("open");
     // A page that fits is as wide as the canvas but for its margins, or as high; its middle is the canvas's.
     const double zoom = recordedZoom(), pageWidth = 297 * kPoints, pageHeight = kPageHeight * kPoints;
     ASSERT_GT(zoom, 0);
@@ -336,7 +336,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     tool({"mousedown", "1"});
     QTest::qWait(900);
     tool({"mouseup", "1"});
-    picture("slot");
+    loadPicture("slot");
     for (const char* name : {"Down", "Down", "Return"}) {
         tool({"key", QLatin1String(name)});
         settle();
@@ -345,11 +345,11 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     tool({"mousedown", "1"});
     moveTo(at(100, 142));
     moveTo(at(165, 140) + QPoint(1, 1));
-    picture("snap");
+    loadPicture("snap");
     tool({"mouseup", "1"});
     moveTo(at(120, 150));
     click(at(105, 156));
-    picture("dimension");
+    loadPicture("dimension");
 
     // The radius tool's options, kept.
     moveTo(slotPlaces.value(QString::fromUtf8(words.radius)));
@@ -357,7 +357,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     const QString radiusTitle = QString::fromUtf8(words.radiusOptions);
     QString dialog = awaitWindow(radiusTitle);
     ASSERT_FALSE(dialog.isEmpty()) << "no options of the radius tool";
-    picture("radius");
+    loadPicture("radius");
     click(controlAt(dialog, radiusPlaces, 6));
     click(controlAt(dialog, radiusPlaces, 1));
     EXPECT_TRUE(awaitGone(radiusTitle));
@@ -369,7 +369,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     click(controlAt(dialog, settingsPlaces, 20));
     type(dialog, "-1");
     click(controlAt(dialog, settingsPlaces, 1));
-    picture("refused");
+    loadPicture("refused");
     EXPECT_FALSE(awaitWindow(QString::fromUtf8(words.settings)).isEmpty());
     type(dialog, "25");  // the field has the focus, all of it selected
     click(controlAt(dialog, settingsPlaces, 1));
@@ -393,7 +393,7 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     pick("Down", stepsToSaveAs);
     const QString naming = awaitWindow(QString::fromUtf8(words.preset));
     ASSERT_FALSE(naming.isEmpty()) << "no name is asked for";
-    picture("preset");
+    loadPicture("preset");
     type(naming, "House");
     tool({"key", "Return"});
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(preset()); }, kPatience));
@@ -403,14 +403,14 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     click(controlAt(dialog, schedulePlaces, 8));
     type(dialog, "Other");
     pick("Down", 1);
-    picture("schedule");
+    loadPicture("schedule");
     click(controlAt(dialog, schedulePlaces, 1));
     EXPECT_TRUE(awaitGone(scheduleTitle));
 
     // A switch of the panel.
     click(panelButton);
     EXPECT_TRUE(QTest::qWaitFor([&] { return recorded("panel toggle 12") == 1; }, kPatience));
-    picture("panel");
+    loadPicture("panel");
 
     // Undo and redo are told by what the window shows and what is saved behind them.
     const auto sheet = [&] { return screenshot().copy(QRect(canvas, QSize(int(canvasWidth), canvasHeight))); };
@@ -419,12 +419,12 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     EXPECT_EQ(savedDimensions(1).size(), 1U);
     key("ctrl+z");
     EXPECT_NE(sheet(), drawn);
-    picture("undone");
+    loadPicture("undone");
     key("ctrl+s");
     EXPECT_EQ(savedDimensions(0).size(), 0U);
     key("ctrl+shift+z");
     EXPECT_EQ(sheet(), drawn);
-    picture("redone");
+    loadPicture("redone");
     key("ctrl+s");
     EXPECT_EQ(savedDimensions(1).size(), 1U);
 
@@ -433,22 +433,22 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
     key("ctrl+o");
     dialog = awaitWindow(QString::fromUtf8(words.open));
     ASSERT_FALSE(dialog.isEmpty()) << "no file dialog";
-    picture("file-dialog");
+    loadPicture("file-dialog");
     type(dialog, drawing().toUtf8().constData());
     tool({"key", "Return"});
     EXPECT_TRUE(awaitGone(QString::fromUtf8(words.open)));
     EXPECT_TRUE(QTest::qWaitFor([&] { return recorded("open ") == opened + 1; }, kPatience));
     settle();
-    picture("reopened");
+    loadPicture("reopened");
     key("ctrl+q");
     if (program_.state() != QProcess::NotRunning && !program_.waitForFinished(kPatience)) {
-        picture("left-open");
+        loadPicture("left-open");
         FAIL() << "the program does not end";
     }
     EXPECT_EQ(program_.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(program_.readAll().toStdString(), "") << "nothing to complain of";
 
-    const std::vector<cli::RecordedDimension> found = savedDimensions(1);
+    const std::vector<app::RecordedDimension> found = savedDimensions(1);
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0].kind, "straight");
     EXPECT_EQ(found[0].texts, std::vector<std::string>{"120"}) << "snapped to both corners";

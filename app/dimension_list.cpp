@@ -1,0 +1,171 @@
+// Reads dimension records and frame records as any program may: from the tags on their groups.
+#include "app/dimension_list.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <map>
+
+#include "host/code_page.h"
+
+namespace quorvel::app {
+
+namespace {
+
+const std::map<int, const char*>& kindNames() {
+    static const std::map<int, const char*> names = {{0, "oblique"}, {1, "radius"},   {2, "diameter"},
+                                                     {4, "angle"},   {5, "straight"}, {14, "curve"}};
+    return names;
+}
+
+std::vector<std::string> fields(const std::string& text) {
+    std::vector<std::string> out(1);
+    for (const char c : text) {
+        if (c == ',')
+            out.emplace_back();
+        else
+            out.back() += c;
+    }
+    return out;
+}
+
+float number(const std::vector<std::string>& all, std::size_t index) {
+    return index < all.size() ? static_cast<float>(std::atof(all[index].c_str())) : 0;
+}
+
+// The art that bears an object id.
+using BearersByObject = std::map<std::string, std::vector<const doc::Art*>>;
+
+LinkedArt linkTo(const std::string& from, std::int32_t objectId, std::int32_t anchor, const BearersByObject& all) {
+    LinkedArt link{from, objectId, anchor, {}, true};
+    const auto bearers = all.find(std::to_string(objectId));
+    if (bearers == all.end()) return link;
+    for (const doc::Art* art : bearers->second) {
+        link.svgIds.push_back(art->svgId.empty() ? "(no id)" : art->svgId);
+        const std::size_t anchors = art->path != nullptr ? art->path->segments.size() : 1;
+        if (anchor >= 0 && static_cast<std::size_t>(anchor) < anchors) link.lost = false;
+    }
+    return link;
+}
+
+void collectTexts(const doc::Document& document, doc::ArtId id, std::vector<std::string>* texts) {
+    const doc::Art& art = *document.find(id);
+    if (art.text != nullptr) texts->push_back(host::toUtf8(art.text->text));
+    // The lowest child was made first.
+    for (doc::ArtId child = art.lastChild; child != 0; child = document.find(child)->above)
+        collectTexts(document, child, texts);
+}
+
+// A cell list: pairs of object id and anchor, ended by an id of 0 and the coordinates of the first anchor.
+void readLinks(const std::string& text, const std::string& from, const BearersByObject& bearers,
+               RecordedDimension* dimension) {
+    const std::vector<std::string> all = fields(text);
+    for (std::size_t i = 0; i + 1 < all.size(); i += 2) {
+        const std::int32_t objectId = std::atoi(all[i].c_str());
+        if (objectId == 0) {
+            if (from.rfind("stop", 0) == 0)
+                dimension->points.push_back({from, {number(all, i + 1), number(all, i + 2)}});
+            return;
+        }
+        dimension->links.push_back(linkTo(from, objectId, std::atoi(all[i + 1].c_str()), bearers));
+    }
+}
+
+RecordedDimension readDimension(const doc::Document& document, const doc::Art& art, const BearersByObject& bearers) {
+    RecordedDimension dimension;
+    const int kind = std::atoi(document.tag(art.id, "QUORVEL_TOOLCNF")->c_str()) / 1000;
+    const auto name = kindNames().find(kind);
+    dimension.kind = name == kindNames().end() ? "kind " + std::to_string(kind) : name->second;
+    for (const auto& [tag, point] :
+         {std::pair{"QUORVEL_FROMPOS", "from"}, {"QUORVEL_TOPOS", "to"}, {"QUORVEL_ENDPOS", "end"}}) {
+        const std::string* text = document.tag(art.id, tag);
+        if (text == nullptr) continue;
+        const std::vector<std::string> all = fields(*text);
+        dimension.points.push_back({point, {number(all, 2), number(all, 3)}});
+    }
+    for (const auto& [tag, from] : {std::pair{"QUORVEL_FROMCELL", "from"}, {"QUORVEL_TOCELL", "to"}})
+        if (const std::string* text = document.tag(art.id, tag)) readLinks(*text, from, bearers, &dimension);
+    for (int stop = 1; stop <= 30; ++stop) {
+        const std::string digits = (stop < 10 ? "0" : "") + std::to_string(stop);
+        if (const std::string* text = document.tag(art.id, "QUORVEL_STOPCELL" + digits))
+            readLinks(*text, "stop " + std::to_string(stop), bearers, &dimension);
+    }
+    return dimension;
+}
+
+class Lister {
+  public:
+    explicit Lister(const doc::Document& document) : document_(document) {}
+
+    std::vector<RecordedDimension> list() {
+        for (const doc::LayerId layer : document_.layers()) collectIds(document_.layer(layer)->root);
+        for (const doc::LayerId layer : document_.layers()) {
+            layer_ = document_.layer(layer)->title;
+            walk(document_.layer(layer)->root);
+        }
+        return std::move(found_);
+    }
+
+  private:
+    void collectIds(doc::ArtId id) {
+        const doc::Art& art = *document_.find(id);
+        if (const std::string* object = document_.tag(id, "quorvel_object_id"))
+            bearers_[std::to_string(std::atoi(object->c_str()))].push_back(&art);
+        for (doc::ArtId child = art.firstChild; child != 0; child = document_.find(child)->below) collectIds(child);
+    }
+
+    void walk(doc::ArtId id) {
+        const doc::Art& art = *document_.find(id);
+        const bool dimension = document_.tag(id, "QUORVEL_TOOLCNF") != nullptr;
+        if (dimension || document_.tag(id, "QUORVEL_ZWK_SETTING_1") != nullptr) {
+            RecordedDimension entry;
+            if (dimension)
+                entry = readDimension(document_, art, bearers_);
+            else
+                entry.kind = "frame";
+            entry.group = id;
+            entry.svgId = art.svgId;
+            entry.layer = layer_;
+            collectTexts(document_, id, &entry.texts);
+            found_.push_back(std::move(entry));
+            return;
+        }
+        for (doc::ArtId child = art.firstChild; child != 0; child = document_.find(child)->below) walk(child);
+    }
+
+    const doc::Document& document_;
+    BearersByObject bearers_;
+    std::string layer_;
+    std::vector<RecordedDimension> found_;
+};
+
+std::string shortText(float value) {
+    char digits[64];
+    return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
+}
+
+}  // namespace
+
+std::vector<RecordedDimension> listDimensions(const doc::Document& document) { return Lister(document).list(); }
+
+std::string listText(const std::vector<RecordedDimension>& dimensions) {
+    std::string out;
+    for (const RecordedDimension& dimension : dimensions) {
+        out += (dimension.svgId.empty() ? "-" : dimension.svgId) + "  " + dimension.kind + "  \"";
+        const std::size_t shown =
+            dimension.kind == "frame" ? std::min<std::size_t>(dimension.texts.size(), 6) : dimension.texts.size();
+        for (std::size_t i = 0; i < shown; ++i) out += (i == 0 ? "" : " | ") + dimension.texts[i];
+        out += "\"";
+        for (const auto& [name, point] : dimension.points)
+            out += "  " + name + " " + shortText(point.h) + "," + shortText(point.v);
+        out += "  on \"" + dimension.layer + "\"\n";
+        for (const LinkedArt& link : dimension.links) {
+            out += "    " + link.from + " -> ";
+            for (std::size_t i = 0; i < link.svgIds.size(); ++i) out += (i == 0 ? "" : ", ") + link.svgIds[i];
+            if (link.svgIds.empty()) out += "lost art";
+            out += " anchor " + std::to_string(link.anchor) + " (object " + std::to_string(link.objectId) + ")\n";
+        }
+    }
+    return out;
+}
+
+}  // namespace quorvel::app

@@ -1,0 +1,16 @@
+// What commands print with --json, as indented text. Bytes that are no UTF-8, as file names may hold, become U+FFFD.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/dimension_list.h"
+#include "app/recalculation.h"
+
+namespace quorvel::cli {
+
+std::string listJson(const std::vector<app::RecordedDimension>& dimensions);
+std::string checkJson(const std::string& file, const std::vector<app::DimensionCheck>& checks);
+std::string errorJson(const std::string& file, const std::string& cause);
+
+}  // namespace quorvel::cli

@@ -1,0 +1,94 @@
+#include "cli/snap_command.h"
+
+#include <nlohmann/json.hpp>
+
+#include "app/dump.h"
+#include "app/script.h"
+
+namespace quorvel::cli {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kKindNames[] = {"nothing", "free",    "anchor", "intersection",
+                                      "path",    "tangent", "normal", "center"};
+
+std::string kindName(std::int16_t kind) {
+    return kind >= 0 && kind < static_cast<std::int16_t>(std::size(kKindNames)) ? kKindNames[kind]
+                                                                                : std::to_string(kind);
+}
+
+std::string outcome(const QuorvelSnapRow& row, const std::string& winner) {
+    if (row.wins) return "wins";
+    if (!row.on) return row.setting == nullptr ? "is off" : std::string("is off (") + row.setting + ")";
+    if (!row.now) return "runs at a later step";
+    if (row.kind == 0) return "found nothing";
+    return "did not run: " + winner + " came before it";
+}
+
+Json snapJson(app::HeadlessSession& session, const SnapQuestion& question) {
+    host::Host& host = session.host();
+    const host::ToolRecord* tool = question.tool.empty() ? (host.tools().empty() ? nullptr : &host.tools().front())
+                                                         : host.toolByTitle(question.tool);
+    if (tool == nullptr) throw app::InputError("--tool: no tool is titled " + app::quotedWord(question.tool));
+    host.setZoom(static_cast<float>(question.zoom));
+    const std::unique_ptr<QuorvelSnapMessage> report = host.snapReport(*tool, question.at);
+    if (report == nullptr) throw app::InputError("the plug-in does not tell what it snaps to");
+    Json json;
+    json["tool"] = tool->title;
+    json["at"] = Json::array({app::shortest(question.at.h), app::shortest(question.at.v)});
+    json["zoom"] = question.zoom;
+    json["point"] = json["at"];
+    json["kind"] = "free";
+    json["searches"] = Json::array();
+    std::string winner;
+    for (std::int32_t i = 0; i < report->rowCount; ++i) {
+        const QuorvelSnapRow& row = report->rows[i];
+        Json entry;
+        entry["search"] = row.search;
+        entry["setting"] = row.setting == nullptr ? Json(nullptr) : Json(row.setting);
+        entry["finds"] = kindName(row.kind);
+        entry["point"] = Json::array({app::shortest(row.point.h), app::shortest(row.point.v)});
+        entry["art"] = Json::array();
+        for (std::int16_t cell = 0; cell < row.cellCount; ++cell) {
+            const doc::Art* art = session.document()->find(host.artOfHandle(row.arts[cell]));
+            entry["art"].push_back({{"id", art == nullptr ? "" : art->svgId}, {"index", row.indices[cell]}});
+        }
+        entry["outcome"] = outcome(row, winner);
+        if (row.wins) {
+            winner = row.search;
+            json["point"] = entry["point"];
+            json["kind"] = entry["finds"];
+        }
+        json["searches"].push_back(std::move(entry));
+    }
+    return json;
+}
+
+std::string snapText(const Json& report) {
+    const auto point = [](const Json& value) { return value[0].dump() + "," + value[1].dump(); };
+    std::string out = report["tool"].get<std::string>() + " at " + point(report["at"]) + " lands on " +
+                      point(report["point"]) + " (" + report["kind"].get<std::string>() + ")\n";
+    for (const Json& search : report["searches"]) {
+        std::string line = "  " + search["search"].get<std::string>();
+        line.resize(std::max<std::size_t>(line.size(), 18), ' ');
+        line += search["outcome"].get<std::string>();
+        if (search["finds"] != "nothing") {
+            line += ": " + search["finds"].get<std::string>() + " " + point(search["point"]);
+            for (const Json& art : search["art"])
+                line += "  " + art["id"].get<std::string>() + "[" + art["index"].dump() + "]";
+        }
+        out += line + '\n';
+    }
+    return out;
+}
+
+}  // namespace
+
+std::string snapReport(app::HeadlessSession& session, const SnapQuestion& question, bool asJson) {
+    const Json report = snapJson(session, question);
+    return asJson ? report.dump(1, ' ', false, Json::error_handler_t::replace) + '\n' : snapText(report);
+}
+
+}  // namespace quorvel::cli

@@ -1,0 +1,109 @@
+// The sheet on the desk: shows the drawing on its page and pasteboard, zooms at the mouse, pans, and lets the hand that
+// is in force draw. What is drawn is kept as a picture, of which only what has changed is drawn again.
+#pragma once
+
+#include <QImage>
+#include <QTransform>
+#include <QWidget>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "desktop/canvas/canvas_cache.h"
+#include "desktop/canvas/canvas_tool.h"
+#include "desktop/session.h"
+#include "document/document.h"
+#include "render/painter.h"
+
+namespace quorvel::desktop {
+
+class Canvas : public QWidget, private doc::DocumentObserver {
+    Q_OBJECT
+
+  public:
+    explicit Canvas(Session* session, QWidget* parent = nullptr);
+    ~Canvas() override;
+
+    void setTool(CanvasTool* tool);
+    CanvasTool* tool() const { return tool_; }
+    void refreshCursor() { showCursor(); }
+    // Another drawing is open, or none. folder: of the file.
+    void drawingReplaced(const QString& name, const QString& folder);
+    // Before the drawing that is open goes away.
+    void drawingLeaves();
+
+    void zoomAt(QPointF pixel, double factor);
+    void setZoom(double zoom);
+    void zoomToBox(QRectF pixels);
+    void fit();
+    // By whole pixels of the screen, so that the picture stays sharp; gives how far, in the canvas's pixels.
+    QPointF scrollBy(QPointF pixels);
+    void setGuidesShown(bool shown);
+    bool guidesShown() const { return options_.guides; }
+
+    RealPoint toArtwork(QPointF pixel) const;
+    QPointF toPixel(RealPoint point) const;
+    QTransform toPixels() const;  // document points to the canvas's pixels
+
+    // What stands on the screen once the picture is sharp, and what a drawing of it from scratch looks like.
+    QImage shown();
+    QImage fresh();
+    bool isSharp() const { return picture_.isSharp(); }
+
+    QSize sizeHint() const override { return {900, 700}; }
+
+  signals:
+    void cursorMoved(quorvel::RealPoint point, QPointF pixel);
+    void cursorLeft();
+    void viewChanged();
+    void pictureProgressed(int done, int total);  // equal when it is sharp
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void artInserted(doc::ArtId art) override;
+    void artRemoved(doc::ArtId art) override;
+    void artChanged(doc::ArtId art) override;
+    void tagChanged(doc::ArtId art, const std::string& name) override;
+    void layersChanged() override;
+
+    void drawAllAnew();
+    void note(doc::ArtId top);
+    void noteSubtree(const doc::Art& top);
+    void rememberBoxes(doc::ArtId top);
+    QRect damageInPixels();
+    void refresh();  // the kept picture is up to date afterwards, or on its way
+    void drawGround(QPainter* painter, const CanvasCache::View& view, const QRectF& part) const;
+    void invertPreview(QImage* image) const;
+    ToolEvent toolEvent(const QMouseEvent& event) const;
+    void endLostPress(const QMouseEvent& event);
+    void showCursor();
+    bool panning() const { return panButton_ != Qt::NoButton; }
+
+    Session* session_;
+    CanvasTool* tool_ = nullptr;
+    std::unique_ptr<render::DocumentPainter> painter_;
+    doc::Document* observed_ = nullptr;
+    render::PaintOptions options_;
+    QString name_;
+    CanvasCache picture_;
+    bool allStale_ = true;
+    std::vector<doc::ArtId> stale_;
+    std::unordered_map<doc::ArtId, QRectF> boxes_;  // in document points, as last drawn
+    Qt::MouseButton panButton_ = Qt::NoButton;
+    bool spaceHeld_ = false, drawing_ = false;
+    QPointF panFrom_;
+};
+
+}  // namespace quorvel::desktop

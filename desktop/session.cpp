@@ -1,0 +1,190 @@
+// Sets host, plug-in and backend up in the order in which each needs the other, and takes them down the other way
+// round.
+#include "desktop/session.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QLibraryInfo>
+#include <cmath>
+#include <regex>
+#include <sstream>
+
+#include "app/headless_session.h"
+#include "app/script.h"
+#include "desktop/causes.h"
+#include "platform/file.h"
+#include "platform/text.h"
+
+namespace quorvel::desktop {
+
+namespace {
+
+constexpr char kEnglishTool[] = "Oblique Dimension Tool";
+constexpr char kFirstUnit[] = "mm";  // of the rulers before a drawing brings its own, as of a new page
+
+}  // namespace
+
+Session::Session(const SessionOptions& options) : options_(options) {
+    // The language is written into the profile before anything of it is read.
+    if (!options.language.empty()) app::HeadlessSession({options.profile, options.language, {}, {}});
+    user_ = std::make_unique<platform::QtBackend>(options.profile);
+    platform::InstallBackend(user_.get());
+    host::HostOptions hostOptions;
+    hostOptions.seed = options.seed;
+    host_ = std::make_unique<host::Host>(hostOptions);
+    connectHost();
+    connectUser();
+}
+
+Session::~Session() {
+    shutdown();
+    host_.reset();
+    platform::InstallBackend(nullptr);
+}
+
+void Session::connectHost() {
+    host::HostCallbacks& calls = host_->callbacks;
+    calls.errorAlert = [this](const std::string& text) {
+        recorder_.alertShown(text);
+        user_->showAlert(text);
+    };
+    calls.yesNoAlert = [this](const std::string& text) { return user_->askQuestion(text); };
+    calls.progress = [this](int current, int maximum) { emit progressed(current, maximum); };
+    calls.createPanelWindow = [this](const host::PanelRecord&) {
+        void* window = user_->createPanelWindow();
+        panelPage_ = platform::QtBackend::panelWidget(window);
+        return window;
+    };
+    calls.destroyPanelWindow = [this](void* window) {
+        user_->destroyPanelWindow(window);
+        panelPage_ = nullptr;
+    };
+    calls.panelShown = [this](const host::PanelRecord& panel) { emit panelShown(panel.shown); };
+    calls.viewRepainted = [this] {
+        user_->setViewTitle(viewTitle());
+        user_->viewRepainted();
+        emit viewRepainted();
+    };
+    calls.stepMade = [this](const std::string& name) {
+        recorder_.stepMade();
+        emit stepMade(QString::fromStdString(name));
+    };
+}
+
+void Session::connectUser() {
+    platform::QtBackendEvents& events = user_->events;
+    events.surfaceDrawn = [this] { emit surfaceDrawn(); };
+    events.cursorChosen = [this](std::int32_t, const QCursor& cursor) { emit cursorChosen(cursor); };
+    events.beeped = [this] { emit beeped(); };
+    events.dialogOpened = [this] { recorder_.dialogOpened(); };
+    events.dialogAnswered = [this](const platform::DialogReply& reply) { recorder_.dialogAnswered(reply); };
+    events.boxAnswered = [this](bool accepted, bool) { recorder_.boxAnswered(accepted); };
+    events.fileChosen = [this](const std::optional<std::string>& path) { recorder_.fileChosen(path); };
+    events.panelUsed = [this](const platform::DialogStep& step) {
+        // The button that recalculates is pressed; all others are switched.
+        constexpr std::int32_t kRecalculate = 31;
+        recorder_.panelUsed(step, step.control != kRecalculate);
+    };
+}
+
+bool Session::start(QString* error) {
+    const std::string file = options_.pluginFile.empty() ? app::findPluginFile() : options_.pluginFile;
+    std::string cause;
+    if (!options_.recordFile.empty()) {
+        if (!recorder_.open(options_.recordFile, options_.seed)) {
+            *error = QString::fromStdString(options_.recordFile + ": cannot be written");
+            return false;
+        }
+        recordSettings();
+    }
+    if (!host_->loadPlugin(file, &cause)) {
+        *error = QString::fromStdString(file + ": " + cause);
+        return false;
+    }
+    started_ = true;
+    host_->setRulerUnit(kFirstUnit);
+    const AIErr result = host_->startup();
+    if (result != kNoErr) *error = QString::fromStdString(file + ": start-up failed with " + std::to_string(result));
+    english_ = host_->toolByTitle(kEnglishTool) != nullptr;
+    speak();
+    recordPanel();
+    return result == kNoErr;
+}
+
+void Session::shutdown() {
+    if (!started_) return;
+    started_ = false;
+    host_->shutdown();
+    recorder_.flush();
+}
+
+// The settings in force are a part of what is recorded: another machine has others.
+void Session::recordSettings() {
+    std::string bytes;
+    if (!platform::ReadWholeFile(app::settingsFileBelow(user_->documentsFolder()), &bytes)) return;
+    static const std::regex kLine("^\\s*([A-Za-z_0-9]+)\\s*=\\s*(\"([^\"]*)\"|\\S*)\\s*$");
+    std::istringstream text(platform::ToUtf8(bytes, platform::kCodePageJapanese));
+    for (std::string line; std::getline(text, line);) {
+        std::smatch found;
+        if (!std::regex_match(line, found, kLine)) continue;
+        const bool quoted = found[3].matched;
+        recorder_.line("set " + found[1].str() + ' ' + app::quotedWord(quoted ? found[3].str() : found[2].str()));
+    }
+}
+
+// The command line has another unit at its start, and a step that is said in it is a little off.
+void Session::recordPanel() {
+    constexpr std::int32_t kGridSteps[] = {20, 22, 24};
+    const platform::ControlForm* panel = user_->panelForm();
+    if (!recorder_.on() || panel == nullptr) return;
+    for (const std::int32_t step : kGridSteps)
+        recorder_.line("panel text " + std::to_string(step) + ' ' + app::quotedWord(panel->text(step)));
+}
+
+// Qt's own buttons and dialogs speak the language of the tools, where its translations are installed.
+void Session::speak() {
+    if (english_) return;
+    qtWords_ = std::make_unique<QTranslator>();
+    if (qtWords_->load(QStringLiteral("qtbase_ja"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(qtWords_.get());
+}
+
+QString Session::say(const char* english, const char* japanese) const {
+    return QString::fromUtf8(english_ ? english : japanese);
+}
+
+QString Session::sayCause(const std::string& english) const {
+    const QString text = QString::fromStdString(english);
+    return english_ ? text : japaneseCause(text);
+}
+
+void Session::setDark(bool dark, const QColor& background, const QColor& text) {
+    dark_ = dark;
+    host::Theme theme;
+    const auto put = [](const QColor& color, float(&to)[4]) {
+        to[0] = 1;
+        to[1] = color.redF();
+        to[2] = color.greenF();
+        to[3] = color.blueF();
+    };
+    put(background, theme.background);
+    put(text, theme.text);
+    theme.value = dark ? 1 : 0;
+    host_->setTheme(theme);
+}
+
+std::string Session::viewTitle() const {
+    return viewName_.toStdString() + " @ " + std::to_string(std::lround(host_->view().zoom * 100)) + "%";
+}
+
+void Session::openView(const QString& name, int width, int height) {
+    viewName_ = name;
+    host::View& view = host_->view();
+    view.width = width;
+    view.height = height;
+    user_->openView(viewTitle(), width, height);
+}
+
+void Session::closeView() { user_->closeView(); }
+
+}  // namespace quorvel::desktop

@@ -1,0 +1,44 @@
+// The host's path style both ways: from a computed SVG style, and to the properties that say it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "document/document.h"
+#include "interchange/svg/paint.h"
+#include "svg/tree/style.h"
+#include "svg/values/affine.h"
+
+namespace quorvel::interchange {
+
+AIPathStyle pathStyleOf(const svg::SvgStyle& style, const svg::Affine& toDocument, PaintLookup* lookup);
+
+// Gives equal styles one object and one number.
+class StyleTable {
+  public:
+    explicit StyleTable(std::vector<doc::StylePtr>* styles) : styles_(styles) {}
+    std::int32_t add(const AIPathStyle& style);
+
+  private:
+    std::vector<doc::StylePtr>* styles_;
+    std::unordered_map<std::uint64_t, std::int32_t> byFingerprint_;
+};
+
+// --- writing -------------------------------------------------------------------------------------------------------
+
+struct StyleProperty {
+    std::string_view name;
+    std::string value;
+};
+// Properties in which the style differs from what is in force; all when there is nothing to compare with. The scale
+// is user units to points.
+std::vector<StyleProperty> styleProperties(const AIPathStyle& style, const AIPathStyle* inForce, double scale,
+                                           const PaintSources& sources);
+// Properties that undo what a container would do to new art.
+std::vector<StyleProperty> resetProperties(std::uint8_t unmodelledProperties);
+std::string joinProperties(const std::vector<StyleProperty>& properties);
+
+}  // namespace quorvel::interchange

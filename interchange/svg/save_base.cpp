@@ -1,0 +1,413 @@
+// Written out clones are read like any file, and the walk makes the same art in the same order as before: art keeps its
+// name, and gets elements of its own. Nested clones follow round by round.
+#include "interchange/svg/save_base.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "interchange/svg/art_hash.h"
+#include "interchange/svg/clones.h"
+#include "interchange/svg/svg.h"
+#include "interchange/svg/text.h"
+#include "svg/values/number.h"
+
+namespace quorvel::interchange {
+namespace {
+
+bool isIdentity(const RealMatrix& m) { return m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && m.tx == 0 && m.ty == 0; }
+
+bool sameMatrix(const RealMatrix& a, const RealMatrix& b) {
+    return a.a == b.a && a.b == b.b && a.c == b.c && a.d == b.d && a.tx == b.tx && a.ty == b.ty;
+}
+
+// The style of the lowest path.
+const AIPathStyle* styleOf(const doc::Document& document, const doc::Art& art) {
+    const doc::Art* at = &art;
+    while (at && !at->path) at = document.find(at->lastChild);
+    return at ? at->path->style.get() : nullptr;
+}
+
+std::int32_t elementNamedAt(const SvgSource& source, std::uint32_t offset) {
+    const auto found = std::ranges::lower_bound(source.elements, offset, {}, &SvgElement::nameOffset);
+    if (found == source.elements.end() || found->nameOffset != offset) return -1;
+    return static_cast<std::int32_t>(found - source.elements.begin());
+}
+
+// What an element finds around it.
+struct InheritedContext {
+    svg::Affine map;
+    std::int32_t style = -1;
+    bool operator==(const InheritedContext&) const = default;
+};
+
+class CloneCheck {
+  public:
+    CloneCheck(const doc::Document& document, const SaveBase& base)
+        : document_(document),
+          base_(base),
+          source_(base.source()),
+          fate_(source_.elements.size(), CloneState::kGone),
+          childCount_(source_.elements.size(), 0),
+          targets_(source_.elements.size(), 0) {
+        for (std::size_t i = 1; i < source_.elements.size(); ++i)
+            ++childCount_[static_cast<std::size_t>(source_.elements[i].parent)];
+        for (doc::LayerId id : document.layers()) visitLayer(*document.layer(id));
+        followOrigins();
+    }
+
+    // Numbers among the source's uses.
+    std::vector<std::size_t> stale() const {
+        std::vector<std::size_t> found;
+        for (std::size_t i = 0; i < source_.uses.size(); ++i) {
+            const auto at = static_cast<std::size_t>(source_.uses[i].element);
+            if (fate_[at] == CloneState::kChanged && targets_[at] != 0) found.push_back(i);
+        }
+        return found;
+    }
+
+    std::uint32_t target(std::size_t use) const {
+        return targets_[static_cast<std::size_t>(source_.uses[use].element)];
+    }
+
+  private:
+    enum class CloneState : std::uint8_t { kGone, kKept, kChanged };
+
+    void visitLayer(const doc::Layer& layer) {
+        const doc::Art& root = *document_.find(layer.root);
+        const std::int32_t element = base_.elementOf(layer);
+        const InheritedContext page{source_.ctms[0], source_.elements[0].style};
+        if (element > 0) {
+            visit(root, &layer, element, page);
+        } else {
+            visitChildren(root, page);
+        }
+    }
+
+    // True when one of them has changed.
+    bool visitChildren(const doc::Art& parent, const InheritedContext& inside) {
+        bool changed = false;
+        for (doc::ArtId id = parent.lastChild; id != 0;) {
+            const doc::Art& child = *document_.find(id);
+            changed |= visit(child, nullptr, base_.elementOf(child), inside);
+            id = child.above;
+        }
+        return changed;
+    }
+
+    bool visit(const doc::Art& art, const doc::Layer* layer, std::int32_t number, const InheritedContext& around) {
+        if (number < 0) {
+            if (art.kind == kGroupArt) visitChildren(art, around);
+            return true;
+        }
+        const SvgElement& record = source_.elements[static_cast<std::size_t>(number)];
+        const SvgElement& parent = source_.elements[static_cast<std::size_t>(record.parent)];
+        const InheritedContext expected{source_.ctms[parent.ctm], parent.style};
+        bool changed = !(around == expected);
+        if (record.kind == SvgKind::kGroup || record.kind == SvgKind::kLayer) {
+            InheritedContext inside{source_.ctms[record.ctm], record.style};
+            if (!(around.map == expected.map)) inside = {around.map, -1};
+            changed |= visitChildren(art, inside);
+            changed |= !sameChildren(art, number);
+        }
+        const std::uint64_t revision = layer ? layer->revision : art.revision;
+        const bool look =
+            revision != 0 || art.kind == kCompoundPathArt || record.kind == SvgKind::kUse || base_.writtenOut(art);
+        changed = changed || (look && (looksOther(document_, source_, art, layer, record) || otherId(art, record)));
+        fate_[static_cast<std::size_t>(number)] = changed ? CloneState::kChanged : CloneState::kKept;
+        return changed;
+    }
+
+    // A use element would no longer find it.
+    bool otherId(const doc::Art& art, const SvgElement& record) const {
+        if (art.parent == 0 || art.revision == 0) return false;
+        const svg::StartTag tag(svg::startTagText(source_.text, record.nameOffset), &source_.entities);
+        return tag.attribute("id").value_or("") != art.svgId;
+    }
+
+    bool sameChildren(const doc::Art& art, std::int32_t number) const {
+        std::size_t count = 0;
+        std::int32_t last = -1;
+        for (doc::ArtId id = art.lastChild; id != 0; ++count) {
+            const doc::Art& child = *document_.find(id);
+            const std::int32_t element = base_.elementOf(child);
+            if (element <= last || source_.elements[static_cast<std::size_t>(element)].parent != number) return false;
+            last = element;
+            id = child.above;
+        }
+        return count == childCount_[static_cast<std::size_t>(number)];
+    }
+
+    // Everything that a clone shows says where it comes from. Origins stand in the order of the elements, with those of
+    // clones' members between them.
+    void followOrigins() {
+        std::vector<std::int32_t> elements(source_.origins.size(), -1), owners(source_.origins.size(), -1);
+        std::int32_t next = 0;
+        for (std::size_t i = 0; i < source_.origins.size(); ++i) {
+            const SvgOrigin& origin = source_.origins[i];
+            const auto around = static_cast<std::size_t>(origin.parent);
+            if (i > 0) owners[i] = owners[around];
+            if (i > 0 && elements[around] >= 0 &&
+                source_.elements[static_cast<std::size_t>(elements[around])].kind == SvgKind::kUse) {
+                owners[i] = elements[around];
+                targets_[static_cast<std::size_t>(owners[i])] = origin.nameOffset;
+            }
+            if (owners[i] < 0) {
+                elements[i] = next++;
+            } else if (const std::int32_t shown = elementNamedAt(source_, origin.nameOffset); shown >= 0) {
+                CloneState& own = fate_[static_cast<std::size_t>(owners[i])];
+                if (own == CloneState::kKept && fate_[static_cast<std::size_t>(shown)] != CloneState::kKept)
+                    own = CloneState::kChanged;
+            }
+        }
+    }
+
+    const doc::Document& document_;
+    const SaveBase& base_;
+    const SvgSource& source_;
+    std::vector<CloneState> fate_;
+    std::vector<std::size_t> childCount_;
+    std::vector<std::uint32_t> targets_;  // of use elements: the name's offset of what they refer to
+};
+
+// An element whose transform is to be changed.
+struct TransformEdit {
+    std::int32_t element = -1;
+    RealMatrix motion;
+    std::string startTag;
+};
+
+bool isTurnOrShift(const RealMatrix& m) {
+    constexpr double kLeast = 1e-4;  // points; what moves less stays
+    const bool linear = std::abs(m.a - 1) > 1e-6 || std::abs(m.b) > 1e-6;
+    return std::abs(double(m.a) * m.a + double(m.b) * m.b - 1) < 1e-5 && std::abs(m.a - m.d) < 1e-5 &&
+           std::abs(m.b + m.c) < 1e-5 && (linear || std::abs(m.tx) > kLeast || std::abs(m.ty) > kLeast);
+}
+
+// Shifts to a billionth of a unit: beyond lie the sums that led to them.
+svg::Affine withoutNoise(svg::Affine map) {
+    for (double* shift : {&map.e, &map.f})
+        *shift = svg::fewestDecimals(*shift, [&](double q) { return std::abs(q - *shift) < 1e-9; });
+    return map;
+}
+
+// Finds the outermost elements that refer to others, stand where they stood and have moved as a whole. Clones that are
+// written out are among them: what they show may refer to anything.
+class FollowerSearch {
+  public:
+    FollowerSearch(const doc::Document& document, const SaveBase& base)
+        : document_(document), base_(base), source_(base.source()), rules_(source_) {
+        for (doc::LayerId id : document.layers()) {
+            const doc::Layer& layer = *document.layer(id);
+            const std::int32_t element = base.elementOf(layer);
+            if (element >= 0) visitChildren(*document.find(layer.root), element);
+        }
+    }
+
+    std::vector<TransformEdit> found() { return std::move(found_); }
+
+  private:
+    void visitChildren(const doc::Art& parent, std::int32_t number) {
+        for (doc::ArtId id = parent.lastChild; id != 0;) {
+            const doc::Art& child = *document_.find(id);
+            const std::int32_t element = base_.elementOf(child);
+            if (element >= 0 && source_.elements[static_cast<std::size_t>(element)].parent == number)
+                visit(child, element);
+            id = child.above;
+        }
+    }
+
+    void visit(const doc::Art& art, std::int32_t number) {
+        const SvgElement& record = source_.elements[static_cast<std::size_t>(number)];
+        // Those that are moved by their transform in any case are done by the way.
+        if (record.kind == SvgKind::kForeign || record.kind == SvgKind::kUse || record.kind == SvgKind::kText) return;
+        Motion motion;
+        addMotion(art, &motion);
+        if (motion.alike && isTurnOrShift(motion.matrix) && take(art, number, motion)) return;
+        if (record.kind == SvgKind::kGroup && motion.any) visitChildren(art, number);
+    }
+
+    struct Motion {
+        RealMatrix matrix;
+        bool begun = false, any = false, alike = true;
+        bool ownAngles = false;  // paints and texts that have their angle by themselves
+    };
+
+    // Of all that stood in the file; what is new is drawn for where it is.
+    void addMotion(const doc::Art& art, Motion* motion) const {
+        if (art.kind == kGroupArt) {
+            for (doc::ArtId id = art.lastChild; id != 0; id = document_.find(id)->above)
+                addMotion(*document_.find(id), motion);
+            return;
+        }
+        if (base_.elementOf(art) < 0) return;
+        const doc::Art* bearer = &art;
+        while (bearer->kind == kCompoundPathArt && bearer->lastChild != 0) bearer = document_.find(bearer->lastChild);
+        motion->alike &= !motion->begun || sameMatrix(motion->matrix, bearer->foreignMatrix);
+        motion->any |= !isIdentity(bearer->foreignMatrix);
+        motion->matrix = bearer->foreignMatrix;
+        motion->begun = true;
+        motion->ownAngles |= bearer->text != nullptr;
+        if (bearer->path && bearer->path->style) {
+            const AIPathStyle& style = *bearer->path->style;
+            motion->ownAngles |= (style.fillPaint && style.fill.kind == kGradientPaint) ||
+                                 (style.strokePaint && style.stroke.kind == kGradientPaint);
+        }
+    }
+
+    bool inheritsPaint(const doc::Art& art) const {
+        const AIPathStyle* style = art.kind == kGroupArt ? nullptr : styleOf(document_, art);
+        return style &&
+               ((style->fillPaint && style->fill.reference > 0) || (style->strokePaint && style->stroke.reference > 0));
+    }
+
+    bool take(const doc::Art& art, std::int32_t number, const Motion& motion) {
+        const RealMatrix& m = motion.matrix;
+        const bool turned = std::abs(m.a - 1) > 1e-6 || std::abs(m.b) > 1e-6;
+        if (turned && motion.ownAngles) return false;
+        const SvgElement& record = source_.elements[static_cast<std::size_t>(number)];
+        svg::StartTag tag(svg::startTagText(source_.text, record.nameOffset), &source_.entities);
+        if (!base_.isClone(art) && !inheritsPaint(art) && !rules_.refersToOthers(tag)) return false;
+        const svg::Affine& around = source_.ctms[source_.elements[static_cast<std::size_t>(record.parent)].ctm];
+        svg::Affine inverse, own;
+        const std::string said = tag.attribute("transform").value_or("");
+        if (!svg::invert(around, &inverse) || !svg::parseTransform(said, &own)) return false;
+        if (turned) {
+            // Floats turn with a trace of scale, which would show in every line width.
+            const double scale = std::hypot(double(m.a), double(m.b));
+            const svg::Affine turn{m.a / scale, m.b / scale, -m.b / scale, m.a / scale, m.tx, m.ty};
+            tag.set("transform",
+                    formatMatrix(withoutNoise(svg::compose(svg::compose(inverse, svg::compose(turn, around)), own))));
+        } else {
+            const svg::Affine shift = withoutNoise(svg::compose(inverse, concat(m, around)));
+            std::string text = "translate(";
+            svg::appendNumber(&text, shift.e);
+            text += ',';
+            svg::appendNumber(&text, shift.f);
+            tag.set("transform", text + ")" + (said.empty() ? "" : " " + said));
+        }
+        found_.push_back({number, m, tag.str()});
+        return true;
+    }
+
+    const doc::Document& document_;
+    const SaveBase& base_;
+    const SvgSource& source_;
+    SvgRules rules_;
+    std::vector<TransformEdit> found_;
+};
+
+}  // namespace
+
+bool looksOther(const doc::Document& document, const SvgSource& source, const doc::Art& art, const doc::Layer* layer,
+                const SvgElement& record) {
+    if ((layer ? !layer->visible : art.hidden) != record.hidden) return true;
+    switch (record.kind) {
+        case SvgKind::kPath:
+        case SvgKind::kShape: {
+            const AIPathStyle* style = styleOf(document, art);
+            return outlineHash(document, art) != record.content ||
+                   (style && !stylesAlike(*style, *source.styles[static_cast<std::size_t>(record.style)]));
+        }
+        case SvgKind::kText: {
+            const SvgTextOrigin& origin = source.texts[static_cast<std::size_t>(record.text)];
+            return !sameMatrix(art.text->matrix, origin.matrix) || textHash(*art.text, true) != origin.wording;
+        }
+        case SvgKind::kForeign:
+            return !isIdentity(art.foreignMatrix);
+        case SvgKind::kUse:
+            return contentHash(document, art) != record.content;
+        default:
+            return false;
+    }
+}
+
+SaveBase::SaveBase(const doc::Document& document, const SvgSource& source) : read_(source) {
+    writeOutClones(document);
+    rewriteMovedTransforms(document);
+}
+
+bool SaveBase::readAgain(std::string text, const doc::Document& document) {
+    SvgReadResult result = readSvg(std::move(text), document.paintSources);
+    // A file whose use elements refer to each other in a circle may read otherwise.
+    if (!result.document || result.document->artCount() != read_.artCount) return false;
+    again_ = std::move(result.document);
+    return true;
+}
+
+void SaveBase::writeOutClones(const doc::Document& document) {
+    while (!source().uses.empty()) {
+        const CloneCheck check(document, *this);
+        const std::vector<std::size_t> stale = check.stale();
+        if (stale.empty()) return;
+        const SvgSource& now = source();
+        const SvgRules rules(now);
+        std::string text;
+        std::size_t copied = 0;
+        for (std::size_t use : stale) {
+            const SvgElement& element = now.elements[static_cast<std::size_t>(now.uses[use].element)];
+            const std::size_t begin = element.nameOffset - std::size_t{1};
+            text += std::string_view(now.text).substr(copied, begin - copied);
+            text += expandedUse(now, rules, now.uses[use], check.target(use));
+            copied = begin + svg::elementText(now.text, element.nameOffset).size();
+        }
+        text += std::string_view(now.text).substr(copied);
+        if (!readAgain(std::move(text), document)) return;
+    }
+}
+
+void SaveBase::rewriteMovedTransforms(const doc::Document& document) {
+    std::vector<TransformEdit> followers = FollowerSearch(document, *this).found();
+    if (followers.empty()) return;
+    std::ranges::sort(followers, {}, &TransformEdit::element);
+    const SvgSource& now = source();
+    std::string text;
+    std::size_t copied = 0;
+    std::vector<RealMatrix> motions(now.elements.size());
+    for (const TransformEdit& follower : followers) {
+        const std::uint32_t offset = now.elements[static_cast<std::size_t>(follower.element)].nameOffset;
+        text += std::string_view(now.text).substr(copied, offset - 1 - copied);
+        text += follower.startTag;
+        copied = offset - 1 + svg::startTagText(now.text, offset).size();
+        motions[static_cast<std::size_t>(follower.element)] = follower.motion;
+    }
+    text += std::string_view(now.text).substr(copied);
+    // Those around come first.
+    for (std::size_t i = 1; i < motions.size(); ++i) {
+        if (isIdentity(motions[i])) motions[i] = motions[static_cast<std::size_t>(now.elements[i].parent)];
+    }
+    if (readAgain(std::move(text), document)) motions_ = std::move(motions);
+}
+
+SaveBase::~SaveBase() = default;
+
+const SvgSource& SaveBase::source() const { return again_ ? *svgSource(*again_) : read_; }
+
+std::int32_t SaveBase::elementOf(const doc::Art& art) const {
+    if (!again_) return art.source;
+    const doc::Art* same = again_->find(art.id);
+    return same ? same->source : -1;
+}
+
+std::int32_t SaveBase::elementOf(const doc::Layer& layer) const {
+    if (!again_) return layer.source;
+    const doc::Layer* same = again_->layer(layer.id);
+    return same ? same->source : -1;
+}
+
+bool SaveBase::isClone(const doc::Art& art) const {
+    return again_ && art.source >= 0 && read_.elements[static_cast<std::size_t>(art.source)].kind == SvgKind::kUse;
+}
+
+bool SaveBase::isUnmoved(const doc::Art& art) const {
+    const std::int32_t element = elementOf(art);
+    const bool known = element >= 0 && !motions_.empty();
+    return sameMatrix(art.foreignMatrix, known ? motions_[static_cast<std::size_t>(element)] : RealMatrix{});
+}
+
+svg::Affine SaveBase::placeOf(const doc::Art& art) const {
+    return concat(art.foreignMatrix, read_.ctms[read_.origins[static_cast<std::size_t>(art.origin)].ctm]);
+}
+
+bool SaveBase::writtenOut(const doc::Art& art) const { return art.source < 0 && elementOf(art) >= 0; }
+
+}  // namespace quorvel::interchange

@@ -1,0 +1,29 @@
+// Drawings on paper: PDF at the page's own size, PNG at a resolution, and the printer.
+#pragma once
+
+#include <QPageLayout>
+#include <QString>
+#include <QTransform>
+
+#include "document/document.h"
+
+class QPrinter;
+
+namespace quorvel::render {
+
+constexpr double kPngResolution = 192;  // dots per inch
+
+struct ExportTarget {
+    QString path;                         // its ending says what it becomes: .pdf or .png
+    double dotsPerInch = kPngResolution;  // of PNG
+};
+
+// folder: where linked pictures lie. False with the cause; then nothing is left under the target's name that was not
+// there before.
+bool exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target, QString* error);
+// From the document to a printer's dots on the whole sheet: at true size where the paper holds the page, else as large
+// as fits between the margins.
+QTransform printTransform(const doc::Document& document, const QPageLayout& paper, int dotsPerInch);
+void printDrawing(const doc::Document& document, const QString& folder, QPrinter* printer);
+
+}  // namespace quorvel::render
