@@ -140,7 +140,8 @@ class Lister {
 
 std::string shortText(float value) {
     char digits[64];
-    return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
+    std::string text(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+    return text.find_first_of(".en") == std::string::npos ? text + ".0" : text;
 }
 
 }  // namespace
