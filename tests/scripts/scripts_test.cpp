@@ -1,28 +1,23 @@
 // Every NAME.script of this folder is a test. It must run through with its own expectations held; the drawing that it
 // leaves must come back from its file as it was, and go back to the bytes it was opened from by undoing. Lines
 //   # shows KIND "TEXT" "TEXT"
-// name the dimensions on it in the order of making, with values that were worked out by hand. Where NAME.expected.json
-// stands beside it, the drawing's dump is held against that; tools/accept takes new dumps over after they were looked
-// at.
+// name the dimensions on it in the order of making, with values that were worked out by hand. A file NAME.expected.txt
+// beside it holds the drawing as compactDump writes it; tools/accept takes new ones over after they were looked at.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "interchange/svg/svg.h"
+#include "tests/support/compact_dump.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
-
-constexpr double kNumberTolerance = 1e-4;  // of the number, or of 1 below it
 
 std::string folderOfScripts() { return std::string(QUORVEL_SOURCE_DIR) + "/tests/scripts"; }
 
@@ -32,61 +27,6 @@ std::vector<std::string> scriptNames() {
         if (entry.path().extension() == ".script") names.push_back(entry.path().stem().string());
     std::sort(names.begin(), names.end());
     return names;
-}
-
-// Where the two part first, with both values; empty when they do not.
-std::string firstDifference(const Json& expected, const Json& actual, const std::string& place = "drawing") {
-    if (expected.is_number() && actual.is_number()) {
-        const double a = expected.get<double>(), b = actual.get<double>();
-        const double size = std::max({1.0, std::abs(a), std::abs(b)});
-        if (a == b || std::abs(a - b) <= kNumberTolerance * size) return {};
-    } else if (expected.is_object() && actual.is_object()) {
-        for (const auto& [key, value] : expected.items()) {
-            if (!actual.contains(key)) return place + "." + key + " is missing";
-            if (std::string found = firstDifference(value, actual[key], place + "." + key); !found.empty())
-                return found;
-        }
-        for (const auto& [key, value] : actual.items())
-            if (!expected.contains(key)) return place + "." + key + " is new: " + value.dump().substr(0, 80);
-        return {};
-    } else if (expected.is_array() && actual.is_array()) {
-        for (std::size_t i = 0; i < std::min(expected.size(), actual.size()); ++i) {
-            const std::string item = place + "[" + std::to_string(i) + "]";
-            if (std::string found = firstDifference(expected[i], actual[i], item); !found.empty()) return found;
-        }
-        if (expected.size() == actual.size()) return {};
-        return place + " has " + std::to_string(actual.size()) + " items, expected " + std::to_string(expected.size());
-    } else if (expected == actual) {
-        return {};
-    }
-    return place + " is " + actual.dump().substr(0, 200) + ", expected " + expected.dump().substr(0, 200);
-}
-
-// What a file does not keep: what is selected.
-Json withoutSelection(Json json) {
-    if (json.is_object()) json.erase("selected");
-    if (json.is_structured())
-        for (Json& part : json) part = withoutSelection(std::move(part));
-    return json;
-}
-
-// What fits stands on one line, so that a change shows as a few lines.
-void print(const Json& json, std::ostream& out, const std::string& indent = "") {
-    const std::string flat = json.dump();
-    if (!json.is_structured() || json.empty() || indent.size() + flat.size() <= 118) {
-        out << flat;
-        return;
-    }
-    const std::string deeper = indent + " ";
-    const char* before = "";
-    out << (json.is_array() ? "[" : "{");
-    for (const auto& [key, value] : json.items()) {
-        out << before << '\n' << deeper;
-        if (json.is_object()) out << Json(key).dump() << ": ";
-        print(value, out, deeper);
-        before = ",";
-    }
-    out << '\n' << indent << (json.is_array() ? "]" : "}");
 }
 
 std::string shownBy(const app::RecordedDimension& dimension) {
@@ -104,20 +44,22 @@ std::vector<std::string> promised(const std::string& script) {
     return found;
 }
 
-void expectDump(const std::string& name, const Json& actual) {
+std::string drawn(ScriptRun& run, Selection selection) {
+    return compactDump(run.document(), run.session().host().rulerUnit(), selection);
+}
+
+void expectDump(const std::string& name, const std::string& actual) {
     const fs::path base = fs::path(folderOfScripts()) / name;
-    const fs::path expectedFile = base.string() + ".expected.json", actualFile = base.string() + ".actual.json";
+    const fs::path expectedFile = base.string() + ".expected.txt", actualFile = base.string() + ".actual.txt";
     if (!fs::exists(expectedFile)) return;
     const bool accept = std::getenv("QUORVEL_ACCEPT") != nullptr;
-    const Json expected = Json::parse(readBytes(expectedFile.string()), nullptr, false);
-    const std::string difference = firstDifference(expected, actual);
+    const std::string difference = firstDifference(readBytes(expectedFile.string()), actual);
     if (difference.empty()) {
         fs::remove(actualFile);
         return;
     }
     std::ofstream out(accept ? expectedFile : actualFile);
-    print(actual, out);
-    out << '\n';
+    out << actual;
     ASSERT_TRUE(out.good());
     if (!accept) ADD_FAILURE() << difference << "\nthe whole dump is in " << actualFile.string();
 }
@@ -126,8 +68,8 @@ void expectComesBackFromItsFile(ScriptRun& run) {
     const std::string bytes = run.saved();
     const interchange::SvgReadResult again = interchange::readSvg(bytes);
     ASSERT_NE(again.document, nullptr) << again.error;
-    EXPECT_EQ(firstDifference(withoutSelection(Json::parse(run.dump())),
-                              withoutSelection(Json::parse(app::dumpDocument(*again.document, again.rulerUnit)))),
+    EXPECT_EQ(firstDifference(drawn(run, Selection::kLeftOut),
+                              compactDump(*again.document, again.rulerUnit, Selection::kLeftOut)),
               "");
     EXPECT_TRUE(interchange::writeSvg(*again.document) == bytes) << "a second save writes other bytes";
 }
@@ -146,14 +88,14 @@ std::string openedFile(const ScriptRun& run) {
 void expectUndoGoesAllTheWay(ScriptRun& run) {
     const std::string file = openedFile(run);
     if (file.empty()) return;
-    const Json drawn = withoutSelection(Json::parse(run.dump()));
+    const std::string before = drawn(run, Selection::kLeftOut);
     host::Host& host = run.session().host();
     int steps = 0;
     while (host.undo()) ++steps;
     EXPECT_TRUE(run.saved() == readBytes(file)) << "undoing " << steps << " steps does not give the file's bytes";
     while (steps > 0 && host.redo()) --steps;
     EXPECT_EQ(steps, 0) << "steps that could not be done again";
-    EXPECT_EQ(firstDifference(drawn, withoutSelection(Json::parse(run.dump()))), "");
+    EXPECT_EQ(firstDifference(before, drawn(run, Selection::kLeftOut)), "");
 }
 
 class Scripts : public testing::TestWithParam<std::string> {};
@@ -173,7 +115,7 @@ TEST_P(Scripts, Hold) {
     if (const std::vector<std::string> lines = promised(text); !lines.empty()) {
         EXPECT_EQ(shown, lines);
     }
-    expectDump(GetParam(), Json::parse(run.dump()));
+    expectDump(GetParam(), drawn(run, Selection::kShown));
     expectComesBackFromItsFile(run);
     expectUndoGoesAllTheWay(run);
 }
