@@ -13,6 +13,11 @@ enum class ErrorCode : std::uint16_t {
     kNone,
     // --- the system's, from errno; 1: its number -------------------------------------------------------------------
     kSystem,
+    // --- files ------------------------------------------------------------------------------------------------------
+    kDanglingLink,  // 1: the path that the link leads to
+    kReadOnlyFile,
+    kNotRegular,    // a device, pipe or socket where a file is read
+    kFileTooLarge,  // 1: the limit in megabytes
 };
 
 // Errors and warnings alike. Empty fields are not known or mean nothing to the code.

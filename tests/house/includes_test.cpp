@@ -58,7 +58,8 @@ const std::vector<Rule>& rules() {
     static const std::vector<Rule> all = {
         {"hostapi", {"hostapi/"}},
         {"base", {"base/"}},
-        {"platform", {"platform/"}},
+        {"files", {"files/", "base/"}},
+        {"platform", {"platform/", "files/", "base/"}},
         {"plugin",
          {"plugin/", "hostapi/", "platform/window.h", "platform/dialog.h", "platform/file.h", "platform/text.h",
           "platform/system.h"}},

@@ -1,0 +1,95 @@
+// A writer holds a lock on its temporary file; one whose process has ended and that nobody holds is a leftover.
+#include "files/temporary.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <random>
+#include <string_view>
+
+#include "files/state_folder.h"
+#include "files/target.h"
+
+namespace quorvel::files {
+namespace {
+
+std::string prefixFor(const std::string& targetName) { return ".qv" + hexOf(pathHash(targetName)).substr(0, 8) + "-"; }
+
+std::string newName(const std::string& targetName) {
+    std::random_device random;
+    char digits[9];
+    std::snprintf(digits, sizeof digits, "%08x", random());
+    return prefixFor(targetName) + std::to_string(::getpid()) + "-" + digits;
+}
+
+bool isProcessAlive(std::string_view number) {
+    int process = 0;
+    const auto [end, status] = std::from_chars(number.data(), number.data() + number.size(), process);
+    if (status != std::errc() || process <= 0) return true;  // not a name of ours
+    return ::kill(process, 0) == 0 || errno != ESRCH;
+}
+
+bool isUnlocked(int folder, const char* name) {
+    const Descriptor file(::openat(folder, name, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    return file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+}  // namespace
+
+Result<Temporary> Temporary::make(int folder, const std::string& targetName, unsigned mode) {
+    const int unnamed = ::openat(folder, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode);
+    if (unnamed >= 0) return Temporary(Descriptor(unnamed), "");
+    constexpr int kAttempts = 100;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        std::string name = newName(targetName);
+        Descriptor file(::openat(folder, name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, mode));
+        if (file.isOpen()) {
+            ::flock(file.get(), LOCK_EX | LOCK_NB);  // no file system without locks is a reason to refuse
+            return Temporary(std::move(file), std::move(name));
+        }
+        if (errno != EEXIST) return systemError(errno);
+    }
+    return systemError(EEXIST);
+}
+
+Status Temporary::moveTo(int folder, const std::string& targetName) {
+    if (name_.empty()) {
+        name_ = newName(targetName);
+        const std::string self = "/proc/self/fd/" + std::to_string(file_.get());
+        if (::linkat(AT_FDCWD, self.c_str(), folder, name_.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+            name_.clear();
+            return systemError(errno);
+        }
+    }
+    if (::renameat(folder, name_.c_str(), folder, targetName.c_str()) != 0) return systemError(errno);
+    name_.clear();
+    return {};
+}
+
+void Temporary::discard(int folder) {
+    if (!name_.empty()) ::unlinkat(folder, name_.c_str(), 0);
+    name_.clear();
+    file_.reset();
+}
+
+void removeLeftovers(int folder, const std::string& targetName) {
+    const std::string prefix = prefixFor(targetName);
+    DIR* entries = ::fdopendir(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (entries == nullptr) return;  // a folder that may be written but not listed
+    while (const dirent* entry = ::readdir(entries)) {
+        const std::string_view name = entry->d_name;
+        if (!name.starts_with(prefix)) continue;
+        const std::string_view behind = name.substr(prefix.size());
+        if (!isProcessAlive(behind.substr(0, behind.find('-'))) && isUnlocked(folder, entry->d_name))
+            ::unlinkat(folder, entry->d_name, 0);
+    }
+    ::closedir(entries);
+}
+
+}  // namespace quorvel::files
