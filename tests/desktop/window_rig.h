@@ -133,7 +133,12 @@ struct WindowRig {
         QTimer waiting;
         QObject::connect(&waiting, &QTimer::timeout, [&] {
             QWidget* dialog = QApplication::activeModalWidget();
-            if (dialog == nullptr || inside || came == there.size()) return;
+            if (dialog == nullptr || inside) return;
+            if (came == there.size()) {
+                ADD_FAILURE() << "one dialog more than expected: " << dialog->windowTitle().toStdString();
+                dialog->close();
+                return;
+            }
             inside = true;
             there[came++](dialog);
             inside = false;
@@ -156,7 +161,13 @@ struct WindowRig {
         ASSERT_NE(name, nullptr) << "no file dialog";
         auto* list = dialog->findChild<QListView*>(QStringLiteral("listView"));
         ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount(list->rootIndex()) > 0; }));
-        name->setText(path);
+        // A list that arrives late selects the proposed name again: the typed one must stay for a while.
+        int quietTurns = 0;
+        ASSERT_TRUE(QTest::qWaitFor([&] {
+            quietTurns = name->text() == path ? quietTurns + 1 : 0;
+            if (quietTurns == 0) name->setText(path);
+            return quietTurns > 10;
+        }));
         QTest::keyClick(name, Qt::Key_Return);
     }
     // The menu's item of this text, without the letters that only say its key.
