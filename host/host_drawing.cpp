@@ -100,7 +100,6 @@ void Host::closeDocument() {
 doc::Document* Host::document() const { return impl_->document.get(); }
 
 // --- the view
-// --------------------------------------------------------------------------------------------------------------
 
 View& Host::view() { return impl_->view; }
 
@@ -147,7 +146,6 @@ std::string Host::formatWithRulerUnit(float points, int precision) const {
 }
 
 // --- for the slots
-// ---------------------------------------------------------------------------------------------------------
 
 HostState& theHost() {
     HostState* host = runningHost();

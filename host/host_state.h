@@ -20,6 +20,10 @@
 #include "host/host.h"
 #include "host/suites/suite_support.h"
 
+namespace quorvel::fonts {
+struct Font;
+}
+
 namespace quorvel::host {
 
 struct TextRange {
@@ -167,6 +171,8 @@ Handle keepInArena(std::deque<Item>& list, Item item) {
     list.push_back(std::move(item));
     return makeHandle<Handle>(static_cast<std::uint32_t>(list.size()), theHost().arena.generation);
 }
+
+const fonts::Font& fontAt(std::uint32_t number);  // of a font's handle, from 1; refuses numbers behind the last
 
 std::u16string utf16Of(AIUnicodeStringRef string);
 std::string utf8Of(AIUnicodeStringRef string);

@@ -11,7 +11,6 @@ namespace quorvel::host {
 namespace {
 
 // --- view
-// ----------------------------------------------------------------------------------------------------------------
 
 AIErr getNthDocumentView(std::int32_t index, AIDocumentViewHandle* view) {
     require(index == 0 && view != nullptr);
@@ -43,7 +42,6 @@ AIErr artworkPointToViewPoint(AIDocumentViewHandle view, const RealPoint* artwor
 }
 
 // --- user
-// ----------------------------------------------------------------------------------------------------------------
 
 AIErr errorAlert(AIUnicodeStringRef text) {
     const std::string shown = utf8Of(text);
@@ -69,7 +67,6 @@ AIErr formatWithRulerUnit(float points, std::int32_t precision, char* text, std:
 }
 
 // --- undo
-// ----------------------------------------------------------------------------------------------------------------
 
 AIErr undoChanges() {
     HostState& host = theHost();
@@ -89,7 +86,6 @@ AIErr setUndoText(AIUnicodeStringRef undo, AIUnicodeStringRef redo) {
 }
 
 // --- panels
-// --------------------------------------------------------------------------------------------------------------
 
 PanelRecord& panelOf(AIPanelRef handle) {
     numberOf(handle);
@@ -180,7 +176,6 @@ AIErr insertFlyoutItem(AIPanelFlyoutMenuRef menu, std::int32_t item, AIUnicodeSt
 }
 
 // --- theme
-// ---------------------------------------------------------------------------------------------------------------
 
 AIErr getUIThemeColor(std::int32_t component, float colour[4]) {
     require(colour != nullptr && (component == kThemeBackground || component == kThemeText));

@@ -24,7 +24,6 @@ Handle nextHandle(const std::vector<Record>& records) {
 }
 
 // --- tools
-// ---------------------------------------------------------------------------------------------------------------
 
 // The number of the tool that opened the group (or toolset) of the tool joined; a tool that joins none opens one.
 template <auto member>
@@ -73,7 +72,6 @@ AIErr getToolTitle(AIToolHandle tool, char* title, std::int32_t size) {
 }
 
 // --- menus
-// ---------------------------------------------------------------------------------------------------------------
 
 bool groupKnown(const HostState& host, std::string_view name) {
     return std::find(host.menuGroups.begin(), host.menuGroups.end(), name) != host.menuGroups.end();
@@ -131,7 +129,6 @@ AIErr addMenuGroupAsSubMenu(const char* name, std::int32_t, AIMenuItemHandle ite
 }
 
 // --- timers, notifiers, actions
-// --------------------------------------------------------------------------------------------
 
 AIErr addTimer(SPPluginRef plugin, const char* name, std::int32_t period, AITimerHandle* timer) {
     requirePlugin(plugin);

@@ -63,7 +63,6 @@ QFont fontBySystemName(const std::string& systemName, float points) {
 }
 
 // --- making
-// -----------------------------------------------------------------------------------------------------------
 
 ControlForm::ControlForm(QWidget* page, const Content& content, StepListener listener)
     : page_(page), content_(content), listener_(std::move(listener)) {
@@ -166,7 +165,6 @@ void ControlForm::place(QWidget* widget, const ControlRow& row) const {
 }
 
 // --- the user's hand
-// -----------------------------------------------------------------------------------------------------
 
 void ControlForm::connectControl(const Control& control) {
     const std::int32_t id = control.row.id;
@@ -212,7 +210,6 @@ void ControlForm::postCommand(std::int32_t number) {
 }
 
 // --- what the logic asks and sets
-// ------------------------------------------------------------------------------------------
 
 ControlForm::Control* ControlForm::find(std::int32_t control) {
     const auto found =

@@ -65,7 +65,6 @@ QtBackend::~QtBackend() {
 }
 
 // --- the view
-// ---------------------------------------------------------------------------------------------------------
 
 void QtBackend::openView(const std::string& title, int width, int height) { screen_.openView(title, width, height); }
 void QtBackend::closeView() { screen_.closeView(); }
@@ -120,7 +119,6 @@ void QtBackend::drawArc(SurfaceRef surface, PixelRect box, Pixel start, Pixel en
 }
 
 // --- dialogs
-// ------------------------------------------------------------------------------------------------------------
 
 ControlForm* QtBackend::form(WindowRef window) const {
     auto* asked = reinterpret_cast<ControlForm*>(window);
@@ -176,7 +174,6 @@ void QtBackend::postCommand(WindowRef window, std::int32_t number) {
 }
 
 // --- the panel
-// ------------------------------------------------------------------------------------------------------------
 
 void* QtBackend::createPanelWindow() {
     auto* page = new QWidget;
@@ -229,7 +226,6 @@ void QtBackend::setPanelTheme(WindowRef window, const PanelTheme& theme) {
 }
 
 // --- controls
-// -------------------------------------------------------------------------------------------------------------
 
 std::string QtBackend::controlText(WindowRef window, std::int32_t control) {
     const ControlForm* found = form(window);
@@ -288,7 +284,6 @@ void QtBackend::setControlFont(WindowRef window, std::int32_t control, const std
 }
 
 // --- boxes and files
-// --------------------------------------------------------------------------------------------------------
 
 bool QtBackend::showMessageBox(const std::string& text, const std::string& title, MessageButtons buttons,
                                MessageIcon icon) {
@@ -339,7 +334,6 @@ bool QtBackend::askOpenFile(const std::string& filter, const std::string& propos
 }
 
 // --- sound, cursors, memory, folders
-// ------------------------------------------------------------------------------------------
 
 void QtBackend::beep(std::uint32_t) {
     QApplication::beep();
