@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/script.h"
+#include "app/sentences.h"
 #include "interchange/svg/svg.h"
 #include "platform/file.h"
 #include "platform/text.h"
@@ -117,10 +118,10 @@ void HeadlessSession::viewOpened(const std::string& name) {
 }
 
 void HeadlessSession::openDrawing(const std::string& path) {
-    interchange::SvgReadResult result = interchange::readSvgFile(path);
-    if (result.document == nullptr) throw InputError(path + ": " + result.error);
-    warnings_ = std::move(result.warnings);
-    host_->setDocument(std::move(result.document), result.rulerUnit);
+    Result<interchange::SvgDrawing> drawing = interchange::readSvgFile(path);
+    if (!drawing) throw InputError(sentence(drawing.error(), Language::english));
+    warnings_ = std::move(drawing->warnings);
+    host_->setDocument(std::move(drawing->document), drawing->rulerUnit);
     viewOpened(std::filesystem::path(path).filename().string());
 }
 
@@ -130,16 +131,15 @@ void HeadlessSession::newDrawing(float width, float height) {
 }
 
 void HeadlessSession::saveDrawing(const std::string& path) {
-    std::string error;
     std::error_code noFolder;  // a folder that cannot be made shows when the file is written
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     if (!folder.empty()) std::filesystem::create_directories(folder, noFolder);
-    if (!interchange::saveSvgFile(*host_->document(), path, host_->rulerUnit(), &error))
-        throw InputError(path + ": " + error);
+    const Status saved = interchange::saveSvgFile(*host_->document(), path, host_->rulerUnit());
+    if (!saved) throw InputError(sentence(saved.error(), Language::english));
     host_->document()->markSaved();
 }
 
-std::vector<std::string> HeadlessSession::takeWarnings() { return std::exchange(warnings_, {}); }
+std::vector<Error> HeadlessSession::takeWarnings() { return std::exchange(warnings_, {}); }
 
 std::vector<std::string> HeadlessSession::takeSteps() { return std::exchange(steps_, {}); }
 

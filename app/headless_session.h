@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/error.h"
 #include "host/host.h"
 #include "platform/headless/headless.h"
 
@@ -46,7 +47,7 @@ class HeadlessSession {
     platform::HeadlessBackend& user() { return *user_; }
     doc::Document* document() { return host_->document(); }
     // What the file that was opened last leaves to be said, once.
-    std::vector<std::string> takeWarnings();
+    std::vector<Error> takeWarnings();
     // Names of the undo steps made since the last call.
     std::vector<std::string> takeSteps();
 
@@ -59,7 +60,8 @@ class HeadlessSession {
     std::unique_ptr<host::Host> host_;
     bool started_ = false;
     std::string viewName_;
-    std::vector<std::string> warnings_, steps_;
+    std::vector<Error> warnings_;
+    std::vector<std::string> steps_;
 };
 
 // The plug-in's library beside the program or in the library folder of its installation.

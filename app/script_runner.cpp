@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "app/editing.h"
+#include "app/sentences.h"
 #include "platform/text.h"
 
 namespace quorvel::app {
@@ -138,7 +139,7 @@ void Runner::collect(const ScriptLine& line) {
         if (told == "beep") ++happened_.beeps;
     for (const std::string& step : session_.takeSteps()) happened_.lines.push_back("undo " + quotedWord(step));
     if (!isReply(line)) happened_.undoName = session_.host().lastUndoName();
-    for (const std::string& warning : session_.takeWarnings())
+    for (const std::string& warning : warningSentences(session_.takeWarnings(), Language::english))
         happened_.lines.push_back("warning " + quotedWord(warning));
 }
 

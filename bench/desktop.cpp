@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "app/sentences.h"
 #include "bench/mixed_drawing.h"
 #include "bench/plugin_run.h"
 #include "desktop/window/color_scheme.h"
@@ -146,9 +147,8 @@ void measureWindow(Promises* promises) {
     {
         const host::Host measuring;
         MixedDrawing drawing(kPaths);
-        std::string error;
-        if (!interchange::saveSvgFile(*drawing.take(), file.toStdString(), "mm", &error))
-            throw std::runtime_error(error);
+        const Status saved = interchange::saveSvgFile(*drawing.take(), file.toStdString(), "mm");
+        if (!saved) throw std::runtime_error(app::sentence(saved.error(), app::Language::english));
     }
     Session session;
     int steps = 0;
@@ -197,12 +197,11 @@ void compareDrawings() {
             if (entry.path().extension() == ".svg") files.push_back(entry.path());
         std::sort(files.begin(), files.end());
         for (const fs::path& path : files) {
-            const interchange::SvgReadResult read = interchange::readSvgFile(path.string());
+            const Result<interchange::SvgDrawing> read = interchange::readSvgFile(path.string());
             const QString ours = folder.filePath(QStringLiteral("ours.png")), name(path.c_str());
             QString cause;
-            if (read.document == nullptr ||
-                !render::exportDrawing(*read.document, QString::fromStdString(path.parent_path().string()), {ours},
-                                       &cause)) {
+            if (!read || !render::exportDrawing(*read->document, QString::fromStdString(path.parent_path().string()),
+                                                {ours}, &cause)) {
                 std::printf("%-40s cannot be drawn: %s\n", path.filename().c_str(), cause.toUtf8().constData());
                 continue;
             }

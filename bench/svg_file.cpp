@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "app/sentences.h"
 #include "interchange/svg/svg.h"
 
 namespace {
@@ -57,19 +58,18 @@ Cost median(std::vector<Cost> costs) {
 
 // The work of a child: load, and save with one path more when a target is given.
 int work(const char* path, const char* target) {
-    interchange::SvgReadResult read = interchange::readSvgFile(path);
-    if (!read.document) {
-        std::fprintf(stderr, "%s: %s\n", path, read.error.c_str());
+    Result<interchange::SvgDrawing> read = interchange::readSvgFile(path);
+    if (!read) {
+        std::fprintf(stderr, "%s\n", app::sentence(read.error(), app::Language::english).c_str());
         return 2;
     }
     if (target == nullptr) _exit(0);  // a program that ends does not tidy up
-    doc::Document& document = *read.document;
+    doc::Document& document = *read->document;
     const doc::ArtId added = document.insertArt(kPathArt, kPlaceAboveAll, 0);
     const PathSegment ends[] = {{{10, 10}, {10, 10}, {10, 10}, 1}, {{90, 50}, {90, 50}, {90, 50}, 1}};
     document.setSegments(added, 0, ends);
-    std::string error;
-    if (!interchange::saveSvgFile(document, target, "", &error)) {
-        std::fprintf(stderr, "%s: %s\n", target, error.c_str());
+    if (const Status saved = interchange::saveSvgFile(document, target, ""); !saved) {
+        std::fprintf(stderr, "%s\n", app::sentence(saved.error(), app::Language::english).c_str());
         return 2;
     }
     _exit(0);

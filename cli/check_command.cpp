@@ -5,6 +5,7 @@
 
 #include "app/recalculation.h"
 #include "app/script.h"
+#include "app/sentences.h"
 #include "app/temporary_profile.h"
 #include "cli/commands.h"
 #include "cli/json_output.h"
@@ -24,7 +25,8 @@ WorkerVerdict checkOne(const std::string& file, const app::SessionOptions& optio
         const app::TemporaryProfile profile(options);
         app::HeadlessSession session(profile.options());
         session.openDrawing(file);
-        for (const std::string& warning : session.takeWarnings()) std::cerr << file << ": " << warning << '\n';
+        for (const std::string& warning : app::warningSentences(session.takeWarnings(), app::Language::english))
+            std::cerr << file << ": " << warning << '\n';
         session.start();
         const std::vector<app::DimensionCheck> checks = app::checkDimensions(session);
         const bool stale = std::any_of(checks.begin(), checks.end(), [](const auto& check) { return check.stale(); });

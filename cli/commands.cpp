@@ -12,6 +12,7 @@
 #include "app/recalculation.h"
 #include "app/script.h"
 #include "app/script_runner.h"
+#include "app/sentences.h"
 #include "app/temporary_profile.h"
 #include "cli/check_command.h"
 #include "cli/export_command.h"
@@ -41,23 +42,24 @@ std::string readFile(const std::string& path) {
     return bytes;
 }
 
-void tellWarnings(const std::string& file, const std::vector<std::string>& warnings) {
-    for (const std::string& warning : warnings) std::cerr << file << ": " << warning << '\n';
+void tellWarnings(const std::string& file, const std::vector<Error>& warnings) {
+    for (const std::string& warning : app::warningSentences(warnings, app::Language::english))
+        std::cerr << file << ": " << warning << '\n';
 }
 
 // For commands that read a drawing and run no plug-in.
 class ReadDrawing {
   public:
-    explicit ReadDrawing(const std::string& path) : result_(interchange::readSvgFile(path)) {
-        if (result_.document == nullptr) throw app::InputError(path + ": " + result_.error);
-        tellWarnings(path, result_.warnings);
+    explicit ReadDrawing(const std::string& path) : drawing_(interchange::readSvgFile(path)) {
+        if (!drawing_) throw app::InputError(app::sentence(drawing_.error(), app::Language::english));
+        tellWarnings(path, drawing_->warnings);
     }
-    const doc::Document& document() const { return *result_.document; }
-    const std::string& rulerUnit() const { return result_.rulerUnit; }
+    const doc::Document& document() const { return *drawing_->document; }
+    const std::string& rulerUnit() const { return drawing_->rulerUnit; }
 
   private:
     host::Host measuring_;  // texts measure as they do while the plug-in runs
-    interchange::SvgReadResult result_;
+    Result<interchange::SvgDrawing> drawing_;
 };
 
 int runScriptFile(const Options& options) {

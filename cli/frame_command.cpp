@@ -7,6 +7,7 @@
 #include <set>
 
 #include "app/script.h"
+#include "app/sentences.h"
 #include "app/temporary_profile.h"
 #include "cli/commands.h"
 #include "cli/output_paths.h"
@@ -141,7 +142,7 @@ int drawFrames(const FrameOptions& options, const app::SessionOptions& sessionOp
         progress.show(i + 1, ": " + file);
         try {
             session.openDrawing(file);
-            for (const std::string& warning : session.takeWarnings()) {
+            for (const std::string& warning : app::warningSentences(session.takeWarnings(), app::Language::english)) {
                 progress.clear();
                 std::cerr << file << ": " << warning << '\n';
             }

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <exception>
 
+#include "app/sentences.h"
 #include "desktop/session.h"
 #include "desktop/window/color_scheme.h"
 #include "desktop/window/main_window.h"
@@ -39,10 +40,14 @@ int exportAll(const QString& output, double dotsPerInch, const QStringList& file
                                  : output;
         if (QFileInfo(path).absoluteFilePath() == info.absoluteFilePath())
             return fail(path + QStringLiteral(": is the drawing itself"));
-        const interchange::SvgReadResult read = interchange::readSvgFile(QFile::encodeName(file).toStdString());
-        if (read.document == nullptr) return fail(file + QStringLiteral(": ") + QString::fromStdString(read.error));
+        const Result<interchange::SvgDrawing> read = interchange::readSvgFile(QFile::encodeName(file).toStdString());
+        if (!read) {
+            Error error = read.error();
+            error.file = file.toStdString();
+            return fail(QString::fromStdString(app::sentence(error, app::Language::english)));
+        }
         QString cause;
-        if (!render::exportDrawing(*read.document, info.absolutePath(), {path, dotsPerInch}, &cause))
+        if (!render::exportDrawing(*read->document, info.absolutePath(), {path, dotsPerInch}, &cause))
             return fail(path + QStringLiteral(": ") + cause);
     }
     return kExitOk;

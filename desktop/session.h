@@ -12,6 +12,7 @@
 #include <string>
 
 #include "app/recorder.h"
+#include "app/sentences.h"
 #include "host/host.h"
 #include "platform/qt/qt_backend.h"
 
@@ -44,7 +45,8 @@ class Session : public QObject {
     // One of the two texts, by the language of the tools.
     QString say(const char* english, const char* japanese) const;
     bool english() const { return english_; }
-    // What a part below the window says in English of a failure or a warning.
+    app::Language language() const { return english_ ? app::Language::english : app::Language::japanese; }
+    // What a part below the window says in English of a failure.
     QString sayCause(const std::string& english) const;
     // The panel and the icons follow.
     void setDark(bool dark, const QColor& background, const QColor& text);

@@ -35,16 +35,21 @@ void change(doc::Document& document) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    const interchange::SvgReadResult read = interchange::readSvg(text);
-    require(read.error.find('\n') == std::string::npos);
-    require((read.document == nullptr) == !read.error.empty());
-    if (!read.document) return 0;
-    require(interchange::writeSvg(*read.document) == text);
-    change(*read.document);
-    const std::string changed = interchange::writeSvg(*read.document);
-    const interchange::SvgReadResult again = interchange::readSvg(changed);
-    require(again.document != nullptr);
-    require(interchange::writeSvg(*again.document) == changed);
-    require(again.document->layers().size() >= 2);
+    const Result<interchange::SvgDrawing> read = interchange::readSvg(text);
+    if (!read) {
+        const Error& error = read.error();
+        require(error.code != ErrorCode::kNone);
+        std::string words = error.element + error.elementId;  // what is said of it stays one line
+        for (const std::string& argument : error.arguments) words += argument;
+        require(words.find('\n') == std::string::npos);
+        return 0;
+    }
+    require(interchange::writeSvg(*read->document) == text);
+    change(*read->document);
+    const std::string changed = interchange::writeSvg(*read->document);
+    const Result<interchange::SvgDrawing> again = interchange::readSvg(changed);
+    require(static_cast<bool>(again));
+    require(interchange::writeSvg(*again->document) == changed);
+    require(again->document->layers().size() >= 2);
     return 0;
 }

@@ -36,12 +36,11 @@ QTransform boxTransform(const QRectF& box) { return {box.width(), 0, 0, box.heig
 QPainterPath shapeOf(const pugi::xml_node& node) {
     svg::PathShape shape;
     svg::PathBuilder builder(&shape, svg::Affine());
-    std::string error;
     const std::string_view kind = localName(node);
     if (kind == "path") {
-        if (!svg::parsePathData(node.attribute("d").value(), &builder, &error) && shape.pieces.empty()) return {};
+        if (!svg::parsePathData(node.attribute("d").value(), &builder) && shape.pieces.empty()) return {};
     } else if (kind == "polygon" || kind == "polyline") {
-        if (!svg::parsePoints(node.attribute("points").value(), true, &builder, &error)) return {};
+        if (!svg::parsePoints(node.attribute("points").value(), true, &builder)) return {};
     } else if (kind == "rect") {
         const double rx = lengthOf(node, "rx", lengthOf(node, "ry")), ry = lengthOf(node, "ry", rx);
         svg::drawRect(lengthOf(node, "x"), lengthOf(node, "y"), lengthOf(node, "width"), lengthOf(node, "height"),

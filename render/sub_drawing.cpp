@@ -113,9 +113,9 @@ std::vector<MarkerPlace> markerPlaces(const std::vector<const doc::PathData*>& p
 // --- a part --------------------------------------------------------------------------------------------------------
 
 SubDrawing::SubDrawing(const std::string& file, const QString& folder, int depth) {
-    interchange::SvgReadResult read = interchange::readSvg(file);
-    if (read.document == nullptr) return;
-    document_ = std::move(read.document);
+    Result<interchange::SvgDrawing> read = interchange::readSvg(file);
+    if (!read) return;
+    document_ = std::move(read->document);
     painter_ = std::make_unique<DocumentPainter>(*document_, folder, depth);
     toContent_ = toQt(interchange::svgSource(*document_)->ctms.front()).inverted();
 }

@@ -23,7 +23,6 @@
 #include <QStandardPaths>
 
 #include "app/script.h"
-#include "desktop/causes.h"
 #include "interchange/svg/svg.h"
 
 namespace quorvel::desktop {
@@ -101,7 +100,9 @@ QString DrawingFile::folder() const {
     return beside.isEmpty() ? QDir::currentPath() : QFileInfo(beside).absolutePath();
 }
 
-void DrawingFile::tell(const QString& text) {
+void DrawingFile::tell(Error error, const QString& path) {
+    error.file = QFileInfo(path).fileName().toStdString();
+    const QString text = QString::fromStdString(app::sentence(error, session_->language()));
     QMessageBox(QMessageBox::Warning, QStringLiteral("Quorvel"), text, QMessageBox::Ok, window_).exec();
 }
 
@@ -110,21 +111,21 @@ void DrawingFile::tell(const QString& text) {
 
 // Into a new drawing first: a bad file does not cost the one that is open.
 bool DrawingFile::load(const QString& from) {
-    interchange::SvgReadResult result;
-    {
+    Result<interchange::SvgDrawing> drawing = [&] {
         const Waiting waiting;
-        result = interchange::readSvgFile(QFile::encodeName(from).toStdString());
-    }
-    if (result.document == nullptr) {
-        tell(QFileInfo(from).fileName() + QStringLiteral(": ") + session_->sayCause(result.error));
+        return interchange::readSvgFile(QFile::encodeName(from).toStdString());
+    }();
+    if (!drawing) {
+        tell(drawing.error(), from);
         return false;
     }
     const Waiting waiting;
     session_->recorder().line("open " + app::quotedWord(QFile::encodeName(from).toStdString()));
     emit drawingLeaves();
-    session_->host().setDocument(std::move(result.document), result.rulerUnit);
+    session_->host().setDocument(std::move(drawing->document), drawing->rulerUnit);
     QStringList warnings;
-    for (const std::string& warning : result.warnings) warnings.append(session_->sayCause(warning));
+    for (const std::string& warning : app::warningSentences(drawing->warnings, session_->language()))
+        warnings.append(QString::fromStdString(warning));
     if (!warnings.isEmpty()) emit warned(warnings);
     return true;
 }
@@ -237,9 +238,9 @@ bool DrawingFile::changedOutside() const {
 
 bool DrawingFile::saveTo(const QString& path) {
     const std::string target = QFile::encodeName(path).toStdString();
-    std::string cause;
-    if (!interchange::saveSvgFile(*session_->document(), target, session_->host().rulerUnit(), &cause)) {
-        tell(QFileInfo(path).fileName() + QStringLiteral(": ") + session_->sayCause(cause));
+    const Status written = interchange::saveSvgFile(*session_->document(), target, session_->host().rulerUnit());
+    if (!written) {
+        tell(written.error(), path);
         return false;
     }
     session_->recorder().line("save " + app::quotedWord(target));
@@ -332,9 +333,7 @@ void DrawingFile::autosave() {
     const doc::Document* document = session_->document();
     if (document == nullptr || !document->modified() || document->inTransaction()) return;
     if (document->changeCount() == copiedChange_ || !takeCopyName()) return;
-    std::string cause;
-    if (!interchange::saveSvgFile(*document, QFile::encodeName(copyPath_).toStdString(), session_->host().rulerUnit(),
-                                  &cause))
+    if (!interchange::saveSvgFile(*document, QFile::encodeName(copyPath_).toStdString(), session_->host().rulerUnit()))
         return;
     copiedChange_ = document->changeCount();
     noteOrigin();

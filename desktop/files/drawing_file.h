@@ -65,7 +65,7 @@ class DrawingFile : public QObject {
     void dropCopy();
     void noteOrigin();
     static QString copiesFolder();
-    void tell(const QString& text);
+    void tell(Error error, const QString& path);  // names the file without its folders
 
     Session* session_;
     QWidget* window_;

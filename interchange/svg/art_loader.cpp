@@ -98,18 +98,17 @@ SvgWalk::SvgWalk(doc::Document* document, SvgSource* source, SvgIds* ids)
     textGrowth_ = (std::size_t{4} << 20) + 4 * source->text.size();
 }
 
-bool SvgWalk::fail(const pugi::xml_node& node, const std::string& what) {
+bool SvgWalk::fail(const pugi::xml_node& node, Error error) {
     const auto offset = static_cast<std::ptrdiff_t>(std::max<std::ptrdiff_t>(node.offset_debug(), 0));
-    const auto lines = std::count(source_.text.begin(), source_.text.begin() + offset, '\n');
-    error_ = "line " + std::to_string(lines + 1) + ": " + node.name();
+    error_ = std::move(error);
+    error_.line = std::count(source_.text.begin(), source_.text.begin() + offset, '\n') + 1;
+    error_.element = node.name();
     const std::string_view id = node.attribute("id").value();
-    if (!id.empty() && id.size() < 80) error_ += " \"" + encodeBytes(id) + "\"";
-    error_ += ": " + what;
+    if (id.size() < 80) error_.elementId = encodeBytes(id);
     return false;
 }
 
-bool SvgWalk::run(const pugi::xml_node& root, const svg::Affine& toDocument, const Viewport& viewport,
-                  std::string* error) {
+Status SvgWalk::run(const pugi::xml_node& root, const svg::Affine& toDocument, const Viewport& viewport) {
     root_ = root;
     stack_.reserve(kDeepestElement + 2);  // frames stay where they are
     Frame frame;
@@ -124,7 +123,7 @@ bool SvgWalk::run(const pugi::xml_node& root, const svg::Affine& toDocument, con
     const bool computed = resolver.compute(root, initial, &element.style);
     frame.style = element.style;
     stack_.push_back(frame);
-    bool sound = computed || fail(root, "the style sheets ask for too much work");
+    bool sound = computed || fail(root, ErrorCode::kStyleSheetsTooCostly);
     if (sound) {
         source_.elements.push_back({.nameOffset = static_cast<std::uint32_t>(root.offset_debug()),
                                     .style = styleNumber(element),
@@ -134,8 +133,8 @@ bool SvgWalk::run(const pugi::xml_node& root, const svg::Affine& toDocument, con
         while (sound && !stack_.empty()) sound = step();
     }
     if (sound && document_.layers().empty()) parentArt();
-    *error = error_;
-    return sound;
+    if (!sound) return error_;
+    return {};
 }
 
 bool SvgWalk::step() {
@@ -150,7 +149,7 @@ bool SvgWalk::step() {
     }
     const pugi::xml_node node = frame.next;
     frame.next = frame.single ? pugi::xml_node() : node.next_sibling();
-    if (frame.copied && !payForCopy(node)) return fail(node, "too many copies made by use elements");
+    if (frame.copied && !payForCopy(node)) return fail(node, ErrorCode::kTooManyCopies);
     return node.type() != pugi::node_element || visit(node);
 }
 
@@ -178,24 +177,23 @@ bool SvgWalk::visit(const pugi::xml_node& node) {
     Element element{node, localName(node), {}, frame.map};
     const ElementRole* row = roleOf(element.name);
     if (!row) {
-        warnings.insert("elements \"" + encodeBytes(element.name.substr(0, 40)) + "\" are kept but not understood");
+        warnings.insert(makeError(ErrorCode::kUnknownElements, {encodeBytes(element.name.substr(0, 40))}));
         return true;
     }
     const Role role = frame.single && element.name == "symbol" ? Role::kContainer : row->role;
     if (role == Role::kNone) return true;
-    if (stack_.size() > kDeepestElement) return fail(node, "nested too deeply");
+    if (stack_.size() > kDeepestElement) return fail(node, ErrorCode::kNestedTooDeeply);
     for (const pugi::xml_attribute& attribute : node.attributes()) {
         const std::string_view name = attribute.name();
         element.hasOwn |= name.starts_with(source_.names.own);
         element.hasSodipodi |= name.starts_with(source_.names.sodipodi);
     }
-    if (!resolver.compute(node, frame.style, &element.style))
-        return fail(node, "the style sheets ask for too much work");
+    if (!resolver.compute(node, frame.style, &element.style)) return fail(node, ErrorCode::kStyleSheetsTooCostly);
     if (const pugi::xml_attribute transform = node.attribute("transform")) {
         svg::Affine own;
-        if (!svg::parseTransform(transform.value(), &own)) return fail(node, "bad transform");
+        if (!svg::parseTransform(transform.value(), &own)) return fail(node, ErrorCode::kBadTransform);
         element.map = svg::compose(frame.map, own);
-        if (!element.map.finite()) return fail(node, "transform out of range");
+        if (!element.map.finite()) return fail(node, ErrorCode::kTransformOutOfRange);
     }
     switch (role) {
         case Role::kContainer:
@@ -360,19 +358,19 @@ bool SvgWalk::enterContainer(Element* element) {
     Frame frame;
     frame.viewport = around.viewport;
     if (element->name == "svg" || element->name == "symbol") {
-        std::string error;
-        const double x = length(*element, "x", around.viewport.width, &error).value_or(0);
-        const double y = length(*element, "y", around.viewport.height, &error).value_or(0);
-        Viewport size{length(*element, "width", around.viewport.width, &error).value_or(around.viewport.width),
-                      length(*element, "height", around.viewport.height, &error).value_or(around.viewport.height)};
-        if (!error.empty()) return fail(element->node, error);
+        std::string bad;
+        const double x = length(*element, "x", around.viewport.width, &bad).value_or(0);
+        const double y = length(*element, "y", around.viewport.height, &bad).value_or(0);
+        Viewport size{length(*element, "width", around.viewport.width, &bad).value_or(around.viewport.width),
+                      length(*element, "height", around.viewport.height, &bad).value_or(around.viewport.height)};
+        if (!bad.empty()) return fail(element->node, makeError(ErrorCode::kBadLength, {bad}));
         if (around.useSize.width > 0) size.width = around.useSize.width;
         if (around.useSize.height > 0) size.height = around.useSize.height;
         frame.viewport = size;
         element->map = svg::compose(element->map, svg::Affine{1, 0, 0, 1, x, y});
         element->map = svg::compose(element->map, viewBoxMap(element->node, size, &frame.viewport));
         element->style.diagonal = frame.viewport.diagonal();
-        if (!element->map.finite()) return fail(element->node, "viewBox out of range");
+        if (!element->map.finite()) return fail(element->node, ErrorCode::kViewBoxOutOfRange);
     }
     const bool isLayer = around.art == 0 && element->name == "g" &&
                          valueOf(element->node, source_.names.inkscape, "groupmode") == "layer";
@@ -418,17 +416,16 @@ bool SvgWalk::enterUse(Element* element) {
     const pugi::xml_node target = ids_.find(hrefId(element->node));
     const bool loops = std::ranges::any_of(stack_, [&](const Frame& frame) { return frame.target == target; });
     if (!target || loops || !isSvg(target)) {
-        warnings.insert(loops && target ? "use elements that refer to themselves are kept as they are"
-                                        : "use elements that refer to nothing in the file are kept as they are");
+        warnings.insert(makeError(loops && target ? ErrorCode::kUseOfItself : ErrorCode::kUseOfNothing));
         return loadForeign(element);
     }
-    std::string error;
+    std::string bad;
     Frame frame;
-    const double x = length(*element, "x", around.viewport.width, &error).value_or(0);
-    const double y = length(*element, "y", around.viewport.height, &error).value_or(0);
-    frame.useSize = {length(*element, "width", around.viewport.width, &error).value_or(0),
-                     length(*element, "height", around.viewport.height, &error).value_or(0)};
-    if (!error.empty()) return fail(element->node, error);
+    const double x = length(*element, "x", around.viewport.width, &bad).value_or(0);
+    const double y = length(*element, "y", around.viewport.height, &bad).value_or(0);
+    frame.useSize = {length(*element, "width", around.viewport.width, &bad).value_or(0),
+                     length(*element, "height", around.viewport.height, &bad).value_or(0)};
+    if (!bad.empty()) return fail(element->node, makeError(ErrorCode::kBadLength, {bad}));
     const doc::ArtId parent = parentArt();
     record(element, SvgKind::kUse);
     frame.art = document_.loadArt(kGroupArt, parent);
@@ -447,7 +444,7 @@ bool SvgWalk::enterUse(Element* element) {
     frame.target = target;
     frame.viewport = around.viewport;
     frame.map = svg::compose(element->map, svg::Affine{1, 0, 0, 1, x, y});
-    if (!frame.map.finite()) return fail(element->node, "coordinate out of range");
+    if (!frame.map.finite()) return fail(element->node, ErrorCode::kCoordinateOutOfRange);
     frame.style = element->style;
     settle(&frame.style, element->style.diagonal != around.style.diagonal);
     stack_.push_back(frame);
@@ -456,21 +453,22 @@ bool SvgWalk::enterUse(Element* element) {
 
 // --- what is drawn -------------------------------------------------------------------------------------------------
 
-std::optional<double> SvgWalk::length(const Element& element, const char* name, double percentOf, std::string* error) {
+std::optional<double> SvgWalk::length(const Element& element, const char* name, double percentOf, std::string* bad) {
     const pugi::xml_attribute attribute = element.node.attribute(name);
     if (!attribute || std::string_view(attribute.value()) == "auto") return std::nullopt;
     const std::optional<double> value = svg::parseLength(attribute.value(), {percentOf, element.style.fontSize});
-    if (!value) *error = std::string("bad length in ") + name;
+    if (!value) *bad = name;
     return value;
 }
 
-bool SvgWalk::drawShape(const Element& element, svg::PathBuilder* builder, std::string* error) {
+Status SvgWalk::drawShape(const Element& element, svg::PathBuilder* builder) {
+    std::string bad;
     const Viewport& viewport = stack_.back().viewport;
-    const auto across = [&](const char* name) { return length(element, name, viewport.width, error); };
-    const auto down = [&](const char* name) { return length(element, name, viewport.height, error); };
+    const auto across = [&](const char* name) { return length(element, name, viewport.width, &bad); };
+    const auto down = [&](const char* name) { return length(element, name, viewport.height, &bad); };
     const std::string_view name = element.name;
     if (name == "polyline" || name == "polygon") {
-        return svg::parsePoints(element.node.attribute("points").value(), name == "polygon", builder, error);
+        return svg::parsePoints(element.node.attribute("points").value(), name == "polygon", builder);
     }
     if (name == "rect") {
         const double width = across("width").value_or(0);
@@ -488,17 +486,16 @@ bool SvgWalk::drawShape(const Element& element, svg::PathBuilder* builder, std::
     } else {
         std::optional<double> rx = across("rx");
         std::optional<double> ry = down("ry");
-        if (name == "circle") rx = ry = length(element, "r", viewport.diagonal(), error);
+        if (name == "circle") rx = ry = length(element, "r", viewport.diagonal(), &bad);
         if (!rx) rx = ry;
         if (!ry) ry = rx;
         if (rx && *rx > 0 && *ry > 0) {
             svg::drawEllipse(across("cx").value_or(0), down("cy").value_or(0), *rx, *ry, builder);
         }
     }
-    if (!error->empty()) return false;
-    if (builder->finish()) return true;
-    *error = "coordinate out of range";
-    return false;
+    if (!bad.empty()) return makeError(ErrorCode::kBadLength, {bad});
+    if (!builder->finish()) return makeError(ErrorCode::kCoordinateOutOfRange);
+    return {};
 }
 
 namespace {
@@ -591,15 +588,9 @@ doc::ArtId SvgWalk::loadPaths(const Element& element) {
 bool SvgWalk::loadOutline(Element* element) {
     shape_.clear();
     svg::PathBuilder builder(&shape_, element->map);
-    std::string error;
-    bool read = false;
-    if (element->name == "path") {
-        const std::string_view data = element->node.attribute("d").value();
-        read = svg::parsePathData(data, &builder, &error);
-    } else {
-        read = drawShape(*element, &builder, &error);
-    }
-    if (!read) return fail(element->node, error);
+    const Status read = element->name == "path" ? svg::parsePathData(element->node.attribute("d").value(), &builder)
+                                                : drawShape(*element, &builder);
+    if (!read) return fail(element->node, read.error());
     record(element, element->name == "path" ? SvgKind::kPath : SvgKind::kShape);
     applyOutlineAttributes(*element);
     loadOwn(*element, loadPaths(*element));
@@ -611,19 +602,19 @@ bool SvgWalk::loadText(Element* element) {
         svg::elementText(source_.text, static_cast<std::uint32_t>(element->node.offset_debug()));
     pugi::xml_document fragment;  // parsed again, because here blanks count
     const std::optional<std::string> plain = svg::expandMarkup(markup, source_.entities, &textGrowth_);
-    if (!plain) return fail(element->node, "the entities expand to too much");
+    if (!plain) return fail(element->node, ErrorCode::kEntitiesTooLarge);
     if (!fragment.load_buffer(plain->data(), plain->size(), pugi::parse_default | pugi::parse_ws_pcdata,
                               pugi::encoding_utf8)) {
-        return fail(element->node, "text cannot be read");
+        return fail(element->node, ErrorCode::kTextUnreadable);
     }
     SvgText text;
     if (!readText(fragment.document_element(), element->map, element->style, source_.names, &resolver, &paints_,
                   &text)) {
-        return fail(element->node, "the style sheets ask for too much work");
+        return fail(element->node, ErrorCode::kStyleSheetsTooCostly);
     }
     const RealMatrix& m = text.text.matrix;
     if (!(std::abs(element->map.x(text.x, text.y)) <= 1e9) || !(std::abs(element->map.y(text.x, text.y)) <= 1e9)) {
-        return fail(element->node, "coordinate out of range");
+        return fail(element->node, ErrorCode::kCoordinateOutOfRange);
     }
     const doc::ArtId parent = parentArt();
     record(element, SvgKind::kText);
@@ -640,8 +631,8 @@ bool SvgWalk::loadText(Element* element) {
 
 bool SvgWalk::loadForeign(Element* element) {
     if (element->name != "use") {
-        warnings.insert((element->name == "text" ? "texts on paths" : std::string(element->name) + " elements") +
-                        " are kept as they are");
+        warnings.insert(element->name == "text" ? makeError(ErrorCode::kKeptTextsOnPaths)
+                                                : makeError(ErrorCode::kKeptElements, {std::string(element->name)}));
     }
     const doc::ArtId parent = parentArt();
     record(element, SvgKind::kForeign);

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/result.h"
 #include "document/document.h"
 #include "interchange/svg/path_style.h"
 #include "interchange/svg/source.h"
@@ -70,14 +71,13 @@ class SvgWalk {
     SvgWalk(doc::Document* document, SvgSource* source, SvgIds* ids);
 
     svg::StyleResolver resolver;
-    std::set<std::string> warnings;
+    std::set<Error> warnings;
     std::vector<std::string> svgPrefixes;                         // with colon, in order; "" among them
     std::vector<std::string> looseLayerTitles;                    // for art in no layer element, lowest first
     std::vector<std::pair<pugi::xml_node, doc::LayerId>> layers;  // the root's node for loose art
 
-    // False with *error, which names the element.
-    [[nodiscard]] bool run(const pugi::xml_node& root, const svg::Affine& toDocument, const Viewport& viewport,
-                           std::string* error);
+    // An error names the element.
+    Status run(const pugi::xml_node& root, const svg::Affine& toDocument, const Viewport& viewport);
 
   private:
     struct Frame {
@@ -104,7 +104,8 @@ class SvgWalk {
         std::int32_t origin = -1;
     };
 
-    bool fail(const pugi::xml_node& node, const std::string& what);
+    bool fail(const pugi::xml_node& node, Error error);
+    bool fail(const pugi::xml_node& node, ErrorCode code) { return fail(node, makeError(code)); }
     bool step();
     bool payForCopy(const pugi::xml_node& node);
     bool visit(const pugi::xml_node& node);
@@ -112,7 +113,7 @@ class SvgWalk {
     bool enterContainer(Element* element);
     bool enterUse(Element* element);
     bool loadOutline(Element* element);
-    bool drawShape(const Element& element, svg::PathBuilder* builder, std::string* error);
+    Status drawShape(const Element& element, svg::PathBuilder* builder);
     bool loadText(Element* element);
     bool loadForeign(Element* element);
     doc::ArtId parentArt();
@@ -128,7 +129,8 @@ class SvgWalk {
     void applyOutlineAttributes(const Element& element);
     AIPathStyle styleOf(const Element& element);
     std::int32_t styleNumber(const Element& element);
-    std::optional<double> length(const Element& element, const char* name, double percentOf, std::string* error);
+    // Nothing for an attribute that is not there, and for a bad one, which *bad then names.
+    std::optional<double> length(const Element& element, const char* name, double percentOf, std::string* bad);
 
     doc::Document& document_;
     SvgSource& source_;
@@ -147,7 +149,7 @@ class SvgWalk {
     std::uint64_t lastStyle_ = 0;
     double lastScale_ = 0;
     std::int32_t lastStyleNumber_ = -1;
-    std::string error_;
+    Error error_;  // of the element at which the walk has ended
 };
 
 }  // namespace quorvel::interchange

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -16,7 +15,7 @@
 namespace quorvel::interchange {
 namespace {
 
-std::string lastFailure() { return std::strerror(errno); }
+Error systemError(int number) { return makeError(ErrorCode::kSystem, {std::to_string(number)}); }
 
 class File {
   public:
@@ -92,55 +91,56 @@ void syncFolder(const std::string& path) {
     if (file.valid()) ::fsync(file.get());
 }
 
-}  // namespace
-
-SvgReadResult readSvgFile(const std::string& path) {
-    SvgReadResult result;
+Result<std::string> readText(const std::string& path) {
     // A pipe must not keep us waiting for somebody to write into it.
     const File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat info {};
-    if (!file.valid() || ::fstat(file.get(), &info) != 0) {
-        result.error = lastFailure();
-        return result;
-    }
+    if (!file.valid() || ::fstat(file.get(), &info) != 0) return systemError(errno);
+    if (S_ISDIR(info.st_mode)) return systemError(EISDIR);
+    if (!S_ISREG(info.st_mode)) return makeError(ErrorCode::kNotRegular);
+    if (static_cast<std::size_t>(info.st_size) > kLargestSvg) return tooLargeSvg();
     std::string text;
-    if (S_ISDIR(info.st_mode)) {
-        result.error = std::strerror(EISDIR);
-    } else if (!S_ISREG(info.st_mode)) {
-        result.error = "a device or pipe, not a file";
-    } else if (static_cast<std::size_t>(info.st_size) > kLargestSvg) {
-        result.error = tooLargeSvg();
-    } else if (!readAll(file.get(), static_cast<std::size_t>(info.st_size), kLargestSvg, &text)) {
-        result.error = lastFailure();
-    } else {
-        return readSvg(std::move(text));
-    }
-    return result;
+    if (!readAll(file.get(), static_cast<std::size_t>(info.st_size), kLargestSvg, &text)) return systemError(errno);
+    return text;
 }
 
-bool saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit,
-                 std::string* error) {
-    const std::string text = writeSvg(document, rulerUnit);
-    if (text.empty()) {
-        *error = "the page cannot be written";
-        return false;
-    }
+Status writeText(std::string_view text, const std::string& path) {
+    if (text.empty()) return makeError(ErrorCode::kPageNotWritable);
     const Target target = targetOf(path);
     std::string beside = target.path + ".XXXXXX";
     File file(::mkstemp(beside.data()));
-    if (!file.valid()) {
-        *error = lastFailure();
-        return false;
-    }
+    if (!file.valid()) return systemError(errno);
     const bool written = writeAll(file.get(), text) && ::fchmod(file.get(), target.mode) == 0 &&
                          ::fsync(file.get()) == 0 && file.close() && ::rename(beside.c_str(), target.path.c_str()) == 0;
     if (!written) {
-        *error = lastFailure();
+        const Error error = systemError(errno);
         ::unlink(beside.c_str());
-        return false;
+        return error;
     }
     syncFolder(target.path);
-    return true;
+    return {};
+}
+
+Error inFile(const std::string& path, Error error) {
+    error.file = path;
+    return error;
+}
+
+}  // namespace
+
+Result<SvgDrawing> readSvgFile(const std::string& path) {
+    Result<std::string> text = readText(path);
+    if (!text) return inFile(path, text.error());
+    Result<SvgDrawing> drawing = readSvg(std::move(*text));
+    if (!drawing) return inFile(path, drawing.error());
+    for (Error& warning : drawing->warnings) warning.file = path;
+    return drawing;
+}
+
+Status saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit) {
+    const Status written = writeText(writeSvg(document, rulerUnit), path);
+    if (!written) return inFile(path, written.error());
+    return written;
 }
 
 }  // namespace quorvel::interchange

@@ -26,9 +26,14 @@ constexpr std::size_t kGrowthAtLeast = std::size_t{4} << 20;
 constexpr std::size_t kGrowthForEachByte = 4;
 constexpr double kPointsPerPixel = 0.75;
 
-std::string atLine(std::string_view text, std::size_t offset, const std::string& what) {
+Error atLine(std::string_view text, std::size_t offset, Error error) {
     const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(offset, text.size()));
-    return "line " + std::to_string(std::count(text.begin(), end, '\n') + 1) + ": " + what;
+    error.line = std::count(text.begin(), end, '\n') + 1;
+    return error;
+}
+
+Error atLine(std::string_view text, std::size_t offset, ErrorCode code) {
+    return atLine(text, offset, makeError(code));
 }
 
 // The place of the first byte that is no UTF-8, npos when all are (RFC 3629: no overlong forms, no surrogates).
@@ -93,41 +98,55 @@ std::string declaredEncoding(std::string_view text) {
     return name;
 }
 
-bool parseXml(std::string_view text, ParsedFile* file, std::string* error) {
-    if (text.size() > kLargestSvg) {
-        *error = tooLargeSvg();
-        return false;
+ErrorCode codeOf(pugi::xml_parse_status status) {
+    switch (status) {
+        case pugi::status_out_of_memory:
+            return ErrorCode::kXmlNoMemory;
+        case pugi::status_bad_pi:
+            return ErrorCode::kXmlBadInstruction;
+        case pugi::status_bad_comment:
+            return ErrorCode::kXmlBadComment;
+        case pugi::status_bad_cdata:
+            return ErrorCode::kXmlBadCdata;
+        case pugi::status_bad_doctype:
+            return ErrorCode::kXmlBadDocumentType;
+        case pugi::status_bad_pcdata:
+            return ErrorCode::kXmlBadText;
+        case pugi::status_bad_start_element:
+            return ErrorCode::kXmlBadStartTag;
+        case pugi::status_bad_attribute:
+            return ErrorCode::kXmlBadAttribute;
+        case pugi::status_bad_end_element:
+            return ErrorCode::kXmlBadEndTag;
+        case pugi::status_end_element_mismatch:
+            return ErrorCode::kXmlTagMismatch;
+        case pugi::status_no_document_element:
+            return ErrorCode::kXmlNoElement;
+        default:
+            return ErrorCode::kXmlBadTag;
     }
-    if (text.find('\0') != std::string_view::npos) {
-        *error = "not an XML file in UTF-8";
-        return false;
-    }
+}
+
+Status parseXml(std::string_view text, ParsedFile* file) {
+    if (text.size() > kLargestSvg) return tooLargeSvg();
+    if (text.find('\0') != std::string_view::npos) return makeError(ErrorCode::kNotXmlInUtf8);
     const std::string encoding = declaredEncoding(text);
-    if (!encoding.empty() && encoding != "utf-8" && encoding != "utf8" && encoding != "us-ascii") {
-        *error = "the file's encoding is \"" + encodeBytes(encoding) + "\"; only UTF-8 is read";
-        return false;
-    }
-    if (const std::size_t at = firstForeignByte(text); at != std::string_view::npos) {
-        *error = atLine(text, at, "a byte that is no UTF-8");
-        return false;
-    }
+    if (!encoding.empty() && encoding != "utf-8" && encoding != "utf8" && encoding != "us-ascii")
+        return makeError(ErrorCode::kForeignEncoding, {encodeBytes(encoding)});
+    if (const std::size_t at = firstForeignByte(text); at != std::string_view::npos)
+        return atLine(text, at, ErrorCode::kForeignByte);
     file->buffer = std::make_unique_for_overwrite<char[]>(text.size() + 1);
     svg::adviseHugePages(file->buffer.get(), text.size() + 1);
     std::ranges::copy(text, file->buffer.get());
     constexpr unsigned kFlags = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute;
     const pugi::xml_parse_result result =
         file->document.load_buffer_inplace(file->buffer.get(), text.size(), kFlags, pugi::encoding_utf8);
-    if (!result) {
-        *error = atLine(text, static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)),
-                        std::string("not well-formed XML: ") + result.description());
-        return false;
-    }
+    if (!result)
+        return atLine(text, static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)),
+                      codeOf(result.status));
     file->root = file->document.document_element();
-    if (file->root.next_sibling()) {
-        *error = "not well-formed XML: more than one root element";
-        return false;
-    }
-    return true;
+    if (file->root.next_sibling()) return makeError(ErrorCode::kXmlSeveralRoots);
+    return {};
 }
 
 // --- entities ------------------------------------------------------------------------------------------------------
@@ -138,27 +157,22 @@ struct Entity {
 
 // <!ENTITY name "value"> of the document type, before the root. Entities of other files, of parameters or of other
 // entities are refused.
-bool readEntities(std::string_view prolog, std::vector<Entity>* entities, std::string* error) {
-    const auto refuse = [&](std::size_t at, const std::string& what) {
-        *error = atLine(prolog, at, what);
-        return false;
-    };
+Status readEntities(std::string_view prolog, std::vector<Entity>* entities) {
     for (std::size_t at = prolog.find("<!ENTITY"); at != std::string_view::npos; at = prolog.find("<!ENTITY", at + 8)) {
         const std::size_t name = prolog.find_first_not_of(" \t\r\n", at + 8);
         const std::size_t nameEnd = prolog.find_first_of(" \t\r\n", name);
         const std::size_t open = prolog.find_first_not_of(" \t\r\n", nameEnd);
-        if (open == std::string_view::npos) return refuse(at, "broken entity");
-        if (prolog[open] != '"' && prolog[open] != '\'') return refuse(at, "entities from outside are not read");
+        if (open == std::string_view::npos) return atLine(prolog, at, ErrorCode::kBrokenEntity);
+        if (prolog[open] != '"' && prolog[open] != '\'') return atLine(prolog, at, ErrorCode::kExternalEntity);
         const std::size_t close = prolog.find(prolog[open], open + 1);
-        if (close == std::string_view::npos) return refuse(at, "broken entity");
+        if (close == std::string_view::npos) return atLine(prolog, at, ErrorCode::kBrokenEntity);
         const std::string_view value = prolog.substr(open + 1, close - open - 1);
-        if (value.find_first_of("&%<") != std::string_view::npos)
-            return refuse(at, "entities made of other entities or markup are not read");
+        if (value.find_first_of("&%<") != std::string_view::npos) return atLine(prolog, at, ErrorCode::kNestedEntity);
         if (entities->size() == kMostEntities || value.size() > kLongestEntity)
-            return refuse(at, "too many or too long entities");
+            return atLine(prolog, at, ErrorCode::kEntitiesTooMany);
         entities->push_back({prolog.substr(name, nameEnd - name), value});
     }
-    return true;
+    return {};
 }
 
 // Nothing when it would grow by more than *allowance, which is less afterwards.
@@ -185,8 +199,7 @@ std::optional<std::string> expanded(std::string_view value, const std::vector<En
     return out;
 }
 
-bool expandEntities(const ParsedFile& file, std::string_view fileText, const std::vector<Entity>& entities,
-                    std::string* error) {
+Status expandEntities(const ParsedFile& file, std::string_view fileText, const std::vector<Entity>& entities) {
     std::size_t allowance = kGrowthAtLeast + kGrowthForEachByte * fileText.size();
     pugi::xml_node tooLarge;
     forEachElement(file.root, [&](pugi::xml_node node, int) {
@@ -202,9 +215,8 @@ bool expandEntities(const ParsedFile& file, std::string_view fileText, const std
         }
         return true;
     });
-    if (!tooLarge) return true;
-    *error = atLine(fileText, static_cast<std::size_t>(tooLarge.offset_debug()), "the entities expand to too much");
-    return false;
+    if (!tooLarge) return {};
+    return atLine(fileText, static_cast<std::size_t>(tooLarge.offset_debug()), ErrorCode::kEntitiesTooLarge);
 }
 
 // --- the root ------------------------------------------------------------------------------------------------------
@@ -350,55 +362,35 @@ doc::LayerId layerById(const std::string& id, const SvgWalk& walk, SvgIds* ids) 
     return 0;
 }
 
-// A file of nothing but unknown names is not worth a line for each.
-std::vector<std::string> firstOf(const std::set<std::string>& warnings) {
-    constexpr std::size_t kMostWarnings = 20;
-    std::vector<std::string> result;
-    for (const std::string& warning : warnings) {
-        if (result.size() == kMostWarnings) {
-            result.push_back("and " + std::to_string(warnings.size() - kMostWarnings) + " more kinds of things");
-            break;
-        }
-        result.push_back(warning);
-    }
-    return result;
-}
-
-SvgReadResult refused(std::string error) {
-    SvgReadResult result;
-    result.error = std::move(error);
-    return result;
-}
-
 }  // namespace
 
-std::string tooLargeSvg() { return "the file is larger than " + std::to_string(kLargestSvg >> 20) + " MB"; }
+Error tooLargeSvg() { return makeError(ErrorCode::kFileTooLarge, {std::to_string(kLargestSvg >> 20)}); }
 
-SvgReadResult readSvg(std::string text, std::vector<std::string> paintSources) {
+Result<SvgDrawing> readSvg(std::string text, std::vector<std::string> paintSources) {
     auto source = std::make_unique<SvgSource>();
     source->text = std::move(text);
     auto file = std::make_unique<ParsedFile>();
-    std::string error;
-    if (!parseXml(source->text, file.get(), &error)) return refused(error);
+    if (const Status parsed = parseXml(source->text, file.get()); !parsed) return parsed.error();
     const pugi::xml_node root = file->root;
     std::vector<Entity> entities;
     const std::string_view prolog =
         std::string_view(source->text).substr(0, static_cast<std::size_t>(root.offset_debug()));
-    if (!readEntities(prolog, &entities, &error)) return refused(error);
-    if (!entities.empty() && !expandEntities(*file, source->text, entities, &error)) return refused(error);
+    if (const Status read = readEntities(prolog, &entities); !read) return read.error();
+    if (!entities.empty())
+        if (const Status expanded = expandEntities(*file, source->text, entities); !expanded) return expanded.error();
 
     std::vector<std::string> svgPrefixes;
     readNamespaces(root, &source->names, &svgPrefixes);
     if (localName(root) != "svg" || std::ranges::find(svgPrefixes, source->names.svg) == svgPrefixes.end())
-        return refused("the file is XML but no SVG drawing");
+        return makeError(ErrorCode::kNotSvg);
     const Survey found = survey(root, source->names);
     if (found.tooDeep) {
-        return refused(atLine(source->text, static_cast<std::size_t>(found.tooDeep.offset_debug()),
-                              "elements are nested more than " + std::to_string(kDeepestElement) + " deep"));
+        return atLine(source->text, static_cast<std::size_t>(found.tooDeep.offset_debug()),
+                      makeError(ErrorCode::kElementsTooDeep, {std::to_string(kDeepestElement)}));
     }
 
     const Page page = readPage(root);
-    SvgReadResult result;
+    SvgDrawing result;
     const std::string& own = source->names.own;
     const auto rootOwn = [&](const char* name) { return std::string(root.attribute((own + name).c_str()).value()); };
     source->rulerUnit = rootOwn(own_attribute::kRuler);
@@ -416,9 +408,9 @@ SvgReadResult readSvg(std::string text, std::vector<std::string> paintSources) {
     source->sheets = found.sheets;
     walk.resolver.sheet.expect(found.styled);
     source->hasStyleSheet = !walk.resolver.sheet.empty() || walk.resolver.sheet.skippedSome();
-    if (walk.resolver.sheet.skippedSome()) walk.warnings.insert("some style sheet rules are not understood");
-    if (!walk.run(root, page.map, page.viewport, &error)) return refused(error);
-    if (walk.resolver.passedTransform) walk.warnings.insert("transforms in CSS are kept but not applied");
+    if (walk.resolver.sheet.skippedSome()) walk.warnings.insert(makeError(ErrorCode::kSkippedRules));
+    if (const Status walked = walk.run(root, page.map, page.viewport); !walked) return walked.error();
+    if (walk.resolver.passedTransform) walk.warnings.insert(makeError(ErrorCode::kTransformsInCss));
 
     std::string current = rootOwn(own_attribute::kCurrentLayer);
     if (found.namedView) {
@@ -429,7 +421,7 @@ SvgReadResult readSvg(std::string text, std::vector<std::string> paintSources) {
     const doc::LayerId layer = layerById(current, walk, &ids);
     source->currentLayer = layer;
     source->artCount = document->artCount();
-    result.warnings = firstOf(walk.warnings);
+    result.warnings.assign(walk.warnings.begin(), walk.warnings.end());
     file.reset();  // the tree is needed no more, and large
     source->elements.shrink_to_fit();
     document->setSource(std::move(source));

@@ -635,9 +635,9 @@ std::string writeSvg(const doc::Document& document, std::string_view rulerUnit) 
     if (const SvgSource* source = svgSource(document))
         return Splicer(document, SaveBase(document, *source), rulerUnit).write();
     const std::string_view unit = rulerUnit.empty() ? "pt" : rulerUnit;
-    const SvgReadResult page = readSvg(emptyFile(document, unit));
-    if (!page.document) return {};
-    SvgSource source = *svgSource(*page.document);
+    const Result<SvgDrawing> page = readSvg(emptyFile(document, unit));
+    if (!page) return {};
+    SvgSource source = *svgSource(*page->document);
     source.currentLayer = 0;
     return Splicer(document, SaveBase(document, source), unit).write();
 }

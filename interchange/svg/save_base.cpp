@@ -327,10 +327,10 @@ SaveBase::SaveBase(const doc::Document& document, const SvgSource& source) : rea
 }
 
 bool SaveBase::readAgain(std::string text, const doc::Document& document) {
-    SvgReadResult result = readSvg(std::move(text), document.paintSources);
+    Result<SvgDrawing> result = readSvg(std::move(text), document.paintSources);
     // A file whose use elements refer to each other in a circle may read otherwise.
-    if (!result.document || result.document->artCount() != read_.artCount) return false;
-    again_ = std::move(result.document);
+    if (!result || result->document->artCount() != read_.artCount) return false;
+    again_ = std::move(result->document);
     return true;
 }
 

@@ -7,31 +7,30 @@
 #include <string_view>
 #include <vector>
 
+#include "base/result.h"
 #include "document/document.h"
 
 namespace quorvel::interchange {
 
-struct SvgReadResult {
-    std::unique_ptr<doc::Document> document;  // null on failure
-    std::string error;                        // one line, without the file's name
-    std::vector<std::string> warnings;        // what is kept but not understood, each kind named once
-    std::string rulerUnit;  // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
+struct SvgDrawing {
+    std::unique_ptr<doc::Document> document;
+    std::vector<Error> warnings;  // what is kept but not understood, each kind once, in the order of codes
+    std::string rulerUnit;        // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
 };
 
 constexpr std::size_t kLargestSvg = std::size_t{512} << 20;
-// What is said of a larger file.
-std::string tooLargeSvg();
+Error tooLargeSvg();  // of a larger file
 
-// A hostile or damaged file gives an error and no document. paintSources: texts of paints that have their numbers
-// already.
-SvgReadResult readSvg(std::string text, std::vector<std::string> paintSources = {});
-SvgReadResult readSvgFile(const std::string& path);
+// A hostile or damaged file gives an error, with its line and element where there is one. paintSources: texts of paints
+// that have their numbers already.
+Result<SvgDrawing> readSvg(std::string text, std::vector<std::string> paintSources = {});
+// Errors and warnings name the path.
+Result<SvgDrawing> readSvgFile(const std::string& path);
 
 // The whole file with the document's changes spliced in; the text itself when nothing has changed. A document without a
 // source is written anew. An empty unit is the one that was read, or "pt".
 std::string writeSvg(const doc::Document& document, std::string_view rulerUnit = "");
-// Beside the target, then renamed over it. False with the cause in *error; the target stays as it was then.
-bool saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit,
-                 std::string* error);
+// Beside the target, then renamed over it. An error names the path, and the target is as it was.
+Status saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit);
 
 }  // namespace quorvel::interchange

@@ -35,18 +35,18 @@ class PathParser {
     PathParser(std::string_view data, PathBuilder* builder)
         : begin_(data.data()), at_(data.data()), end_(data.data() + data.size()), to_(*builder) {}
 
-    bool parse(std::string* error) {
+    Status parse() {
         skipBlanks();
-        if (rest() == "none") return true;
+        if (rest() == "none") return {};
         while (at_ != end_) {
             const char command = *at_;
-            if (!isCommand(command)) return fail(error, "no path command");
-            if (!to_.started() && (command | 0x20) != 'm') return fail(error, "path data must begin with a move");
+            if (!isCommand(command)) return errorHere(ErrorCode::kNoPathCommand);
+            if (!to_.started() && (command | 0x20) != 'm') return errorHere(ErrorCode::kNoFirstMove);
             ++at_;
-            if (!runCommand(command)) return fail(error, "bad number in path data");
+            if (!runCommand(command)) return errorHere(ErrorCode::kBadPathNumber);
             skipBlanks();
         }
-        return true;
+        return {};
     }
 
   private:
@@ -56,14 +56,14 @@ class PathParser {
         while (at_ != end_ && (*at_ == ' ' || *at_ == '\n' || *at_ == '\t' || *at_ == '\r' || *at_ == '\f')) ++at_;
     }
 
-    bool fail(std::string* error, const char* what) const {
+    Error errorHere(ErrorCode code) const {
+        const std::string place = std::to_string(at_ - begin_ + 1);
         std::string near(rest().substr(0, 12));
+        if (near.empty()) return makeError(ErrorCode::kPathCutOff, {place});
         for (char& c : near) {
             if (c < ' ' || c > '~') c = '?';
         }
-        *error = std::string(what) + " at character " + std::to_string(at_ - begin_ + 1) +
-                 (near.empty() ? " (the end)" : ": \"" + near + "\"");
-        return false;
+        return makeError(code, {place, near});
     }
 
     bool readFlag(double* value) {
@@ -165,30 +165,26 @@ class PathParser {
 
 }  // namespace
 
-bool parsePathData(std::string_view data, PathBuilder* builder, std::string* error) {
-    if (!PathParser(data, builder).parse(error)) return false;
-    if (builder->finish()) return true;
-    *error = "coordinate out of range in path data";
-    return false;
+Status parsePathData(std::string_view data, PathBuilder* builder) {
+    if (const Status parsed = PathParser(data, builder).parse(); !parsed) return parsed;
+    if (!builder->finish()) return makeError(ErrorCode::kPathOutOfRange);
+    return {};
 }
 
-bool parsePoints(std::string_view points, bool closed, PathBuilder* builder, std::string* error) {
+Status parsePoints(std::string_view points, bool closed, PathBuilder* builder) {
+    const auto badNumber = [&](const char* at) {
+        return makeError(ErrorCode::kBadPointsNumber, {std::to_string(at - points.data() + 1)});
+    };
     const char* at = points.data();
     const char* end = at + points.size();
     while (at != end && (*at == ' ' || *at == '\n' || *at == '\t' || *at == '\r')) ++at;
     while (at != end) {
         double x = 0;
         double y = 0;
-        if (!readNumber(&at, end, &x)) {
-            *error = "bad number in points at character " + std::to_string(at - points.data() + 1);
-            return false;
-        }
+        if (!readNumber(&at, end, &x)) return badNumber(at);
         skipSeparator(&at, end);
         if (at == end) break;  // half a point draws nothing
-        if (!readNumber(&at, end, &y)) {
-            *error = "bad number in points at character " + std::to_string(at - points.data() + 1);
-            return false;
-        }
+        if (!readNumber(&at, end, &y)) return badNumber(at);
         skipSeparator(&at, end);
         if (builder->started()) {
             builder->lineTo(x, y);
@@ -197,9 +193,8 @@ bool parsePoints(std::string_view points, bool closed, PathBuilder* builder, std
         }
     }
     if (closed) builder->close();
-    if (builder->finish()) return true;
-    *error = "coordinate out of range in points";
-    return false;
+    if (!builder->finish()) return makeError(ErrorCode::kPointsOutOfRange);
+    return {};
 }
 
 namespace {

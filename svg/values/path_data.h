@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/result.h"
 #include "svg/values/affine.h"
 
 namespace quorvel::svg {
@@ -55,9 +56,9 @@ class PathBuilder {
     bool inRange_ = true;
 };
 
-// False with the cause in *error, which names the place in the data.
-[[nodiscard]] bool parsePathData(std::string_view data, PathBuilder* builder, std::string* error);
-[[nodiscard]] bool parsePoints(std::string_view points, bool closed, PathBuilder* builder, std::string* error);
+// An error names the place in the data.
+Status parsePathData(std::string_view data, PathBuilder* builder);
+Status parsePoints(std::string_view points, bool closed, PathBuilder* builder);
 // Starts at the upper left, with radii behind the upper left corner's arc.
 void drawRect(double x, double y, double width, double height, double rx, double ry, PathBuilder* builder);
 // Starts at the right and goes down first, as drawn on the page.

@@ -41,15 +41,15 @@ struct FrameCommand : testing::Test {
     void write(const char* name, const std::string& text) { std::ofstream(folder / name, std::ios::binary) << text; }
     // The one frame of a drawing; its outer rectangle.
     RealRect frameIn(const std::string& file, std::vector<std::string>* texts = nullptr) {
-        interchange::SvgReadResult read = interchange::readSvgFile(file);
-        EXPECT_NE(read.document, nullptr) << read.error;
-        if (read.document == nullptr) return {};
-        const std::vector<app::RecordedDimension> frames = app::listDimensions(*read.document);
+        Result<interchange::SvgDrawing> read = interchange::readSvgFile(file);
+        EXPECT_TRUE(read);
+        if (!read) return {};
+        const std::vector<app::RecordedDimension> frames = app::listDimensions(*read->document);
         EXPECT_EQ(frames.size(), 1U);
         if (frames.size() != 1) return {};
         EXPECT_EQ(frames[0].kind, "frame");
         if (texts != nullptr) *texts = frames[0].texts;
-        const doc::Document& document = *read.document;
+        const doc::Document& document = *read->document;
         const doc::ArtId titles = document.find(frames[0].group)->lastChild;
         return document.bounds(document.find(titles)->lastChild);
     }
@@ -106,11 +106,11 @@ TEST_F(FrameCommand, TheProfileCountsAndStaysAsItIs) {
     ASSERT_EQ(drawFrames(options, session), kExitOk);
     const RealRect rect = frameIn(options.output);
     EXPECT_TRUE(rect.left == 10 && rect.right == 810) << "no grid";
-    interchange::SvgReadResult read = interchange::readSvgFile(options.output);
-    const doc::ArtId frame = app::listDimensions(*read.document).at(0).group;
-    const doc::ArtId titles = read.document->find(frame)->lastChild;
-    const doc::ArtId block = read.document->find(read.document->find(titles)->lastChild)->above;
-    EXPECT_EQ(read.document->bounds(block).left, 810 - 240) << "rows of 8";
+    Result<interchange::SvgDrawing> read = interchange::readSvgFile(options.output);
+    const doc::ArtId frame = app::listDimensions(*read->document).at(0).group;
+    const doc::ArtId titles = read->document->find(frame)->lastChild;
+    const doc::ArtId block = read->document->find(read->document->find(titles)->lastChild)->above;
+    EXPECT_EQ(read->document->bounds(block).left, 810 - 240) << "rows of 8";
     std::ifstream in(settings, std::ios::binary);
     std::ostringstream bytes;
     bytes << in.rdbuf();

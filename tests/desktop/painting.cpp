@@ -12,6 +12,7 @@
 #include "render/export.h"
 #include "render/painter.h"
 #include "tests/desktop/window_rig.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
@@ -19,12 +20,12 @@ namespace {
 class Painting : public ::testing::Test {
   protected:
     void paint(const std::string& content) {
-        const interchange::SvgReadResult read = interchange::readSvg(
+        const Result<interchange::SvgDrawing> read = interchange::readSvg(
             "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
             "width=\"100pt\" height=\"100pt\" viewBox=\"0 0 100 100\">" +
             content + "</svg>");
-        ASSERT_NE(read.document, nullptr) << read.error;
-        paint(*read.document);
+        ASSERT_TRUE(read) << read.error();
+        paint(*read->document);
     }
     void paint(const doc::Document& document) {
         image = QImage(100, 100, QImage::Format_RGB32);
@@ -132,12 +133,12 @@ TEST_F(Painting, UsedArtLooksAsItsElementSays) {
 // Nothing is ever written into what a use element refers to.
 TEST_F(Painting, ChangedUsesLeaveDefinitionsAlone) {
     const std::string defs = "<defs><g id='d'><rect id='r' width='9' height='9' opacity='.5'/></g></defs>";
-    const interchange::SvgReadResult read = interchange::readSvg(
+    const Result<interchange::SvgDrawing> read = interchange::readSvg(
         "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' width='100pt' "
         "height='100pt'>" +
         defs + "<use id='u' xlink:href='#d'/></svg>");
-    ASSERT_NE(read.document, nullptr);
-    doc::Document& document = *read.document;
+    ASSERT_TRUE(read);
+    doc::Document& document = *read->document;
     doc::ArtId leaf = document.findBySvgId("u");
     while (document.find(leaf)->firstChild != 0) leaf = document.find(leaf)->firstChild;
     EXPECT_EQ(document.find(leaf)->source, -1);
@@ -153,16 +154,16 @@ TEST_F(Painting, ChangedUsesLeaveDefinitionsAlone) {
 }
 
 TEST_F(Painting, CopiesLookLikeTheirOriginals) {
-    const interchange::SvgReadResult read = interchange::readSvg(
+    const Result<interchange::SvgDrawing> read = interchange::readSvg(
         "<svg xmlns='http://www.w3.org/2000/svg' width='100pt' height='100pt' viewBox='0 0 100 100'>"
         "<path id='ring' opacity='.5' fill-rule='evenodd' d='M0 0H20V20H0Z M5 5H15V15H5Z'/></svg>");
-    ASSERT_NE(read.document, nullptr);
-    const doc::ArtId copy = read.document->duplicateArt(read.document->findBySvgId("ring"), "copy");
-    ASSERT_TRUE(read.document->transform(copy, {1, 0, 0, 1, 50, 0}, 1));
+    ASSERT_TRUE(read);
+    const doc::ArtId copy = read->document->duplicateArt(read->document->findBySvgId("ring"), "copy");
+    ASSERT_TRUE(read->document->transform(copy, {1, 0, 0, 1, 50, 0}, 1));
     const doc::ArtId pasted =
-        read.document->insertCopy(read.document->copyOf(read.document->findBySvgId("ring")), kPlaceAboveAll, 0);
-    ASSERT_TRUE(read.document->transform(pasted, {1, 0, 0, 1, 0, -50}, 1));
-    paint(*read.document);
+        read->document->insertCopy(read->document->copyOf(read->document->findBySvgId("ring")), kPlaceAboveAll, 0);
+    ASSERT_TRUE(read->document->transform(pasted, {1, 0, 0, 1, 0, -50}, 1));
+    paint(*read->document);
     for (const auto& [x, y] : {std::pair(50, 0), std::pair(0, 50)}) {
         EXPECT_NEAR(at(x + 2, y + 10)[0], 127, 1);
         EXPECT_EQ(at(x + 10, y + 10), paper);
@@ -333,13 +334,13 @@ TEST_F(Painting, FilesSayWhyTheyAreNotWritten) {
         return interchange::readSvg(std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"") + size +
                                     "\" height=\"72pt\"><rect width=\"10\" height=\"10\"/></svg>");
     };
-    const interchange::SvgReadResult inch = page("72pt"), wide = page("90000pt");
+    const Result<interchange::SvgDrawing> inch = page("72pt"), wide = page("90000pt");
     QString cause;
     const QString png = folder.filePath("a.png"), pdf = folder.filePath("a.pdf");
-    ASSERT_TRUE(render::exportDrawing(*inch.document, {}, {png, 300}, &cause)) << cause.toStdString();
+    ASSERT_TRUE(render::exportDrawing(*inch->document, {}, {png, 300}, &cause)) << cause.toStdString();
     EXPECT_EQ(QImage(png).size(), QSize(300, 300));
     EXPECT_NEAR(QImage(png).dotsPerMeterX(), 300 / 0.0254, 1);
-    ASSERT_TRUE(render::exportDrawing(*inch.document, {}, {pdf}, &cause)) << cause.toStdString();
+    ASSERT_TRUE(render::exportDrawing(*inch->document, {}, {pdf}, &cause)) << cause.toStdString();
     QFile file(pdf);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(file.readAll().contains("/MediaBox [0 0 72."));
@@ -349,7 +350,7 @@ TEST_F(Painting, FilesSayWhyTheyAreNotWritten) {
                                            std::pair(&wide, render::ExportTarget{folder.filePath("wide.png")}),
                                            std::pair(&wide, render::ExportTarget{folder.filePath("wide.pdf")})}) {
         cause.clear();
-        EXPECT_FALSE(render::exportDrawing(*document->document, {}, target, &cause));
+        EXPECT_FALSE(render::exportDrawing(*(*document)->document, {}, target, &cause));
         EXPECT_FALSE(cause.isEmpty());
         EXPECT_FALSE(QFile::exists(target.path));
     }
@@ -361,10 +362,10 @@ TEST_F(Painting, PrintsAtTrueSizeWherePaperHoldsIt) {
     const QPageLayout paper(QPageSize(QPageSize::A4), QPageLayout::Landscape, {10, 10, 10, 10},
                             QPageLayout::Millimeter);
     const auto onPaper = [&](const char* size) {
-        const interchange::SvgReadResult read =
+        const Result<interchange::SvgDrawing> read =
             interchange::readSvg(std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" ") + size + "/>");
-        const QTransform toPaper = render::printTransform(*read.document, paper, kDots);
-        const QRectF dots = toPaper.mapRect(QRectF(0, 0, read.document->width(), read.document->height()));
+        const QTransform toPaper = render::printTransform(*read->document, paper, kDots);
+        const QRectF dots = toPaper.mapRect(QRectF(0, 0, read->document->width(), read->document->height()));
         const double millimetres = 25.4 / kDots;
         return QRectF(dots.topLeft() * millimetres, dots.size() * millimetres);
     };

@@ -8,6 +8,7 @@
 #include "fonts/fonts.h"
 #include "interchange/svg/svg.h"
 #include "tests/support/drawing_hand.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
@@ -337,9 +338,9 @@ TEST_F(FrameArt, AShrunkTextIsShrunkInTheFileToo) {
     // As a program shows it that knows nothing of our own attributes.
     const std::string plain = std::regex_replace(saved, std::regex(" quorvel:text-exact=\"[^\"]*\""), "");
     ASSERT_NE(plain, saved);
-    const interchange::SvgReadResult read = interchange::readSvg(plain);
-    ASSERT_NE(read.document, nullptr) << read.error;
-    const doc::Document& document = *read.document;
+    const Result<interchange::SvgDrawing> read = interchange::readSvg(plain);
+    ASSERT_TRUE(read) << read.error();
+    const doc::Document& document = *read->document;
     const doc::ArtId root = document.layer(document.currentLayer())->root;
     const Art* text =
         document.find(document.find(document.find(document.find(root)->firstChild)->lastChild)->lastChild);

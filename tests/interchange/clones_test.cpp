@@ -136,9 +136,9 @@ TEST(Clones, UsesInACircleAreStillWritten) {
                   "href='#a'/>"));
     moveOriginal(*document);
     document->setTag(document->find(member(*document, "u"))->lastChild, "T", "1");
-    const SvgReadResult again = readSvg(writeSvg(*document));
-    ASSERT_TRUE(again.document) << again.error;
-    EXPECT_EQ(segments(*again.document, "p")[0].p.h, 5);
+    const Result<SvgDrawing> again = readSvg(writeSvg(*document));
+    ASSERT_TRUE(again) << again.error();
+    EXPECT_EQ(segments(*again->document, "p")[0].p.h, 5);
 }
 
 }  // namespace

@@ -28,12 +28,12 @@ TEST(SvgRead, PageSizesInAllUnits) {
     } cases[] = {{"25.4mm", 72, "mm"}, {"2.54cm", 72, "cm"}, {"1in", 72, "in"}, {"72pt", 72, "pt"},
                  {"6pc", 72, "pc"},    {"96px", 72, "px"},   {"96", 72, "px"}};
     for (const auto& row : cases) {
-        const SvgReadResult read =
+        const Result<SvgDrawing> read =
             readSvg(std::string("<svg xmlns='http://www.w3.org/2000/svg' height='10' width='") + row.width + "'/>");
-        ASSERT_TRUE(read.document) << read.error;
-        EXPECT_NEAR(read.document->width(), row.points, 1e-4) << row.width;
-        EXPECT_EQ(read.document->height(), 7.5F);
-        EXPECT_EQ(read.rulerUnit, row.unit);
+        ASSERT_TRUE(read) << read.error();
+        EXPECT_NEAR(read->document->width(), row.points, 1e-4) << row.width;
+        EXPECT_EQ(read->document->height(), 7.5F);
+        EXPECT_EQ(read->rulerUnit, row.unit);
     }
 }
 
@@ -335,28 +335,28 @@ TEST(SvgRead, WithoutLayersThePageIsOne) {
 }
 
 TEST(SvgRead, WhatIsNoArtIsKeptAndSaidOnce) {
-    const SvgReadResult read = readSvg(
+    const Result<SvgDrawing> read = readSvg(
         page("<image/><image/><foo/><metadata/><defs><path d='garbage'/></defs><clipPath><path d='x'/></clipPath>"
              "<text><textPath>t</textPath></text><a><switch><path id='p' d='M0 0'/></switch></a>"));
-    ASSERT_TRUE(read.document) << read.error;
-    EXPECT_EQ(read.warnings,
-              (std::vector<std::string>{"elements \"foo\" are kept but not understood",
-                                        "image elements are kept as they are", "texts on paths are kept as they are"}));
-    EXPECT_EQ(read.document->artCount(), 6U);
-    EXPECT_EQ(art(*read.document, "p").kind, kPathArt);
+    ASSERT_TRUE(read) << read.error();
+    EXPECT_EQ(read->warnings,
+              (std::vector{makeError(ErrorCode::kUnknownElements, {"foo"}),
+                           makeError(ErrorCode::kKeptElements, {"image"}), makeError(ErrorCode::kKeptTextsOnPaths)}));
+    EXPECT_EQ(read->document->artCount(), 6U);
+    EXPECT_EQ(art(*read->document, "p").kind, kPathArt);
 }
 
 TEST(SvgRead, TransformsInCssAreSaidOnceAndNotApplied) {
-    const std::vector<std::string> said{"transforms in CSS are kept but not applied"};
+    const std::vector<Error> said{makeError(ErrorCode::kTransformsInCss)};
     const std::string two = "<path id='p' class='a' d='M 1 0'/><path class='a' d='M 1 0'/>";
-    const SvgReadResult sheet = readSvg(page("<style>.a{transform:scale(2)}</style>" + two));
-    EXPECT_EQ(sheet.warnings, said);
-    expectPoint(segments(*sheet.document, "p")[0].p, 1, 200);
-    EXPECT_EQ(readSvg(page("<path style='transform:scale(2)' d='M 1 0'/>")).warnings, said);
+    const Result<SvgDrawing> sheet = readSvg(page("<style>.a{transform:scale(2)}</style>" + two));
+    EXPECT_EQ(sheet->warnings, said);
+    expectPoint(segments(*sheet->document, "p")[0].p, 1, 200);
+    EXPECT_EQ(readSvg(page("<path style='transform:scale(2)' d='M 1 0'/>"))->warnings, said);
     // Rules for nothing, other properties and the attribute are no such thing.
     EXPECT_TRUE(readSvg(page("<style>.b{transform:scale(2)}.a{transform:none;transform-origin:0 0}</style>" + two +
                              "<text style='text-transform:none' transform='scale(2)'>t</text>"))
-                    .warnings.empty());
+                    ->warnings.empty());
 }
 
 TEST(SvgRead, UseElementsShowWhatTheyReferTo) {

@@ -349,10 +349,10 @@ void unifyCompounds(doc::Document* document, doc::ArtId id) {
 void expectRoundTrip(doc::Document* document, const std::string& unit) {
     for (doc::LayerId layer : document->layers()) unifyCompounds(document, document->layer(layer)->root);
     const std::string written = writeSvg(*document, unit);
-    const SvgReadResult read = readSvg(written);
-    ASSERT_TRUE(read.document) << read.error << "\n" << written;
-    expectSame(*document, *read.document);
-    EXPECT_EQ(writeSvg(*read.document), written);
+    const Result<SvgDrawing> read = readSvg(written);
+    ASSERT_TRUE(read) << read.error() << "\n" << written;
+    expectSame(*document, *read->document);
+    EXPECT_EQ(writeSvg(*read->document), written);
     if (::testing::Test::HasFailure()) std::cout << written << "\n";
 }
 

@@ -65,9 +65,9 @@ TEST(SvgWrite, FilesOfOtherProgramsKeepTheirBytes) {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         if (entry.path().extension() != ".svg") continue;
         SCOPED_TRACE(entry.path());
-        const SvgReadResult read = readSvgFile(entry.path());
-        ASSERT_TRUE(read.document) << read.error;
-        EXPECT_EQ(writeSvg(*read.document, read.rulerUnit), textOf(entry.path()));
+        const Result<SvgDrawing> read = readSvgFile(entry.path());
+        ASSERT_TRUE(read) << read.error();
+        EXPECT_EQ(writeSvg(*read->document, read->rulerUnit), textOf(entry.path()));
         ++count;
     }
     EXPECT_GT(count, 0);
@@ -449,8 +449,8 @@ TEST(SvgWrite, CopiesOfForeignArtAreWritten) {
 TEST(SvgWrite, TheRulerIsSaidOnlyWhenItChanged) {
     const auto document = open(page(""));
     EXPECT_EQ(writeSvg(*document, "pt"), page(""));
-    const SvgReadResult again = readSvg(writeSvg(*document, "mm"));
-    EXPECT_EQ(again.rulerUnit, "mm");
+    const Result<SvgDrawing> again = readSvg(writeSvg(*document, "mm"));
+    EXPECT_EQ(again->rulerUnit, "mm");
 }
 
 // --- files ---------------------------------------------------------------------------------------------------------
@@ -469,7 +469,6 @@ class SvgFile : public ::testing::Test {
     }
 
     std::filesystem::path folder_;
-    std::string error_;
 };
 
 TEST_F(SvgFile, SavingKeepsPermissionsAndLinks) {
@@ -477,7 +476,7 @@ TEST_F(SvgFile, SavingKeepsPermissionsAndLinks) {
     std::ofstream(target) << "old";
     std::filesystem::permissions(target, std::filesystem::perms(0640));
     std::filesystem::create_symlink("a.svg", link);
-    ASSERT_TRUE(saveSvgFile(*open(page("")), link, "", &error_)) << error_;
+    ASSERT_TRUE(saveSvgFile(*open(page("")), link, ""));
     EXPECT_EQ(textOf(target), page(""));
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(std::filesystem::status(target).permissions(), std::filesystem::perms(0640));
@@ -485,8 +484,9 @@ TEST_F(SvgFile, SavingKeepsPermissionsAndLinks) {
 }
 
 TEST_F(SvgFile, AFailureLeavesTheOldFile) {
-    EXPECT_FALSE(saveSvgFile(*open(page("")), folder_ / "none/a.svg", "", &error_));
-    EXPECT_EQ(error_, "No such file or directory");
+    const Status noFolder = saveSvgFile(*open(page("")), folder_ / "none/a.svg", "");
+    ASSERT_FALSE(noFolder);
+    EXPECT_EQ(noFolder.error(), systemError(ENOENT, folder_ / "none/a.svg"));
     // A disk that is full after 100 bytes.
     const std::string target = folder_ / "a.svg";
     std::ofstream(target) << "old";
@@ -495,11 +495,11 @@ TEST_F(SvgFile, AFailureLeavesTheOldFile) {
     const rlimit small{100, before.rlim_max};
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
-    const bool saved = saveSvgFile(*open(page("<g/>")), target, "", &error_);
+    const Status saved = saveSvgFile(*open(page("<g/>")), target, "");
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(saved);
-    EXPECT_EQ(error_, "File too large");
+    ASSERT_FALSE(saved);
+    EXPECT_EQ(saved.error(), systemError(EFBIG, target));
     EXPECT_EQ(textOf(target), "old");
     EXPECT_EQ(filesLeft(), 1U);
 }

@@ -7,13 +7,15 @@
 #include <string>
 
 #include "interchange/svg/svg.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::interchange {
 
 inline std::unique_ptr<doc::Document> open(const std::string& text) {
-    SvgReadResult result = readSvg(text);
-    EXPECT_EQ(result.error, "");
-    return std::move(result.document);
+    Result<SvgDrawing> result = readSvg(text);
+    if (result) return std::move(result->document);
+    ADD_FAILURE() << result.error();
+    return nullptr;
 }
 
 // A page of 100 x 200 points with one user unit to the point, so that (x, y) lies at (x, 200 - y).
@@ -42,6 +44,12 @@ inline const doc::Layer& topLayer(const doc::Document& document) { return *docum
 inline void expectPoint(RealPoint point, double h, double v, double tolerance = 1e-4) {
     EXPECT_NEAR(point.h, h, tolerance);
     EXPECT_NEAR(point.v, v, tolerance);
+}
+
+inline Error systemError(int number, const std::string& file) {
+    Error error = makeError(ErrorCode::kSystem, {std::to_string(number)});
+    error.file = file;
+    return error;
 }
 
 // Expects two documents to hold the same, to the last bit of every number.

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "interchange/svg/svg.h"
+#include "tests/support/errors.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
@@ -645,13 +646,13 @@ TEST(RealDrawings, CarryTheNotesThatTheScriptPromises) {
         // 19.5 px or 5.159375 mm, where the circle itself holds 83.63 mm2.
         {"83.65 mm2", shelf({80, 87}), kJustifyLeft},
     };
-    const std::size_t own = textsOf(*interchange::readSvgFile(sharedDrawing(kTablet.file)).document).size();
+    const std::size_t own = textsOf(*interchange::readSvgFile(sharedDrawing(kTablet.file))->document).size();
     EXPECT_EQ(own, 9U) << "labels of six keys, of the ring's two ways and of its middle";
     ScriptRun run(readBytes(scriptFile("real_annotation.script")), scriptFile("real_annotation.script"));
     ASSERT_EQ(run.fault(), "");
-    const interchange::SvgReadResult saved = interchange::readSvg(run.saved());
-    ASSERT_NE(saved.document, nullptr) << saved.error;
-    const std::vector<const doc::Art*> texts = textsOf(*saved.document);
+    const Result<interchange::SvgDrawing> saved = interchange::readSvg(run.saved());
+    ASSERT_TRUE(saved) << saved.error();
+    const std::vector<const doc::Art*> texts = textsOf(*saved->document);
     ASSERT_EQ(texts.size(), own + std::size(notes));
     for (std::size_t i = 0; i < std::size(notes); ++i) expectPlaced(*texts[own + i]->text, notes[i]);
     const std::vector<doc::TextRun>& runs = texts.back()->text->runs;

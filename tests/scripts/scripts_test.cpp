@@ -12,6 +12,7 @@
 
 #include "interchange/svg/svg.h"
 #include "tests/support/compact_dump.h"
+#include "tests/support/errors.h"
 #include "tests/support/script_run.h"
 
 namespace quorvel::tests {
@@ -66,12 +67,12 @@ void expectDump(const std::string& name, const std::string& actual) {
 
 void expectComesBackFromItsFile(ScriptRun& run) {
     const std::string bytes = run.saved();
-    const interchange::SvgReadResult again = interchange::readSvg(bytes);
-    ASSERT_NE(again.document, nullptr) << again.error;
+    const Result<interchange::SvgDrawing> again = interchange::readSvg(bytes);
+    ASSERT_TRUE(again) << again.error();
     EXPECT_EQ(firstDifference(drawn(run, Selection::kLeftOut),
-                              compactDump(*again.document, again.rulerUnit, Selection::kLeftOut)),
+                              compactDump(*again->document, again->rulerUnit, Selection::kLeftOut)),
               "");
-    EXPECT_TRUE(interchange::writeSvg(*again.document) == bytes) << "a second save writes other bytes";
+    EXPECT_TRUE(interchange::writeSvg(*again->document) == bytes) << "a second save writes other bytes";
 }
 
 // The file that the drawing was opened from; empty when it is a new page or was saved over since.

@@ -216,9 +216,8 @@ class Outside : public ::testing::TestWithParam<Case> {
         std::vector<app::RecordedDimension> found;
         (void)QTest::qWaitFor(
             [&] {
-                const interchange::SvgReadResult read = interchange::readSvgFile(drawing().toStdString());
-                found = read.document != nullptr ? app::listDimensions(*read.document)
-                                                 : std::vector<app::RecordedDimension>();
+                const Result<interchange::SvgDrawing> read = interchange::readSvgFile(drawing().toStdString());
+                found = read ? app::listDimensions(*read->document) : std::vector<app::RecordedDimension>();
                 return found.size() == wanted;
             },
             kPatience);
