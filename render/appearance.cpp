@@ -11,6 +11,10 @@
 
 #include "interchange/svg/art_loader.h"
 #include "render/outline.h"
+#include "svg/css/declarations.h"
+#include "svg/css/style_attribute.h"
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
 #include "svg/values/affine.h"
 #include "svg/values/length.h"
 #include "svg/values/number.h"
@@ -359,7 +363,7 @@ std::unique_ptr<AppearanceReader::Foreign> AppearanceReader::readForeign(const i
     tag.remove("transform");
     for (const char* done : {"opacity", "clip-path", "mask"}) {
         tag.remove(done);
-        if (tag.attribute("style")) tag.removeProperty(done);
+        if (tag.attribute("style")) svg::removeProperty(&tag, done);
     }
     tag.set("id", kForeignId);
     std::string content = tag.str() + rest;

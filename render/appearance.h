@@ -19,7 +19,7 @@
 #include "render/clip_mask_cache.h"
 #include "render/definitions.h"
 #include "svg/css/style_sheet.h"
-#include "svg/markup/markup.h"
+#include "svg/markup/start_tag.h"
 
 class QSvgRenderer;
 

@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "render/outline.h"
-#include "svg/css/style_sheet.h"
 #include "svg/values/length.h"
 #include "svg/values/path_data.h"
 

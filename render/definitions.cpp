@@ -4,8 +4,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "svg/css/style_sheet.h"
-#include "svg/markup/markup.h"
+#include "svg/css/declarations.h"
+#include "svg/markup/entities.h"
 
 namespace quorvel::render {
 

@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "interchange/svg/source.h"
-#include "svg/css/style_sheet.h"
-#include "svg/markup/markup.h"
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
 #include "svg/values/length.h"
 
 namespace quorvel::render {

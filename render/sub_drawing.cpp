@@ -10,7 +10,6 @@
 #include "interchange/svg/svg.h"
 #include "render/outline.h"
 #include "render/painter.h"
-#include "svg/css/style_sheet.h"
 #include "svg/values/length.h"
 #include "svg/values/number.h"
 

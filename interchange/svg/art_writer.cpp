@@ -9,6 +9,10 @@
 #include "interchange/svg/exact_text.h"
 #include "interchange/svg/own_attributes.h"
 #include "interchange/svg/text.h"
+#include "svg/css/declarations.h"
+#include "svg/css/style_attribute.h"
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
 #include "svg/values/number.h"
 #include "svg/values/path_data.h"
 
@@ -131,13 +135,13 @@ void SvgArtWriter::setOwn(svg::StartTag* tag, const char* attribute, const std::
 void SvgArtWriter::hideTag(svg::StartTag* tag, bool hidden, const SvgElement* record) {
     if (record ? record->hidden == hidden : !hidden) return;
     if (hidden) {
-        tag->setProperty("display", "none");
+        svg::setProperty(tag, "display", "none");
         return;
     }
     tag->remove("display");
-    tag->removeProperty("display");
-    if (source_.hasStyleSheet) tag->setProperty("display", "inline");
-    if (record->unmodelledProperties & svg::kInvisible) tag->setProperty("visibility", "visible");
+    svg::removeProperty(tag, "display");
+    if (source_.hasStyleSheet) svg::setProperty(tag, "display", "inline");
+    if (record->unmodelledProperties & svg::kInvisible) svg::setProperty(tag, "visibility", "visible");
 }
 
 void SvgArtWriter::lockTag(svg::StartTag* tag, bool locked) {
@@ -227,7 +231,7 @@ void SvgArtWriter::setStyle(svg::StartTag* tag, const AIPathStyle& style, const 
                             const AIPathStyle* original, double scale) {
     const PaintSources& sources = document_.paintSources;
     for (const StyleProperty& property : styleProperties(style, inForce, scale, sources))
-        tag->setProperty(property.name, property.value);
+        svg::setProperty(tag, property.name, property.value);
     if (style.fillPaint && !(original && original->fillPaint && paintsAlike(style.fill, original->fill)))
         setOwn(tag, own_attribute::kFill, exactPaint(style.fill, sources));
     if (style.strokePaint && !(original && original->strokePaint && paintsAlike(style.stroke, original->stroke)))
@@ -282,7 +286,7 @@ void SvgArtWriter::setText(svg::StartTag* tag, const doc::Art& art, const SvgSco
         tag->set("style", parts.style);
     } else {
         for (const svg::CssDeclaration& declaration : declarations)
-            tag->setProperty(declaration.property, declaration.value);
+            svg::setProperty(tag, declaration.property, declaration.value);
     }
     setOwn(tag, own_attribute::kText, parts.exact);
     *content = parts.content;
@@ -349,7 +353,7 @@ std::optional<std::string> SvgArtWriter::editText(svg::StartTag* tag, const doc:
     }
     for (const char* name : {"font", "baseline-shift", "writing-mode", "text-align", "line-height", "white-space",
                              "shape-inside", "inline-size", "-inkscape-font-specification"}) {
-        tag->removeProperty(name);
+        svg::removeProperty(tag, name);
     }
     tag->remove(source_.names.sodipodi + "linespacing");
     std::string content;
@@ -403,7 +407,7 @@ std::string SvgArtWriter::newLeaf(const doc::Art& art, const SvgScope& scope) {
     setStyle(&tag, styleOf(piecesOf(document_, art)),
              known ? source_.styles[static_cast<std::size_t>(scope.style)].get() : nullptr, nullptr, scope.map.scale());
     for (const StyleProperty& property : resetProperties(scope.unmodelledProperties))
-        tag.setProperty(property.name, property.value);
+        svg::setProperty(&tag, property.name, property.value);
     setOutline(&tag, art, scope.map);
     markTag(&tag, art, nullptr);
     rules_.blockInheritedStyle(&tag);

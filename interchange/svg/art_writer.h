@@ -11,7 +11,7 @@
 #include "interchange/svg/rules.h"
 #include "interchange/svg/save_base.h"
 #include "interchange/svg/source.h"
-#include "svg/markup/markup.h"
+#include "svg/markup/start_tag.h"
 
 namespace quorvel::interchange {
 

@@ -6,6 +6,8 @@
 
 #include "interchange/svg/definitions.h"
 #include "interchange/svg/own_attributes.h"
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
 #include "svg/values/number.h"
 
 namespace quorvel::interchange {

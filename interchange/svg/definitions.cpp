@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "svg/markup/markup.h"
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
 
 namespace quorvel::interchange {
 namespace {

@@ -12,7 +12,6 @@
 #include "interchange/svg/own_attributes.h"
 #include "interchange/svg/svg.h"
 #include "svg/markup/huge_pages.h"
-#include "svg/markup/markup.h"
 #include "svg/values/length.h"
 
 namespace quorvel::interchange {

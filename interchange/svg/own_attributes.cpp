@@ -8,50 +8,10 @@
 namespace quorvel::interchange {
 namespace {
 
-constexpr char kHex[] = "0123456789ABCDEF";
-
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-void appendEscape(std::string* out, char mark, char byte) {
-    const auto value = static_cast<unsigned char>(byte);
-    *out += mark;
-    *out += kHex[value >> 4];
-    *out += kHex[value & 15];
-}
-
-std::string unescape(std::string_view text, char mark) {
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        unsigned value = 0;
-        if (text[i] == mark && i + 2 < text.size() &&
-            std::from_chars(text.data() + i + 1, text.data() + i + 3, value, 16).ptr == text.data() + i + 3) {
-            out += static_cast<char>(value);
-            i += 2;
-        } else {
-            out += text[i];
-        }
-    }
-    return out;
-}
-
 }  // namespace
-
-std::string encodeBytes(std::string_view bytes) {
-    std::string out;
-    out.reserve(bytes.size());
-    for (char c : bytes) {
-        if (c >= ' ' && c <= '~' && c != '%') {
-            out += c;
-        } else {
-            appendEscape(&out, '%', c);
-        }
-    }
-    return out;
-}
-
-std::string decodeBytes(std::string_view text) { return unescape(text, '%'); }
 
 std::string encodeList(const std::vector<std::string>& texts) {
     std::string list;
@@ -84,7 +44,7 @@ std::string tagAttribute(const TagPlace& tag) {
         if (isLetter(c) || isDigit(c) || c == '_') {
             name += c;
         } else {
-            appendEscape(&name, '.', c);
+            svg::appendEncoded(&name, '.', c);
         }
     }
     if (tag.member >= 0) return "m" + std::to_string(tag.member) + "-" + name;
@@ -94,9 +54,9 @@ std::string tagAttribute(const TagPlace& tag) {
 
 std::optional<TagPlace> tagOfAttribute(std::string_view localName) {
     const std::size_t dash = localName.find('-');
-    if (dash == std::string_view::npos) return TagPlace{-1, unescape(localName, '.')};
+    if (dash == std::string_view::npos) return TagPlace{-1, svg::decodeBytes(localName, '.')};
     const std::string_view kind = localName.substr(0, dash);
-    const std::string name = unescape(localName.substr(dash + 1), '.');
+    const std::string name = svg::decodeBytes(localName.substr(dash + 1), '.');
     if (kind == "t") return TagPlace{-1, name};
     int member = 0;
     if (kind.size() < 2 || kind[0] != 'm') return std::nullopt;

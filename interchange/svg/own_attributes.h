@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "svg/values/byte_text.h"
+
 namespace quorvel::interchange {
 
 // Our attributes' names without prefix. A tag's name holds no "-", so that these never meet.
@@ -23,9 +25,8 @@ constexpr const char* kCurrentLayer = "layer-current";  // on the root, where no
 constexpr const char* kRuler = "page-ruler";
 }  // namespace own_attribute
 
-// Printable ASCII but "%" as it is, every other byte as %XX.
-std::string encodeBytes(std::string_view bytes);
-std::string decodeBytes(std::string_view text);
+using svg::decodeBytes;
+using svg::encodeBytes;
 
 // Texts parted by blanks, each encoded.
 std::string encodeList(const std::vector<std::string>& texts);

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "svg/css/style_attribute.h"
+
 namespace quorvel::interchange {
 namespace {
 
@@ -58,8 +60,8 @@ std::vector<svg::CssDeclaration> winners(const std::vector<svg::CssDeclaration>&
 std::string_view localPart(std::string_view name) { return name.substr(name.find(':') + 1); }
 
 void say(svg::StartTag* tag, std::string_view property, std::string_view value, bool important) {
-    tag->removeProperty(property);
-    tag->setProperty(property, std::string(value) + (important ? " !important" : ""));
+    svg::removeProperty(tag, property);
+    svg::setProperty(tag, property, std::string(value) + (important ? " !important" : ""));
 }
 
 }  // namespace

@@ -6,8 +6,9 @@
 #include <string_view>
 
 #include "interchange/svg/source.h"
+#include "svg/css/declarations.h"
 #include "svg/css/style_sheet.h"
-#include "svg/markup/markup.h"
+#include "svg/markup/start_tag.h"
 
 namespace quorvel::interchange {
 

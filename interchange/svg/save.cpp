@@ -11,8 +11,10 @@
 #include "interchange/svg/own_attributes.h"
 #include "interchange/svg/save_base.h"
 #include "interchange/svg/svg.h"
-#include "svg/css/style_sheet.h"
+#include "svg/css/style_attribute.h"
+#include "svg/markup/element_spans.h"
 #include "svg/markup/splice_buffer.h"
+#include "svg/markup/start_tag.h"
 #include "svg/values/length.h"
 #include "svg/values/number.h"
 
@@ -531,7 +533,7 @@ class Splicer {
             const AIPathStyle& style = *source_.styles[static_cast<std::size_t>(record.style)];
             for (const StyleProperty& property :
                  styleProperties(style, nullptr, inner.map.scale(), document_.paintSources)) {
-                tag->setProperty(property.name, property.value);
+                svg::setProperty(tag, property.name, property.value);
             }
         }
         return inner;

@@ -9,6 +9,8 @@
 #include "interchange/svg/clones.h"
 #include "interchange/svg/svg.h"
 #include "interchange/svg/text.h"
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
 #include "svg/values/number.h"
 
 namespace quorvel::interchange {

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
+
 namespace quorvel::interchange {
 
 std::unordered_set<std::string> SvgSource::reservedNames() const {

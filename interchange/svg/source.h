@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "document/document.h"
-#include "svg/markup/markup.h"
+#include "svg/markup/entities.h"
 #include "svg/markup/namespaces.h"
 #include "svg/values/affine.h"
 

@@ -14,7 +14,7 @@
 #include "interchange/svg/art_hash.h"
 #include "interchange/svg/exact_text.h"
 #include "interchange/svg/own_attributes.h"
-#include "svg/markup/markup.h"
+#include "svg/markup/entities.h"
 #include "svg/values/length.h"
 #include "svg/values/number.h"
 #include "svg/values/paint.h"

@@ -1,25 +1,17 @@
-// The part of CSS that drawings use: declaration lists, style sheets with simple and combined-simple selectors (type,
-// .class, #id and their compounds and lists). What is not understood is passed over.
+// Style sheets: rules for elements, in the order in which they apply. What is not understood is passed over.
 #pragma once
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "svg/css/declarations.h"
+#include "svg/css/selector.h"
+
 namespace quorvel::svg {
-
-// Views into the text that was parsed.
-struct CssDeclaration {
-    std::string_view property, value;
-    bool important = false;
-};
-
-// Appends the declarations of a style attribute or of a rule's block.
-void parseDeclarations(std::string_view block, std::vector<CssDeclaration>* declarations);
 
 class StyleSheet {
   public:
@@ -37,25 +29,22 @@ class StyleSheet {
 
   private:
     struct Rule {
-        std::string_view type, id;
-        std::vector<std::string_view> classes;
-        std::int64_t specificity = 0;
+        Selector selector;
         std::size_t order = 0;
         std::size_t firstDeclaration = 0, declarationCount = 0;
     };
     // One element's question.
-    struct Asking {
-        std::string_view type, id;
-        std::vector<std::string_view> classes;  // in order, each once
+    struct Query {
+        ElementNames element;
         std::vector<const Rule*> found;
         std::size_t workLeft = 0;
         bool spend(std::size_t work);
     };
     void addRules(std::string_view text);
-    void addSelector(std::string_view selector, std::size_t first, std::size_t count);
+    void addBlock(std::string_view prelude, std::string_view block);
     // False when the work is more than is left.
-    bool addFitting(const std::string& key, Asking* asking) const;
-    bool addFitting(Asking* asking) const;
+    bool addMatches(const std::string& key, Query* query) const;
+    bool addMatches(Query* query) const;
 
     std::vector<std::unique_ptr<std::string>> texts_;
     std::vector<CssDeclaration> declarations_;

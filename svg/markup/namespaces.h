@@ -3,6 +3,9 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "svg/markup/xml.h"
 
 namespace quorvel::svg {
 
@@ -13,9 +16,15 @@ constexpr std::string_view kOwnNamespace = "https://quorvel.invalid/ns/1";
 
 // Prefixes with their colon, as the root declares them; the usual ones where it declares none.
 struct SvgNames {
-    std::string svg;  // empty: elements stand without prefix
+    std::string svg;  // of the root; empty: elements have no prefix
     std::string own = "quorvel:", inkscape = "inkscape:", sodipodi = "sodipodi:";
     bool ownDeclared = false, inkscapeDeclared = false, sodipodiDeclared = false;
+    std::vector<std::string> allSvg;  // every prefix of SVG's namespace, in order; "" among them
+
+    // Whether the element is one of SVG.
+    bool isSvg(const XmlNode& element) const;
 };
+
+SvgNames readNamespaces(const XmlNode& root);
 
 }  // namespace quorvel::svg

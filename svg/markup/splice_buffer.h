@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "svg/markup/markup.h"
+#include "svg/markup/entities.h"
 
 namespace quorvel::svg {
 

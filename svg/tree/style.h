@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "hostapi/types.h"
+#include "svg/css/declarations.h"
 #include "svg/css/style_sheet.h"
 #include "svg/values/color.h"
 #include "svg/values/paint.h"

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <numbers>
 
 #include "svg/values/number.h"
 
@@ -165,34 +166,116 @@ constexpr std::array kNamedColors = {NamedColor{"aliceblue", 0xf0f8ff},
                                      NamedColor{"yellowgreen", 0x9acd32}};
 static_assert(std::ranges::is_sorted(kNamedColors, {}, &NamedColor::name));
 
-CssColor fromBytes(unsigned rgb) { return {(rgb >> 16 & 255) / 255.0, (rgb >> 8 & 255) / 255.0, (rgb & 255) / 255.0}; }
+CssColor fromBytes(unsigned rgb, unsigned alpha = 255) {
+    return {(rgb >> 16 & 255) / 255.0, (rgb >> 8 & 255) / 255.0, (rgb & 255) / 255.0, alpha / 255.0};
+}
 
+// Digits for the channels and, of four or eight, for the alpha.
 std::optional<CssColor> parseHex(std::string_view digits) {
     unsigned value = 0;
     const auto [end, status] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
     if (status != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
-    if (digits.size() == 8 || digits.size() == 4) value >>= digits.size() == 8 ? 8 : 4;  // alpha
-    if (digits.size() == 6 || digits.size() == 8) return fromBytes(value);
-    if (digits.size() != 3 && digits.size() != 4) return std::nullopt;
-    return fromBytes((value >> 8 & 15) * 0x110000 + (value >> 4 & 15) * 0x1100 + (value & 15) * 0x11);
+    const auto twice = [](unsigned four) { return (four & 15) * 0x11; };
+    switch (digits.size()) {
+        case 3:
+            return fromBytes(twice(value >> 8) << 16 | twice(value >> 4) << 8 | twice(value));
+        case 4:
+            return fromBytes(twice(value >> 12) << 16 | twice(value >> 8) << 8 | twice(value >> 4), twice(value));
+        case 6:
+            return fromBytes(value);
+        case 8:
+            return fromBytes(value >> 8, value & 255);
+        default:
+            return std::nullopt;
+    }
 }
 
-std::optional<CssColor> parseRgb(std::string_view arguments) {
-    const char* at = arguments.data();
-    const char* end = at + arguments.size();
-    double channels[3];
-    for (double& channel : channels) {
-        skipSeparator(&at, end);
-        if (!readNumber(&at, end, &channel)) return std::nullopt;
-        if (at != end && *at == '%') {
-            ++at;
-            channel /= 100;
-        } else {
-            channel /= 255;
-        }
-        channel = std::clamp(channel, 0.0, 1.0);
+// The arguments of a colour's function, parted by blanks or commas, the alpha by a slash too.
+class ColorArguments {
+  public:
+    explicit ColorArguments(std::string_view text) : at_(text.data()), end_(text.data() + text.size()) {}
+
+    // From 0 to 1 where a plain number is a share of `whole`. Nothing when there is no number.
+    std::optional<double> share(double whole) {
+        double value = 0;
+        if (!number(&value)) return std::nullopt;
+        return std::clamp(takes('%') ? value / 100 : value / whole, 0.0, 1.0);
     }
-    return CssColor{channels[0], channels[1], channels[2]};
+
+    // As a share of a full turn.
+    std::optional<double> turns() {
+        double value = 0;
+        if (!number(&value)) return std::nullopt;
+        for (const AngleUnit& unit : kAngleUnits) {
+            if (!std::string_view(at_, static_cast<std::size_t>(end_ - at_)).starts_with(unit.name)) continue;
+            at_ += unit.name.size();
+            return value / unit.ofTurn;
+        }
+        return value / 360;
+    }
+
+    // 1 where none is given.
+    double alpha() {
+        skipBlanks(&at_, end_);
+        takes('/');
+        return share(1).value_or(1);
+    }
+
+  private:
+    struct AngleUnit {
+        std::string_view name;
+        double ofTurn;
+    };
+    static constexpr AngleUnit kAngleUnits[] = {
+        {"deg", 360}, {"grad", 400}, {"rad", 2 * std::numbers::pi}, {"turn", 1}};
+
+    bool number(double* value) {
+        skipSeparator(&at_, end_);
+        return readNumber(&at_, end_, value);
+    }
+    bool takes(char mark) {
+        if (at_ == end_ || *at_ != mark) return false;
+        ++at_;
+        return true;
+    }
+
+    const char* at_;
+    const char* end_;
+};
+
+std::optional<CssColor> parseRgb(std::string_view text) {
+    ColorArguments arguments(text);
+    const auto red = arguments.share(255), green = arguments.share(255), blue = arguments.share(255);
+    if (!red || !green || !blue) return std::nullopt;
+    return CssColor{*red, *green, *blue, arguments.alpha()};
+}
+
+// CSS Color 4, 7.1.
+std::optional<CssColor> parseHsl(std::string_view text) {
+    ColorArguments arguments(text);
+    const auto hue = arguments.turns(), saturation = arguments.share(100), lightness = arguments.share(100);
+    if (!hue || !saturation || !lightness) return std::nullopt;
+    const double twelfth = 12 * (*hue - std::floor(*hue));
+    const double reach = *saturation * std::min(*lightness, 1 - *lightness);
+    const auto channel = [&](double shift) {
+        const double place = std::fmod(shift + twelfth, 12);
+        return *lightness - reach * std::clamp(std::min(place - 3, 9 - place), -1.0, 1.0);
+    };
+    return CssColor{channel(0), channel(8), channel(4), arguments.alpha()};
+}
+
+std::optional<CssColor> parseFunction(std::string_view name, std::string_view arguments) {
+    if (name == "rgb" || name == "rgba") return parseRgb(arguments);
+    if (name == "hsl" || name == "hsla") return parseHsl(arguments);
+    return std::nullopt;
+}
+
+// In lower case, when it is short enough for a name.
+using NameBuffer = std::array<char, 24>;
+std::string_view lowerCase(std::string_view text, NameBuffer* buffer) {
+    if (text.size() > buffer->size()) return {};
+    std::ranges::transform(text, buffer->begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
+    return {buffer->data(), text.size()};
 }
 
 }  // namespace
@@ -200,16 +283,12 @@ std::optional<CssColor> parseRgb(std::string_view arguments) {
 std::optional<CssColor> parseColor(std::string_view text) {
     text = trimmed(text);
     if (text.starts_with('#')) return parseHex(text.substr(1));
+    NameBuffer buffer;
     const std::size_t open = text.find('(');
-    if (open != std::string_view::npos && text.ends_with(')')) {
-        const std::string_view function = text.substr(0, open);
-        if (function != "rgb" && function != "rgba") return std::nullopt;
-        return parseRgb(text.substr(open + 1, text.size() - open - 2));
-    }
-    std::array<char, 24> lower{};
-    if (text.size() > lower.size()) return std::nullopt;
-    std::ranges::transform(text, lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
-    const std::string_view name(lower.data(), text.size());
+    if (open != std::string_view::npos && text.ends_with(')'))
+        return parseFunction(lowerCase(text.substr(0, open), &buffer), text.substr(open + 1, text.size() - open - 2));
+    const std::string_view name = lowerCase(text, &buffer);
+    if (name == "transparent") return fromBytes(0, 0);
     const auto row = std::ranges::lower_bound(kNamedColors, name, {}, &NamedColor::name);
     if (row == kNamedColors.end() || row->name != name) return std::nullopt;
     return fromBytes(row->rgb);

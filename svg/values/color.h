@@ -6,12 +6,12 @@
 
 namespace quorvel::svg {
 
-// Channels from 0 to 1.
+// Channels and alpha from 0 to 1.
 struct CssColor {
-    double r = 0, g = 0, b = 0;
+    double r = 0, g = 0, b = 0, a = 1;
     bool operator==(const CssColor&) const = default;
 };
-// A name, #rgb, #rrggbb, rgb() with numbers or percentages, also with an alpha, which is passed over.
+// A name, # with 3, 4, 6 or 8 digits, rgb(), rgba(), hsl() or hsla(), their arguments parted by commas or by blanks.
 std::optional<CssColor> parseColor(std::string_view text);
 
 }  // namespace quorvel::svg

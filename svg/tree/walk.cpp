@@ -1,0 +1,227 @@
+// Each element goes the same way: its style, its transform, its number in the tree, then the visitor. What cannot be
+// read whole refuses the file, because a drawing that is half there would be measured wrongly.
+#include "svg/tree/walk.h"
+
+#include <algorithm>
+
+#include "svg/markup/element_spans.h"
+#include "svg/markup/lines.h"
+#include "svg/tree/roles.h"
+#include "svg/values/byte_text.h"
+#include "svg/values/length.h"
+
+namespace quorvel::svg {
+namespace {
+
+// Work that copies made by use elements may cost, in elements or 256 bytes of what is read again for them.
+constexpr std::size_t kMostCopies = 300'000;
+constexpr std::size_t kBytesForOne = 256;
+
+bool hasTextPath(const XmlNode& text) {
+    bool found = false;
+    forEachElement(text, [&](const XmlNode& node, int) {
+        found = node.localName() == "textPath";
+        return !found;
+    });
+    return found;
+}
+
+}  // namespace
+
+std::optional<double> readLength(const Visit& visit, std::string_view name, double percentOf, std::string* bad) {
+    const XmlAttribute attribute = visit.node.attribute(name);
+    if (!attribute || attribute.value() == "auto") return std::nullopt;
+    const std::optional<double> value = parseLength(attribute.value(), {percentOf, visit.style.fontSize});
+    if (!value) *bad = name;
+    return value;
+}
+
+TreeWalk::TreeWalk(Tree* tree, TreeVisitor* visitor) : tree_(*tree), file_(*tree->file), visitor_(*visitor) {}
+
+Error TreeWalk::at(const XmlNode& node, Error error) const {
+    constexpr std::size_t kLongestId = 80;
+    error.line = lineAt(*file_.text(), node.offset());
+    error.element = node.name();
+    const std::string_view id = node.attribute("id").value();
+    if (id.size() < kLongestId) error.elementId = encodeBytes(id);
+    return error;
+}
+
+Status TreeWalk::content(const XmlNode& element, const ComputedStyle& style, const Affine& map,
+                         const Viewport& viewport) {
+    stack_.reserve(kDeepestElement + 2);  // frames stay where they are
+    tree_.ctms.push_back(map);
+    tree_.viewports.push_back({0, viewport});
+    tree_.elements.push_back({.nameOffset = element.offset(), .style = style.number, .role = Role::kRoot});
+    Frame frame;
+    frame.next = element.firstChild();
+    frame.style = style;
+    frame.map = map;
+    frame.viewport = viewport;
+    frame.diagonal = viewport.diagonal();
+    stack_.push_back(std::move(frame));
+    while (!stack_.empty())
+        if (Status done = step(); !done) return done;
+    return {};
+}
+
+Status TreeWalk::step() {
+    Frame& frame = stack_.back();
+    if (!frame.next) {
+        const std::int32_t number = frame.element;
+        stack_.pop_back();
+        if (!stack_.empty()) visitor_.leave(tree_[number], number);
+        return {};
+    }
+    const XmlNode node = frame.next;
+    frame.next = frame.single ? XmlNode() : node.nextSibling();
+    if (frame.copied && !payForCopy(node)) return at(node, ErrorCode::kTooManyCopies);
+    if (!node.isElement()) return {};
+    return readChild(node);
+}
+
+bool TreeWalk::payForCopy(const XmlNode& node) {
+    std::size_t bytes = 0;
+    for (const XmlAttribute& attribute : node.attributes()) bytes += attribute.name().size() + attribute.value().size();
+    // A text is parsed anew, which costs more than an attribute of its size.
+    if (node.isElement() && node.localName() == "text") bytes += 4 * elementText(*file_.text(), node.offset()).size();
+    copies_ += 1 + bytes / kBytesForOne;
+    return copies_ <= kMostCopies;
+}
+
+Status TreeWalk::readChild(const XmlNode& node) {
+    if (!file_.names().isSvg(node)) return {};
+    Visit visit;
+    visit.node = node;
+    visit.name = node.localName();
+    const ElementKind* kind = elementKind(visit.name);
+    if (!kind) {
+        warnings.insert(makeError(ErrorCode::kUnknownElements, {encodeBytes(visit.name.substr(0, 40))}));
+        return {};
+    }
+    const bool isUsedSymbol = stack_.back().single && visit.name == "symbol";
+    if (!kind->role && !isUsedSymbol) return {};
+    visit.role = kind->role.value_or(Role::kGroup);
+    if (stack_.size() > kDeepestElement) return at(node, ErrorCode::kNestedTooDeeply);
+    return readElement(&visit);
+}
+
+Status TreeWalk::readElement(Visit* visit) {
+    const Frame& frame = stack_.back();
+    const XmlNode& node = visit->node;
+    visit->isInstance = frame.copied;
+    visit->viewport = frame.viewport;
+    visit->map = frame.map;
+    if (!file_.cascade().compute(node, frame.style, frame.diagonal, &visit->style))
+        return at(node, ErrorCode::kStyleSheetsTooCostly);
+    if (const XmlAttribute transform = node.attribute("transform")) {
+        Affine own;
+        if (!parseTransform(transform.value(), &own)) return at(node, ErrorCode::kBadTransform);
+        visit->map = compose(frame.map, own);
+        if (!visit->map.finite()) return at(node, ErrorCode::kTransformOutOfRange);
+    }
+    if (visit->role == Role::kGroup) return enterGroup(visit);
+    if (visit->role == Role::kUse) return enterUse(visit);
+    if (visit->role == Role::kText && hasTextPath(node)) visit->role = Role::kForeign;
+    if (visit->role == Role::kForeign)
+        warnings.insert(visit->name == "text" ? makeError(ErrorCode::kKeptTextsOnPaths)
+                                              : makeError(ErrorCode::kKeptElements, {std::string(visit->name)}));
+    return leaf(visit);
+}
+
+void TreeWalk::record(Visit* visit) {
+    const Frame& frame = stack_.back();
+    std::uint32_t ctm = tree_[frame.element].ctm;
+    if (!(tree_.ctms[ctm] == visit->map)) {
+        ctm = static_cast<std::uint32_t>(tree_.ctms.size());
+        tree_.ctms.push_back(visit->map);
+    }
+    visit->element = static_cast<std::int32_t>(tree_.size());
+    tree_.elements.push_back(
+        {visit->node.offset(), frame.element, ctm, visit->style.number, visit->role, visit->isInstance});
+}
+
+Status TreeWalk::leaf(Visit* visit) {
+    record(visit);
+    if (Status visited = visitor_.visit(*visit); !visited) return at(visit->node, visited.error());
+    return {};
+}
+
+// What is in the element inherits its style, but for shifts of text, which end at a container.
+void TreeWalk::push(Frame frame, const Visit& visit) {
+    frame.element = visit.element;
+    frame.style = visit.style;
+    frame.copied |= visit.isInstance;
+    frame.diagonal = frame.viewport.diagonal();
+    stack_.push_back(std::move(frame));
+}
+
+std::optional<Error> TreeWalk::openViewport(Visit* visit, Frame* frame) const {
+    const Frame& around = stack_.back();
+    std::string bad;
+    const double x = readLength(*visit, "x", around.viewport.width, &bad).value_or(0);
+    const double y = readLength(*visit, "y", around.viewport.height, &bad).value_or(0);
+    Viewport size{readLength(*visit, "width", around.viewport.width, &bad).value_or(around.viewport.width),
+                  readLength(*visit, "height", around.viewport.height, &bad).value_or(around.viewport.height)};
+    if (!bad.empty()) return at(visit->node, makeError(ErrorCode::kBadLength, {bad}));
+    if (around.use.width > 0) size.width = around.use.width;
+    if (around.use.height > 0) size.height = around.use.height;
+    frame->viewport = size;
+    visit->map = compose(visit->map, Affine{1, 0, 0, 1, x, y});
+    visit->map = compose(visit->map, viewBoxMap(viewBoxOf(visit->node), size, &frame->viewport));
+    if (!visit->map.finite()) return at(visit->node, ErrorCode::kViewBoxOutOfRange);
+    return std::nullopt;
+}
+
+Status TreeWalk::enterGroup(Visit* visit) {
+    Frame frame;
+    frame.viewport = visit->viewport;
+    const bool makesViewport = visit->name == "svg" || visit->name == "symbol";
+    if (makesViewport)
+        if (const std::optional<Error> error = openViewport(visit, &frame)) return *error;
+    endShift(&visit->style);
+    if (Status entered = leaf(visit); !entered) return entered;
+    if (makesViewport) tree_.viewports.push_back({visit->element, frame.viewport});
+    frame.next = visit->node.firstChild();
+    frame.map = visit->map;
+    push(std::move(frame), *visit);
+    return {};
+}
+
+Status TreeWalk::enterUse(Visit* visit) {
+    const XmlNode target = file_.find(hrefId(visit->node));
+    const bool loops = std::ranges::any_of(stack_, [&](const Frame& frame) { return frame.target == target; });
+    if (!target || loops || !file_.names().isSvg(target)) {
+        warnings.insert(makeError(loops && target ? ErrorCode::kUseOfItself : ErrorCode::kUseOfNothing));
+        visit->role = Role::kForeign;
+        return leaf(visit);
+    }
+    const Viewport around = visit->viewport;
+    std::string bad;
+    visit->use = {readLength(*visit, "x", around.width, &bad).value_or(0),
+                  readLength(*visit, "y", around.height, &bad).value_or(0),
+                  readLength(*visit, "width", around.width, &bad).value_or(0),
+                  readLength(*visit, "height", around.height, &bad).value_or(0)};
+    if (!bad.empty()) return at(visit->node, makeError(ErrorCode::kBadLength, {bad}));
+    endShift(&visit->style);
+    if (Status entered = leaf(visit); !entered) return entered;
+    Frame frame;
+    frame.next = target;
+    frame.single = true;
+    frame.copied = true;
+    frame.target = target;
+    frame.use = visit->use;
+    frame.viewport = around;
+    frame.map = compose(visit->map, Affine{1, 0, 0, 1, visit->use.x, visit->use.y});
+    if (!frame.map.finite()) return at(visit->node, ErrorCode::kCoordinateOutOfRange);
+    push(std::move(frame), *visit);
+    return {};
+}
+
+void TreeWalk::endShift(ComputedStyle* style) const {
+    if (style->baselineShift == 0) return;
+    style->baselineShift = 0;
+    file_.styles().intern(style, StyleTable::kText);
+}
+
+}  // namespace quorvel::svg

@@ -1,0 +1,97 @@
+// The walk over a file's markup that makes the resolved tree, element by element, and shows each to a visitor while its
+// markup is at hand. It keeps its own stack, so that no depth of nesting costs more than an error.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/result.h"
+#include "svg/css/computed_style.h"
+#include "svg/markup/xml.h"
+#include "svg/tree/tree.h"
+
+namespace quorvel::svg {
+
+// How a use element places what it refers to, in user units; a size of 0 is none.
+struct UsePlace {
+    double x = 0, y = 0, width = 0, height = 0;
+};
+
+// An element on its way through the walk.
+struct Visit {
+    XmlNode node;
+    std::string_view name;  // without prefix
+    Role role = Role::kGroup;
+    std::int32_t element = -1;  // its number in the tree
+    bool isInstance = false;
+    ComputedStyle style;
+    Affine map;         // of its content, with its own transform
+    Viewport viewport;  // that it stands in
+    UsePlace use;       // of a use element
+};
+
+// An error ends the walk; the walk adds the line and the element to it.
+class TreeVisitor {
+  public:
+    virtual ~TreeVisitor() = default;
+    virtual Status visit(const Visit& visit) = 0;
+    // Behind all that is in a group or use element that was visited.
+    virtual void leave(const Element& element, std::int32_t number) = 0;
+};
+
+class TreeWalk {
+  public:
+    // The tree has its file and nothing else. Both outlive the walk.
+    TreeWalk(Tree* tree, TreeVisitor* visitor);
+
+    // What of the drawing is kept but not understood.
+    std::set<Error> warnings;
+
+    // All that is in the element, which becomes the tree's root; style: its own, computed.
+    Status content(const XmlNode& element, const ComputedStyle& style, const Affine& map, const Viewport& viewport);
+
+  private:
+    struct Frame {
+        XmlNode next;  // child to be read
+        std::int32_t element = 0;
+        ComputedStyle style;  // what is inherited
+        Affine map;
+        Viewport viewport;
+        double diagonal = 0;  // of the viewport
+        bool copied = false;  // below a use element
+        bool single = false;  // only this one child: what a use element refers to
+        XmlNode target;       // of the use element that this frame is of
+        UsePlace use;         // of that use element
+    };
+
+    Status step();
+    Status readChild(const XmlNode& node);
+    Status readElement(Visit* visit);
+    Status enterGroup(Visit* visit);
+    Status enterUse(Visit* visit);
+    // Puts the element into the tree and shows it.
+    Status leaf(Visit* visit);
+    void endShift(ComputedStyle* style) const;
+    std::optional<Error> openViewport(Visit* visit, Frame* frame) const;
+    bool payForCopy(const XmlNode& node);
+    void record(Visit* visit);
+    void push(Frame frame, const Visit& visit);
+    Error at(const XmlNode& node, Error error) const;
+    Error at(const XmlNode& node, ErrorCode code) const { return at(node, makeError(code)); }
+
+    Tree& tree_;
+    File& file_;
+    TreeVisitor& visitor_;
+    std::vector<Frame> stack_;
+    std::size_t copies_ = 0;
+};
+
+// An attribute that is a length, in user units. Nothing for one that is missing or "auto", and for a bad one, which
+// *bad then names.
+std::optional<double> readLength(const Visit& visit, std::string_view name, double percentOf, std::string* bad);
+
+}  // namespace quorvel::svg
