@@ -1,18 +1,15 @@
-// Runs the recalculation and pairs each dimension with its rebuilt group: groups are rebuilt in walk order, and newer
-// art has higher names.
+// Has the plug-in rebuild dimensions and holds each against the group that it says took its place.
 #include "app/recalculation.h"
 
 #include <algorithm>
 #include <cmath>
-#include <map>
+#include <unordered_map>
 
 #include "app/dimension_list.h"
 
 namespace quorvel::app {
 
 namespace {
-
-constexpr char kRecalculateAction[] = "Recalculate_Dimension_lines";
 
 // What a dimension looks like before or after a rebuild.
 struct DimensionSnapshot {
@@ -79,29 +76,6 @@ class ScopedUnlockedLayers {
     std::vector<Closed> closed_;
 };
 
-void runAction(HeadlessSession& session) {
-    session.user().queueAnswer(true);
-    session.host().playAction(kRecalculateAction);
-    session.user().takeTranscript();
-}
-
-// The rebuilt groups by the group that each replaced.
-std::map<doc::ArtId, doc::ArtId> pairRebuilt(const doc::Document& document,
-                                             const std::vector<DimensionSnapshot>& before) {
-    doc::ArtId newest = 0;
-    std::vector<doc::ArtId> gone, made;
-    for (const DimensionSnapshot& portrait : before) {
-        newest = std::max(newest, portrait.record.group);
-        if (document.find(portrait.record.group) == nullptr) gone.push_back(portrait.record.group);
-    }
-    for (const RecordedDimension& dimension : listDimensions(document))
-        if (dimension.kind != "frame" && dimension.group > newest) made.push_back(dimension.group);
-    std::sort(made.begin(), made.end());
-    std::map<doc::ArtId, doc::ArtId> pairs;
-    for (std::size_t i = 0; i < gone.size() && i < made.size(); ++i) pairs[gone[i]] = made[i];
-    return pairs;
-}
-
 std::string joinedTexts(const RecordedDimension& dimension) {
     std::string joined;
     for (const std::string& text : dimension.texts) joined += (joined.empty() ? "" : " | ") + text;
@@ -144,13 +118,15 @@ std::vector<DimensionCheck> checkDimensions(HeadlessSession& session) {
     if (before.empty()) return checks;
     const ScopedUnlockedLayers open(session);
     const std::uint64_t countBefore = document.changeCount();
-    runAction(session);
-    const std::map<doc::ArtId, doc::ArtId> pairs = pairRebuilt(document, before);
-    std::map<doc::ArtId, DimensionSnapshot> after;
-    for (DimensionSnapshot& portrait : dimensionSnapshots(document)) after[portrait.record.group] = std::move(portrait);
-    for (const DimensionSnapshot& portrait : before) {
-        const auto pair = pairs.find(portrait.record.group);
-        checks.push_back(compare(portrait, pair == pairs.end() ? nullptr : &after.at(pair->second)));
+    std::vector<doc::ArtId> groups;
+    for (const DimensionSnapshot& dimension : before) groups.push_back(dimension.record.group);
+    const std::vector<doc::ArtId> rebuilt = session.host().rebuildDimensions(groups);
+    std::unordered_map<doc::ArtId, DimensionSnapshot> after;
+    for (DimensionSnapshot& dimension : dimensionSnapshots(document))
+        after.emplace(dimension.record.group, std::move(dimension));
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const auto made = after.find(rebuilt[i]);
+        checks.push_back(compare(before[i], made == after.end() ? nullptr : &made->second));
     }
     if (document.changeCount() != countBefore && document.undoName() != nullptr) session.host().undo();
     return checks;
@@ -158,23 +134,9 @@ std::vector<DimensionCheck> checkDimensions(HeadlessSession& session) {
 
 int rebuildDimensions(HeadlessSession& session, const std::vector<doc::ArtId>& groups) {
     if (groups.empty()) return 0;
-    const std::vector<DimensionSnapshot> before = dimensionSnapshots(*session.document());
     const ScopedUnlockedLayers open(session);
-    session.host().edit("Select", [&](doc::Document& changed) {
-        for (const doc::ArtId group : groups) changed.setSelected(group, true);
-        return true;
-    });
-    runAction(session);
-    const std::map<doc::ArtId, doc::ArtId> pairs = pairRebuilt(*session.document(), before);
-    session.host().edit("Rename", [&](doc::Document& changed) {
-        for (const DimensionSnapshot& portrait : before) {
-            const auto pair = pairs.find(portrait.record.group);
-            if (pair != pairs.end() && !portrait.record.svgId.empty())
-                changed.setSvgId(pair->second, portrait.record.svgId);
-        }
-        return true;
-    });
-    return static_cast<int>(pairs.size());
+    const std::vector<doc::ArtId> rebuilt = session.host().rebuildDimensions(groups);
+    return static_cast<int>(std::count_if(rebuilt.begin(), rebuilt.end(), [](doc::ArtId group) { return group != 0; }));
 }
 
 std::string checkText(const std::string& file, const std::vector<DimensionCheck>& checks) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "document/document.h"
+#include "hostapi/dimensions.h"
 #include "hostapi/messages.h"
 #include "hostapi/suites.h"
 
@@ -159,6 +160,8 @@ class Host {
     std::unique_ptr<QuorvelSnapMessage> snapReport(const ToolRecord& tool, RealPoint cursor);
     // The art that a handle names, 0 when it is gone.
     doc::ArtId artOfHandle(AIArtHandle handle) const;
+    // Rebuilds dimension groups without a question. The new group of each, in their order; 0 where none was made.
+    std::vector<doc::ArtId> rebuildDimensions(const std::vector<doc::ArtId>& groups);
     // A message of our own making, as one transaction.
     AIErr send(const char* caller, const char* selector, SPMessageData* message);
 

@@ -211,6 +211,7 @@ SuiteRecord pathStyleSuite();
 SuiteRecord tagSuite();
 SuiteRecord transformArtSuite();
 SuiteRecord artQuerySuite();
+SuiteRecord dimensionSuite();
 SuiteRecord textFrameSuite();
 SuiteRecord textRangeSuite();
 SuiteRecord charFeaturesSuite();

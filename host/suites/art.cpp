@@ -207,6 +207,19 @@ AIErr getArtParent(AIArtHandle art, AIArtHandle* parent) {
     return kNoErr;
 }
 
+// --- dimensions
+// ------------------------------------------------------------------------------------------------------------
+
+AIErr replaceGroup(AIArtHandle former, AIArtHandle replacement) {
+    const doc::ArtId old = artOf(former).id, made = artOf(replacement).id;
+    const std::string name = artOf(former).svgId;
+    require(old != made && artOf(former).parent != 0 && artOf(replacement).parent != 0);
+    require(changeDocument([&](doc::Document& document) {
+        return document.removeArt(old) && (name.empty() || document.setSvgId(made, name));
+    }));
+    return kNoErr;
+}
+
 // The document's own generation in the high bits, so that another drawing never answers the same.
 AIErr getChangeCount(std::uint64_t* count) {
     deref(count) = std::uint64_t{theHost().documentSerial} << 48 | theDocument().changeCount();
@@ -261,6 +274,15 @@ SuiteRecord artQuerySuite() {
         s.FindArtByTag = slot<findArtByTag>;
         s.GetArtParent = slot<getArtParent>;
         s.GetChangeCount = slot<getChangeCount>;
+        return s;
+    }();
+    return recordOf(suite);
+}
+
+SuiteRecord dimensionSuite() {
+    static const AIDimensionSuite suite = [] {
+        auto s = refusingSuite<AIDimensionSuite>();
+        s.ReplaceGroup = slot<replaceGroup>;
         return s;
     }();
     return recordOf(suite);

@@ -138,6 +138,7 @@ constexpr Row kRows[] = {
     {"AI File Path Suite", 3},
     {"AI Unicode String Suite", 7, unicodeStringSuite},
     {kArtQuerySuiteName, kArtQuerySuiteVersion, artQuerySuite},
+    {kDimensionSuiteName, kDimensionSuiteVersion, dimensionSuite},
 };
 
 bool offered(const Row& row) {

@@ -170,7 +170,7 @@ std::int32_t BuildAngleDimension(AIArtHandle oldGroup) {
     AddDimensionText(group, PolarPoint(P, kTextHalfLength, middle + kHalfPiWide),
                      PolarPoint(P, kTextHalfLength, middle - kHalfPiWide), text);
     WriteDimensionRecord(group, kAngleTool, prefs.flAngleMode);
-    if (oldGroup != nullptr) sAIArt->DisposeArt(oldGroup);
+    EndDimensionGroup(oldGroup, group);
     return 1;
 }
 

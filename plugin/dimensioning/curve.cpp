@@ -352,7 +352,7 @@ std::int32_t BuildCurveDimension(AIArtHandle oldGroup) {
     std::int16_t side = 0;
     if (BuildCurveChain(globals, ToDoublePoint(state->endPoint), true, &side)) AddChainArt(globals, group, side);
     WriteDimensionRecord(group, kCurveTool, kCurveMode);
-    if (oldGroup != nullptr) sAIArt->DisposeArt(oldGroup);
+    EndDimensionGroup(oldGroup, group);
     return 1;
 }
 

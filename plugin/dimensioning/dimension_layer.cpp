@@ -37,13 +37,23 @@ AILayerHandle ResolveDimensionLayer(AIArtHandle oldGroup) {
 }
 
 AIArtHandle BeginDimensionGroup(AIArtHandle oldGroup) {
-    const AILayerHandle layer = ResolveDimensionLayer(oldGroup);
+    AIArtHandle group = nullptr;
+    if (oldGroup != nullptr) {
+        // In its place, whatever layer new dimensions go to.
+        if (ArtLayerIsBlocked(oldGroup)) return nullptr;
+        return sAIArt->NewArt(kGroupArt, kPlaceAbove, oldGroup, &group) == kNoErr ? group : nullptr;
+    }
+    const AILayerHandle layer = ResolveDimensionLayer(nullptr);
     if (layer == nullptr || LayerIsBlocked(layer)) return nullptr;
     AIArtHandle root = nullptr;
     if (sAIArt->GetFirstArtOfLayer(layer, &root) != kNoErr) return nullptr;
-    AIArtHandle group = nullptr;
-    if (sAIArt->NewArt(kGroupArt, kPlaceInsideOnTop, root, &group) != kNoErr) return nullptr;
-    return group;
+    return sAIArt->NewArt(kGroupArt, kPlaceInsideOnTop, root, &group) == kNoErr ? group : nullptr;
+}
+
+void EndDimensionGroup(AIArtHandle oldGroup, AIArtHandle group) {
+    gGlobals->builtGroup = group;
+    if (oldGroup == nullptr) return;
+    if (sDimension == nullptr || sDimension->ReplaceGroup(oldGroup, group) != kNoErr) sAIArt->DisposeArt(oldGroup);
 }
 
 }  // namespace quorvel

@@ -54,7 +54,10 @@ void AddArrowMark(AIArtHandle group, const DoublePoint& tip, double d, double wi
 
 // The layer of a new dimension, or of the group that is being rebuilt.
 AILayerHandle ResolveDimensionLayer(AIArtHandle oldGroup);
-// Layer and group of a builder: null when the layer is blocked, and the builder returns 0 then.
+// The group of a builder: null when its layer is blocked, and the builder returns 0 then. On top of its layer, or
+// directly above the group that it is to replace.
 AIArtHandle BeginDimensionGroup(AIArtHandle oldGroup);
+// The group is whole and takes the place of the old one, which may be null.
+void EndDimensionGroup(AIArtHandle oldGroup, AIArtHandle group);
 
 }  // namespace quorvel

@@ -119,7 +119,7 @@ std::int32_t BuildLinearDimension(AIArtHandle oldGroup) {
     if (group == nullptr) return 0;
     AddSpans(group, P1, P2, A, B, live.stopCount, S);
     WriteDimensionRecord(group, RecordKind(mode), mode);
-    if (oldGroup != nullptr) sAIArt->DisposeArt(oldGroup);
+    EndDimensionGroup(oldGroup, group);
     return 1;
 }
 

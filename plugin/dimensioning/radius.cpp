@@ -211,7 +211,7 @@ std::int32_t BuildRound(const RoundTool& tool, AIArtHandle oldGroup) {
     if (tool.crossesCircle && mode == 0) AddArrowMark(group, P0, AngleBetweenPoints(P0, S), wings);
     AddDimensionText(group, label.a1, label.a2, text);
     WriteRoundRecord(globals, group, tool.kind);
-    if (oldGroup != nullptr) sAIArt->DisposeArt(oldGroup);
+    EndDimensionGroup(oldGroup, group);
     return 1;
 }
 

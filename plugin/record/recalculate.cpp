@@ -211,6 +211,14 @@ void RecalculateDimensions() {
         if (!selectedOnly || IsSelected(group)) RecalculateGroup(globals, group);
 }
 
+AIArtHandle RebuildDimension(AIArtHandle group) {
+    PluginGlobals* globals = gGlobals;
+    if (!IsDimensionGroup(group)) return nullptr;
+    globals->builtGroup = nullptr;
+    RecalculateGroup(globals, group);
+    return globals->builtGroup;
+}
+
 void TrackMovedArt() {
     PluginGlobals* globals = gGlobals;
     if (!ViewIsOpen()) return;

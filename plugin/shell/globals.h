@@ -75,6 +75,7 @@ struct PluginGlobals {
     PrefsRecord prefs;
     BezierBasisTables bezierTables;
     ChainBuffer *workBufferA, *workBufferB, *workBufferC;
+    AIArtHandle builtGroup;  // what the last builder that came to its end has made
 
     // Host handles.
     const SPBasicSuite* basicAtStart;

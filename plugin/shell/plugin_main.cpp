@@ -3,7 +3,8 @@
 #include <exception>
 #include <new>
 
-#include "hostapi/messages.h"
+#include "hostapi/dimensions.h"
+#include "plugin/record/recalculate.h"
 #include "plugin/settings/about_dialog.h"
 #include "plugin/settings/prefs_file.h"
 #include "plugin/shell/alert.h"
@@ -60,6 +61,12 @@ AIErr SetFieldStep(void* message) {
 
 AIErr SnapReportStep(void* message) { return SnapReport(static_cast<QuorvelSnapMessage*>(message)); }
 
+AIErr RebuildStep(void* message) {
+    const QuorvelRebuildMessage* rebuild = static_cast<QuorvelRebuildMessage*>(message);
+    for (std::int32_t i = 0; i < rebuild->count; ++i) rebuild->rebuilt[i] = RebuildDimension(rebuild->groups[i]);
+    return kNoErr;
+}
+
 template <typename Message>
 using MessageHandler = AIErr (*)(const Message* message);
 
@@ -93,6 +100,7 @@ const Route kRoutes[] = {
     {kCallerAction, kSelectorDoAction, Call<AIActionMessage, DoAction>},
     {kCallerSettings, kSelectorSetField, SetFieldStep},
     {kCallerSnap, kSelectorSnapReport, SnapReportStep},
+    {kCallerDimensions, kSelectorRebuild, RebuildStep},
 };
 
 // A message that nobody knows is no error: hosts send more than any plug-in reads.

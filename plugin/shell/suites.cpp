@@ -40,6 +40,7 @@ const AINotifierSuite* sAINotifier = nullptr;
 const AIActionManagerSuite* sAIActionManager = nullptr;
 const AIUnicodeStringSuite* sAIUnicodeString = nullptr;
 const AIArtQuerySuite* sArtQuery = nullptr;
+const AIDimensionSuite* sDimension = nullptr;
 
 std::int16_t suiteUseCount = 0;
 
@@ -211,16 +212,28 @@ AIErr ReleaseRows() {
     return kNoErr;
 }
 
-void AcquireArtQuery() {
+template <auto& pointer>
+void AcquireOwn(const char* name, std::int32_t version) {
     const void* suite = nullptr;
-    if (gBasic->AcquireSuite(kArtQuerySuiteName, kArtQuerySuiteVersion, &suite) != kNoErr) suite = nullptr;
-    sArtQuery = static_cast<const AIArtQuerySuite*>(suite);
+    if (gBasic->AcquireSuite(name, version, &suite) != kNoErr) suite = nullptr;
+    Publish<pointer>(suite);
 }
 
-void ReleaseArtQuery() {
-    if (sArtQuery == nullptr) return;
-    gBasic->ReleaseSuite(kArtQuerySuiteName, kArtQuerySuiteVersion);
-    sArtQuery = nullptr;
+template <auto& pointer>
+void ReleaseOwn(const char* name, std::int32_t version) {
+    if (pointer == nullptr) return;
+    gBasic->ReleaseSuite(name, version);
+    pointer = nullptr;
+}
+
+void AcquireOwnSuites() {
+    AcquireOwn<sArtQuery>(kArtQuerySuiteName, kArtQuerySuiteVersion);
+    AcquireOwn<sDimension>(kDimensionSuiteName, kDimensionSuiteVersion);
+}
+
+void ReleaseOwnSuites() {
+    ReleaseOwn<sDimension>(kDimensionSuiteName, kDimensionSuiteVersion);
+    ReleaseOwn<sArtQuery>(kArtQuerySuiteName, kArtQuerySuiteVersion);
 }
 
 }  // namespace
@@ -229,7 +242,7 @@ AIErr AcquireSuites() {
     AIErr result = kNoErr;
     if (suiteUseCount == 0) {
         result = AcquireRows();
-        if (result == kNoErr) AcquireArtQuery();
+        if (result == kNoErr) AcquireOwnSuites();
     }
     // Failure included, so that the release that always follows brings the count back.
     suiteUseCount = static_cast<std::int16_t>(suiteUseCount + 1);
@@ -239,7 +252,7 @@ AIErr AcquireSuites() {
 AIErr ReleaseSuites() {
     AIErr result = kNoErr;
     if (suiteUseCount == 1) {
-        ReleaseArtQuery();
+        ReleaseOwnSuites();
         result = ReleaseRows();
     }
     suiteUseCount = static_cast<std::int16_t>(suiteUseCount - 1);

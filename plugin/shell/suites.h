@@ -2,6 +2,7 @@
 // stands in suites.cpp.
 #pragma once
 
+#include "hostapi/dimensions.h"
 #include "hostapi/suites.h"
 
 namespace quorvel {
@@ -35,8 +36,9 @@ extern const AINotifierSuite* sAINotifier;
 extern const AIActionManagerSuite* sAIActionManager;
 extern const AIUnicodeStringSuite* sAIUnicodeString;
 
-// Offered by our own host alone: null elsewhere. Acquired behind the table, and its absence is no failure.
+// Offered by our own host alone: null elsewhere. Acquired behind the table, and their absence is no failure.
 extern const AIArtQuerySuite* sArtQuery;
+extern const AIDimensionSuite* sDimension;
 
 AIErr AcquireSuites();
 AIErr ReleaseSuites();

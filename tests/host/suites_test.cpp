@@ -64,8 +64,8 @@ TEST(SuiteTable, OffersEachNameOnceAndByItsVersionAlone) {
     host.attachPlugin(FakePlugin::main, nullptr);
     std::set<std::string> names;
     for (const auto& [name, version] : offeredSuites()) names.insert(name);
-    EXPECT_EQ(names.size(), 111u);
-    EXPECT_EQ(offeredSuites().size(), 111u);
+    EXPECT_EQ(names.size(), 112u);
+    EXPECT_EQ(offeredSuites().size(), 112u);
     EXPECT_EQ(offeredSuites().front().first, "SP Blocks Suite");
     EXPECT_EQ(offeredSuites()[109].first, "AI Unicode String Suite");
     FakePlugin::within(host, [&](SPMessageData* message) {

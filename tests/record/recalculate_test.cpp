@@ -227,13 +227,13 @@ TEST_F(Recalculate, RoundLabelsFollowTheCircle) {
     // The placement stays (35, 55) off the middle of the segment's ends, which went from (225, 225) to (250, 250).
     const std::vector<ArtId> both = table.dimensions();
     ASSERT_EQ(both.size(), 2U);
-    const std::vector<Piece> radius = table.pieces(both[0]), diameter = table.pieces(both[1]);
+    const std::vector<Piece> radius = table.pieces(both[1]), diameter = table.pieces(both[0]);
     EXPECT_EQ(radius.back().text + diameter.back().text, u"R100ø200");
     expectPoint(radius[0].segments[0].p, 200, 200);
     for (const std::vector<Piece>& art : {radius, diameter}) expectPoint(art[0].segments[1].p, 285, 305);
     const double reach = std::hypot(85, 105);
     expectPoint(diameter[0].segments[0].p, 200 - 100 * 85 / reach, 200 - 100 * 105 / reach);
-    EXPECT_EQ(table.tag(both[1], "QUORVEL_TOCELL"), table.tag(circle, "quorvel_object_id") + ",0,0,300,200");
+    EXPECT_EQ(table.tag(both[0], "QUORVEL_TOCELL"), table.tag(circle, "quorvel_object_id") + ",0,0,300,200");
 }
 
 // --- who is asked, who is rebuilt
@@ -258,6 +258,32 @@ TEST_F(Recalculate, OnlySelectedDimensionsWhenAnyIs) {
     EXPECT_EQ(table.user().takeTranscript().front(),
               "question \"Are you sure you want to recalculate all dimension-lines?\" no");
     EXPECT_EQ(table.dimensions(), now);
+}
+
+// Also where new dimensions go to a layer of their own.
+TEST_F(Recalculate, ARebuiltDimensionKeepsItsNameAndItsPlaceAmongItsSiblings) {
+    const ArtId box = table.drawLines({{100, 100}, {300, 100}, {300, 200}, {100, 200}}, true);
+    const ArtId inside = oblique({100, 100}, {300, 100}, {200, 50}),
+                above = oblique({100, 200}, {300, 200}, {200, 250});
+    ArtId holder = 0;
+    table.change([&](Document& document) {
+        holder = document.insertArt(kGroupArt, kPlaceBelow, above);
+        return document.moveArt(inside, kPlaceInsideOnTop, holder) && document.setSvgId(inside, "width");
+    });
+    const ArtId note = table.drawLines({{0, 0}, {10, 10}}, false);
+    const std::string name = table.document().find(above)->svgId;
+    table.move(box, 10, 0);
+    table.prefs().flOutLayer = 1;
+    recalculate();
+    const Document& document = table.document();
+    const ArtId rebuilt = document.findBySvgId("width"), second = document.findBySvgId(name);
+    ASSERT_NE(rebuilt, 0U);
+    EXPECT_NE(rebuilt, inside);
+    EXPECT_EQ(document.find(rebuilt)->parent, holder);
+    EXPECT_NE(second, above);
+    EXPECT_EQ(document.find(second)->above, note);
+    EXPECT_EQ(document.find(second)->below, holder);
+    EXPECT_EQ(document.layers().size(), 1U);
 }
 
 TEST_F(Recalculate, NothingToDoAsksNothing) {
@@ -518,10 +544,9 @@ TEST_F(RandomDimensions, ARebuildOfWhatHasNotMovedGivesTheSame) {
     recalculate();
     const auto after = everything();
     ASSERT_EQ(before.size(), after.size());
-    // Each new group goes on top, so the last rebuilt comes first.
     for (std::size_t i = 0; i < before.size(); ++i) {
         SCOPED_TRACE(i);
-        expectMoved(before[i], after[before.size() - 1 - i], 0, 0);
+        expectMoved(before[i], after[i], 0, 0);
     }
 }
 
@@ -535,7 +560,7 @@ TEST_F(RandomDimensions, MovingAllArtMovesObliqueAndCurveDimensionsWithIt) {
     ASSERT_EQ(before.size(), after.size());
     for (std::size_t i = 0; i < before.size(); ++i) {
         SCOPED_TRACE(i);
-        expectMoved(before[i], after[before.size() - 1 - i], -37, 52.5);
+        expectMoved(before[i], after[i], -37, 52.5);
     }
 }
 
