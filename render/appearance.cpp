@@ -126,16 +126,14 @@ AppearanceReader::AppearanceReader(const doc::Document& document, QString folder
     : document_(document),
       source_(interchange::svgSource(document)),
       folder_(std::move(folder)),
-      definitions_(source_ != nullptr ? source_->text : nothing_),
+      definitions_(source_ != nullptr ? *source_->text : nothing_),
       clips_(&definitions_) {
     if (source_ == nullptr) return;
     for (const char* word : {"opacity", "evenodd", "clip-path", "mask", "marker", "<text", ":text"})
-        hasLooks_ = hasLooks_ || source_->text.find(word) != std::string::npos;
+        hasLooks_ = hasLooks_ || source_->text->find(word) != std::string::npos;
     // What a use element has made may hold some.
-    hasForeign_ =
-        std::any_of(source_->elements.begin(), source_->elements.end(), [](const interchange::SvgElement& one) {
-            return one.kind == interchange::SvgKind::kForeign || one.kind == interchange::SvgKind::kUse;
-        });
+    hasForeign_ = std::any_of(source_->tree.elements.begin(), source_->tree.elements.end(),
+                              [](const svg::Element& one) { return one.role == svg::Role::kForeign; });
     if (hasLooks_ && source_->hasStyleSheet) readStyleSheet();
     readViewport();
 }
@@ -143,43 +141,44 @@ AppearanceReader::AppearanceReader(const doc::Document& document, QString folder
 AppearanceReader::~AppearanceReader() = default;
 
 void AppearanceReader::readStyleSheet() {
-    QXmlStreamReader in(QByteArray::fromStdString(source_->text));
+    QXmlStreamReader in(QByteArray::fromStdString(*source_->text));
     while (!in.atEnd())
         if (in.readNext() == QXmlStreamReader::StartElement && in.name() == QLatin1String("style"))
             sheet_.add(in.readElementText(QXmlStreamReader::SkipChildElements).toStdString());
 }
 
 void AppearanceReader::readViewport() {
-    if (source_->origins.empty()) return;
-    const svg::Affine& map = source_->ctms[source_->origins.front().ctm];
-    interchange::Viewport box{document_.width() / map.scale(), document_.height() / map.scale()};
-    const svg::StartTag root = tagOf(source_->origins.front());
+    if (source_->tree.elements.empty()) return;
+    const svg::Affine& map = source_->tree.ctms[source_->tree.elements.front().ctm];
+    svg::Viewport box{document_.width() / map.scale(), document_.height() / map.scale()};
+    const svg::StartTag root = tagOf(source_->tree.elements.front());
     pugi::xml_document parsed;
     pugi::xml_node node = parsed.append_child("svg");
     node.append_attribute("viewBox") = root.attribute("viewBox").value_or("").c_str();
-    interchange::viewBoxMap(node, {1, 1}, &box);
+    svg::viewBoxMap(svg::viewBoxOf(svg::XmlNode(node)), {1, 1}, &box);
     viewport_ = {box.width, box.height};
 }
 
-const interchange::SvgOrigin* AppearanceReader::origin(std::int32_t index) const {
-    const bool there = source_ != nullptr && index >= 0 && static_cast<std::size_t>(index) < source_->origins.size();
-    return there ? &source_->origins[static_cast<std::size_t>(index)] : nullptr;
+const svg::Element* AppearanceReader::origin(std::int32_t index) const {
+    const bool there =
+        source_ != nullptr && index >= 0 && static_cast<std::size_t>(index) < source_->tree.elements.size();
+    return there ? &source_->tree.elements[static_cast<std::size_t>(index)] : nullptr;
 }
 
-svg::StartTag AppearanceReader::tagOf(const interchange::SvgOrigin& origin) const {
-    return svg::StartTag(svg::startTagText(source_->text, origin.nameOffset));
+svg::StartTag AppearanceReader::tagOf(const svg::Element& origin) const {
+    return svg::StartTag(svg::startTagText(*source_->text, origin.nameOffset));
 }
 
 QTransform AppearanceReader::userSpace(const doc::Art& art) const {
-    const interchange::SvgOrigin* own = origin(art.origin);
-    return own == nullptr ? QTransform() : toQt(source_->ctms[own->ctm]);
+    const svg::Element* own = origin(art.origin);
+    return own == nullptr ? QTransform() : toQt(source_->tree.ctms[own->ctm]);
 }
 
 const SvgAppearance& AppearanceReader::read(std::int32_t index) {
     static const SvgAppearance kPlain;
     const auto found = looks_.find(index);
     if (found != looks_.end()) return found->second;
-    const interchange::SvgOrigin* own = origin(index);
+    const svg::Element* own = origin(index);
     if (own == nullptr) return kPlain;
     SvgAppearance looks = read(own->parent);  // what is inherited
     const svg::StartTag tag = tagOf(*own);
@@ -233,7 +232,7 @@ QString AppearanceReader::paintedId(const AIColor& paint) const {
 void AppearanceReader::readGradients() {
     gradientsRead_ = true;
     if (source_ == nullptr) return;
-    QXmlStreamReader in(QByteArray::fromStdString(source_->text));
+    QXmlStreamReader in(QByteArray::fromStdString(*source_->text));
     std::shared_ptr<Gradient> open;
     while (!in.atEnd()) {
         in.readNext();
@@ -340,14 +339,14 @@ void AppearanceReader::readImage(const svg::StartTag& tag, Foreign* foreign) con
             .c_str();
     if (const auto fit = tag.attribute("preserveAspectRatio"))
         node.append_attribute("preserveAspectRatio") = fit->c_str();
-    interchange::Viewport box;
-    foreign->place = toQt(interchange::viewBoxMap(node, {width, height}, &box)) *
+    svg::Viewport box;
+    foreign->place = toQt(svg::viewBoxMap(svg::viewBoxOf(svg::XmlNode(node)), {width, height}, &box)) *
                      QTransform::fromTranslate(foreign->frame.x(), foreign->frame.y());
 }
 
-std::unique_ptr<AppearanceReader::Foreign> AppearanceReader::readForeign(const interchange::SvgOrigin& own) {
+std::unique_ptr<AppearanceReader::Foreign> AppearanceReader::readForeign(const svg::Element& own) {
     auto foreign = std::make_unique<Foreign>();
-    foreign->toDocument = toQt(source_->ctms[own.ctm]);
+    foreign->toDocument = toQt(source_->tree.ctms[own.ctm]);
     svg::StartTag tag = tagOf(own);
     const std::string& name = tag.name();
     const std::size_t colon = name.find(':');
@@ -358,8 +357,8 @@ std::unique_ptr<AppearanceReader::Foreign> AppearanceReader::readForeign(const i
     }
     // The element alone among what it inherits. Its transform is in toDocument, and what acts on it as a whole is the
     // painter's business.
-    const std::string whole(svg::elementText(source_->text, own.nameOffset));
-    const std::string rest = whole.substr(svg::startTagText(source_->text, own.nameOffset).size());
+    const std::string whole(svg::elementText(*source_->text, own.nameOffset));
+    const std::string rest = whole.substr(svg::startTagText(*source_->text, own.nameOffset).size());
     tag.remove("transform");
     for (const char* done : {"opacity", "clip-path", "mask"}) {
         tag.remove(done);
@@ -367,8 +366,7 @@ std::unique_ptr<AppearanceReader::Foreign> AppearanceReader::readForeign(const i
     }
     tag.set("id", kForeignId);
     std::string content = tag.str() + rest;
-    for (const interchange::SvgOrigin* around = origin(own.parent); around != nullptr;
-         around = origin(around->parent)) {
+    for (const svg::Element* around = origin(own.parent); around != nullptr; around = origin(around->parent)) {
         const svg::StartTag outer = tagOf(*around);
         const std::string group = groupInheriting([&](const char* attribute) { return outer.attribute(attribute); });
         content = '<' + prefix + group.substr(1) + content + "</" + prefix + "g>";
@@ -381,7 +379,7 @@ std::unique_ptr<AppearanceReader::Foreign> AppearanceReader::readForeign(const i
 AppearanceReader::Foreign& AppearanceReader::foreign(const doc::Art& art) {
     std::unique_ptr<Foreign>& kept = foreign_[art.origin];
     if (kept == nullptr) {
-        const interchange::SvgOrigin* own = origin(art.origin);
+        const svg::Element* own = origin(art.origin);
         kept = own == nullptr ? std::make_unique<Foreign>() : readForeign(*own);
     }
     return *kept;

@@ -64,15 +64,15 @@ class AppearanceReader {
     struct Gradient;
     struct Foreign;
 
-    const interchange::SvgOrigin* origin(std::int32_t index) const;
-    svg::StartTag tagOf(const interchange::SvgOrigin& origin) const;
+    const svg::Element* origin(std::int32_t index) const;
+    svg::StartTag tagOf(const svg::Element& origin) const;
     const SvgAppearance& read(std::int32_t index);
     void readStyleSheet();
     void readViewport();
     void readGradients();
     const Gradient* follow(const QString& id) const;
     Foreign& foreign(const doc::Art& art);
-    std::unique_ptr<Foreign> readForeign(const interchange::SvgOrigin& own);
+    std::unique_ptr<Foreign> readForeign(const svg::Element& own);
     void readImage(const svg::StartTag& tag, Foreign* image) const;
 
     const doc::Document& document_;

@@ -53,9 +53,9 @@ QPainterPath frameOf(const doc::Document& document, const doc::Art& art) {
     const interchange::SvgSource* source = interchange::svgSource(document);
     const std::int32_t index = art.foreignSource >= 0 ? art.foreignSource : art.source;
     if (art.kind != kForeignArt || source == nullptr || index < 0) return frame;
-    const interchange::SvgElement& element = source->elements[static_cast<std::size_t>(index)];
-    const svg::Affine& map = source->ctms[element.ctm];
-    const svg::StartTag tag(svg::startTagText(source->text, element.nameOffset));
+    const svg::Element& element = source->element(index);
+    const svg::Affine& map = source->tree.map(index);
+    const svg::StartTag tag(svg::startTagText(*source->text, element.nameOffset));
     const double page[] = {document.width() / map.scale(), document.height() / map.scale()};
     const auto length = [&](const char* name, double percentOf) {
         return svg::parseLength(tag.attribute(name).value_or(""), {percentOf, 16}).value_or(0);

@@ -116,7 +116,7 @@ SubDrawing::SubDrawing(const std::string& file, const QString& folder, int depth
     if (!read) return;
     document_ = std::move(read->document);
     painter_ = std::make_unique<DocumentPainter>(*document_, folder, depth);
-    toContent_ = toQt(interchange::svgSource(*document_)->ctms.front()).inverted();
+    toContent_ = toQt(interchange::svgSource(*document_)->tree.ctms.front()).inverted();
 }
 
 SubDrawing::~SubDrawing() = default;
@@ -163,11 +163,10 @@ std::unique_ptr<Marker> SubDrawingCache::readMarker(const pugi::xml_node& node, 
     replaceAll(&file, "context-stroke", stroke.alpha() == 0 ? "none" : stroke.name().toStdString());
     auto marker = std::make_unique<Marker>();
     marker->part = std::make_unique<SubDrawing>(file, folder_, depth_ + 1);
-    const interchange::Viewport size{length(node.attribute("markerWidth"), 0, 3),
-                                     length(node.attribute("markerHeight"), 0, 3)};
+    const svg::Viewport size{length(node.attribute("markerWidth"), 0, 3), length(node.attribute("markerHeight"), 0, 3)};
     if (!marker->part->read() || !(size.width > 0) || !(size.height > 0)) return nullptr;
-    interchange::Viewport box = size;
-    const QTransform fit = toQt(interchange::viewBoxMap(node, size, &box));
+    svg::Viewport box = size;
+    const QTransform fit = toQt(svg::viewBoxMap(svg::viewBoxOf(svg::XmlNode(node)), size, &box));
     const QPointF corner = fit.inverted().map(QPointF());
     const QPointF reference = fit.map(QPointF(referencePoint(node.attribute("refX"), corner.x(), box.width),
                                               referencePoint(node.attribute("refY"), corner.y(), box.height)));
@@ -203,7 +202,7 @@ std::unique_ptr<Pattern> SubDrawingCache::readPattern(const pugi::xml_node& node
     std::vector<pugi::xml_node> chain;
     for (pugi::xml_node one = node; one && chain.size() < 16;) {
         chain.push_back(one);
-        one = definitions_.find(std::string(interchange::hrefId(one)), "pattern");
+        one = definitions_.find(std::string(svg::hrefId(svg::XmlNode(one))), "pattern");
     }
     const auto attribute = [&](const char* name) {
         for (const pugi::xml_node& one : chain)
@@ -224,8 +223,9 @@ std::unique_ptr<Pattern> SubDrawingCache::readPattern(const pugi::xml_node& node
         pattern->map = toQt(map);
     pattern->hasWindow = bool(node.attribute("viewBox"));
     if (pattern->hasWindow) {
-        interchange::Viewport box;
-        pattern->window = toQt(interchange::viewBoxMap(node, {pattern->tile.width(), pattern->tile.height()}, &box));
+        svg::Viewport box;
+        pattern->window = toQt(
+            svg::viewBoxMap(svg::viewBoxOf(svg::XmlNode(node)), {pattern->tile.width(), pattern->tile.height()}, &box));
     }
     pattern->part = std::make_unique<SubDrawing>(definitions_.fileOfContent(*content), folder_, depth_ + 1);
     return pattern->part->read() ? std::move(pattern) : nullptr;

@@ -89,12 +89,12 @@ std::string endsOf(const std::vector<const doc::Art*>& pieces, const svg::Affine
 
 std::string SvgArtWriter::ownName(std::string_view attribute) {
     usesOwn = true;
-    return source_.names.own + std::string(attribute);
+    return source_.names().own + std::string(attribute);
 }
 
 std::string SvgArtWriter::inkscapeName(std::string_view attribute) {
     usesInkscape = true;
-    return source_.names.inkscape + std::string(attribute);
+    return source_.names().inkscape + std::string(attribute);
 }
 
 svg::StartTag SvgArtWriter::newTag(std::string_view element) const {
@@ -111,8 +111,8 @@ std::string SvgArtWriter::definitionsTag(svg::StartTag tag) const {
     const svg::StartTag was = tag;
     tag.rename(svgName("defs"));
     for (const std::string& name : tag.attributeNames()) {
-        const bool ofEditors = name.starts_with(source_.names.own) || name.starts_with(source_.names.inkscape) ||
-                               name.starts_with(source_.names.sodipodi);
+        const bool ofEditors = name.starts_with(source_.names().own) || name.starts_with(source_.names().inkscape) ||
+                               name.starts_with(source_.names().sodipodi);
         if (ofEditors || name == "id" || name == "transform" || name == "display" || name == "href") tag.remove(name);
     }
     for (const char* name : {"x", "y", "width", "height", "viewBox", "d", "points"}) tag.remove(name);
@@ -124,7 +124,7 @@ std::string SvgArtWriter::definitionsTag(svg::StartTag tag) const {
 // An attribute that is not there leaves no trace when it is not wanted.
 void SvgArtWriter::setOwn(svg::StartTag* tag, const char* attribute, const std::string& value) {
     if (value.empty()) {
-        tag->remove(source_.names.own + attribute);
+        tag->remove(source_.names().own + attribute);
     } else {
         tag->set(ownName(attribute), value);
     }
@@ -132,8 +132,8 @@ void SvgArtWriter::setOwn(svg::StartTag* tag, const char* attribute, const std::
 
 // --- marks ---------------------------------------------------------------------------------------------------------
 
-void SvgArtWriter::hideTag(svg::StartTag* tag, bool hidden, const SvgElement* record) {
-    if (record ? record->hidden == hidden : !hidden) return;
+void SvgArtWriter::hideTag(svg::StartTag* tag, bool hidden, std::int32_t element) {
+    if (hidden == (element >= 0 && source_.record(element).hidden)) return;
     if (hidden) {
         svg::setProperty(tag, "display", "none");
         return;
@@ -141,11 +141,12 @@ void SvgArtWriter::hideTag(svg::StartTag* tag, bool hidden, const SvgElement* re
     tag->remove("display");
     svg::removeProperty(tag, "display");
     if (source_.hasStyleSheet) svg::setProperty(tag, "display", "inline");
-    if (record->unmodelledProperties & svg::kInvisible) svg::setProperty(tag, "visibility", "visible");
+    if (unmodelledProperties(source_.tree.file->styles(), source_.element(element).style) & kInvisible)
+        svg::setProperty(tag, "visibility", "visible");
 }
 
 void SvgArtWriter::lockTag(svg::StartTag* tag, bool locked) {
-    const std::string name = source_.names.sodipodi + "insensitive";
+    const std::string name = source_.names().sodipodi + "insensitive";
     if ((tag->attribute(name) == "true") == locked) return;
     if (locked) {
         usesSodipodi = true;
@@ -155,7 +156,7 @@ void SvgArtWriter::lockTag(svg::StartTag* tag, bool locked) {
     }
 }
 
-void SvgArtWriter::markTag(svg::StartTag* tag, const doc::Art& art, const SvgElement* record) {
+void SvgArtWriter::markTag(svg::StartTag* tag, const doc::Art& art, std::int32_t element) {
     if (tag->attribute("id").value_or("") != art.svgId) {
         if (art.svgId.empty()) {
             tag->remove("id");
@@ -163,13 +164,13 @@ void SvgArtWriter::markTag(svg::StartTag* tag, const doc::Art& art, const SvgEle
             tag->set("id", art.svgId);
         }
     }
-    hideTag(tag, art.hidden, record);
+    hideTag(tag, art.hidden, element);
     lockTag(tag, art.locked);
 
     std::vector<std::pair<std::string, std::string>> wanted;
     const auto want = [&](const doc::Art& bearer, int member) {
         for (const doc::Tag& own : bearer.tags)
-            wanted.emplace_back(source_.names.own + tagAttribute({member, own.name}), encodeBytes(own.value));
+            wanted.emplace_back(source_.names().own + tagAttribute({member, own.name}), encodeBytes(own.value));
     };
     want(art, -1);
     if (art.kind == kCompoundPathArt) {
@@ -177,7 +178,8 @@ void SvgArtWriter::markTag(svg::StartTag* tag, const doc::Art& art, const SvgEle
         for (const doc::Art* piece : piecesOf(document_, art)) want(*piece, number++);
     }
     for (const std::string& name : tag->attributeNames()) {
-        if (!name.starts_with(source_.names.own) || !tagOfAttribute(name.substr(source_.names.own.size()))) continue;
+        if (!name.starts_with(source_.names().own) || !tagOfAttribute(name.substr(source_.names().own.size())))
+            continue;
         if (std::ranges::find(wanted, name, &std::pair<std::string, std::string>::first) == wanted.end())
             tag->remove(name);
     }
@@ -190,20 +192,21 @@ void SvgArtWriter::markTag(svg::StartTag* tag, const doc::Art& art, const SvgEle
     }
 }
 
-void SvgArtWriter::layerTag(svg::StartTag* tag, const doc::Layer& layer, const SvgElement* record) {
-    const std::string label = source_.names.inkscape + "label";
+void SvgArtWriter::layerTag(svg::StartTag* tag, const doc::Layer& layer, std::int32_t element) {
+    const bool isNew = element < 0;
+    const std::string label = source_.names().inkscape + "label";
     std::string title = tag->attribute(label).value_or("");
-    if (record && title.empty()) title = tag->attribute("id").value_or("Layer");
-    if (!record) tag->set(inkscapeName("groupmode"), "layer");
-    if (!record || title != layer.title) tag->set(inkscapeName("label"), layer.title);
-    hideTag(tag, !layer.visible, record);
+    if (!isNew && title.empty()) title = tag->attribute("id").value_or("Layer");
+    if (isNew) tag->set(inkscapeName("groupmode"), "layer");
+    if (isNew || title != layer.title) tag->set(inkscapeName("label"), layer.title);
+    hideTag(tag, !layer.visible, element);
     lockTag(tag, !layer.editable);
 }
 
 // --- outlines ------------------------------------------------------------------------------------------------------
 
-bool SvgArtWriter::sameMap(const SvgElement& record, const SvgScope& scope) const {
-    return scope.map == source_.ctms[source_.elements[static_cast<std::size_t>(record.parent)].ctm];
+bool SvgArtWriter::sameMap(std::int32_t element, const SvgScope& scope) const {
+    return scope.map == source_.tree.map(source_.element(element).parent);
 }
 
 void SvgArtWriter::setOutline(svg::StartTag* tag, const doc::Art& art, const svg::Affine& map) {
@@ -217,7 +220,7 @@ void SvgArtWriter::setOutline(svg::StartTag* tag, const doc::Art& art, const svg
     const bool guide = !pieces.empty() && pieces.front()->path->guide;
     setOwn(tag, own_attribute::kGuide, guide ? "true" : "");
     // Corners: the other editor's attribute where it stands, else ours where the handles do not tell.
-    const std::string nodeTypes = source_.names.sodipodi + "nodetypes";
+    const std::string nodeTypes = source_.names().sodipodi + "nodetypes";
     std::string corners;
     if (tag->attribute(nodeTypes)) {
         tag->set(nodeTypes, cornersOf(pieces, true, 'c', 's'));
@@ -238,17 +241,19 @@ void SvgArtWriter::setStyle(svg::StartTag* tag, const AIPathStyle& style, const 
         setOwn(tag, own_attribute::kStroke, exactPaint(style.stroke, sources));
 }
 
-bool SvgArtWriter::editOutline(svg::StartTag* tag, const doc::Art& art, const SvgElement& record, const SvgScope& scope,
+bool SvgArtWriter::editOutline(svg::StartTag* tag, const doc::Art& art, std::int32_t element, const SvgScope& scope,
                                bool inPlace) {
-    const bool stays = sameMap(record, scope);
-    const svg::Affine& map = stays ? source_.ctms[record.ctm] : scope.map;
+    const SvgRecord& record = source_.record(element);
+    const svg::Role role = source_.element(element).role;
+    const bool stays = sameMap(element, scope);
+    const svg::Affine& map = stays ? source_.tree.map(element) : scope.map;
     if (!stays) tag->remove("transform");
     const AIPathStyle& was = *source_.styles[static_cast<std::size_t>(record.style)];
     setStyle(tag, styleOf(piecesOf(document_, art)), inPlace ? &was : nullptr, &was, map.scale());
-    markTag(tag, art, &record);
+    markTag(tag, art, element);
     const bool changed = !stays || outlineHash(document_, art) != record.content;
-    if (!changed) return record.kind == SvgKind::kPath;
-    if (record.kind == SvgKind::kShape) {
+    if (!changed) return role == svg::Role::kPath;
+    if (svg::isShape(role)) {
         tag->rename(svgName("path"));
         for (const char* name :
              {"x", "y", "width", "height", "rx", "ry", "cx", "cy", "r", "x1", "y1", "x2", "y2", "points"}) {
@@ -258,11 +263,11 @@ bool SvgArtWriter::editOutline(svg::StartTag* tag, const doc::Art& art, const Sv
     // Another editor would draw the outline anew from these.
     for (const char* name : {"type", "cx", "cy", "rx", "ry", "sides", "r1", "r2", "arg1", "arg2", "start", "end",
                              "open", "arc-type", "expansion", "revolution", "radius", "argument", "t0"}) {
-        tag->remove(source_.names.sodipodi + name);
+        tag->remove(source_.names().sodipodi + name);
     }
     for (const char* name :
          {"path-effect", "original-d", "original", "connector-curvature", "flatsided", "rounded", "randomized"}) {
-        tag->remove(source_.names.inkscape + name);
+        tag->remove(source_.names().inkscape + name);
     }
     setOutline(tag, art, map);
     return true;
@@ -271,7 +276,7 @@ bool SvgArtWriter::editOutline(svg::StartTag* tag, const doc::Art& art, const Sv
 // --- texts ---------------------------------------------------------------------------------------------------------
 
 void SvgArtWriter::setText(svg::StartTag* tag, const doc::Art& art, const SvgScope& scope, std::string* content) {
-    const SvgTextParts parts = formatText(*art.text, scope.map, source_.names,
+    const SvgTextParts parts = formatText(*art.text, scope.map, source_.names(),
                                           resetProperties(scope.unmodelledProperties), document_.paintSources);
     if (parts.transform.empty()) {
         tag->set("x", parts.x);
@@ -293,16 +298,16 @@ void SvgArtWriter::setText(svg::StartTag* tag, const doc::Art& art, const SvgSco
 }
 
 // A text that only moves keeps its spans and their places: it gets another transform.
-bool SvgArtWriter::moveText(svg::StartTag* tag, const doc::Art& art, const SvgElement& record, const SvgScope& scope) {
-    const SvgTextOrigin& origin = source_.texts[static_cast<std::size_t>(record.text)];
+bool SvgArtWriter::moveText(svg::StartTag* tag, const doc::Art& art, std::int32_t element, const SvgScope& scope) {
+    const SvgTextOrigin& origin = source_.texts[static_cast<std::size_t>(source_.record(element).text)];
     const RealMatrix& m = art.text->matrix;
     const double det = double(m.a) * m.d - double(m.b) * m.c;
     svg::Affine inverse;
     if (textHash(*art.text, true) != origin.wording || !(std::abs(std::abs(det) - 1) < 1e-5) ||
-        tag->attribute(source_.names.own + own_attribute::kText) || !svg::invert(scope.map, &inverse)) {
+        tag->attribute(source_.names().own + own_attribute::kText) || !svg::invert(scope.map, &inverse)) {
         return false;
     }
-    const double scale = source_.ctms[record.ctm].scale();
+    const double scale = source_.tree.map(element).scale();
     // Floats turn with a trace of scale, which would change the size.
     const double trace = std::sqrt(std::abs(det));
     const svg::Affine turn{m.a / trace, m.b / trace, m.c / trace, m.d / trace, m.tx, m.ty};
@@ -337,16 +342,16 @@ bool SvgArtWriter::moveText(svg::StartTag* tag, const doc::Art& art, const SvgEl
     return true;
 }
 
-std::optional<std::string> SvgArtWriter::editText(svg::StartTag* tag, const doc::Art& art, const SvgElement& record,
+std::optional<std::string> SvgArtWriter::editText(svg::StartTag* tag, const doc::Art& art, std::int32_t element,
                                                   const SvgScope& scope, bool inPlace) {
-    markTag(tag, art, &record);
-    const SvgTextOrigin& origin = source_.texts[static_cast<std::size_t>(record.text)];
+    markTag(tag, art, element);
+    const SvgTextOrigin& origin = source_.texts[static_cast<std::size_t>(source_.record(element).text)];
     const RealMatrix& m = art.text->matrix;
     const bool moved = m.a != origin.matrix.a || m.b != origin.matrix.b || m.c != origin.matrix.c ||
                        m.d != origin.matrix.d || m.tx != origin.matrix.tx || m.ty != origin.matrix.ty;
     const bool sameWording = textHash(*art.text, true) == origin.wording;
     if (inPlace && !moved && sameWording) return std::nullopt;
-    if (inPlace && moveText(tag, art, record, scope)) return std::nullopt;
+    if (inPlace && moveText(tag, art, element, scope)) return std::nullopt;
     for (const char* name : {"x", "y", "dx", "dy", "rotate", "textLength", "lengthAdjust", "transform", "xml:space",
                              "font", "baseline-shift", "writing-mode"}) {
         tag->remove(name);
@@ -355,7 +360,7 @@ std::optional<std::string> SvgArtWriter::editText(svg::StartTag* tag, const doc:
                              "shape-inside", "inline-size", "-inkscape-font-specification"}) {
         svg::removeProperty(tag, name);
     }
-    tag->remove(source_.names.sodipodi + "linespacing");
+    tag->remove(source_.names().sodipodi + "linespacing");
     std::string content;
     setText(tag, art, scope, &content);
     return content;
@@ -379,14 +384,12 @@ void SvgArtWriter::editForeign(svg::StartTag* tag, const doc::Art& art, const Sv
 std::string SvgArtWriter::newLeaf(const doc::Art& art, const SvgScope& scope) {
     if (art.kind == kForeignArt) {
         if (art.origin < 0) return newTag("g").str();
-        const SvgOrigin& origin = source_.origins[static_cast<std::size_t>(art.origin)];
-        const auto record = std::ranges::lower_bound(source_.elements, origin.nameOffset, {}, &SvgElement::nameOffset);
-        const bool known = record != source_.elements.end() && record->nameOffset == origin.nameOffset;
-        const std::string_view text = svg::elementText(source_.text, origin.nameOffset);
+        const std::uint32_t nameOffset = source_.element(art.origin).nameOffset;
+        const std::string_view text = svg::elementText(*source_.text, nameOffset);
         const std::string_view start = svg::startTagText(text, 1);
-        svg::StartTag tag(start, &source_.entities);
+        svg::StartTag tag(start, &source_.entities());
         const svg::StartTag was = tag;
-        markTag(&tag, art, known ? &*record : nullptr);
+        markTag(&tag, art, base_.elementAt(nameOffset));
         editForeign(&tag, art, scope);
         preserveComputedStyle(&tag, was);
         return tag.str() + std::string(text.substr(start.size()));
@@ -396,7 +399,7 @@ std::string SvgArtWriter::newLeaf(const doc::Art& art, const SvgScope& scope) {
         if (!art.svgId.empty()) tag.set("id", art.svgId);
         std::string content;
         setText(&tag, art, scope, &content);
-        markTag(&tag, art, nullptr);
+        markTag(&tag, art, -1);
         rules_.blockInheritedStyle(&tag);
         tag.setSelfClosing(false);
         return tag.str() + content + "</" + tag.name() + ">";
@@ -409,7 +412,7 @@ std::string SvgArtWriter::newLeaf(const doc::Art& art, const SvgScope& scope) {
     for (const StyleProperty& property : resetProperties(scope.unmodelledProperties))
         svg::setProperty(&tag, property.name, property.value);
     setOutline(&tag, art, scope.map);
-    markTag(&tag, art, nullptr);
+    markTag(&tag, art, -1);
     rules_.blockInheritedStyle(&tag);
     return tag.str();
 }

@@ -33,7 +33,7 @@ class SvgArtWriter {
 
     std::string ownName(std::string_view attribute);
     std::string inkscapeName(std::string_view attribute);
-    std::string svgName(std::string_view element) const { return source_.names.svg + std::string(element); }
+    std::string svgName(std::string_view element) const { return source_.names().svg + std::string(element); }
     svg::StartTag newTag(std::string_view element) const;
     const SvgRules& rules() const { return rules_; }
     // An element that has got another name or id keeps what style sheets say of it.
@@ -41,21 +41,21 @@ class SvgArtWriter {
     // The tag of an element for the definitions in a removed one, from which they inherit the same.
     std::string definitionsTag(svg::StartTag tag) const;
 
-    // Id, hidden, locked and tags. record: how the element was read, null for new art.
-    void markTag(svg::StartTag* tag, const doc::Art& art, const SvgElement* record);
-    void hideTag(svg::StartTag* tag, bool hidden, const SvgElement* record);
+    // Id, hidden, locked and tags. element: theirs in the base, -1 for new art.
+    void markTag(svg::StartTag* tag, const doc::Art& art, std::int32_t element);
+    void hideTag(svg::StartTag* tag, bool hidden, std::int32_t element);
     void lockTag(svg::StartTag* tag, bool locked);
-    void layerTag(svg::StartTag* tag, const doc::Layer& layer, const SvgElement* record);
+    void layerTag(svg::StartTag* tag, const doc::Layer& layer, std::int32_t element);
 
     // Whole elements for new paths, compound paths, texts and copies of foreign art; their text from "<" to ">".
     std::string newLeaf(const doc::Art& art, const SvgScope& scope);
 
     // Edits of elements that were read. `inPlace`: what is around is as it was then.
     // True when the element is a path element now.
-    bool editOutline(svg::StartTag* tag, const doc::Art& art, const SvgElement& record, const SvgScope& scope,
+    bool editOutline(svg::StartTag* tag, const doc::Art& art, std::int32_t element, const SvgScope& scope,
                      bool inPlace);
     // The new content when that has to be replaced.
-    std::optional<std::string> editText(svg::StartTag* tag, const doc::Art& art, const SvgElement& record,
+    std::optional<std::string> editText(svg::StartTag* tag, const doc::Art& art, std::int32_t element,
                                         const SvgScope& scope, bool inPlace);
     void editForeign(svg::StartTag* tag, const doc::Art& art, const SvgScope& scope);
 
@@ -65,8 +65,8 @@ class SvgArtWriter {
                   double scale);
     void setOwn(svg::StartTag* tag, const char* attribute, const std::string& value);
     void setText(svg::StartTag* tag, const doc::Art& art, const SvgScope& scope, std::string* content);
-    bool moveText(svg::StartTag* tag, const doc::Art& art, const SvgElement& record, const SvgScope& scope);
-    bool sameMap(const SvgElement& record, const SvgScope& scope) const;
+    bool moveText(svg::StartTag* tag, const doc::Art& art, std::int32_t element, const SvgScope& scope);
+    bool sameMap(std::int32_t element, const SvgScope& scope) const;
 
     const doc::Document& document_;
     const SaveBase& base_;

@@ -29,7 +29,7 @@ class CopiedText {
         : source_(source),
           rules_(rules),
           target_(target),
-          text_(svg::elementText(source.text, target)),
+          text_(svg::elementText(*source.text, target)),
           spans_(svg::allElements(text_)),
           root_(tagAt(spans_.front())),
           id_(root_.attribute("id").value_or("")) {
@@ -67,7 +67,7 @@ class CopiedText {
 
   private:
     svg::StartTag tagAt(const svg::ElementSpan& span) const {
-        return svg::StartTag(text_.substr(span.begin, span.tagEnd - span.begin), &source_.entities);
+        return svg::StartTag(text_.substr(span.begin, span.tagEnd - span.begin), &source_.entities());
     }
 
     // The blanks before it, with the line end, when nothing else stands on the line.
@@ -81,9 +81,9 @@ class CopiedText {
         const std::string id = tag->attribute("id").value_or("");
         tag->remove("id");
         tag->remove("xml:id");
-        tag->remove(source_.names.sodipodi + "insensitive");
+        tag->remove(source_.names().sodipodi + "insensitive");
         for (const std::string& name : tag->attributeNames()) {
-            if (name.starts_with(source_.names.own) && tagOfAttribute(name.substr(source_.names.own.size())))
+            if (name.starts_with(source_.names().own) && tagOfAttribute(name.substr(source_.names().own.size())))
                 tag->remove(name);
             // What refers to the thing that holds it shows nothing.
             if (isHref(name) && !id_.empty() && localPart(tag->name()) == "use" && tag->attribute(name) == "#" + id_)
@@ -95,12 +95,12 @@ class CopiedText {
     // The copy may stand outside the elements that declare its prefixes.
     void declareNamespaces() {
         const std::size_t rootEnd =
-            source_.elements[0].nameOffset + svg::startTagText(source_.text, source_.elements[0].nameOffset).size();
-        if (source_.text.find("xmlns", rootEnd) == std::string::npos) return;
-        auto around = svg::startTagsAround(source_.text, source_.elements[0].nameOffset, target_);
+            source_.element(0).nameOffset + svg::startTagText(*source_.text, source_.element(0).nameOffset).size();
+        if (source_.text->find("xmlns", rootEnd) == std::string::npos) return;
+        auto around = svg::startTagsAround(*source_.text, source_.element(0).nameOffset, target_);
         std::ranges::reverse(around);
         for (std::size_t i = 0; i + 1 < around.size(); ++i) {
-            const svg::StartTag tag(around[i], &source_.entities);
+            const svg::StartTag tag(around[i], &source_.entities());
             for (const std::string& name : tag.attributeNames()) {
                 const bool declares = name == "xmlns" || name.starts_with("xmlns:");
                 if (declares && !root_.attribute(name)) root_.set(name, *tag.attribute(name));
@@ -143,14 +143,14 @@ std::string lineBreakBefore(std::string_view text, std::size_t at) {
 }  // namespace
 
 std::string expandedUse(const SvgSource& source, const SvgRules& rules, const SvgUse& use, std::uint32_t target) {
-    const std::uint32_t nameOffset = source.elements[static_cast<std::size_t>(use.element)].nameOffset;
-    const std::string_view whole = svg::elementText(source.text, nameOffset);
+    const std::uint32_t nameOffset = source.element(use.element).nameOffset;
+    const std::string_view whole = svg::elementText(*source.text, nameOffset);
     const std::string_view start = svg::startTagText(whole, 1);
-    svg::StartTag group(start, &source.entities);
+    svg::StartTag group(start, &source.entities());
     const std::string id = group.attribute("id").value_or("");
-    group.rename(source.names.svg + "g");
+    group.rename(source.names().svg + "g");
     for (const std::string& name : group.attributeNames()) {
-        if (isHref(name) || name == source.names.inkscape + "groupmode") group.remove(name);
+        if (isHref(name) || name == source.names().inkscape + "groupmode") group.remove(name);
     }
     for (const char* name : {"x", "y", "width", "height"}) group.remove(name);
 
@@ -159,7 +159,7 @@ std::string expandedUse(const SvgSource& source, const SvgRules& rules, const Sv
     const std::string type(localPart(root.name()));
     const bool isViewport = type == "symbol" || type == "svg";
     if (isViewport) {
-        root.rename(source.names.svg + "svg");
+        root.rename(source.names().svg + "svg");
         if (use.width > 0) root.set("width", number(use.width));
         if (use.height > 0) root.set("height", number(use.height));
         rules.preserveComputedStyle(&root, type, "");
@@ -167,7 +167,7 @@ std::string expandedUse(const SvgSource& source, const SvgRules& rules, const Sv
     moveBy(use.x, use.y, isViewport, &group, &root);
     rules.preserveComputedStyle(&group, "use", id);
 
-    const std::string around = lineBreakBefore(source.text, nameOffset - 1);
+    const std::string around = lineBreakBefore(*source.text, nameOffset - 1);
     const std::string inside = around.empty() ? "" : around + (around.ends_with('\t') ? "\t" : "  ");
     std::string out;
     group.setSelfClosing(false);

@@ -11,6 +11,7 @@
 
 #include "interchange/svg/svg.h"
 #include "svg/markup/huge_pages.h"
+#include "svg/markup/xml_file.h"
 
 namespace quorvel::interchange {
 namespace {
@@ -98,9 +99,10 @@ Result<std::string> readText(const std::string& path) {
     if (!file.valid() || ::fstat(file.get(), &info) != 0) return systemError(errno);
     if (S_ISDIR(info.st_mode)) return systemError(EISDIR);
     if (!S_ISREG(info.st_mode)) return makeError(ErrorCode::kNotRegular);
-    if (static_cast<std::size_t>(info.st_size) > kLargestSvg) return tooLargeSvg();
+    if (static_cast<std::size_t>(info.st_size) > svg::kLargestFile) return svg::tooLargeFile();
     std::string text;
-    if (!readAll(file.get(), static_cast<std::size_t>(info.st_size), kLargestSvg, &text)) return systemError(errno);
+    if (!readAll(file.get(), static_cast<std::size_t>(info.st_size), svg::kLargestFile, &text))
+        return systemError(errno);
     return text;
 }
 

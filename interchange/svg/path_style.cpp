@@ -11,7 +11,7 @@
 
 namespace quorvel::interchange {
 
-AIPathStyle pathStyleOf(const svg::SvgStyle& style, const svg::Affine& toDocument, PaintLookup* lookup) {
+AIPathStyle pathStyleOf(const svg::ComputedStyle& style, const svg::Affine& toDocument, PaintLookup* lookup) {
     const double scale = toDocument.scale();
     AIPathStyle result;
     result.fillPaint = style.fill.kind != svg::SvgPaint::kNone;
@@ -24,7 +24,7 @@ AIPathStyle pathStyleOf(const svg::SvgStyle& style, const svg::Affine& toDocumen
     result.join = style.join;
     result.dashOffset = svg::finiteFloat(style.dashOffset * scale);
     result.dashCount = style.dashCount;
-    for (int i = 0; i < style.dashCount; ++i) result.dashes[i] = svg::finiteFloat(style.dashes[i] * scale);
+    for (std::size_t i = 0; i < style.dashCount; ++i) result.dashes[i] = svg::finiteFloat(style.dashes[i] * scale);
     return result;
 }
 
@@ -77,16 +77,28 @@ std::vector<StyleProperty> styleProperties(const AIPathStyle& style, const AIPat
     return properties;
 }
 
+std::uint8_t unmodelledProperties(const svg::StyleTable& styles, std::uint32_t style) {
+    const svg::PaintStyle& paint = styles.paint(style);
+    const svg::TextStyle& text = styles.text(style);
+    unsigned found = 0;
+    if (paint.fillOpacity != 1) found |= kFillOpacity;
+    if (paint.strokeOpacity != 1) found |= kStrokeOpacity;
+    if (!std::ranges::all_of(text.markers, &std::string_view::empty)) found |= kMarkers;
+    if (text.letterSpacing != 0 || text.wordSpacing != 0) found |= kLetterSpacing;
+    if (!text.visible) found |= kInvisible;
+    return static_cast<std::uint8_t>(found);
+}
+
 std::vector<StyleProperty> resetProperties(std::uint8_t unmodelledProperties) {
     std::vector<StyleProperty> properties;
-    if (unmodelledProperties & svg::kFillOpacity) properties.push_back({"fill-opacity", "1"});
-    if (unmodelledProperties & svg::kStrokeOpacity) properties.push_back({"stroke-opacity", "1"});
-    if (unmodelledProperties & svg::kMarkers) properties.push_back({"marker", "none"});
-    if (unmodelledProperties & svg::kLetterSpacing) {
+    if (unmodelledProperties & kFillOpacity) properties.push_back({"fill-opacity", "1"});
+    if (unmodelledProperties & kStrokeOpacity) properties.push_back({"stroke-opacity", "1"});
+    if (unmodelledProperties & kMarkers) properties.push_back({"marker", "none"});
+    if (unmodelledProperties & kLetterSpacing) {
         properties.push_back({"letter-spacing", "normal"});
         properties.push_back({"word-spacing", "normal"});
     }
-    if (unmodelledProperties & svg::kInvisible) properties.push_back({"visibility", "visible"});
+    if (unmodelledProperties & kInvisible) properties.push_back({"visibility", "visible"});
     return properties;
 }
 

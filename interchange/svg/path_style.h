@@ -9,12 +9,12 @@
 
 #include "document/document.h"
 #include "interchange/svg/paint.h"
-#include "svg/tree/style.h"
+#include "svg/css/style_table.h"
 #include "svg/values/affine.h"
 
 namespace quorvel::interchange {
 
-AIPathStyle pathStyleOf(const svg::SvgStyle& style, const svg::Affine& toDocument, PaintLookup* lookup);
+AIPathStyle pathStyleOf(const svg::ComputedStyle& style, const svg::Affine& toDocument, PaintLookup* lookup);
 
 // Gives equal styles one object and one number.
 class StyleTable {
@@ -28,6 +28,16 @@ class StyleTable {
 };
 
 // --- writing -------------------------------------------------------------------------------------------------------
+
+// Reasons that keep new art from looking as its own style says, inherited by a container's content.
+enum UnmodelledProperty : std::uint8_t {
+    kFillOpacity = 1,
+    kStrokeOpacity = 2,
+    kMarkers = 4,
+    kLetterSpacing = 8,
+    kInvisible = 16,  // visibility
+};
+std::uint8_t unmodelledProperties(const svg::StyleTable& styles, std::uint32_t style);
 
 struct StyleProperty {
     std::string_view name;

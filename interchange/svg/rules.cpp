@@ -67,7 +67,7 @@ void say(svg::StartTag* tag, std::string_view property, std::string_view value, 
 }  // namespace
 
 SvgRules::SvgRules(const SvgSource& source) {
-    for (const std::string& sheet : source.sheets) sheet_.add(sheet);
+    for (const std::string& sheet : source.tree.file->sheets()) sheet_.add(sheet);
     sheet_.expect(std::size_t{1} << 40);  // what it costs was settled when the file was read
 }
 

@@ -19,6 +19,9 @@
 #include "svg/values/number.h"
 
 namespace quorvel::interchange {
+
+using svg::Role;
+
 namespace {
 
 // What is written as one element: an art, a layer, or a stretch of art in no layer element that becomes a layer.
@@ -60,22 +63,19 @@ class Splicer {
         : document_(document),
           base_(base),
           source_(base.source()),
-          text_(source_.text),
+          text_(*source_.text),
           rulerUnit_(rulerUnit),
           writer_(document, base),
-          rope_(source_.text, declaredAscii(source_.text)) {}
+          rope_(*source_.text, declaredAscii(*source_.text)) {}
 
     std::string write() {
         listChildren();
         planLayers();
         const bool changed = checkArt();
-        if (!changed && !rootChanges() && currentId_.empty()) return source_.text;
-        std::vector<std::uint32_t> offsets;
-        for (const SvgElement& element : source_.elements) offsets.push_back(element.nameOffset);
-        spans_ = svg::findElements(text_, offsets);
+        if (!changed && !rootChanges() && currentId_.empty()) return *source_.text;
+        findSpans();
         rope_.copy(0, spans_[0].begin);
-        const SvgElement& root = source_.elements[0];
-        SvgScope scope{source_.ctms[0], root.style, root.unmodelledProperties, ""};
+        SvgScope scope = scopeIn(0);
         svg::StartTag tag = startTag(0);
         const std::size_t place = rope_.leave();
         container(&tag, 0, rootItems_, scope, "\n", nullptr);
@@ -86,25 +86,51 @@ class Splicer {
     }
 
   private:
-    const SvgElement& element(std::int32_t number) const { return source_.elements[static_cast<std::size_t>(number)]; }
+    const svg::Element& element(std::int32_t number) const { return source_.element(number); }
+    const SvgRecord& record(std::int32_t number) const { return source_.record(number); }
     const svg::ElementSpan& span(std::int32_t number) const { return spans_[static_cast<std::size_t>(number)]; }
     svg::StartTag startTag(std::int32_t number) const { return tagNamedAt(element(number).nameOffset); }
     svg::StartTag tagNamedAt(std::uint32_t offset) const {
-        return svg::StartTag(svg::startTagText(text_, offset), &source_.entities);
+        return svg::StartTag(svg::startTagText(text_, offset), &source_.entities());
     }
 
     // --- what is there and what should be --------------------------------------------------------------------------
 
+    // What is in an element, as it was read.
+    SvgScope scopeIn(std::int32_t number) const {
+        return {source_.tree.map(number), record(number).style,
+                unmodelledProperties(source_.tree.file->styles(), element(number).style), ""};
+    }
+
+    // Of the elements that are written in the file; instances have none.
+    void findSpans() {
+        std::vector<std::uint32_t> offsets;
+        std::vector<std::size_t> numbers;
+        for (std::size_t i = 0; i < source_.tree.size(); ++i) {
+            if (source_.tree.elements[i].isInstance) continue;
+            offsets.push_back(source_.tree.elements[i].nameOffset);
+            numbers.push_back(i);
+        }
+        const std::vector<svg::ElementSpan> found = svg::findElements(text_, offsets);
+        spans_.resize(source_.tree.size());
+        for (std::size_t i = 0; i < found.size(); ++i) spans_[numbers[i]] = found[i];
+    }
+
     // The elements below each element, in the order of the file.
     void listChildren() {
-        const auto count = source_.elements.size();
+        const auto count = source_.tree.size();
+        const auto forEachChild = [&](auto visit) {
+            for (std::size_t i = 1; i < count; ++i) {
+                const svg::Element& child = source_.tree.elements[i];
+                if (!child.isInstance) visit(static_cast<std::size_t>(child.parent), static_cast<std::int32_t>(i));
+            }
+        };
         childStart_.assign(count + 1, 0);
-        for (std::size_t i = 1; i < count; ++i) ++childStart_[static_cast<std::size_t>(source_.elements[i].parent) + 1];
+        forEachChild([&](std::size_t parent, std::int32_t) { ++childStart_[parent + 1]; });
         for (std::size_t i = 0; i < count; ++i) childStart_[i + 1] += childStart_[i];
         childList_.resize(childStart_[count]);
         std::vector<std::size_t> next(childStart_.begin(), childStart_.end() - 1);
-        for (std::size_t i = 1; i < count; ++i)
-            childList_[next[static_cast<std::size_t>(source_.elements[i].parent)]++] = static_cast<std::int32_t>(i);
+        forEachChild([&](std::size_t parent, std::int32_t child) { childList_[next[parent]++] = child; });
         dirty_.assign(count, false);
         present_.assign(count, false);
     }
@@ -155,7 +181,7 @@ class Splicer {
     void planTitles(const std::vector<const doc::Layer*>& loose, bool hasLayerElements) {
         const svg::StartTag root = startTag(0);
         const std::vector<std::string> said =
-            decodeList(root.attribute(source_.names.own + own_attribute::kLayerTitles).value_or(""));
+            decodeList(root.attribute(source_.names().own + own_attribute::kLayerTitles).value_or(""));
         bool asSaid = true;
         bool asGiven = true;
         std::vector<std::string> titles;
@@ -206,34 +232,25 @@ class Splicer {
             for (const Item& child : itemsOf(*item.art)) check(child);
             return true;
         }
-        const SvgElement& record = element(item.element);
+        const Role role = element(item.element).role;
         const doc::Art& art = *item.art;
         present_[static_cast<std::size_t>(item.element)] = true;
         bool changed = item.layer ? item.layer->revision != 0 || item.layer == needsId_ : art.revision != 0;
-        switch (record.kind) {
-            case SvgKind::kLayer:
-            case SvgKind::kGroup: {
-                const std::vector<Item> items = itemsOf(art);
-                changed |= !sameItems(items, item.element);
-                for (const Item& child : items) changed |= check(child);
-                break;
-            }
-            case SvgKind::kPath:
-            case SvgKind::kShape:
-                if (art.kind == kCompoundPathArt) changed |= membersChanged(art, record);
-                break;
-            case SvgKind::kUse:
-                changed |= contentHash(document_, art) != record.content;
-                break;
-            default:
-                break;
+        if (role == Role::kGroup) {
+            const std::vector<Item> items = itemsOf(art);
+            changed |= !sameItems(items, item.element);
+            for (const Item& child : items) changed |= check(child);
+        } else if (role == Role::kUse) {
+            changed |= contentHash(document_, art) != record(item.element).content;
+        } else if (art.kind == kCompoundPathArt) {
+            changed |= membersChanged(art, record(item.element));
         }
-        changed = changed || (base_.writtenOut(art) && looksOther(document_, source_, art, nullptr, record));
+        changed = changed || (base_.writtenOut(art) && looksOther(document_, source_, art, nullptr, item.element));
         dirty_[static_cast<std::size_t>(item.element)] = changed;
         return changed;
     }
 
-    bool membersChanged(const doc::Art& art, const SvgElement& record) const {
+    bool membersChanged(const doc::Art& art, const SvgRecord& record) const {
         if (outlineHash(document_, art) != record.content) return true;
         return std::ranges::any_of(itemsOf(art), [](const Item& item) { return item.art->revision != 0; });
     }
@@ -248,7 +265,7 @@ class Splicer {
     }
 
     void setRootAttributes(svg::StartTag* tag) {
-        if (looseTitles_ && looseTitles_->empty()) tag->remove(source_.names.own + own_attribute::kLayerTitles);
+        if (looseTitles_ && looseTitles_->empty()) tag->remove(source_.names().own + own_attribute::kLayerTitles);
         if (looseTitles_ && !looseTitles_->empty())
             tag->set(writer_.ownName(own_attribute::kLayerTitles), *looseTitles_);
         if (!rulerUnit_.empty() && rulerUnit_ != source_.rulerUnit)
@@ -264,7 +281,7 @@ class Splicer {
         const auto declare = [&](bool used, bool declared, const std::string& prefix, std::string_view uri) {
             if (used && !declared) tag->set("xmlns:" + prefix.substr(0, prefix.size() - 1), uri);
         };
-        const svg::SvgNames& names = source_.names;
+        const svg::SvgNames& names = source_.names();
         declare(writer_.usesOwn, names.ownDeclared, names.own, svg::kOwnNamespace);
         declare(writer_.usesInkscape, names.inkscapeDeclared, names.inkscape, svg::kInkscapeNamespace);
         declare(writer_.usesSodipodi, names.sodipodiDeclared, names.sodipodi, svg::kSodipodiNamespace);
@@ -278,7 +295,7 @@ class Splicer {
             return;
         }
         const std::string_view whole = svg::startTagText(text_, source_.namedViewOffset);
-        svg::StartTag tag(whole, &source_.entities);
+        svg::StartTag tag(whole, &source_.entities());
         tag.set(writer_.inkscapeName("current-layer"), currentId_);
         rope_.copy(begin, view - 1);
         rope_.add(tag.str());
@@ -409,7 +426,7 @@ class Splicer {
     // What a removed element leaves behind: definitions in it that something elsewhere may refer to, in an element that
     // shows nothing and hands down what the removed one did. Empty when there is none.
     std::string definitionsOf(std::int32_t number) const {
-        if (present_[static_cast<std::size_t>(number)] || element(number).kind == SvgKind::kForeign) return "";
+        if (present_[static_cast<std::size_t>(number)] || element(number).role == Role::kForeign) return "";
         const svg::ElementSpan& whole = span(number);
         std::string rest;
         std::size_t cursor = whole.tagEnd;
@@ -442,10 +459,10 @@ class Splicer {
         svg::StartTag tag = writer_.newTag("g");
         if (item.layer == needsId_ && needsId_) tag.set("id", currentId_);
         if (item.layer) {
-            writer_.layerTag(&tag, *item.layer, nullptr);
+            writer_.layerTag(&tag, *item.layer, -1);
         } else {
             if (!item.art->svgId.empty()) tag.set("id", item.art->svgId);
-            writer_.markTag(&tag, *item.art, nullptr);
+            writer_.markTag(&tag, *item.art, -1);
         }
         writer_.rules().blockInheritedStyle(&tag);
         writeNewContent(&tag, itemsOf(*item.art), scope);
@@ -465,47 +482,55 @@ class Splicer {
     }
 
     void writeKnown(const Item& item, const SvgScope& scope) {
-        const SvgElement& record = element(item.element);
-        const SvgElement& parent = element(record.parent);
+        const std::int32_t parent = element(item.element).parent;
         const svg::ElementSpan& whole = span(item.element);
-        const bool sameMap = scope.map == source_.ctms[parent.ctm];
-        const bool inPlace = sameMap && scope.style == parent.style;
+        const bool sameMap = scope.map == source_.tree.map(parent);
+        const bool inPlace = sameMap && scope.style == record(parent).style;
         if (inPlace && !dirty_[static_cast<std::size_t>(item.element)]) {
             rope_.copy(whole.begin, whole.end);
             return;
         }
         svg::StartTag tag = startTag(item.element);
-        const svg::StartTag was = tag;
-        switch (record.kind) {
-            case SvgKind::kPath:
-            case SvgKind::kShape:
-                writer_.editOutline(&tag, *item.art, record, scope, inPlace);
-                writer_.preserveComputedStyle(&tag, was);
-                finishLeaf(tag, whole);
+        switch (element(item.element).role) {
+            case Role::kText:
+                writeText(&tag, item, scope, inPlace);
                 break;
-            case SvgKind::kText: {
-                const auto content = writer_.editText(&tag, *item.art, record, scope, inPlace);
-                writer_.preserveComputedStyle(&tag, was);
-                if (content) {
-                    tag.setSelfClosing(false);
-                    rope_.add(tag.str() + *content + "</" + tag.name() + ">");
-                } else {
-                    finishLeaf(tag, whole);
-                }
+            case Role::kForeign:
+                writeForeign(&tag, item, scope, sameMap);
                 break;
-            }
-            case SvgKind::kForeign:
-                writer_.markTag(&tag, *item.art, &record);
-                if (!sameMap || !base_.isUnmoved(*item.art)) writer_.editForeign(&tag, *item.art, scope);
-                writer_.preserveComputedStyle(&tag, was);
-                finishLeaf(tag, whole);
-                break;
-            case SvgKind::kUse:
+            case Role::kUse:
                 writeUse(&tag, item, scope, inPlace);
                 break;
-            default:
+            case Role::kGroup:
                 writeContainer(&tag, item, scope, inPlace);
+                break;
+            default:
+                writeOutline(&tag, item, scope, inPlace);
         }
+    }
+
+    void writeOutline(svg::StartTag* tag, const Item& item, const SvgScope& scope, bool inPlace) {
+        const svg::StartTag was = *tag;
+        writer_.editOutline(tag, *item.art, item.element, scope, inPlace);
+        writer_.preserveComputedStyle(tag, was);
+        finishLeaf(*tag, span(item.element));
+    }
+
+    void writeText(svg::StartTag* tag, const Item& item, const SvgScope& scope, bool inPlace) {
+        const svg::StartTag was = *tag;
+        const auto content = writer_.editText(tag, *item.art, item.element, scope, inPlace);
+        writer_.preserveComputedStyle(tag, was);
+        if (!content) return finishLeaf(*tag, span(item.element));
+        tag->setSelfClosing(false);
+        rope_.add(tag->str() + *content + "</" + tag->name() + ">");
+    }
+
+    void writeForeign(svg::StartTag* tag, const Item& item, const SvgScope& scope, bool sameMap) {
+        const svg::StartTag was = *tag;
+        writer_.markTag(tag, *item.art, item.element);
+        if (!sameMap || !base_.isUnmoved(*item.art)) writer_.editForeign(tag, *item.art, scope);
+        writer_.preserveComputedStyle(tag, was);
+        finishLeaf(*tag, span(item.element));
     }
 
     // The rest of an element whose start tag alone has changed.
@@ -523,14 +548,14 @@ class Splicer {
 
     // What is inside an element whose surroundings may have changed: its own transform is dropped when it would act on
     // another space than it was made for.
-    SvgScope inside(svg::StartTag* tag, const SvgElement& record, const SvgScope& scope, bool inPlace) {
-        SvgScope inner{source_.ctms[record.ctm], record.style, record.unmodelledProperties, ""};
-        if (!(scope.map == source_.ctms[element(record.parent).ctm])) {
+    SvgScope inside(svg::StartTag* tag, std::int32_t number, const SvgScope& scope, bool inPlace) {
+        SvgScope inner = scopeIn(number);
+        if (!(scope.map == source_.tree.map(element(number).parent))) {
             tag->remove("transform");
             inner.map = scope.map;
             inner.style = -1;
         } else if (!inPlace) {
-            const AIPathStyle& style = *source_.styles[static_cast<std::size_t>(record.style)];
+            const AIPathStyle& style = *source_.styles[static_cast<std::size_t>(record(number).style)];
             for (const StyleProperty& property :
                  styleProperties(style, nullptr, inner.map.scale(), document_.paintSources)) {
                 svg::setProperty(tag, property.name, property.value);
@@ -540,18 +565,17 @@ class Splicer {
     }
 
     void writeContainer(svg::StartTag* tag, const Item& item, const SvgScope& scope, bool inPlace) {
-        const SvgElement& record = element(item.element);
         const svg::StartTag was = *tag;
-        const SvgScope inner = inside(tag, record, scope, inPlace);
-        if (!(inner.map == source_.ctms[record.ctm]) && tag->name() == writer_.svgName("svg")) {
+        const SvgScope inner = inside(tag, item.element, scope, inPlace);
+        if (!(inner.map == source_.tree.map(item.element)) && tag->name() == writer_.svgName("svg")) {
             tag->rename(writer_.svgName("g"));
             for (const char* name : {"x", "y", "width", "height", "viewBox", "preserveAspectRatio"}) tag->remove(name);
         }
         if (item.layer) {
             if (item.layer == needsId_) tag->set("id", currentId_);
-            writer_.layerTag(tag, *item.layer, &record);
+            writer_.layerTag(tag, *item.layer, item.element);
         } else {
-            writer_.markTag(tag, *item.art, &record);
+            writer_.markTag(tag, *item.art, item.element);
         }
         writer_.preserveComputedStyle(tag, was);
         const std::string ownBreak = lineBreakBefore(span(item.element).begin);
@@ -561,19 +585,18 @@ class Splicer {
     // A use element whose copy has changed is written out before; only one in a circle comes here. It becomes a group
     // of what it showed, as far as the document knows it.
     void writeUse(svg::StartTag* tag, const Item& item, const SvgScope& scope, bool inPlace) {
-        const SvgElement& record = element(item.element);
-        if (inPlace && contentHash(document_, *item.art) == record.content) {
-            writer_.markTag(tag, *item.art, &record);
+        if (inPlace && contentHash(document_, *item.art) == record(item.element).content) {
+            writer_.markTag(tag, *item.art, item.element);
             finishLeaf(*tag, span(item.element));
             return;
         }
-        SvgScope inner = inside(tag, record, scope, inPlace);
+        SvgScope inner = inside(tag, item.element, scope, inPlace);
         tag->rename(writer_.svgName("g"));
         for (const char* name : {"x", "y", "width", "height"}) tag->remove(name);
         for (const std::string& name : tag->attributeNames()) {
             if (name == "href" || name.ends_with(":href")) tag->remove(name);
         }
-        writer_.markTag(tag, *item.art, &record);
+        writer_.markTag(tag, *item.art, item.element);
         inner.lineBreak = scope.lineBreak;
         writeNewContent(tag, itemsOf(*item.art), inner);
     }

@@ -14,6 +14,9 @@
 #include "svg/values/number.h"
 
 namespace quorvel::interchange {
+
+using svg::Role;
+
 namespace {
 
 bool isIdentity(const RealMatrix& m) { return m.a == 1 && m.b == 0 && m.c == 0 && m.d == 1 && m.tx == 0 && m.ty == 0; }
@@ -29,12 +32,6 @@ const AIPathStyle* styleOf(const doc::Document& document, const doc::Art& art) {
     return at ? at->path->style.get() : nullptr;
 }
 
-std::int32_t elementNamedAt(const SvgSource& source, std::uint32_t offset) {
-    const auto found = std::ranges::lower_bound(source.elements, offset, {}, &SvgElement::nameOffset);
-    if (found == source.elements.end() || found->nameOffset != offset) return -1;
-    return static_cast<std::int32_t>(found - source.elements.begin());
-}
-
 // What an element finds around it.
 struct InheritedContext {
     svg::Affine map;
@@ -48,13 +45,13 @@ class CloneCheck {
         : document_(document),
           base_(base),
           source_(base.source()),
-          fate_(source_.elements.size(), CloneState::kGone),
-          childCount_(source_.elements.size(), 0),
-          targets_(source_.elements.size(), 0) {
-        for (std::size_t i = 1; i < source_.elements.size(); ++i)
-            ++childCount_[static_cast<std::size_t>(source_.elements[i].parent)];
+          fate_(source_.tree.size(), CloneState::kGone),
+          childCount_(source_.tree.size(), 0),
+          targets_(source_.tree.size(), 0) {
+        for (const svg::Element& element : source_.tree.elements)
+            if (element.parent >= 0 && !element.isInstance) ++childCount_[static_cast<std::size_t>(element.parent)];
         for (doc::LayerId id : document.layers()) visitLayer(*document.layer(id));
-        followOrigins();
+        followInstances();
     }
 
     // Numbers among the source's uses.
@@ -77,7 +74,7 @@ class CloneCheck {
     void visitLayer(const doc::Layer& layer) {
         const doc::Art& root = *document_.find(layer.root);
         const std::int32_t element = base_.elementOf(layer);
-        const InheritedContext page{source_.ctms[0], source_.elements[0].style};
+        const InheritedContext page{source_.tree.map(0), source_.record(0).style};
         if (element > 0) {
             visit(root, &layer, element, page);
         } else {
@@ -101,28 +98,27 @@ class CloneCheck {
             if (art.kind == kGroupArt) visitChildren(art, around);
             return true;
         }
-        const SvgElement& record = source_.elements[static_cast<std::size_t>(number)];
-        const SvgElement& parent = source_.elements[static_cast<std::size_t>(record.parent)];
-        const InheritedContext expected{source_.ctms[parent.ctm], parent.style};
+        const svg::Element& element = source_.element(number);
+        const InheritedContext expected{source_.tree.map(element.parent), source_.record(element.parent).style};
         bool changed = !(around == expected);
-        if (record.kind == SvgKind::kGroup || record.kind == SvgKind::kLayer) {
-            InheritedContext inside{source_.ctms[record.ctm], record.style};
+        if (element.role == Role::kGroup) {
+            InheritedContext inside{source_.tree.map(number), source_.record(number).style};
             if (!(around.map == expected.map)) inside = {around.map, -1};
             changed |= visitChildren(art, inside);
             changed |= !sameChildren(art, number);
         }
         const std::uint64_t revision = layer ? layer->revision : art.revision;
         const bool look =
-            revision != 0 || art.kind == kCompoundPathArt || record.kind == SvgKind::kUse || base_.writtenOut(art);
-        changed = changed || (look && (looksOther(document_, source_, art, layer, record) || otherId(art, record)));
+            revision != 0 || art.kind == kCompoundPathArt || element.role == Role::kUse || base_.writtenOut(art);
+        changed = changed || (look && (looksOther(document_, source_, art, layer, number) || otherId(art, element)));
         fate_[static_cast<std::size_t>(number)] = changed ? CloneState::kChanged : CloneState::kKept;
         return changed;
     }
 
     // A use element would no longer find it.
-    bool otherId(const doc::Art& art, const SvgElement& record) const {
+    bool otherId(const doc::Art& art, const svg::Element& element) const {
         if (art.parent == 0 || art.revision == 0) return false;
-        const svg::StartTag tag(svg::startTagText(source_.text, record.nameOffset), &source_.entities);
+        const svg::StartTag tag(svg::startTagText(*source_.text, element.nameOffset), &source_.entities());
         return tag.attribute("id").value_or("") != art.svgId;
     }
 
@@ -132,34 +128,28 @@ class CloneCheck {
         for (doc::ArtId id = art.lastChild; id != 0; ++count) {
             const doc::Art& child = *document_.find(id);
             const std::int32_t element = base_.elementOf(child);
-            if (element <= last || source_.elements[static_cast<std::size_t>(element)].parent != number) return false;
+            if (element <= last || source_.element(element).parent != number) return false;
             last = element;
             id = child.above;
         }
         return count == childCount_[static_cast<std::size_t>(number)];
     }
 
-    // Everything that a clone shows says where it comes from. Origins stand in the order of the elements, with those of
-    // clones' members between them.
-    void followOrigins() {
-        std::vector<std::int32_t> elements(source_.origins.size(), -1), owners(source_.origins.size(), -1);
-        std::int32_t next = 0;
-        for (std::size_t i = 0; i < source_.origins.size(); ++i) {
-            const SvgOrigin& origin = source_.origins[i];
-            const auto around = static_cast<std::size_t>(origin.parent);
-            if (i > 0) owners[i] = owners[around];
-            if (i > 0 && elements[around] >= 0 &&
-                source_.elements[static_cast<std::size_t>(elements[around])].kind == SvgKind::kUse) {
-                owners[i] = elements[around];
-                targets_[static_cast<std::size_t>(owners[i])] = origin.nameOffset;
-            }
-            if (owners[i] < 0) {
-                elements[i] = next++;
-            } else if (const std::int32_t shown = elementNamedAt(source_, origin.nameOffset); shown >= 0) {
-                CloneState& own = fate_[static_cast<std::size_t>(owners[i])];
-                if (own == CloneState::kKept && fate_[static_cast<std::size_t>(shown)] != CloneState::kKept)
-                    own = CloneState::kChanged;
-            }
+    // A clone does not stay one when anything that it shows has changed.
+    void followInstances() {
+        std::vector<std::int32_t> owners(source_.tree.size(), -1);
+        for (std::size_t i = 1; i < source_.tree.size(); ++i) {
+            const svg::Element& instance = source_.tree.elements[i];
+            if (!instance.isInstance) continue;
+            const auto around = static_cast<std::size_t>(instance.parent);
+            const bool isTop = !source_.tree.elements[around].isInstance;
+            owners[i] = isTop ? instance.parent : owners[around];
+            const auto owner = static_cast<std::size_t>(owners[i]);
+            if (isTop) targets_[owner] = instance.nameOffset;
+            const std::int32_t shown = base_.elementAt(instance.nameOffset);
+            if (shown >= 0 && fate_[owner] == CloneState::kKept &&
+                fate_[static_cast<std::size_t>(shown)] != CloneState::kKept)
+                fate_[owner] = CloneState::kChanged;
         }
     }
 
@@ -212,20 +202,19 @@ class FollowerSearch {
         for (doc::ArtId id = parent.lastChild; id != 0;) {
             const doc::Art& child = *document_.find(id);
             const std::int32_t element = base_.elementOf(child);
-            if (element >= 0 && source_.elements[static_cast<std::size_t>(element)].parent == number)
-                visit(child, element);
+            if (element >= 0 && source_.element(element).parent == number) visit(child, element);
             id = child.above;
         }
     }
 
     void visit(const doc::Art& art, std::int32_t number) {
-        const SvgElement& record = source_.elements[static_cast<std::size_t>(number)];
+        const Role role = source_.element(number).role;
         // Those that are moved by their transform in any case are done by the way.
-        if (record.kind == SvgKind::kForeign || record.kind == SvgKind::kUse || record.kind == SvgKind::kText) return;
+        if (role == Role::kForeign || role == Role::kUse || role == Role::kText) return;
         Motion motion;
         addMotion(art, &motion);
         if (motion.alike && isTurnOrShift(motion.matrix) && take(art, number, motion)) return;
-        if (record.kind == SvgKind::kGroup && motion.any) visitChildren(art, number);
+        if (role == Role::kGroup && motion.any) visitChildren(art, number);
     }
 
     struct Motion {
@@ -266,10 +255,10 @@ class FollowerSearch {
         const RealMatrix& m = motion.matrix;
         const bool turned = std::abs(m.a - 1) > 1e-6 || std::abs(m.b) > 1e-6;
         if (turned && motion.ownAngles) return false;
-        const SvgElement& record = source_.elements[static_cast<std::size_t>(number)];
-        svg::StartTag tag(svg::startTagText(source_.text, record.nameOffset), &source_.entities);
+        const svg::Element& element = source_.element(number);
+        svg::StartTag tag(svg::startTagText(*source_.text, element.nameOffset), &source_.entities());
         if (!base_.isClone(art) && !inheritsPaint(art) && !rules_.refersToOthers(tag)) return false;
-        const svg::Affine& around = source_.ctms[source_.elements[static_cast<std::size_t>(record.parent)].ctm];
+        const svg::Affine& around = source_.tree.map(element.parent);
         svg::Affine inverse, own;
         const std::string said = tag.attribute("transform").value_or("");
         if (!svg::invert(around, &inverse) || !svg::parseTransform(said, &own)) return false;
@@ -301,25 +290,26 @@ class FollowerSearch {
 }  // namespace
 
 bool looksOther(const doc::Document& document, const SvgSource& source, const doc::Art& art, const doc::Layer* layer,
-                const SvgElement& record) {
+                std::int32_t element) {
+    const SvgRecord& record = source.record(element);
     if ((layer ? !layer->visible : art.hidden) != record.hidden) return true;
-    switch (record.kind) {
-        case SvgKind::kPath:
-        case SvgKind::kShape: {
+    switch (source.element(element).role) {
+        case Role::kRoot:
+        case Role::kGroup:
+            return false;
+        case Role::kText: {
+            const SvgTextOrigin& origin = source.texts[static_cast<std::size_t>(record.text)];
+            return !sameMatrix(art.text->matrix, origin.matrix) || textHash(*art.text, true) != origin.wording;
+        }
+        case Role::kForeign:
+            return !isIdentity(art.foreignMatrix);
+        case Role::kUse:
+            return contentHash(document, art) != record.content;
+        default: {
             const AIPathStyle* style = styleOf(document, art);
             return outlineHash(document, art) != record.content ||
                    (style && !stylesAlike(*style, *source.styles[static_cast<std::size_t>(record.style)]));
         }
-        case SvgKind::kText: {
-            const SvgTextOrigin& origin = source.texts[static_cast<std::size_t>(record.text)];
-            return !sameMatrix(art.text->matrix, origin.matrix) || textHash(*art.text, true) != origin.wording;
-        }
-        case SvgKind::kForeign:
-            return !isIdentity(art.foreignMatrix);
-        case SvgKind::kUse:
-            return contentHash(document, art) != record.content;
-        default:
-            return false;
     }
 }
 
@@ -333,6 +323,7 @@ bool SaveBase::readAgain(std::string text, const doc::Document& document) {
     // A file whose use elements refer to each other in a circle may read otherwise.
     if (!result || result->document->artCount() != read_.artCount) return false;
     again_ = std::move(result->document);
+    byOffset_.clear();
     return true;
 }
 
@@ -346,13 +337,13 @@ void SaveBase::writeOutClones(const doc::Document& document) {
         std::string text;
         std::size_t copied = 0;
         for (std::size_t use : stale) {
-            const SvgElement& element = now.elements[static_cast<std::size_t>(now.uses[use].element)];
+            const svg::Element& element = now.element(now.uses[use].element);
             const std::size_t begin = element.nameOffset - std::size_t{1};
-            text += std::string_view(now.text).substr(copied, begin - copied);
+            text += std::string_view(*now.text).substr(copied, begin - copied);
             text += expandedUse(now, rules, now.uses[use], check.target(use));
-            copied = begin + svg::elementText(now.text, element.nameOffset).size();
+            copied = begin + svg::elementText(*now.text, element.nameOffset).size();
         }
-        text += std::string_view(now.text).substr(copied);
+        text += std::string_view(*now.text).substr(copied);
         if (!readAgain(std::move(text), document)) return;
     }
 }
@@ -364,18 +355,18 @@ void SaveBase::rewriteMovedTransforms(const doc::Document& document) {
     const SvgSource& now = source();
     std::string text;
     std::size_t copied = 0;
-    std::vector<RealMatrix> motions(now.elements.size());
+    std::vector<RealMatrix> motions(now.tree.size());
     for (const TransformEdit& follower : followers) {
-        const std::uint32_t offset = now.elements[static_cast<std::size_t>(follower.element)].nameOffset;
-        text += std::string_view(now.text).substr(copied, offset - 1 - copied);
+        const std::uint32_t offset = now.element(follower.element).nameOffset;
+        text += std::string_view(*now.text).substr(copied, offset - 1 - copied);
         text += follower.startTag;
-        copied = offset - 1 + svg::startTagText(now.text, offset).size();
+        copied = offset - 1 + svg::startTagText(*now.text, offset).size();
         motions[static_cast<std::size_t>(follower.element)] = follower.motion;
     }
-    text += std::string_view(now.text).substr(copied);
+    text += std::string_view(*now.text).substr(copied);
     // Those around come first.
     for (std::size_t i = 1; i < motions.size(); ++i) {
-        if (isIdentity(motions[i])) motions[i] = motions[static_cast<std::size_t>(now.elements[i].parent)];
+        if (isIdentity(motions[i])) motions[i] = motions[static_cast<std::size_t>(now.tree.elements[i].parent)];
     }
     if (readAgain(std::move(text), document)) motions_ = std::move(motions);
 }
@@ -396,8 +387,19 @@ std::int32_t SaveBase::elementOf(const doc::Layer& layer) const {
     return same ? same->source : -1;
 }
 
+std::int32_t SaveBase::elementAt(std::uint32_t nameOffset) const {
+    if (byOffset_.empty()) {
+        const svg::Tree& tree = source().tree;
+        for (std::size_t i = 0; i < tree.size(); ++i)
+            if (!tree.elements[i].isInstance) byOffset_.push_back(static_cast<std::int32_t>(i));
+    }
+    const auto offsetOf = [&](std::int32_t number) { return source().element(number).nameOffset; };
+    const auto found = std::ranges::lower_bound(byOffset_, nameOffset, {}, offsetOf);
+    return found != byOffset_.end() && offsetOf(*found) == nameOffset ? *found : -1;
+}
+
 bool SaveBase::isClone(const doc::Art& art) const {
-    return again_ && art.source >= 0 && read_.elements[static_cast<std::size_t>(art.source)].kind == SvgKind::kUse;
+    return again_ && art.source >= 0 && read_.element(art.source).role == Role::kUse;
 }
 
 bool SaveBase::isUnmoved(const doc::Art& art) const {
@@ -407,7 +409,7 @@ bool SaveBase::isUnmoved(const doc::Art& art) const {
 }
 
 svg::Affine SaveBase::placeOf(const doc::Art& art) const {
-    return concat(art.foreignMatrix, read_.ctms[read_.origins[static_cast<std::size_t>(art.origin)].ctm]);
+    return concat(art.foreignMatrix, read_.tree.map(art.origin));
 }
 
 bool SaveBase::writtenOut(const doc::Art& art) const { return art.source < 0 && elementOf(art) >= 0; }

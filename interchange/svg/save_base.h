@@ -20,6 +20,8 @@ class SaveBase {
     // Its element there, -1 when it has none. Of a layer: 0 for art in no layer element.
     std::int32_t elementOf(const doc::Art& art) const;
     std::int32_t elementOf(const doc::Layer& layer) const;
+    // The one whose name begins there in the text, -1 for none.
+    std::int32_t elementAt(std::uint32_t nameOffset) const;
     // Part of a clone that is written out now, so that its element has not been compared with it yet.
     bool writtenOut(const doc::Art& art) const;
     // A use element that is written out now.
@@ -35,6 +37,8 @@ class SaveBase {
     bool readAgain(std::string text, const doc::Document& document);
 
     const SvgSource& read_;
+    mutable std::vector<std::int32_t>
+        byOffset_;                     // elements that are written in the text; listed when it is first asked
     std::vector<RealMatrix> motions_;  // of elements whose transform, or that of one around them, has been changed
     std::unique_ptr<doc::Document>
         again_;  // the file with clones written out; its art has the names that it had in read_
@@ -43,6 +47,6 @@ class SaveBase {
 // Whether the art of an element, or the layer, looks other than the element says; what is in it counts for use elements
 // alone.
 bool looksOther(const doc::Document& document, const SvgSource& source, const doc::Art& art, const doc::Layer* layer,
-                const SvgElement& record);
+                std::int32_t element);
 
 }  // namespace quorvel::interchange

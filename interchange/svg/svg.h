@@ -18,9 +18,6 @@ struct SvgDrawing {
     std::string rulerUnit;        // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
 };
 
-constexpr std::size_t kLargestSvg = std::size_t{512} << 20;
-Error tooLargeSvg();  // of a larger file
-
 // A hostile or damaged file gives an error, with its line and element where there is one. paintSources: texts of paints
 // that have their numbers already.
 Result<SvgDrawing> readSvg(std::string text, std::vector<std::string> paintSources = {});

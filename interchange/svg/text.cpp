@@ -8,13 +8,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <pugixml.hpp>
 
 #include "fonts/fonts.h"
 #include "interchange/svg/art_hash.h"
 #include "interchange/svg/exact_text.h"
 #include "interchange/svg/own_attributes.h"
 #include "svg/markup/entities.h"
+#include "svg/markup/xml_file.h"
 #include "svg/values/length.h"
 #include "svg/values/number.h"
 #include "svg/values/paint.h"
@@ -23,11 +23,6 @@ namespace quorvel::interchange {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
-
-std::string_view localName(const pugi::xml_node& node) {
-    const std::string_view name = node.name();
-    return name.substr(name.find(':') + 1);
-}
 
 bool isLineBreak(char16_t unit) { return unit == u'\r' || unit == u'\n' || unit == 3; }
 
@@ -98,24 +93,24 @@ std::string toUtf8(std::u16string_view text) {
 
 class Collector {
   public:
-    Collector(const svg::Affine& toDocument, svg::StyleResolver* resolver, PaintLookup* paints, SvgText* result)
-        : map_(toDocument), scale_(toDocument.scale()), resolver_(resolver), paints_(paints), result_(*result) {}
+    Collector(const svg::Affine& toDocument, TextContext* context, SvgText* result)
+        : map_(toDocument), scale_(toDocument.scale()), context_(*context), result_(*result) {}
 
-    bool element(const pugi::xml_node& element, const svg::SvgStyle& style) {
+    bool element(const svg::XmlNode& element, const svg::ComputedStyle& style) {
         place(element, style);
-        for (const pugi::xml_node& child : element.children()) {
-            if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+        for (const svg::XmlNode& child : element.children()) {
+            if (child.isText()) {
                 characters(child.value(), style);
-            } else if (child.type() == pugi::node_element && (localName(child) == "tspan" || localName(child) == "a")) {
-                svg::SvgStyle inner;
-                if (!resolver_->compute(child, style, &inner)) return false;
+            } else if (child.isElement() && (child.localName() == "tspan" || child.localName() == "a")) {
+                svg::ComputedStyle inner;
+                if (!context_.cascade.compute(child, style, context_.diagonal, &inner)) return false;
                 if (inner.displayed && !this->element(child, inner)) return false;
             }
         }
         return true;
     }
 
-    void finish(const svg::SvgStyle& style) {
+    void finish(const svg::ComputedStyle& style) {
         doc::TextData& text = result_.text;
         if (text.runs.empty()) {
             text.runs.push_back({0, features(style)});
@@ -125,17 +120,17 @@ class Collector {
 
   private:
     // Positions count until the first character stands; later ones move lines of the same text.
-    void place(const pugi::xml_node& element, const svg::SvgStyle& style) {
+    void place(const svg::XmlNode& element, const svg::ComputedStyle& style) {
         if (!result_.text.text.empty()) return;
         const auto first = [&](const char* name) -> std::optional<double> {
             const std::string_view list = svg::trimmed(element.attribute(name).value());
-            return svg::parseLength(list.substr(0, list.find_first_of(", \t\n")), {style.diagonal, style.fontSize});
+            return svg::parseLength(list.substr(0, list.find_first_of(", \t\n")), {context_.diagonal, style.fontSize});
         };
         result_.x = first("x").value_or(result_.x) + first("dx").value_or(0);
         result_.y = first("y").value_or(result_.y) + first("dy").value_or(0);
     }
 
-    void characters(std::string_view text, const svg::SvgStyle& style) {
+    void characters(std::string_view text, const svg::ComputedStyle& style) {
         const doc::CharFeatures look = features(style);
         for (std::size_t at = 0; at < text.size();) {
             const char32_t code = takeCharacter(text, &at);
@@ -162,34 +157,29 @@ class Collector {
         endsInBlank_ = code == ' ';
     }
 
-    doc::CharFeatures features(const svg::SvgStyle& style) {
+    doc::CharFeatures features(const svg::ComputedStyle& style) {
         doc::CharFeatures look;
-        std::string& name = resolver_->fontNames[{std::string(style.fontFamily), style.fontWeight, style.italic}];
+        std::string& name = context_.fonts[{style.fontFamily, style.fontWeight, style.italic}];
         if (name.empty()) name = fonts::matchFont(style.fontFamily, style.fontWeight, style.italic).fullName;
         look.font = name;
         look.size = svg::finiteFloat(style.fontSize * scale_);
         look.baselineShift = svg::finiteFloat(style.baselineShift * scale_);
         look.fillOn = style.fill.kind != svg::SvgPaint::kNone;
         look.strokeOn = style.stroke.kind != svg::SvgPaint::kNone;
-        look.fill = colorOf(style.fill, style.color, map_, paints_);
-        look.stroke = colorOf(style.stroke, style.color, map_, paints_);
+        look.fill = colorOf(style.fill, style.color, map_, &context_.paints);
+        look.stroke = colorOf(style.stroke, style.color, map_, &context_.paints);
         return look;
     }
 
     svg::Affine map_;
     double scale_;
-    svg::StyleResolver* resolver_;
-    PaintLookup* paints_;
+    TextContext& context_;
     SvgText& result_;
     std::optional<doc::CharFeatures> pending_;  // a blank that stands when a character follows
     bool endsInBlank_ = false;
 };
 
 }  // namespace
-
-bool followsPath(const pugi::xml_node& element) {
-    return element.find_node([](const pugi::xml_node& node) { return localName(node) == "textPath"; });
-}
 
 RealMatrix textMatrix(const svg::Affine& map, double x, double y) {
     const double scale = map.scale() > 0 ? map.scale() : 1;
@@ -198,17 +188,15 @@ RealMatrix textMatrix(const svg::Affine& map, double x, double y) {
             svg::finiteFloat(-map.d / scale), svg::finiteFloat(place.h),       svg::finiteFloat(place.v)};
 }
 
-bool readText(const pugi::xml_node& element, const svg::Affine& toDocument, const svg::SvgStyle& style,
-              const svg::SvgNames& names, svg::StyleResolver* resolver, PaintLookup* paints, SvgText* result) {
+bool readText(const svg::XmlNode& element, const svg::Affine& toDocument, const svg::ComputedStyle& style,
+              TextContext* context, SvgText* result) {
     *result = {};
-    Collector collector(toDocument, resolver, paints, result);
-    const bool collected = collector.element(element, style);
-    resolver->forget();  // the spans' text is not kept
-    if (!collected) return false;
+    Collector collector(toDocument, context, result);
+    if (!collector.element(element, style)) return false;
     collector.finish(style);
     result->text.matrix = textMatrix(toDocument, result->x, result->y);
-    const pugi::xml_attribute exact = element.attribute((names.own + own_attribute::kText).c_str());
-    if (exact) applyExact(exact.value(), toDocument, paints, &result->text);
+    const svg::XmlAttribute exact = element.attribute(context->names.own, own_attribute::kText);
+    if (exact) applyExact(exact.value(), toDocument, &context->paints, &result->text);
     return true;
 }
 
@@ -419,21 +407,21 @@ std::string elementOf(const SvgTextParts& parts) {
 SvgTextParts formatText(const doc::TextData& text, const svg::Affine& toDocument, const svg::SvgNames& names,
                         const std::vector<StyleProperty>& reset, const PaintSources& sources) {
     SvgTextParts parts = TextFormatter(text, toDocument, names, sources).format(reset);
-    pugi::xml_document fragment;
-    const std::string element = elementOf(parts);
-    fragment.load_buffer(element.data(), element.size(), pugi::parse_default | pugi::parse_ws_pcdata,
-                         pugi::encoding_utf8);
-    svg::StyleResolver resolver;
+    svg::XmlFile fragment;
+    if (!fragment.parseWithBlanks(elementOf(parts))) return parts;
+    svg::StyleTable styles;
+    svg::Cascade cascade(&styles);
     WrittenPaints paints(text, sources);
-    const pugi::xml_node node = fragment.document_element();
+    FontNames fonts;
+    TextContext context{cascade, paints, fonts, names, 0};
+    const svg::XmlNode node = fragment.root();
     svg::Affine own;
     // The same sums as when the file is read.
     svg::Affine inner = toDocument;
     if (svg::parseTransform(node.attribute("transform").value(), &own)) inner = svg::compose(toDocument, own);
-    svg::SvgStyle style;
+    svg::ComputedStyle style;
     SvgText plain;
-    if (!resolver.compute(node, svg::SvgStyle{}, &style) ||
-        !readText(node, inner, style, names, &resolver, &paints, &plain)) {
+    if (!cascade.compute(node, svg::ComputedStyle{}, 0, &style) || !readText(node, inner, style, &context, &plain)) {
         return parts;
     }
     const bool sameWording = textHash(plain.text, true) == textHash(text, true);

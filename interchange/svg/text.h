@@ -2,18 +2,17 @@
 // an element that any program shows and that comes back to the last bit here.
 #pragma once
 
-#include <optional>
+#include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "document/document.h"
 #include "interchange/svg/path_style.h"
 #include "interchange/svg/source.h"
+#include "svg/css/cascade.h"
 #include "svg/markup/namespaces.h"
-
-namespace pugi {
-class xml_node;
-}
+#include "svg/markup/xml.h"
 
 namespace quorvel::interchange {
 
@@ -22,14 +21,22 @@ struct SvgText {
     double x = 0, y = 0;  // where the first character stands in the element's space
 };
 
-// Whether characters of the element follow a path, so that it is no point text.
-bool followsPath(const pugi::xml_node& element);
+// Full names of fonts by family list, weight and slant, as they were found.
+using FontNames = std::map<std::tuple<std::string_view, int, bool>, std::string>;
+
+// What texts are read with. The fonts' keys are texts of the cascade's styles.
+struct TextContext {
+    svg::Cascade& cascade;
+    PaintLookup& paints;
+    FontNames& fonts;
+    const svg::SvgNames& names;
+    double diagonal = 0;  // of the viewport, user units
+};
 
 // element: parsed with its blanks. toDocument: of its content. style: its own, computed. False when the style sheets
 // ask for too much work.
-[[nodiscard]] bool readText(const pugi::xml_node& element, const svg::Affine& toDocument, const svg::SvgStyle& style,
-                            const svg::SvgNames& names, svg::StyleResolver* resolver, PaintLookup* paints,
-                            SvgText* result);
+[[nodiscard]] bool readText(const svg::XmlNode& element, const svg::Affine& toDocument, const svg::ComputedStyle& style,
+                            TextContext* context, SvgText* result);
 
 // The matrix of a text whose element's space is mapped so and whose first character stands at (x, y) in it.
 RealMatrix textMatrix(const svg::Affine& toDocument, double x, double y);

@@ -51,6 +51,15 @@ class XmlNode {
             if (at.name() == name) return XmlAttribute(at);
         return {};
     }
+    // By its prefix, with the colon, and the rest of its name.
+    XmlAttribute attribute(std::string_view prefix, std::string_view name) const {
+        for (pugi::xml_attribute at = node_.first_attribute(); at; at = at.next_attribute()) {
+            const std::string_view whole = at.name();
+            if (whole.size() == prefix.size() + name.size() && whole.starts_with(prefix) && whole.ends_with(name))
+                return XmlAttribute(at);
+        }
+        return {};
+    }
     // The parent of the outermost element is no element.
     XmlNode parent() const { return XmlNode(node_.parent()); }
     XmlNode firstChild() const { return XmlNode(node_.first_child()); }

@@ -47,19 +47,36 @@ Error TreeWalk::at(const XmlNode& node, Error error) const {
     return error;
 }
 
+Status TreeWalk::wholeFile() {
+    const XmlNode root = file_.root();
+    const Page& page = file_.page();
+    ComputedStyle style;
+    if (!file_.cascade().compute(root, file_.styles().at(0), page.viewport.diagonal(), &style))
+        return at(root, ErrorCode::kStyleSheetsTooCostly);
+    return content(root, style, page.map, page.viewport);
+}
+
 Status TreeWalk::content(const XmlNode& element, const ComputedStyle& style, const Affine& map,
                          const Viewport& viewport) {
     stack_.reserve(kDeepestElement + 2);  // frames stay where they are
     tree_.ctms.push_back(map);
     tree_.viewports.push_back({0, viewport});
     tree_.elements.push_back({.nameOffset = element.offset(), .style = style.number, .role = Role::kRoot});
+    Visit visit;
+    visit.text = *file_.text();
+    visit.node = element;
+    visit.name = element.localName();
+    visit.role = Role::kRoot;
+    visit.element = 0;
+    visit.style = style;
+    visit.map = map;
+    visit.viewport = viewport;
+    visitor_.begin(visit);
     Frame frame;
     frame.next = element.firstChild();
-    frame.style = style;
-    frame.map = map;
     frame.viewport = viewport;
-    frame.diagonal = viewport.diagonal();
-    stack_.push_back(std::move(frame));
+    frame.map = map;
+    push(std::move(frame), visit);
     while (!stack_.empty())
         if (Status done = step(); !done) return done;
     return {};
@@ -92,6 +109,7 @@ bool TreeWalk::payForCopy(const XmlNode& node) {
 Status TreeWalk::readChild(const XmlNode& node) {
     if (!file_.names().isSvg(node)) return {};
     Visit visit;
+    visit.text = *file_.text();
     visit.node = node;
     visit.name = node.localName();
     const ElementKind* kind = elementKind(visit.name);

@@ -23,6 +23,7 @@ struct UsePlace {
 
 // An element on its way through the walk.
 struct Visit {
+    std::string_view text;  // in which the offset of the node counts
     XmlNode node;
     std::string_view name;  // without prefix
     Role role = Role::kGroup;
@@ -38,6 +39,7 @@ struct Visit {
 class TreeVisitor {
   public:
     virtual ~TreeVisitor() = default;
+    virtual void begin(const Visit& root) = 0;  // of the tree
     virtual Status visit(const Visit& visit) = 0;
     // Behind all that is in a group or use element that was visited.
     virtual void leave(const Element& element, std::int32_t number) = 0;
@@ -51,6 +53,8 @@ class TreeWalk {
     // What of the drawing is kept but not understood.
     std::set<Error> warnings;
 
+    // The whole file.
+    Status wholeFile();
     // All that is in the element, which becomes the tree's root; style: its own, computed.
     Status content(const XmlNode& element, const ComputedStyle& style, const Affine& map, const Viewport& viewport);
 
