@@ -6,14 +6,16 @@
 #include <map>
 
 #include "host/code_page.h"
+#include "hostapi/records.h"
 
 namespace quorvel::app {
 
 namespace {
 
 const std::map<int, const char*>& kindNames() {
-    static const std::map<int, const char*> names = {{0, "oblique"}, {1, "radius"},   {2, "diameter"},
-                                                     {4, "angle"},   {5, "straight"}, {14, "curve"}};
+    static const std::map<int, const char*> names = {{kObliqueTool, "oblique"},   {kRadiusTool, "radius"},
+                                                     {kDiameterTool, "diameter"}, {kAngleTool, "angle"},
+                                                     {kStraightTool, "straight"}, {kCurveTool, "curve"}};
     return names;
 }
 
@@ -72,21 +74,19 @@ void readLinks(const std::string& text, const std::string& from, const BearersBy
 
 RecordedDimension readDimension(const doc::Document& document, const doc::Art& art, const BearersByObject& bearers) {
     RecordedDimension dimension;
-    const int kind = std::atoi(document.tag(art.id, "QUORVEL_TOOLCNF")->c_str()) / 1000;
+    const int kind = std::atoi(document.tag(art.id, kToolConfigTag)->c_str()) / kKindFactor;
     const auto name = kindNames().find(kind);
     dimension.kind = name == kindNames().end() ? "kind " + std::to_string(kind) : name->second;
-    for (const auto& [tag, point] :
-         {std::pair{"QUORVEL_FROMPOS", "from"}, {"QUORVEL_TOPOS", "to"}, {"QUORVEL_ENDPOS", "end"}}) {
+    for (const auto& [tag, point] : {std::pair{kFromTag, "from"}, {kToTag, "to"}, {kEndTag, "end"}}) {
         const std::string* text = document.tag(art.id, tag);
         if (text == nullptr) continue;
         const std::vector<std::string> all = fields(*text);
-        dimension.points.push_back({point, {number(all, 2), number(all, 3)}});
+        dimension.points.push_back({point, {number(all, kPositionPoint), number(all, kPositionPoint + 1)}});
     }
-    for (const auto& [tag, from] : {std::pair{"QUORVEL_FROMCELL", "from"}, {"QUORVEL_TOCELL", "to"}})
+    for (const auto& [tag, from] : {std::pair{kFromCellTag, "from"}, {kToCellTag, "to"}})
         if (const std::string* text = document.tag(art.id, tag)) readLinks(*text, from, bearers, &dimension);
-    for (int stop = 1; stop <= 30; ++stop) {
-        const std::string digits = (stop < 10 ? "0" : "") + std::to_string(stop);
-        if (const std::string* text = document.tag(art.id, "QUORVEL_STOPCELL" + digits))
+    for (int stop = 1; stop <= kStopLimit; ++stop) {
+        if (const std::string* text = document.tag(art.id, StopTagName(stop)))
             readLinks(*text, "stop " + std::to_string(stop), bearers, &dimension);
     }
     return dimension;
@@ -108,15 +108,15 @@ class Lister {
   private:
     void collectIds(doc::ArtId id) {
         const doc::Art& art = *document_.find(id);
-        if (const std::string* object = document_.tag(id, "quorvel_object_id"))
+        if (const std::string* object = document_.tag(id, kObjectIdTag))
             bearers_[std::to_string(std::atoi(object->c_str()))].push_back(&art);
         for (doc::ArtId child = art.firstChild; child != 0; child = document_.find(child)->below) collectIds(child);
     }
 
     void walk(doc::ArtId id) {
         const doc::Art& art = *document_.find(id);
-        const bool dimension = document_.tag(id, "QUORVEL_TOOLCNF") != nullptr;
-        if (dimension || document_.tag(id, "QUORVEL_ZWK_SETTING_1") != nullptr) {
+        const bool dimension = document_.tag(id, kToolConfigTag) != nullptr;
+        if (dimension || document_.tag(id, kFrameTag) != nullptr) {
             RecordedDimension entry;
             if (dimension)
                 entry = readDimension(document_, art, bearers_);

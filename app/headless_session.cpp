@@ -2,10 +2,12 @@
 #include "app/headless_session.h"
 
 #include <filesystem>
+#include <iterator>
 #include <utility>
 
 #include "app/script.h"
 #include "app/sentences.h"
+#include "hostapi/names.h"
 #include "interchange/svg/svg.h"
 #include "platform/file.h"
 #include "platform/text.h"
@@ -14,7 +16,7 @@ namespace quorvel::app {
 
 namespace {
 
-constexpr const char* kLanguageWords[][2] = {{"ja", "JAPANESE"}, {"en", "ENGLISH"}, {"ko", "KOREAN"}};
+constexpr const char* kLanguageOptions[] = {"ja", "en", "ko"};  // by LanguageWord
 
 std::string trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t\r");
@@ -46,7 +48,9 @@ std::string findPluginFile() {
 }
 
 std::string settingsFileBelow(const std::string& documents) {
-    return (std::filesystem::path(documents) / "Adobe" / "Illustrator" / "Prefs" / "Quorvel.ini").string();
+    std::filesystem::path path = documents;
+    for (const char* folder : kSettingsFolders) path /= folder;
+    return (path / kSettingsFile).string();
 }
 
 HeadlessSession::HeadlessSession(const SessionOptions& options) : options_(options) {
@@ -65,8 +69,8 @@ HeadlessSession::HeadlessSession(const SessionOptions& options) : options_(optio
         user_->viewRepainted();
     };
     host_->callbacks.stepMade = [this](const std::string& name) { steps_.push_back(name); };
-    for (const auto& row : kLanguageWords)
-        if (options.language == row[0]) writeSetting("language", row[1]);
+    for (std::size_t word = 0; word < std::size(kLanguageOptions); ++word)
+        if (options.language == kLanguageOptions[word]) writeSetting(kLanguageKey, kLanguageWords[word]);
 }
 
 HeadlessSession::~HeadlessSession() {

@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "app/dimension_list.h"
+#include "hostapi/names.h"
 
 namespace quorvel::app {
 

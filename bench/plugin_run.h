@@ -20,6 +20,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/headless_session.h"
 #include "host/host.h"
 #include "platform/headless/headless.h"
 
@@ -108,10 +109,10 @@ class PluginRun {
 
   private:
     void writeSettings(const std::vector<std::pair<std::string, std::string>>& settings) const {
-        const std::filesystem::path folder = profile_ / "Adobe" / "Illustrator" / "Prefs";
-        std::filesystem::create_directories(folder);
-        std::ofstream file(folder / "Quorvel.ini");
-        file << "language = \"ENGLISH\"\r\n";
+        const std::filesystem::path path = app::settingsFileBelow(profile_.string());
+        std::filesystem::create_directories(path.parent_path());
+        std::ofstream file(path);
+        file << kLanguageKey << " = \"" << kLanguageWords[kEnglish] << "\"\r\n";
         for (const auto& [key, value] : settings) file << key << " = \"" << value << "\"\r\n";
         if (!file.flush()) throw std::runtime_error("the settings cannot be written");
     }

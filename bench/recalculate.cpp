@@ -12,6 +12,7 @@
 
 #include "bench/mixed_drawing.h"
 #include "bench/plugin_run.h"
+#include "hostapi/records.h"
 
 namespace {
 
@@ -20,8 +21,6 @@ using namespace quorvel::bench;
 
 constexpr int kTurns = 3, kPasses = 5;
 constexpr int kShare = 10;  // the walking road rebuilds one dimension in so many
-constexpr char kAction[] = "Recalculate_Dimension_lines";
-constexpr char kConfigTag[] = "QUORVEL_TOOLCNF";
 constexpr const char* kTools[] = {"Oblique Dimension Tool", "Straight Dimension Tool"};
 
 // --- drawings with dimensions ---------------------------------------------------------------------------------------
@@ -118,7 +117,7 @@ void visitArt(const doc::Document& document, const std::function<void(const doc:
 std::vector<doc::ArtId> dimensionsOf(const doc::Document& document) {
     std::vector<doc::ArtId> groups;
     visitArt(document, [&](const doc::Art& art) {
-        if (document.tag(art.id, kConfigTag) != nullptr) groups.push_back(art.id);
+        if (document.tag(art.id, kToolConfigTag) != nullptr) groups.push_back(art.id);
     });
     return groups;
 }
@@ -150,7 +149,7 @@ std::vector<std::string> portrait(const doc::Document& document) {
 double passSeconds(PluginRun& run) {
     const std::uint64_t before = run.document().changeCount();
     const double seconds = secondsOf([&] {
-        if (run.host().playAction(kAction) != kNoErr) throw std::runtime_error("the action failed");
+        if (run.host().playAction(kRecalculateAction) != kNoErr) throw std::runtime_error("the action failed");
     });
     if (run.document().changeCount() == before) throw std::runtime_error("the pass has changed nothing");
     return seconds;

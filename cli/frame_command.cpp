@@ -12,6 +12,8 @@
 #include "cli/commands.h"
 #include "cli/output_paths.h"
 #include "cli/progress_line.h"
+#include "hostapi/names.h"
+#include "platform/dialog.h"
 #include "platform/file.h"
 #include "platform/text.h"
 
@@ -26,11 +28,11 @@ struct ScheduleWords {
     const char *bottomTool, *topTool;
     std::int32_t dialog;
 };
-constexpr ScheduleWords kWords[] = {{"Schedule Tool [bottom]", "Schedule Tool [top + bottom]", 16259},
-                                    {"図面枠ツール [下に部品]", "図面枠ツール [上に部品]", 16159}};
-constexpr std::int32_t kPresetList = 106, kOkControl = 1;
-// Without a preset the list is "Untitled", then seven rows of commands, "Import" the last.
-constexpr std::int32_t kImportRow = 7;
+constexpr ScheduleWords kWords[] = {
+    {kScheduleBottomToolTitle.english, kScheduleTopToolTitle.english, kScheduleDialogId + kEnglishDialogOffset},
+    {kScheduleBottomToolTitle.japanese, kScheduleTopToolTitle.japanese, kScheduleDialogId}};
+// Without a preset the list is "Untitled", then the rows of commands.
+constexpr std::int32_t kImportRow = kPresetCommandRows;
 
 struct Corners {
     RealPoint lower, upper;
@@ -73,9 +75,9 @@ void importParts(app::HeadlessSession& session, const ScheduleWords& words, cons
     // The dialog passes over a file that it cannot read in silence.
     if (!platform::FileCanBeOpened(parts)) throw app::InputError(parts + ": cannot be read");
     session.newDrawing(100, 100);  // without a frame in it, so that the dialog edits what the next one will say
-    session.user().queueDialog(
-        {words.dialog,
-         {{DialogStep::Kind::selectRow, kPresetList, "", kImportRow}, {DialogStep::Kind::press, kOkControl, "", 0}}});
+    session.user().queueDialog({words.dialog,
+                                {{DialogStep::Kind::selectRow, kPresetListControl, "", kImportRow},
+                                 {DialogStep::Kind::press, platform::kOkControl, "", 0}}});
     session.user().queueFile(parts);
     session.host().editOptions(*session.host().toolByTitle(words.bottomTool));
     throwFault(session);

@@ -4,6 +4,7 @@
 
 #include "app/dump.h"
 #include "app/script.h"
+#include "hostapi/records.h"
 
 namespace quorvel::cli {
 
@@ -11,19 +12,20 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// By SnapKind.
 constexpr const char* kKindNames[] = {"nothing", "free",    "anchor", "intersection",
                                       "path",    "tangent", "normal", "center"};
+static_assert(std::size(kKindNames) == kSnapKindCount);
 
 std::string kindName(std::int16_t kind) {
-    return kind >= 0 && kind < static_cast<std::int16_t>(std::size(kKindNames)) ? kKindNames[kind]
-                                                                                : std::to_string(kind);
+    return kind >= 0 && kind < kSnapKindCount ? kKindNames[kind] : std::to_string(kind);
 }
 
 std::string outcome(const QuorvelSnapRow& row, const std::string& winner) {
     if (row.wins) return "wins";
     if (!row.on) return row.setting == nullptr ? "is off" : std::string("is off (") + row.setting + ")";
     if (!row.now) return "runs at a later step";
-    if (row.kind == 0) return "found nothing";
+    if (row.kind == kSnapNothing) return "found nothing";
     return "did not run: " + winner + " came before it";
 }
 

@@ -12,6 +12,7 @@
 #include "app/headless_session.h"
 #include "app/script.h"
 #include "desktop/causes.h"
+#include "hostapi/names.h"
 #include "platform/file.h"
 #include "platform/text.h"
 
@@ -19,7 +20,6 @@ namespace quorvel::desktop {
 
 namespace {
 
-constexpr char kEnglishTool[] = "Oblique Dimension Tool";
 constexpr char kFirstUnit[] = "mm";  // of the rulers before a drawing brings its own, as of a new page
 
 }  // namespace
@@ -105,7 +105,7 @@ bool Session::start(QString* error) {
     host_->setRulerUnit(kFirstUnit);
     const AIErr result = host_->startup();
     if (result != kNoErr) *error = QString::fromStdString(file + ": start-up failed with " + std::to_string(result));
-    english_ = host_->toolByTitle(kEnglishTool) != nullptr;
+    english_ = host_->toolByTitle(kObliqueToolTitle.english) != nullptr;
     speak();
     recordPanel();
     return result == kNoErr;

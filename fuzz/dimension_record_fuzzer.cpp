@@ -1,25 +1,24 @@
 // Any bytes as the tags of a dimension, parted by zeros, over art to which its links may lead: it is recalculated and
 // tracked, with the art unselected and selected.
-#include <cstdio>
+#include <iterator>
 
 #include "fuzz/fuzz_support.h"
+#include "hostapi/names.h"
+#include "hostapi/records.h"
 
 using namespace quorvel;
 
 namespace {
 
-constexpr char kAction[] = "Recalculate_Dimension_lines", kMovedArt[] = "2644-3993-9293-3747-5729-7605";
-
-const char* const kTagNames[] = {"QUORVEL_TOOLCNF",   "QUORVEL_FROMCELL",  "QUORVEL_TOCELL",    "QUORVEL_FROMPOS",
-                                 "QUORVEL_TOPOS",     "QUORVEL_ENDPOS",    "QUORVEL_CURSPOS",   "QUORVEL_TMPPOS",
-                                 "QUORVEL_SETTING_1", "QUORVEL_SETTING_2", "QUORVEL_SETTING_3", "QUORVEL_SETTING_4"};
-constexpr std::size_t kFixedTags = std::size(kTagNames), kStops = 30;
+constexpr const char* kTagNames[] = {kToolConfigTag, kFromCellTag, kToCellTag, kFromTag,
+                                     kToTag,         kEndTag,      kCursorTag, kTmpTag};
+constexpr int kNamedTags = static_cast<int>(std::size(kTagNames)), kFixedTags = kNamedTags + kTagPieceCount;
 
 std::string tagName(std::size_t index) {
-    if (index < kFixedTags) return kTagNames[index];
-    char name[40];
-    std::snprintf(name, sizeof name, "QUORVEL_STOPCELL%2.2zu", index - kFixedTags + 1);
-    return name;
+    const int number = static_cast<int>(index);
+    if (number < kNamedTags) return kTagNames[number];
+    if (number < kFixedTags) return TagPieceName(kSettingTag, number - kNamedTags + 1);
+    return StopTagName(number - kFixedTags + 1);
 }
 
 PathSegment corner(float h, float v) { return {{h, v}, {h, v}, {h, v}, 1}; }
@@ -46,7 +45,7 @@ doc::ArtId makeArt(doc::Document& document) {
     document.setText(text, words);
     const char* ids[] = {"1", "2", "3"};
     const doc::ArtId arts[] = {angle, round, text};
-    for (int i = 0; i < 3; ++i) document.setTag(arts[i], "quorvel_object_id", ids[i]);
+    for (int i = 0; i < 3; ++i) document.setTag(arts[i], kObjectIdTag, ids[i]);
     return angle;
 }
 
@@ -58,14 +57,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const doc::ArtId angle = makeArt(document);
     const doc::ArtId group = document.insertArt(kGroupArt, kPlaceAboveAll, 0);
     const std::vector<std::string> values = fuzz::cutAtZeros(data, size);
-    for (std::size_t i = 0; i < values.size() && i < kFixedTags + kStops; ++i)
+    for (std::size_t i = 0; i < values.size() && i < kFixedTags + kStopLimit; ++i)
         if (!values[i].empty()) document.setTag(group, tagName(i), values[i]);
-    const bool asked = document.tag(group, "QUORVEL_TOOLCNF") != nullptr;
-    plugin.host().notify(kMovedArt);
+    const bool asked = document.tag(group, kToolConfigTag) != nullptr;
+    plugin.host().notify(kTrackNotifier);
     document.setSelected(angle, true);
-    plugin.host().notify(kMovedArt);
+    plugin.host().notify(kTrackNotifier);
     if (asked) plugin.user().queueAnswer(true);
-    plugin.host().playAction(kAction);
+    plugin.host().playAction(kRecalculateAction);
     plugin.end();
     return 0;
 }

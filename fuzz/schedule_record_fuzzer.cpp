@@ -1,24 +1,19 @@
 // Any bytes as the tags of a drawing frame, parted by zeros: the frame is found, read into the dialog and drawn anew,
 // and the new frame's tags say what was read.
-#include <cstdio>
-
 #include "fuzz/fuzz_support.h"
+#include "hostapi/names.h"
+#include "hostapi/records.h"
+#include "platform/dialog.h"
 
 using namespace quorvel;
 
 namespace {
 
-constexpr std::int32_t kDialog = 16159, kOk = 1, kCancel = 2;
-constexpr char kTool[] = "図面枠ツール [下に部品]";
-
 // The four pieces of the header, then the two halves of each row.
 std::string tagName(std::size_t index) {
-    char name[40];
-    if (index < 4)
-        std::snprintf(name, sizeof name, "QUORVEL_ZWK_SETTING_%zu", index + 1);
-    else
-        std::snprintf(name, sizeof name, "QUORVEL_ZWK_PARTS%3.3zu_%zu", (index - 4) / 2 + 1, (index - 4) % 2 + 1);
-    return name;
+    const int number = static_cast<int>(index);
+    if (number < kTagPieceCount) return TagPieceName(kFrameSettingTag, number + 1);
+    return PartsTagName((number - kTagPieceCount) / 2, (number - kTagPieceCount) % 2 + 1);
 }
 
 void makeFrame(doc::Document& document, const std::vector<std::string>& values) {
@@ -32,8 +27,8 @@ void makeFrame(doc::Document& document, const std::vector<std::string>& values) 
 }
 
 void openDialog(fuzz::PluginUnderTest& plugin, std::int32_t button) {
-    plugin.user().queueDialog({kDialog, {{platform::DialogStep::Kind::press, button, "", 0}}});
-    plugin.host().editOptions(*plugin.host().toolByTitle(kTool));
+    plugin.user().queueDialog({kScheduleDialogId, {{platform::DialogStep::Kind::press, button, "", 0}}});
+    plugin.host().editOptions(*plugin.host().toolByTitle(kScheduleBottomToolTitle.japanese));
 }
 
 }  // namespace
@@ -42,13 +37,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static fuzz::PluginUnderTest plugin;
     doc::Document& document = plugin.begin();
     makeFrame(document, fuzz::cutAtZeros(data, size));
-    openDialog(plugin, kOk);
+    openDialog(plugin, platform::kOkControl);
     // As the dialog has stored it: bytes that are no text of the code page have become question marks.
     const std::string stored = fuzz::scheduleText(*gGlobals);
     const doc::ArtId made = document.find(document.layer(document.currentLayer())->root)->firstChild;
-    if (document.tag(made, "QUORVEL_ZWK_SETTING_1") != nullptr) {
+    if (document.tag(made, kFrameTag) != nullptr) {
         document.setSelected(made, true);
-        openDialog(plugin, kCancel);
+        openDialog(plugin, platform::kCancelControl);
         fuzz::require(fuzz::scheduleText(*gGlobals) == stored);
     }
     plugin.end();

@@ -12,7 +12,7 @@ namespace quorvel::host {
 
 namespace {
 
-constexpr const char* kMenuGroups[] = {"Preferences", "Tool Palettes", "About"};
+constexpr const char* kMenuGroups[] = {kPreferencesMenu, kToolPalettesMenu, kAboutMenu};
 
 HostState* running = nullptr;
 

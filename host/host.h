@@ -14,6 +14,7 @@
 #include "document/document.h"
 #include "hostapi/dimensions.h"
 #include "hostapi/messages.h"
+#include "hostapi/names.h"
 #include "hostapi/suites.h"
 
 namespace quorvel::host {
@@ -58,9 +59,6 @@ struct PanelRecord {
     AIPanelFlyoutProc flyoutProc = nullptr;
     std::vector<std::pair<int, std::string>> flyoutItems;  // number and text (UTF-8)
 };
-
-// Sent after a message or an edit that has changed art, layers or the selection.
-constexpr char kArtChangedNotifier[] = "AI Art Changed Notifier";
 
 // What the plug-in's panel is to look like.
 struct Theme {

@@ -98,7 +98,7 @@ struct HostState {
     void* module = nullptr;
     void* globals = nullptr;
     std::int32_t pluginOptions = 0;
-    std::map<int, int> held;  // acquisitions less releases, by the suite's place in the table
+    std::map<int, int> held;  // acquisitions less releases, by the suite's row of the catalogue
 
     std::unique_ptr<doc::Document> document;
     std::unique_ptr<doc::ArtIndex> artIndex;
@@ -230,7 +230,7 @@ SuiteRecord panelSuite();
 SuiteRecord panelFlyoutMenuSuite();
 SuiteRecord themeSuite();
 
-// The place of a suite in the table; -1 when none bears the name and version.
-int suitePlace(std::string_view name, std::int32_t version);
+// The suite's row of the catalogue; -1 when none has the name and version.
+int suiteRow(std::string_view name, std::int32_t version);
 
 }  // namespace quorvel::host

@@ -7,9 +7,6 @@
 
 namespace quorvel {
 
-constexpr char kDimensionSuiteName[] = "Quorvel Dimension Suite";
-constexpr std::int32_t kDimensionSuiteVersion = 1;
-
 struct AIDimensionSuite {
     // Removes former. The replacement takes over the name that the file has for it.
     AIErr (*ReplaceGroup)(AIArtHandle former, AIArtHandle replacement);

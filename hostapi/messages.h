@@ -33,8 +33,6 @@ constexpr char kSelectorDeselect[] = "AI Deselect";
 constexpr char kSelectorNotify[] = "AI Notify";
 constexpr char kSelectorDoAction[] = "Do Action";
 
-constexpr char kApplicationStartedNotifier[] = "AI Application Started Notifier";
-
 struct SPMessageData {
     std::int32_t check = 0;
     SPPluginRef self = nullptr;

@@ -116,8 +116,9 @@ struct AIPathStyleSuite {
 };
 
 // Named texts on art. Values are bytes up to the closing zero, kept as they are.
+constexpr char kStringTag[] = "string";
 struct AITagSuite {
-    // type: "string" is the one that is served.
+    // type: kStringTag is the one that is served.
     AIErr (*SetTag)(AIArtHandle art, const char* name, const char* type, const void* value);
     // A tag that is absent gives success and null. The text lives until the tag changes or the message returns.
     AIErr (*GetTag)(AIArtHandle art, const char* name, const char* type, const void** value);
@@ -327,9 +328,6 @@ struct AIUnicodeStringSuite {
 
 // The art query suite: answers that a host with an index gives at once and a plug-in without it has to walk for.
 // Arts come in walk order (layers top first, in each depth first with the first child first).
-constexpr char kArtQuerySuiteName[] = "Quorvel Art Query Suite";
-constexpr std::int32_t kArtQuerySuiteVersion = 1;
-
 struct AIArtQuerySuite {
     // The paths and text frames of the layer whose transform bounds (with controls), grown by tolerance on each side,
     // hold the point, bounds inclusive in 32-bit floats as AIRealRectInset and AIRealPointInRect compute them. A point

@@ -51,6 +51,9 @@ struct DialogTemplate {
     std::int32_t rowCount = 0;
 };
 
+// The numbers of these buttons in every dialog.
+constexpr std::int32_t kOkControl = 1, kCancelControl = 2;
+
 // The logic of one window. A null function is passed over.
 struct WindowLogic {
     // The controls stand; fill them.
@@ -64,7 +67,7 @@ struct WindowLogic {
 };
 
 // Runs the dialog, centred on the desktop, until CloseWindow; gives the result of that. Closing it by the window's own
-// means counts as pressing control 2. Result 0: the dialog could not be shown.
+// means counts as pressing kCancelControl. Result 0: the dialog could not be shown.
 std::int32_t RunDialog(const DialogTemplate& dialog, const WindowLogic& logic, void* context);
 void CloseWindow(WindowRef window, std::int32_t result);
 

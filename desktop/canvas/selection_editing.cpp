@@ -257,10 +257,10 @@ void Editing::changeSelection(const host::StepName& name, Change change, const s
 
 // What follows the art is a part of the same deed, and one undo takes both back.
 void Editing::sendTracking() {
-    session_->recorder().line(std::string("notify ") + kTrackingNotifier);
+    session_->recorder().line(std::string("notify ") + kTrackNotifier);
     int steps = 0;
     const auto counting = QObject::connect(session_, &Session::stepMade, [&steps] { ++steps; });
-    session_->host().notify(kTrackingNotifier);
+    session_->host().notify(kTrackNotifier);
     QObject::disconnect(counting);
     const bool joins = steps > 0;
     for (; steps > 0 && session_->document()->joinLastSteps(); --steps) session_->recorder().lastStepsJoined();

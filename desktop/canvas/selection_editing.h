@@ -15,9 +15,6 @@
 
 namespace quorvel::desktop {
 
-// The notification after which dimensions follow the art that they measure.
-constexpr char kTrackingNotifier[] = "2644-3993-9293-3747-5729-7605";
-
 // What a step of the window's own is called, in the language of the tools.
 host::StepName stepNameOf(const Session& session, const char* english, const char* japanese);
 

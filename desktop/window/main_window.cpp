@@ -14,13 +14,13 @@
 
 #include "app/script.h"
 #include "desktop/window/icons.h"
+#include "hostapi/names.h"
 
 namespace quorvel::desktop {
 
 namespace {
 
 constexpr int kTickPeriod = 200;  // milliseconds: five times a second
-constexpr char kInfoItem[] = "Orvane Info Group";
 constexpr char kGeometryKey[] = "window/geometry", kStateKey[] = "window/state";
 constexpr int kBeepShown = 1200;
 
@@ -42,7 +42,7 @@ MainWindow::MainWindow(Session* session) : session_(session), file_(session, thi
     restoreGeometry(settings.value(QLatin1String(kGeometryKey)).toByteArray());
     restoreState(settings.value(QLatin1String(kStateKey)).toByteArray());
     // The panel stays as it was left, and the plug-in, which has shown it at its start, hears of it.
-    if (infoDock_ != nullptr && infoDock_->isHidden() && session_->host().panels().front().shown) menuGo(kInfoItem);
+    if (infoDock_ != nullptr && infoDock_->isHidden() && session_->host().panels().front().shown) menuGo(kInfoMenuItem);
     clock_.start(kTickPeriod);
     refreshTitle();
     refreshMenus();
@@ -197,7 +197,7 @@ void MainWindow::connectAll() {
     // The dock's own cross must tell the plug-in, which keeps its menu item by what the host says of the panel.
     connect(infoDock_, &QDockWidget::visibilityChanged, this, [this] {
         const bool closed = infoDock_->isHidden(), shown = session_->host().panels().front().shown;
-        if (closed && shown && isVisible()) menuGo(kInfoItem);
+        if (closed && shown && isVisible()) menuGo(kInfoMenuItem);
     });
 }
 

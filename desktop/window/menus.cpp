@@ -9,13 +9,13 @@
 
 #include "app/script.h"
 #include "desktop/window/main_window.h"
+#include "hostapi/names.h"
 #include "render/export.h"
 
 namespace quorvel::desktop {
 
 namespace {
 
-constexpr char kPreferencesGroup[] = "Preferences", kPalettesGroup[] = "Tool Palettes", kAboutGroup[] = "About";
 constexpr double kZoomStep = 1.5;
 constexpr double kScreenPointsPerPixel = 1.0;  // a zoom of 100 % shows a point as a pixel
 
@@ -86,7 +86,7 @@ void MainWindow::buildEditMenu() {
                 canvas_->update();
             }));
     menu->addSeparator();
-    addPluginItems(menu, kPreferencesGroup);
+    addPluginItems(menu, kPreferencesMenu);
     connect(menu, &QMenu::aboutToShow, this, &MainWindow::refreshMenus);
 }
 
@@ -139,13 +139,13 @@ void MainWindow::buildOtherMenus() {
                                        refreshMenus();
                                    }));
     QMenu* window = menuBar()->addMenu(session_->say("&Window", "ウィンドウ(&W)"));
-    addPluginItems(window, kPalettesGroup);
+    addPluginItems(window, kToolPalettesMenu);
     window->addAction(layersDock_->toggleViewAction());
     connect(window, &QMenu::aboutToShow, this, &MainWindow::refreshMenus);
 
     QMenu* help = menuBar()->addMenu(session_->say("&Help", "ヘルプ(&H)"));
     for (const host::MenuItemRecord& item : session_->host().menuItems()) {
-        if (item.group != kAboutGroup) continue;
+        if (item.group != kAboutMenu) continue;
         // An item that heads a group of its own is the group's submenu.
         QMenu* submenu = help->addMenu(QString::fromStdString(item.text));
         addPluginItems(submenu, item.name);
@@ -155,7 +155,7 @@ void MainWindow::buildOtherMenus() {
 void MainWindow::addPluginItems(QMenu* menu, const std::string& group) {
     for (const host::MenuItemRecord& item : session_->host().menuItems()) {
         if (item.group != group) continue;
-        const QKeySequence keys(group == kPreferencesGroup ? Qt::CTRL | Qt::Key_Comma : QKeyCombination());
+        const QKeySequence keys(group == kPreferencesMenu ? Qt::CTRL | Qt::Key_Comma : QKeyCombination());
         QAction* action =
             add(menu, QString::fromStdString(item.text), keys, [this, name = item.name] { menuGo(name); });
         action->setCheckable(item.wantsUpdate);

@@ -117,7 +117,7 @@ AIErr getArtTransformBounds(AIArtHandle handle, const RealMatrix* matrix, std::i
 // --- tags and transforming
 
 void requireStringTag(const char* name, const char* type) {
-    require(name != nullptr && *name != 0 && type != nullptr && std::strcmp(type, "string") == 0);
+    require(name != nullptr && *name != 0 && type != nullptr && std::strcmp(type, kStringTag) == 0);
 }
 
 // A group that bears a record gets an id of its own, by which commands and other programs can speak of it.

@@ -19,16 +19,16 @@ AIErr acquireSuite(const char* name, std::int32_t version, const void** suite) {
     deref(suite) = nullptr;
     const void* record = findSuite(&deref(name), version);
     require(record != nullptr, kSuiteNotFoundErr);
-    ++theHost().held[suitePlace(name, version)];
+    ++theHost().held[suiteRow(name, version)];
     *suite = record;
     return kNoErr;
 }
 
 // A release of what is not held is no failure: plug-ins release their whole table.
 AIErr releaseSuite(const char* name, std::int32_t version) {
-    const int place = suitePlace(&deref(name), version);
-    require(place >= 0, kSuiteNotFoundErr);
-    int& held = theHost().held[place];
+    const int row = suiteRow(&deref(name), version);
+    require(row >= 0, kSuiteNotFoundErr);
+    int& held = theHost().held[row];
     held = std::max(held - 1, 0);
     return kNoErr;
 }

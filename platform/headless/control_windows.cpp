@@ -13,8 +13,6 @@ namespace {
 
 using StepKind = DialogStep::Kind;
 
-constexpr std::int32_t kCancelControl = 2;
-
 // What the user's hand can do to each kind of control.
 struct Handling {
     ControlKind kind;

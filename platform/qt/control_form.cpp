@@ -28,7 +28,6 @@ namespace {
 using StepKind = DialogStep::Kind;
 
 constexpr double kPixelsPerPoint = 96.0 / 72.0;
-constexpr std::int32_t kOkControl = 1;
 
 // A label shows what the plug-in parts with carriage returns on lines of its own.
 QString shownText(const std::string& text) {

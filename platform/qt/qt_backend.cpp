@@ -16,7 +16,6 @@ namespace quorvel::platform {
 
 namespace {
 
-constexpr std::int32_t kCancelControl = 2;
 constexpr std::uint32_t kNotEnoughMemory = 8;
 constexpr char kProgramName[] = "Quorvel";
 // Width of an average letter for which the dialogs' rectangles are drawn.

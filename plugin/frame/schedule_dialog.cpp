@@ -28,7 +28,7 @@ constexpr std::int16_t kUniversalType = 2;
 constexpr char kCsvFilter[] = "*.csv", kProposedCsv[] = "Untitled.csv";
 
 // The tail of the Preset list, by distance from its end.
-constexpr std::int32_t kTailRows = 7;
+constexpr std::int32_t kTailRows = kPresetCommandRows;
 enum TailRow : std::int32_t {
     kUpperSeparator = 7,
     kSaveRow = 6,

@@ -1,8 +1,7 @@
 // Writes, reads and finds frame records.
 #include "plugin/frame/schedule_record.h"
 
-#include <cstdio>
-
+#include "hostapi/records.h"
 #include "plugin/record/dimension_record.h"
 #include "plugin/settings/prefs_file.h"
 #include "plugin/settings/prefs_keys.h"
@@ -12,15 +11,6 @@
 namespace quorvel {
 
 namespace {
-
-constexpr char kHeaderTag[] = "QUORVEL_ZWK_SETTING";
-constexpr int kFirstHalfColumns = 2;  // of a row's texts, in its first tag
-
-std::string RowTag(int row, int half) {
-    char name[40];
-    std::snprintf(name, sizeof name, "QUORVEL_ZWK_PARTS%3.3d_%d", row + 1, half);
-    return name;
-}
 
 std::string HeaderText(const PluginGlobals* globals) {
     std::string text;
@@ -73,14 +63,14 @@ AIErr SearchFrame(AIArtHandle art, AIArtHandle* found) {
 
 void WriteScheduleRecord(AIArtHandle art) {
     const PluginGlobals* globals = gGlobals;
-    WriteTagPieces(art, kHeaderTag, HeaderText(globals));
+    WriteTagPieces(art, kFrameSettingTag, HeaderText(globals));
     for (int i = 0; i < kPartRowCount; ++i) {
         const ZwkPartRow& row = globals->prefs.flZwkParts[i];
-        RemoveTag(art, RowTag(i, 1).c_str());
-        RemoveTag(art, RowTag(i, 2).c_str());
+        RemoveTag(art, PartsTagName(i, 1).c_str());
+        RemoveTag(art, PartsTagName(i, 2).c_str());
         if (PartRowIsEmpty(row)) continue;
-        WriteTag(art, RowTag(i, 1).c_str(), RowText(row, 0, kFirstHalfColumns));
-        WriteTag(art, RowTag(i, 2).c_str(), RowText(row, kFirstHalfColumns, kPartColumnCount));
+        WriteTag(art, PartsTagName(i, 1).c_str(), RowText(row, 0, kFirstHalfColumns));
+        WriteTag(art, PartsTagName(i, 2).c_str(), RowText(row, kFirstHalfColumns, kPartColumnCount));
     }
 }
 
@@ -88,7 +78,7 @@ void ReadScheduleRecord(AIArtHandle art) {
     PluginGlobals* globals = gGlobals;
     PrefsRecord* prefs = &globals->prefs;
     ClearScheduleBlock(prefs);
-    const std::string header = JoinTagPieces(art, kHeaderTag);
+    const std::string header = JoinTagPieces(art, kFrameSettingTag);
     if (!header.empty()) {
         std::string field;
         int index = 0;
@@ -99,8 +89,8 @@ void ReadScheduleRecord(AIArtHandle art) {
         }
     }
     for (int i = 0; i < kPartRowCount; ++i) {
-        ReadRowText(art, RowTag(i, 1), 0, kFirstHalfColumns, &prefs->flZwkParts[i]);
-        ReadRowText(art, RowTag(i, 2), kFirstHalfColumns, kPartColumnCount, &prefs->flZwkParts[i]);
+        ReadRowText(art, PartsTagName(i, 1), 0, kFirstHalfColumns, &prefs->flZwkParts[i]);
+        ReadRowText(art, PartsTagName(i, 2), kFirstHalfColumns, kPartColumnCount, &prefs->flZwkParts[i]);
     }
 }
 

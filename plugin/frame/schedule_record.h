@@ -6,8 +6,6 @@
 
 namespace quorvel {
 
-constexpr char kFrameTag[] = "QUORVEL_ZWK_SETTING_1";
-
 void WriteScheduleRecord(AIArtHandle art);
 // Clears the schedule block and fills it from the tags.
 void ReadScheduleRecord(AIArtHandle art);

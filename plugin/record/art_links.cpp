@@ -20,7 +20,7 @@ std::int16_t ArtType(AIArtHandle art) {
 
 bool TagEquals(AIArtHandle art, const char* name, const char* value) {
     const void* text = nullptr;
-    return sAITag->GetTag(art, name, "string", &text) == kNoErr && text != nullptr &&
+    return sAITag->GetTag(art, name, kStringTag, &text) == kNoErr && text != nullptr &&
            std::strcmp(static_cast<const char*>(text), value) == 0;
 }
 

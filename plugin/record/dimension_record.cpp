@@ -15,12 +15,6 @@ namespace quorvel {
 
 namespace {
 
-constexpr char kCursorTag[] = "QUORVEL_CURSPOS", kFromTag[] = "QUORVEL_FROMPOS", kToTag[] = "QUORVEL_TOPOS";
-constexpr char kEndTag[] = "QUORVEL_ENDPOS", kTmpTag[] = "QUORVEL_TMPPOS", kSettingTag[] = "QUORVEL_SETTING";
-constexpr char kFromCellTag[] = "QUORVEL_FROMCELL", kToCellTag[] = "QUORVEL_TOCELL";
-constexpr int kPieceSize = 255, kPieceCount = 4;
-constexpr int kPairsRead = 6;
-
 // Ids given to copies during one write; they reach the art at its end.
 struct NewId {
     AIArtHandle art;
@@ -44,7 +38,7 @@ __attribute__((format(printf, 1, 2))) std::string Print(const char* format, ...)
 const std::string& StopTag(int number) {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> made;
-        for (int i = 0; i <= kStopLimit; ++i) made.push_back(Print("QUORVEL_STOPCELL%2.2d", i));
+        for (int i = 0; i <= kStopLimit; ++i) made.push_back(StopTagName(i));
         return made;
     }();
     return names[static_cast<std::size_t>(number)];
@@ -74,8 +68,8 @@ std::string PositionText(double tangent, int kind, const RealPoint& point) {
 
 void WriteStateTags(AIArtHandle group, std::int16_t kind, std::int16_t mode, const ToolState& state) {
     WriteTag(group, kToolConfigTag,
-             Print("%d,%d,%g,%g,%d", kind * 1000 + mode, state.toolStep, state.cursorPoint.h, state.cursorPoint.v,
-                   state.cursorModifiers));
+             Print("%d,%d,%g,%g,%d", kind * kKindFactor + mode, state.toolStep, state.cursorPoint.h,
+                   state.cursorPoint.v, state.cursorModifiers));
     WriteTag(group, kCursorTag,
              Print("%g,%g,%g,%d", state.previousCursor.h, state.previousCursor.v, state.cursorTangent, state.axisWord));
     WriteTag(group, kFromTag, PositionText(state.fromTangent, state.fromKind, state.fromPoint));
@@ -100,7 +94,7 @@ std::int32_t NewObjectId() { return static_cast<std::int32_t>(static_cast<double
 std::vector<std::pair<int, int>> ReadPairs(std::string_view text) {
     std::vector<std::pair<int, int>> pairs;
     std::string field;
-    for (int i = 0; i < kPairsRead; ++i) {
+    for (int i = 0; i < kCellPairsRead; ++i) {
         if (!SplitField(text, 2 * i, &field) || field.empty()) break;
         const int id = std::atoi(field.c_str());
         if (id == 0 || !SplitField(text, 2 * i + 1, &field) || field.empty()) break;
@@ -185,25 +179,25 @@ void WriteStopList(AIArtHandle group, int number, const StopRecord& stop) {
 void ReadPosition(AIArtHandle group, const char* tagName, double* tangent, std::int16_t* kind, RealPoint* point) {
     std::string text;
     if (!ReadTag(group, tagName, &text)) return;
-    *tangent = NumberIn(text, 0);
-    *kind = static_cast<std::int16_t>(IntegerIn(text, 1));
-    *point = PointIn(text, 2);
+    *tangent = NumberIn(text, kPositionTangent);
+    *kind = static_cast<std::int16_t>(IntegerIn(text, kPositionKind));
+    *point = PointIn(text, kPositionPoint);
 }
 
 void ReadStateTags(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, ToolState* state) {
     std::string text;
     if (ReadTag(group, kToolConfigTag, &text)) {
-        const int config = IntegerIn(text, 0);
-        *kind = static_cast<std::int16_t>(config / 1000);
-        *mode = static_cast<std::int16_t>(config % 1000);
-        state->toolStep = static_cast<std::int16_t>(IntegerIn(text, 1));
-        state->cursorPoint = PointIn(text, 2);
-        state->cursorModifiers = static_cast<std::uint16_t>(IntegerIn(text, 4));
+        const int config = IntegerIn(text, kConfigKindAndMode);
+        *kind = static_cast<std::int16_t>(config / kKindFactor);
+        *mode = static_cast<std::int16_t>(config % kKindFactor);
+        state->toolStep = static_cast<std::int16_t>(IntegerIn(text, kConfigStep));
+        state->cursorPoint = PointIn(text, kConfigCursor);
+        state->cursorModifiers = static_cast<std::uint16_t>(IntegerIn(text, kConfigModifiers));
     }
     if (ReadTag(group, kCursorTag, &text)) {
-        state->previousCursor = PointIn(text, 0);
-        state->cursorTangent = NumberIn(text, 2);
-        state->axisWord = static_cast<std::int16_t>(IntegerIn(text, 3));
+        state->previousCursor = PointIn(text, kCursorPrevious);
+        state->cursorTangent = NumberIn(text, kCursorTangent);
+        state->axisWord = static_cast<std::int16_t>(IntegerIn(text, kCursorAxisWord));
     }
     ReadPosition(group, kFromTag, &state->fromTangent, &state->fromKind, &state->fromPoint);
     ReadPosition(group, kToTag, &state->toTangent, &state->toKind, &state->toPoint);
@@ -226,7 +220,7 @@ void ReadSettings(AIArtHandle group, PluginGlobals* globals) {
 void ReadCellList(const std::string& text, const RealPoint& near, SnapCell* cells, DoublePoint* end) {
     int filled = 0;
     std::string field, second;
-    for (int i = 0; i < kPairsRead; ++i) {
+    for (int i = 0; i < kCellPairsRead; ++i) {
         if (!SplitField(text, 2 * i, &field) || field.empty()) return;
         const int id = std::atoi(field.c_str());
         if (id == 0) {
@@ -264,28 +258,28 @@ std::int32_t SplitField(std::string_view text, int index, std::string* field) {
 
 bool ReadTag(AIArtHandle art, const char* name, std::string* value) {
     const void* text = nullptr;
-    if (sAITag->GetTag(art, name, "string", &text) != kNoErr || text == nullptr) return false;
+    if (sAITag->GetTag(art, name, kStringTag, &text) != kNoErr || text == nullptr) return false;
     *value = static_cast<const char*>(text);
     return true;
 }
 
 void WriteTag(AIArtHandle art, const char* name, const std::string& value) {
-    sAITag->SetTag(art, name, "string", value.c_str());
+    sAITag->SetTag(art, name, kStringTag, value.c_str());
 }
 
 void RemoveTag(AIArtHandle art, const char* name) { sAITag->RemoveTag(art, name); }
 
 void WriteTagPieces(AIArtHandle art, const char* namePrefix, const std::string& text) {
-    for (int i = 0; i < kPieceCount; ++i) RemoveTag(art, Print("%s_%d", namePrefix, i + 1).c_str());
-    for (int i = 0; i < kPieceCount && text.size() > static_cast<std::size_t>(i) * kPieceSize; ++i)
-        WriteTag(art, Print("%s_%d", namePrefix, i + 1).c_str(),
-                 text.substr(static_cast<std::size_t>(i) * kPieceSize, kPieceSize));
+    for (int i = 0; i < kTagPieceCount; ++i) RemoveTag(art, TagPieceName(namePrefix, i + 1).c_str());
+    for (int i = 0; i < kTagPieceCount && text.size() > static_cast<std::size_t>(i) * kTagPieceSize; ++i)
+        WriteTag(art, TagPieceName(namePrefix, i + 1).c_str(),
+                 text.substr(static_cast<std::size_t>(i) * kTagPieceSize, kTagPieceSize));
 }
 
 std::string JoinTagPieces(AIArtHandle art, const char* namePrefix) {
     std::string joined, piece;
-    for (int i = 0; i < kPieceCount; ++i)
-        if (ReadTag(art, Print("%s_%d", namePrefix, i + 1).c_str(), &piece)) joined += piece;
+    for (int i = 0; i < kTagPieceCount; ++i)
+        if (ReadTag(art, TagPieceName(namePrefix, i + 1).c_str(), &piece)) joined += piece;
     return joined;
 }
 

@@ -7,11 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "hostapi/records.h"
 #include "plugin/shell/globals.h"
 
 namespace quorvel {
-
-constexpr char kObjectIdTag[] = "quorvel_object_id";
 
 bool IsDimensionGroup(AIArtHandle art);
 // Writes all tags from liveState and the settings, and gives the measured art object ids.

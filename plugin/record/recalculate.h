@@ -5,9 +5,6 @@
 
 namespace quorvel {
 
-// The recalculation as the host's Action Manager knows it; the panel's button plays it too.
-constexpr char kRecalculateAction[] = "Recalculate_Dimension_lines";
-
 // Asks first; works on the selected dimensions when any is selected, else on all.
 void RecalculateDimensions();
 // Rebuilds the dimension from its record as it stands on its art now. The new group; null when none was made.

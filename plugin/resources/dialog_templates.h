@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 
+#include "hostapi/names.h"
 #include "platform/dialog.h"
 
 namespace quorvel {
@@ -15,14 +16,14 @@ enum DialogId : std::int32_t {
     kSaveAsDialog = 16152,
     kCommentDialog = 16157,
     kObjectNumberDialog = 16158,
-    kScheduleDialog = 16159,
+    kScheduleDialog = kScheduleDialogId,
     kFilletDialog = 16160,
     kDiameterDialog = 16165,
     kRadiusDialog = 16166,
     kSettingsDialog = 16181,
 };
-constexpr std::int32_t kEnglishDialogOffset = 100;
-constexpr std::int32_t kOkControl = 1, kCancelControl = 2;
+using platform::kCancelControl;
+using platform::kOkControl;
 constexpr std::int32_t kResultOk = 1, kResultCancel = 2;
 
 // What both templates of a dialog are made from.

@@ -7,7 +7,8 @@
 
 namespace quorvel {
 
-constexpr std::int32_t kTypeList = 4, kPreviousPage = 5, kNextPage = 6, kPartCountEdit = 26, kPresetList = 106;
+constexpr std::int32_t kTypeList = 4, kPreviousPage = 5, kNextPage = 6, kPartCountEdit = 26,
+                       kPresetList = kPresetListControl;
 constexpr std::int32_t kPageRows = 10, kPartEditCount = 6;
 
 // The number label and the edits of row k (from 0) on the page.

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "hostapi/names.h"
 #include "plugin/dimensioning/units.h"
-#include "plugin/record/recalculate.h"
 #include "plugin/resources/panel_rows.h"
 #include "plugin/resources/strings.h"
 #include "plugin/settings/dialogs.h"

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "hostapi/names.h"
 #include "platform/file.h"
 #include "platform/text.h"
 #include "plugin/settings/prefs_keys.h"
@@ -26,10 +27,10 @@ std::string SubFolder(const std::string& folder, const char* name) {
     return path;
 }
 
-std::string PrefsFolderPath() { return SubFolder(GetPrefsFolder(), "Prefs"); }
+std::string PrefsFolderPath() { return SubFolder(GetPrefsFolder(), kSettingsFolders[2]); }
 
 std::string FilePath(const char* name, bool forReading) {
-    if (name == nullptr) return platform::JoinPath(PrefsFolderPath(), "Quorvel.ini");
+    if (name == nullptr) return platform::JoinPath(PrefsFolderPath(), kSettingsFile);
     if (forReading && IsUntitled(name)) return platform::JoinPath(PrefsFolderPath(), "Quorvel.fct");
     return PresetPath(name);
 }
@@ -119,7 +120,9 @@ bool PartRowIsEmpty(const ZwkPartRow& row) {
     return true;
 }
 
-std::string GetPrefsFolder() { return SubFolder(SubFolder(platform::DocumentsFolder(), "Adobe"), "Illustrator"); }
+std::string GetPrefsFolder() {
+    return SubFolder(SubFolder(platform::DocumentsFolder(), kSettingsFolders[0]), kSettingsFolders[1]);
+}
 
 std::string PresetFolder() { return SubFolder(PrefsFolderPath(), "Quorvel"); }
 

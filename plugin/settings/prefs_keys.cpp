@@ -131,9 +131,7 @@ constexpr std::size_t IndexOfKey(std::string_view name) {
 constexpr std::size_t kFirstRecordKey = IndexOfKey("flRadius");
 constexpr std::size_t kRecordKeyCount = 31;
 static_assert(kKeys[kFirstRecordKey + kRecordKeyCount - 1].name == "flArcMode");
-
-// Indexed by the language word.
-constexpr std::string_view kLanguageWords[] = {"JAPANESE", "ENGLISH", "KOREAN"};
+static_assert(kKeys[IndexOfKey(kLanguageKey)].type == FieldType::language);
 
 char* Field(PluginGlobals* globals, const PrefsKey& key) { return reinterpret_cast<char*>(globals) + key.offset; }
 const char* Field(const PluginGlobals* globals, const PrefsKey& key) {

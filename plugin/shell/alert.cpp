@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "hostapi/catalogue.h"
 #include "platform/text.h"
 #include "plugin/shell/globals.h"
 #include "plugin/shell/suites.h"
@@ -12,8 +13,7 @@
 namespace quorvel {
 namespace {
 
-constexpr char kStringSuiteName[] = "AI Unicode String Suite";
-constexpr std::int32_t kStringSuiteVersion = 7;
+constexpr const SuiteKey& kStringSuite = kSuiteKey<AIUnicodeStringSuite>;
 constexpr AIErr kSilentResult = 1;
 constexpr int kAlertTextSize = 1024;
 
@@ -41,13 +41,13 @@ void ShowErrorAlert(const char* text) {
     const bool borrow = strings == nullptr;
     if (borrow) {
         const void* suite = nullptr;
-        if (gBasic->AcquireSuite(kStringSuiteName, kStringSuiteVersion, &suite) != kNoErr || suite == nullptr) return;
+        if (gBasic->AcquireSuite(kStringSuite.name, kStringSuite.version, &suite) != kNoErr || suite == nullptr) return;
         strings = static_cast<const AIUnicodeStringSuite*>(suite);
     }
     AIUnicodeStringRef string = nullptr;
     const std::int32_t size = static_cast<std::int32_t>(std::strlen(text));
     if (strings->FromCodePage(text, size, platform::kCodePageJapanese, &string) == kNoErr) sAIUser->ErrorAlert(string);
-    if (borrow) gBasic->ReleaseSuite(kStringSuiteName, kStringSuiteVersion);
+    if (borrow) gBasic->ReleaseSuite(kStringSuite.name, kStringSuite.version);
 }
 
 void AlertResult(AIErr result, const char* caller, const char* selector) {

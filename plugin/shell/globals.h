@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "hostapi/names.h"
 #include "hostapi/suites.h"
 #include "platform/dialog.h"
 #include "plugin/geometry/bezier.h"
@@ -12,34 +13,7 @@
 
 namespace quorvel {
 
-// A tool's place in toolHandles; dimension records store these numbers.
-enum ToolKind : std::int16_t {
-    kObliqueTool = 0,
-    kRadiusTool = 1,
-    kDiameterTool = 2,
-    kFilletAdditionTool = 3,
-    kAngleTool = 4,
-    kStraightTool = 5,
-    kRadiusSurfaceTool = 6,    // has a title, is never added
-    kDiameterSurfaceTool = 7,  // has a title, is never added
-    kFilletSeparateTool = 8,
-    kFilletReplaceTool = 9,
-    kSlantTool = 10,
-    kArcTangentialTool = 11,
-    kArcThreePointsTool = 12,
-    kArcCenterTool = 13,
-    kCurveTool = 14,
-    kCommentTool = 15,
-    kObjectNumberTool = 16,
-    kLengthCommentTool = 17,
-    kAreaCommentTool = 18,
-    kScheduleBottomTool = 19,
-    kScheduleTopTool = 20,
-    kToolKindCount = 21,
-};
-
 enum DistanceMode : std::int16_t { kObliqueMode = 0, kStraightMode = 1, kCurveMode = 3 };
-enum LanguageWord : std::uint16_t { kJapanese = 0, kEnglish = 1, kKorean = 2 };
 
 // A chain of segments in a fixed block of memory.
 constexpr int kChainBlockSize = 114736;

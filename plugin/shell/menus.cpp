@@ -2,6 +2,7 @@
 // submenu that it shares with the other plug-ins of the family.
 #include "plugin/shell/menus.h"
 
+#include "hostapi/names.h"
 #include "plugin/settings/about_dialog.h"
 #include "plugin/settings/settings_dialog.h"
 #include "plugin/shell/panel.h"
@@ -25,11 +26,11 @@ struct MenuRow {
 };
 
 constexpr MenuRow kMenuRows[] = {
-    {"Orvane Group", "Preferences", "Quorvel Settings...", "Quorvel 設定...", kMenuItemNoOptions,
+    {kSettingsMenuItem, kPreferencesMenu, "Quorvel Settings...", "Quorvel 設定...", kMenuItemNoOptions,
      &PluginGlobals::settingsMenuHandle},
-    {"Orvane Info Group", "Tool Palettes", "Quorvel Information", "Quorvel 情報", kMenuItemWantsUpdate,
+    {kInfoMenuItem, kToolPalettesMenu, "Quorvel Information", "Quorvel 情報", kMenuItemWantsUpdate,
      &PluginGlobals::infoMenuHandle},
-    {kSharedGroup, "About", "About Plug-ins (Selkie Works)", "About Plug-ins (Selkie Works)", kMenuItemNoOptions,
+    {kSharedGroup, kAboutMenu, "About Plug-ins (Selkie Works)", "About Plug-ins (Selkie Works)", kMenuItemNoOptions,
      nullptr, true},
     {nullptr, kSharedGroup, nullptr, nullptr, kMenuItemNoOptions, &PluginGlobals::aboutMenuHandle},
 };

@@ -2,6 +2,7 @@
 // host's own notification that it has started brings the information panel.
 #include <cstring>
 
+#include "hostapi/names.h"
 #include "plugin/record/recalculate.h"
 #include "plugin/shell/menus.h"
 #include "plugin/shell/panel.h"
@@ -18,10 +19,9 @@ struct NotifierRow {
     AINotifierHandle PluginGlobals::*handle;  // null: not kept
 };
 
-// The two numeric types belong to programs of the same family; here they are only received.
 constexpr NotifierRow kNotifierRows[] = {
-    {"", "2644-3993-9293-3747-5729-7605", &PluginGlobals::notifierTrack},
-    {"", "2644-3993-9293-3747-5729-5825", &PluginGlobals::notifierRecalc},
+    {"", kTrackNotifier, &PluginGlobals::notifierTrack},
+    {"", kRecalculateNotifier, &PluginGlobals::notifierRecalc},
     {"Quorvel App Started Notifier", kApplicationStartedNotifier, nullptr},
 };
 

@@ -2,6 +2,7 @@
 // a note for the next timer tick: a modal dialog must not open inside the host's own menu handling.
 #include "plugin/shell/panel.h"
 
+#include "hostapi/names.h"
 #include "plugin/settings/info_panel.h"
 #include "plugin/shell/menus.h"
 #include "plugin/shell/services.h"
@@ -11,7 +12,6 @@ namespace quorvel {
 
 namespace {
 
-constexpr char kPanelIdentifier[] = "QUORVEL_INFO_PANEL";
 constexpr char kPanelTitle[] = "Quorvel Info";  // the same in every language
 constexpr AIPanelSize kPanelSize = {240, 203};
 constexpr std::int32_t kPanelStates = 1;
@@ -31,8 +31,8 @@ AIPanelFlyoutMenuRef MakeFlyout() {
 
 AIPanelRef MakePanel(const PluginGlobals* globals) {
     AIPanelRef panel = nullptr;
-    const AIErr result = sAIPanel->Create(globals->pluginRef, kPanelIdentifier, HostString(kPanelTitle), kPanelStates,
-                                          kPanelSize, globals->infoFlyout, &panel);
+    const AIErr result = sAIPanel->Create(globals->pluginRef, kInfoPanelIdentifier, HostString(kPanelTitle),
+                                          kPanelStates, kPanelSize, globals->infoFlyout, &panel);
     return result == kNoErr ? panel : nullptr;
 }
 

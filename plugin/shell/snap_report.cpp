@@ -18,6 +18,8 @@ constexpr const char* kSearchNames[] = {"anchor", "intersection", "center", "pat
                                         "grid",   "grid spacing", "arc",    "straight", "straight or arc"};
 static_assert(std::size(kSearchNames) == static_cast<std::size_t>(SnapSearch::filletPick) + 1);
 
+static_assert(kSnapCellCount <= kSnapReportCells);
+
 // The key of the field that a chain row's switch is.
 const char* SettingKey(PluginGlobals* globals, std::int16_t PrefsRecord::*setting) {
     if (setting == nullptr) return nullptr;

@@ -2,10 +2,11 @@
 // in order and releases them at its end; messages that nest in it, through a modal dialog, only count.
 #include "plugin/shell/suites.h"
 
+#include <array>
 #include <cstdio>
-#include <iterator>
 #include <type_traits>
 
+#include "hostapi/catalogue.h"
 #include "plugin/shell/alert.h"
 #include "plugin/shell/globals.h"
 
@@ -46,140 +47,50 @@ std::int16_t suiteUseCount = 0;
 
 namespace {
 
+using PublishFunction = void (*)(const void* suite);
+
 template <auto& pointer>
 void Publish(const void* suite) {
     pointer = static_cast<std::remove_reference_t<decltype(pointer)>>(suite);
 }
 
-struct SuiteEntry {
-    const char* name;
-    std::int32_t version;
-    void (*publish)(const void* suite) = nullptr;  // null: held while a message runs, never called by us
-};
+// Ties each pointer to the row of its suite.
+template <auto&... pointers>
+constexpr std::array<PublishFunction, kSuiteCount> PublishEach() {
+    std::array<PublishFunction, kSuiteCount> functions{};
+    ((functions[SuiteRow<std::remove_cvref_t<decltype(*pointers)>>()] = Publish<pointers>), ...);
+    return functions;
+}
 
-const SuiteEntry kSuites[] = {
-    {"SP Blocks Suite", 2},
-    {"SP Access Suite", 3, Publish<sSPAccess>},
-    {"AI Plugin Suite", 4, Publish<sAIPlugin>},
-    {"AI MdMemory Suite", 2},
-    {"AI Real Math Suite", 2, Publish<sAIRealMath>},
-    {"AI Art Suite", 16, Publish<sAIArt>},
-    {"AI User Interface Theme Suite", 1, Publish<sAIUITheme>},
-    {"AI Panel Suite", 1, Publish<sAIPanel>},
-    {"AI Panel Flyout Menu Suite", 1, Publish<sAIPanelFlyoutMenu>},
-    {"AI Layer Suite", 12, Publish<sAILayer>},
-    {"AI User Suite", 10, Publish<sAIUser>},
-    {"AI Runtime Suite", 11},
-    {"AI Data Filter Suite", 7},
-    {"AI Path Suite", 10, Publish<sAIPath>},
-    {"AI Path Style Suite", 12, Publish<sAIPathStyle>},
-    {"AI Matching Art Suite", 6},
-    {"AI Document Suite", 13},
-    {"AI Document View Suite", 11, Publish<sAIDocumentView>},
-    {"AI Transform Art Suite", 2, Publish<sAITransformArt>},
-    {"AI Text Frame Suite", 3, Publish<sAITextFrame>},
-    {"AI Font Suite", 5, Publish<sAIFont>},
-    {"AI Foreign Object Suite", 3},
-    {"AIATE Paint Suite", 2, Publish<sAIATEPaint>},
-    {"ATE ApplicationPaint Suite", 1},
-    {"ATE CompFont Suite", 1},
-    {"ATE CompFontClass Suite", 1},
-    {"ATE CompFontClassSet Suite", 1},
-    {"ATE CompFontComponent Suite", 1},
-    {"ATE CompFontSet Suite", 1},
-    {"ATE GlyphRun Suite", 1},
-    {"ATE GlyphRunsIterator Suite", 1},
-    {"ATE MojiKumi Suite", 1},
-    {"ATE MojiKumiSet Suite", 1},
-    {"ATE TextFrame Suite", 101},
-    {"ATE TextFramesIterator Suite", 1},
-    {"ATE TextLine Suite", 1},
-    {"ATE TextLinesIterator Suite", 1},
-    {"ATE TextResources Suite", 1},
-    {"ATE ApplicationTextResources Suite", 1},
-    {"ATE DocumentTextResources Suite", 101},
-    {"ATE ArrayApplicationPaintRef Suite", 1},
-    {"ATE ArrayReal Suite", 1},
-    {"ATE ArrayBool Suite", 1},
-    {"ATE ArrayInteger Suite", 1},
-    {"ATE ArrayLineCapType Suite", 1},
-    {"ATE ArrayFigureStyle Suite", 1},
-    {"ATE ArrayLineJoinType Suite", 1},
-    {"ATE ArrayWariChuJustification Suite", 1},
-    {"ATE ArrayStyleRunAlignment Suite", 1},
-    {"ATE ArrayAutoKernType Suite", 1},
-    {"ATE ArrayBaselineDirection Suite", 1},
-    {"ATE ArrayLanguage Suite", 1},
-    {"ATE ArrayFontCapsOption Suite", 1},
-    {"ATE ArrayFontBaselineOption Suite", 1},
-    {"ATE ArrayParagraphJustification Suite", 1},
-    {"ATE ArrayArrayReal Suite", 1},
-    {"ATE ArrayBurasagariType Suite", 1},
-    {"ATE ArrayPreferredKinsokuOrder Suite", 1},
-    {"ATE ArrayKinsokuRef Suite", 1},
-    {"ATE ArrayMojiKumiRef Suite", 1},
-    {"ATE ArrayMojiKumiSetRef Suite", 1},
-    {"ATE ArrayTabStopsRef Suite", 1},
-    {"ATE ArrayLeadingType Suite", 1},
-    {"ATE ArrayFontRef Suite", 1},
-    {"ATE ArrayGlyphID Suite", 1},
-    {"ATE ArrayRealPoint Suite", 1},
-    {"ATE ArrayRealMatrix Suite", 1},
-    {"ATE CharFeatures Suite", 101, Publish<sATECharFeatures>},
-    {"ATE CharInspector Suite", 101},
-    {"ATE CharStyle Suite", 1},
-    {"ATE CharStyles Suite", 1},
-    {"ATE CharStylesIterator Suite", 1},
-    {"ATE Find Suite", 101},
-    {"ATE Font Suite", 1},
-    {"ATE Glyph Suite", 1},
-    {"ATE Glyphs Suite", 1},
-    {"ATE GlyphsIterator Suite", 1},
-    {"ATE Kinsoku Suite", 1},
-    {"ATE KinsokuSet Suite", 1},
-    {"ATE ParaFeatures Suite", 101, Publish<sATEParaFeatures>},
-    {"ATE Paragraph Suite", 1},
-    {"ATE ParagraphsIterator Suite", 1},
-    {"ATE ParaInspector Suite", 101},
-    {"ATE ParaStyle Suite", 1},
-    {"ATE ParaStyles Suite", 1},
-    {"ATE ParaStylesIterator Suite", 1},
-    {"ATE Spell Suite", 101},
-    {"ATE Stories Suite", 1},
-    {"ATE Story Suite", 1},
-    {"ATE TabStop Suite", 1},
-    {"ATE TabStops Suite", 1},
-    {"ATE TabStopsIterator Suite", 1},
-    {"ATE TextRange Suite", 1, Publish<sATETextRange>},
-    {"ATE TextRanges Suite", 1},
-    {"ATE TextRangesIterator Suite", 1},
-    {"ATE TextRunsIterator Suite", 1},
-    {"ATE WordsIterator Suite", 1},
-    {"AI Undo Suite", 6, Publish<sAIUndo>},
-    {"AI Context Suite", 6},
-    {"AI Preference Suite", 5},
-    {"AI Hard Soft Suite", 4},
-    {"AI Tag Suite", 3, Publish<sAITag>},
-    {"AI Random Suite", 4, Publish<sAIRandom>},
-    {"AI Menu Suite", 10, Publish<sAIMenu>},
-    {"AI Tool Suite", 12, Publish<sAITool>},
-    {"AI Timer Suite", 4, Publish<sAITimer>},
-    {"AI Notifier Suite", 3, Publish<sAINotifier>},
-    {"AI Action Manager Suite", 4, Publish<sAIActionManager>},
-    {"AI File Path Suite", 3},
-    {"AI Unicode String Suite", 7, Publish<sAIUnicodeString>},
-};
-constexpr int kSuiteCount = static_cast<int>(std::size(kSuites));
-static_assert(kSuiteCount == 110);
+// By row; null for a suite that is held while a message runs and never called by us.
+constexpr std::array<PublishFunction, kSuiteCount> kPublish =
+    PublishEach<sSPAccess, sAIPlugin, sAIRealMath, sAIArt, sAIUITheme, sAIPanel, sAIPanelFlyoutMenu, sAILayer, sAIUser,
+                sAIPath, sAIPathStyle, sAIDocumentView, sAITransformArt, sAITextFrame, sAIFont, sAIATEPaint,
+                sATECharFeatures, sATEParaFeatures, sATETextRange, sAIUndo, sAITag, sAIRandom, sAIMenu, sAITool,
+                sAITimer, sAINotifier, sAIActionManager, sAIUnicodeString, sArtQuery, sDimension>();
 
 // Where each row's pointer lands; the typed variables above are copies of it.
 const void* sHeld[kSuiteCount] = {};
 
 void PublishRow(int row) {
-    if (kSuites[row].publish != nullptr) kSuites[row].publish(sHeld[row]);
+    if (kPublish[row] != nullptr) kPublish[row](sHeld[row]);
 }
 
-void ReportMissingSuite(AIErr result, const SuiteEntry& suite) {
+AIErr AcquireRow(int row) {
+    const SuiteKey& suite = kSuiteCatalogue[row];
+    const AIErr result = gBasic->AcquireSuite(suite.name, suite.version, &sHeld[row]);
+    PublishRow(row);
+    return result;
+}
+
+AIErr ReleaseRow(int row) { return gBasic->ReleaseSuite(kSuiteCatalogue[row].name, kSuiteCatalogue[row].version); }
+
+void DropRow(int row) {
+    sHeld[row] = nullptr;
+    PublishRow(row);
+}
+
+void ReportMissingSuite(AIErr result, const SuiteKey& suite) {
     char text[256];
     std::snprintf(text, sizeof text, "Error: %d, suite: %s, version: %d!", result, suite.name, suite.version);
     ShowErrorAlert(text);
@@ -187,14 +98,12 @@ void ReportMissingSuite(AIErr result, const SuiteEntry& suite) {
 
 // A failure counts only from the row on at which it can be shown: before that the next row is tried, and what is
 // missing shows when a tool needs it.
-AIErr AcquireRows() {
+AIErr AcquireSharedRows() {
     AIErr result = kNoErr;
-    for (int row = 0; row < kSuiteCount; ++row) {
-        const SuiteEntry& suite = kSuites[row];
-        result = gBasic->AcquireSuite(suite.name, suite.version, &sHeld[row]);
-        PublishRow(row);
+    for (int row = 0; row < kSharedSuiteCount; ++row) {
+        result = AcquireRow(row);
         if (result != kNoErr && sAIUser != nullptr) {
-            ReportMissingSuite(result, suite);
+            ReportMissingSuite(result, kSuiteCatalogue[row]);
             break;
         }
     }
@@ -202,38 +111,27 @@ AIErr AcquireRows() {
 }
 
 // Every row is released, acquired or not; the host answers 0 for one that is not held.
-AIErr ReleaseRows() {
-    for (int row = 0; row < kSuiteCount; ++row) {
-        const AIErr result = gBasic->ReleaseSuite(kSuites[row].name, kSuites[row].version);
-        if (result != kNoErr) return result;
-        sHeld[row] = nullptr;
-        PublishRow(row);
+AIErr ReleaseSharedRows() {
+    for (int row = 0; row < kSharedSuiteCount; ++row) {
+        if (const AIErr result = ReleaseRow(row); result != kNoErr) return result;
+        DropRow(row);
     }
     return kNoErr;
 }
 
-template <auto& pointer>
-void AcquireOwn(const char* name, std::int32_t version) {
-    const void* suite = nullptr;
-    if (gBasic->AcquireSuite(name, version, &suite) != kNoErr) suite = nullptr;
-    Publish<pointer>(suite);
+// Other hosts lack them: no failure.
+void AcquireOwnRows() {
+    for (int row = kSharedSuiteCount; row < kSuiteCount; ++row) {
+        if (AcquireRow(row) != kNoErr) DropRow(row);
+    }
 }
 
-template <auto& pointer>
-void ReleaseOwn(const char* name, std::int32_t version) {
-    if (pointer == nullptr) return;
-    gBasic->ReleaseSuite(name, version);
-    pointer = nullptr;
-}
-
-void AcquireOwnSuites() {
-    AcquireOwn<sArtQuery>(kArtQuerySuiteName, kArtQuerySuiteVersion);
-    AcquireOwn<sDimension>(kDimensionSuiteName, kDimensionSuiteVersion);
-}
-
-void ReleaseOwnSuites() {
-    ReleaseOwn<sDimension>(kDimensionSuiteName, kDimensionSuiteVersion);
-    ReleaseOwn<sArtQuery>(kArtQuerySuiteName, kArtQuerySuiteVersion);
+void ReleaseOwnRows() {
+    for (int row = kSuiteCount - 1; row >= kSharedSuiteCount; --row) {
+        if (sHeld[row] == nullptr) continue;
+        static_cast<void>(ReleaseRow(row));
+        DropRow(row);
+    }
 }
 
 }  // namespace
@@ -241,8 +139,8 @@ void ReleaseOwnSuites() {
 AIErr AcquireSuites() {
     AIErr result = kNoErr;
     if (suiteUseCount == 0) {
-        result = AcquireRows();
-        if (result == kNoErr) AcquireOwnSuites();
+        result = AcquireSharedRows();
+        if (result == kNoErr) AcquireOwnRows();
     }
     // Failure included, so that the release that always follows brings the count back.
     suiteUseCount = static_cast<std::int16_t>(suiteUseCount + 1);
@@ -252,8 +150,8 @@ AIErr AcquireSuites() {
 AIErr ReleaseSuites() {
     AIErr result = kNoErr;
     if (suiteUseCount == 1) {
-        ReleaseOwnSuites();
-        result = ReleaseRows();
+        ReleaseOwnRows();
+        result = ReleaseSharedRows();
     }
     suiteUseCount = static_cast<std::int16_t>(suiteUseCount - 1);
     return result;

@@ -4,26 +4,14 @@
 
 #include <cstdint>
 
+#include "hostapi/records.h"
 #include "plugin/geometry/vector.h"
 
 namespace quorvel {
 
 constexpr int kSnapCellCount = 5;
-constexpr int kStopCapacity = 32;
-constexpr int kStopLimit = 30;  // stops that a run may use
+constexpr int kStopCapacity = 32;  // above kStopLimit, which a run keeps
 constexpr std::int16_t kNoAnchorIndex = -1;
-
-// Snap kinds: hitKind, fromKind, toKind, endKind.
-enum SnapKind : std::int16_t {
-    kSnapNothing = 0,
-    kSnapFree = 1,
-    kSnapAnchor = 2,  // also an arc or a picked segment
-    kSnapIntersection = 3,
-    kSnapPath = 4,
-    kSnapTangent = 5,
-    kSnapNormal = 6,
-    kSnapCenter = 7,
-};
 
 // An art under a point, with the index of the anchor (the segment that ends the hit piece).
 struct SnapCell {

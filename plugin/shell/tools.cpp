@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+#include "hostapi/names.h"
 #include "plugin/annotation/comment.h"
 #include "plugin/construction/arc.h"
 #include "plugin/construction/fillet.h"
@@ -49,8 +50,7 @@ using ModeSetting = std::int16_t PrefsRecord::*;
 constexpr ModeSetting kNoSetting = nullptr;
 
 struct ToolRow {
-    const char* english;
-    const char* japanese;
+    ToolTitle title;
     std::int32_t iconId;
     std::int32_t darkIconId;
     int place;        // in the order of adding, from 1; 0: never added
@@ -60,43 +60,99 @@ struct ToolRow {
     std::int16_t mode;
 };
 
-// Indexed by ToolKind. One text serves as name, title and tooltip, so a document that names a tool depends on the
-// language.
+// Indexed by ToolKind.
 const ToolRow kTools[] = {
-    {"Oblique Dimension Tool", "斜め寸法線ツール", 16251, 16351, 1, kObliqueTool, &kLinear,
-     &PrefsRecord::flDistanceMode, kObliqueMode},
-    {"Radius Tool", "半径ツール", 16252, 16352, 4, kRadiusTool, &kRadius, kNoSetting, 0},
-    {"Diameter Tool", "直径ツール", 16253, 16353, 5, kRadiusTool, &kDiameter, kNoSetting, 0},
-    {"Fillet Tool [Addition]", "フィレットツール [追加型]", 16254, 16354, 6, kFilletAdditionTool, &kFillet,
-     &PrefsRecord::flFiletMode, 0},
-    {"Angle Tool", "角度ツール", 16255, 16355, 9, kAngleTool, &kAngle, &PrefsRecord::flAngleMode, 0},
-    {"Straight Dimension Tool", "寸法線ツール", 16256, 16356, 2, kObliqueTool, &kLinear, &PrefsRecord::flDistanceMode,
+    {kObliqueToolTitle, 16251, 16351, 1, kObliqueTool, &kLinear, &PrefsRecord::flDistanceMode, kObliqueMode},
+    {{"Radius Tool", "半径ツール"}, 16252, 16352, 4, kRadiusTool, &kRadius, kNoSetting, 0},
+    {{"Diameter Tool", "直径ツール"}, 16253, 16353, 5, kRadiusTool, &kDiameter, kNoSetting, 0},
+    {{"Fillet Tool [Addition]", "フィレットツール [追加型]"},
+     16254,
+     16354,
+     6,
+     kFilletAdditionTool,
+     &kFillet,
+     &PrefsRecord::flFiletMode,
+     0},
+    {{"Angle Tool", "角度ツール"}, 16255, 16355, 9, kAngleTool, &kAngle, &PrefsRecord::flAngleMode, 0},
+    {{"Straight Dimension Tool", "寸法線ツール"},
+     16256,
+     16356,
+     2,
+     kObliqueTool,
+     &kLinear,
+     &PrefsRecord::flDistanceMode,
      kStraightMode},
-    {"Radius Tool [Surface]", "半径ツール [表面表示]", 0, 0, 0, kRadiusSurfaceTool, nullptr, kNoSetting, 0},
-    {"Diameter Tool [Surface]", "直径ツール [表面表示]", 0, 0, 0, kDiameterSurfaceTool, nullptr, kNoSetting, 0},
-    {"Fillet Tool [Separate]", "フィレットツール [分割型]", 16259, 16359, 7, kFilletAdditionTool, &kFillet,
-     &PrefsRecord::flFiletMode, 1},
-    {"Fillet Tool [Replace]", "フィレットツール [削除型]", 16260, 16360, 8, kFilletAdditionTool, &kFillet,
-     &PrefsRecord::flFiletMode, 2},
-    {"Slant Tool", "スラントツール", 16261, 16361, 10, kSlantTool, &kSlant, &PrefsRecord::flSlantMode, 0},
-    {"Arc Tool [Tangential Line]", "円弧ツール [接線と１点]", 16262, 16362, 11, kArcTangentialTool, &kArc,
-     &PrefsRecord::flArcMode, 0},
-    {"Arc Tool [Three Points]", "円弧ツール [３点]", 16263, 16363, 12, kArcTangentialTool, &kArc,
-     &PrefsRecord::flArcMode, 1},
-    {"Arc Tool [Center and Two Points]", "円弧ツール [中心と２点]", 16264, 16364, 13, kArcTangentialTool, &kArc,
-     &PrefsRecord::flArcMode, 2},
-    {"Curve Dimension Tool", "曲線寸法線ツール", 16265, 16365, 3, kObliqueTool, &kLinear, &PrefsRecord::flDistanceMode,
+    {{"Radius Tool [Surface]", "半径ツール [表面表示]"}, 0, 0, 0, kRadiusSurfaceTool, nullptr, kNoSetting, 0},
+    {{"Diameter Tool [Surface]", "直径ツール [表面表示]"}, 0, 0, 0, kDiameterSurfaceTool, nullptr, kNoSetting, 0},
+    {{"Fillet Tool [Separate]", "フィレットツール [分割型]"},
+     16259,
+     16359,
+     7,
+     kFilletAdditionTool,
+     &kFillet,
+     &PrefsRecord::flFiletMode,
+     1},
+    {{"Fillet Tool [Replace]", "フィレットツール [削除型]"},
+     16260,
+     16360,
+     8,
+     kFilletAdditionTool,
+     &kFillet,
+     &PrefsRecord::flFiletMode,
+     2},
+    {{"Slant Tool", "スラントツール"}, 16261, 16361, 10, kSlantTool, &kSlant, &PrefsRecord::flSlantMode, 0},
+    {{"Arc Tool [Tangential Line]", "円弧ツール [接線と１点]"},
+     16262,
+     16362,
+     11,
+     kArcTangentialTool,
+     &kArc,
+     &PrefsRecord::flArcMode,
+     0},
+    {{"Arc Tool [Three Points]", "円弧ツール [３点]"},
+     16263,
+     16363,
+     12,
+     kArcTangentialTool,
+     &kArc,
+     &PrefsRecord::flArcMode,
+     1},
+    {{"Arc Tool [Center and Two Points]", "円弧ツール [中心と２点]"},
+     16264,
+     16364,
+     13,
+     kArcTangentialTool,
+     &kArc,
+     &PrefsRecord::flArcMode,
+     2},
+    {{"Curve Dimension Tool", "曲線寸法線ツール"},
+     16265,
+     16365,
+     3,
+     kObliqueTool,
+     &kLinear,
+     &PrefsRecord::flDistanceMode,
      kCurveMode},
-    {"Comment Tool", "コメントツール", 16266, 16366, 14, kCommentTool, &kComment, &PrefsRecord::flMarkMode, 0},
-    {"Object Number Tool", "部品番号ツール", 16267, 16367, 15, kCommentTool, &kComment, &PrefsRecord::flMarkMode, 1},
-    {"Length Comment Tool", "レングスコメントツール", 16290, 16390, 16, kCommentTool, &kComment,
-     &PrefsRecord::flMarkMode, 2},
-    {"Dimention Comment Tool", "面積コメントツール", 16290, 16390, 17, kCommentTool, &kComment,
-     &PrefsRecord::flMarkMode, 3},
-    {"Schedule Tool [bottom]", "図面枠ツール [下に部品]", 16268, 16368, 18, kScheduleBottomTool, &kSchedule,
-     &PrefsRecord::flZukiwakuMode, 0},
-    {"Schedule Tool [top + bottom]", "図面枠ツール [上に部品]", 16269, 16369, 19, kScheduleBottomTool, &kSchedule,
-     &PrefsRecord::flZukiwakuMode, 1},
+    {{"Comment Tool", "コメントツール"}, 16266, 16366, 14, kCommentTool, &kComment, &PrefsRecord::flMarkMode, 0},
+    {{"Object Number Tool", "部品番号ツール"}, 16267, 16367, 15, kCommentTool, &kComment, &PrefsRecord::flMarkMode, 1},
+    {{"Length Comment Tool", "レングスコメントツール"},
+     16290,
+     16390,
+     16,
+     kCommentTool,
+     &kComment,
+     &PrefsRecord::flMarkMode,
+     2},
+    {{"Dimention Comment Tool", "面積コメントツール"},
+     16290,
+     16390,
+     17,
+     kCommentTool,
+     &kComment,
+     &PrefsRecord::flMarkMode,
+     3},
+    {kScheduleBottomToolTitle, 16268, 16368, 18, kScheduleBottomTool, &kSchedule, &PrefsRecord::flZukiwakuMode, 0},
+    {kScheduleTopToolTitle, 16269, 16369, 19, kScheduleBottomTool, &kSchedule, &PrefsRecord::flZukiwakuMode, 1},
 };
 static_assert(std::size(kTools) == kToolKindCount);
 
@@ -110,7 +166,7 @@ int KindAtPlace(int place) {
     return kind;
 }
 
-std::string TitleOf(int kind) { return ChooseText(kTools[kind].japanese, kTools[kind].english); }
+std::string TitleOf(int kind) { return ChooseText(kTools[kind].title.japanese, kTools[kind].title.english); }
 
 // kNoTool for the tool itself: it opens its own group or slot.
 AIErr NumberOfOther(int other, int kind, std::int32_t* number) {

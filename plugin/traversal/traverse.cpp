@@ -25,7 +25,7 @@ bool PointInPickRect(const RealPoint& point, RealRect rect, double tolerance) {
 
 bool IsToolGroup(AIArtHandle art) {
     const void* value = nullptr;
-    return sAITag->GetTag(art, kToolConfigTag, "string", &value) == kNoErr && value != nullptr;
+    return sAITag->GetTag(art, kToolConfigTag, kStringTag, &value) == kNoErr && value != nullptr;
 }
 
 bool LayerIsBlocked(AILayerHandle layer) {

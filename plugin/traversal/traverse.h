@@ -6,8 +6,6 @@
 
 namespace quorvel {
 
-constexpr char kToolConfigTag[] = "QUORVEL_TOOLCNF";
-
 // Two screen pixels in document units, from the zoom of view 0, read afresh at each call: 2 / zoom, or -2 zoom when the
 // zoom is not above 0.
 double PickTolerance();

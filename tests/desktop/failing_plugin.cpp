@@ -1,16 +1,17 @@
 // A plug-in whose one tool throws at each press, and draws half a path before it does.
 #include <stdexcept>
 
+#include "hostapi/catalogue.h"
 #include "hostapi/messages.h"
-#include "hostapi/suites.h"
 
 namespace quorvel {
 namespace {
 
 template <typename Suite>
-const Suite& Acquired(SPMessageData* message, const char* name, std::int32_t version) {
+const Suite& acquired(SPMessageData* message) {
+    constexpr const SuiteKey& kKey = kSuiteKey<Suite>;
     const void* suite = nullptr;
-    if (message->basic->AcquireSuite(name, version, &suite) != kNoErr) throw std::runtime_error(name);
+    if (message->basic->AcquireSuite(kKey.name, kKey.version, &suite) != kNoErr) throw std::runtime_error(kKey.name);
     return *static_cast<const Suite*>(suite);
 }
 
@@ -26,10 +27,10 @@ extern "C" __attribute__((visibility("default"))) quorvel::AIErr PluginMain(cons
         AIToolHandle tool = nullptr;
         AIAddToolData data;
         data.title = "Failing Tool";
-        return Acquired<AIToolSuite>(message, "AI Tool Suite", 12).AddTool(message->self, "Failing", &data, 0, &tool);
+        return acquired<AIToolSuite>(message).AddTool(message->self, "Failing", &data, 0, &tool);
     }
     if (what != kSelectorMouseDown) return kNoErr;
-    const auto& arts = Acquired<AIArtSuite>(message, "AI Art Suite", 16);
+    const auto& arts = acquired<AIArtSuite>(message);
     AIArtHandle root = nullptr, path = nullptr;
     arts.GetFirstArtOfLayer(nullptr, &root);
     arts.NewArt(kPathArt, kPlaceInsideOnTop, root, &path);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/host.h"
+#include "hostapi/catalogue.h"
 
 namespace quorvel::host {
 
@@ -31,16 +32,16 @@ struct FakePlugin {
 };
 
 template <typename Suite>
-const Suite& suiteOf(const char* name, int version) {
-    return *static_cast<const Suite*>(findSuite(name, version));
+const Suite& suiteOf() {
+    return *static_cast<const Suite*>(findSuite(kSuiteKey<Suite>.name, kSuiteKey<Suite>.version));
 }
 
-inline const AIArtSuite& art() { return suiteOf<AIArtSuite>("AI Art Suite", 16); }
-inline const AILayerSuite& layers() { return suiteOf<AILayerSuite>("AI Layer Suite", 12); }
-inline const AIPathSuite& paths() { return suiteOf<AIPathSuite>("AI Path Suite", 10); }
-inline const AITagSuite& tags() { return suiteOf<AITagSuite>("AI Tag Suite", 3); }
-inline const AIUndoSuite& undoing() { return suiteOf<AIUndoSuite>("AI Undo Suite", 6); }
-inline const AIUnicodeStringSuite& strings() { return suiteOf<AIUnicodeStringSuite>("AI Unicode String Suite", 7); }
+inline const AIArtSuite& art() { return suiteOf<AIArtSuite>(); }
+inline const AILayerSuite& layers() { return suiteOf<AILayerSuite>(); }
+inline const AIPathSuite& paths() { return suiteOf<AIPathSuite>(); }
+inline const AITagSuite& tags() { return suiteOf<AITagSuite>(); }
+inline const AIUndoSuite& undoing() { return suiteOf<AIUndoSuite>(); }
+inline const AIUnicodeStringSuite& strings() { return suiteOf<AIUnicodeStringSuite>(); }
 
 inline AIUnicodeStringRef hostText(const std::string& utf8) {
     AIUnicodeStringRef string = nullptr;

@@ -28,7 +28,7 @@ class Messages : public testing::Test {
     // Adds a notifier inside the message that is running.
     static void subscribe(const SPMessageData* message, const char* type) {
         AINotifierHandle notifier = nullptr;
-        suiteOf<AINotifierSuite>("AI Notifier Suite", 3).AddNotifier(message->self, "test", type, &notifier);
+        suiteOf<AINotifierSuite>().AddNotifier(message->self, "test", type, &notifier);
     }
 
     Host host;
@@ -75,7 +75,7 @@ TEST_F(Messages, UndoChangesGoesBackToTheBeginningOfTheMessage) {
 }
 
 TEST_F(Messages, NestedMessagesJoinTheOuterOne) {
-    const auto& manager = suiteOf<AIActionManagerSuite>("AI Action Manager Suite", 4);
+    const auto& manager = suiteOf<AIActionManagerSuite>();
     FakePlugin::within(host, [&](SPMessageData* message) {
         AIActionParamValueRef parameters = nullptr;
         manager.NewActionParamValue(&parameters);
@@ -206,9 +206,8 @@ TEST_F(Messages, AThrowingPluginLosesItsChangesAndNothingElse) {
 
 TEST_F(Messages, WhatACallbackThrowsDoesNotCrossTheSlot) {
     host.callbacks.yesNoAlert = [](const std::string&) -> bool { throw std::runtime_error("no user"); };
-    FakePlugin::within(host, [](SPMessageData*) {
-        EXPECT_EQ(suiteOf<AIUserSuite>("AI User Suite", 10).YesNoAlert(hostText("sure?")), 0);
-    });
+    FakePlugin::within(host,
+                       [](SPMessageData*) { EXPECT_EQ(suiteOf<AIUserSuite>().YesNoAlert(hostText("sure?")), 0); });
 }
 
 TEST_F(Messages, EditsAreStepsAndRefusedInsideAMessage) {
@@ -240,11 +239,11 @@ TEST_F(Messages, ANewDrawingInsideAMessageIsChangedByItsRest) {
 
 AIErr addTool(SPPluginRef self, const char* title, std::int32_t group, std::int32_t toolset, AIToolHandle* tool) {
     const AIAddToolData data{title, title, 1, 2, group, toolset};
-    return suiteOf<AIToolSuite>("AI Tool Suite", 12).AddTool(self, title, &data, 3, tool);
+    return suiteOf<AIToolSuite>().AddTool(self, title, &data, 3, tool);
 }
 
 TEST_F(Messages, ToolsHaveNumbersGroupsAndTheirTitlesBytes) {
-    const auto& suite = suiteOf<AIToolSuite>("AI Tool Suite", 12);
+    const auto& suite = suiteOf<AIToolSuite>();
     FakePlugin::within(host, [&](SPMessageData* message) {
         AIToolHandle first = nullptr, second = nullptr, third = nullptr;
         std::int32_t number = -1;
@@ -294,7 +293,7 @@ TEST_F(Messages, SelectingAToolTellsTheFormerOneFirst) {
 }
 
 TEST_F(Messages, MenusTakeKnownGroupsAndListTheirSubmenus) {
-    const auto& menus = suiteOf<AIMenuSuite>("AI Menu Suite", 10);
+    const auto& menus = suiteOf<AIMenuSuite>();
     AIMenuItemHandle item = nullptr;
     FakePlugin::within(host, [&](SPMessageData* message) {
         const AIMenuItemData unknown{"Nowhere", hostText("x")}, about{"About", hostText("About…")};
@@ -332,8 +331,8 @@ TEST_F(Messages, MenusTakeKnownGroupsAndListTheirSubmenus) {
 }
 
 TEST_F(Messages, PanelsHaveAWindowAFlyoutAndAnEnd) {
-    const auto& panels = suiteOf<AIPanelSuite>("AI Panel Suite", 1);
-    const auto& flyouts = suiteOf<AIPanelFlyoutMenuSuite>("AI Panel Flyout Menu Suite", 1);
+    const auto& panels = suiteOf<AIPanelSuite>();
+    const auto& flyouts = suiteOf<AIPanelFlyoutMenuSuite>();
     int window = 0, destroyed = 0;
     static int chosen = 0;
     chosen = 0;
@@ -380,11 +379,10 @@ TEST(FailingAdditions, FailOneKindEach) {
                 if (result != kNoErr) failed.emplace_back(name);
             };
             note("tool", addTool(self, "T", kNoTool, kNoTool, &tool));
-            note("menu", suiteOf<AIMenuSuite>("AI Menu Suite", 10).AddMenuItem(self, "M", &item, 0, nullptr));
-            note("timer", suiteOf<AITimerSuite>("AI Timer Suite", 4).AddTimer(self, "T", 12, &timer));
-            note("notifier", suiteOf<AINotifierSuite>("AI Notifier Suite", 3).AddNotifier(self, "", "t", &notifier));
-            note("panel", suiteOf<AIPanelSuite>("AI Panel Suite", 1)
-                              .Create(self, "ID", hostText("x"), 1, {1, 1}, nullptr, &panel));
+            note("menu", suiteOf<AIMenuSuite>().AddMenuItem(self, "M", &item, 0, nullptr));
+            note("timer", suiteOf<AITimerSuite>().AddTimer(self, "T", 12, &timer));
+            note("notifier", suiteOf<AINotifierSuite>().AddNotifier(self, "", "t", &notifier));
+            note("panel", suiteOf<AIPanelSuite>().Create(self, "ID", hostText("x"), 1, {1, 1}, nullptr, &panel));
             EXPECT_EQ(failed, std::vector<std::string>{kind});
         });
     }

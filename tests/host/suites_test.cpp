@@ -91,7 +91,7 @@ TEST(SuiteTable, OffersEachNameOnceAndByItsVersionAlone) {
 TEST(SuiteTable, LeavesOutWhatTheOptionsSay) {
     Host host(HostOptions{.offerArtQuery = false, .failSuite = "AI Tag Suite", .failAdding = "block"});
     host.attachPlugin(FakePlugin::main, nullptr);
-    EXPECT_EQ(findSuite(kArtQuerySuiteName, kArtQuerySuiteVersion), nullptr);
+    EXPECT_EQ(findSuite(kSuiteKey<AIArtQuerySuite>.name, kSuiteKey<AIArtQuerySuite>.version), nullptr);
     FakePlugin::within(host, [&](SPMessageData* message) {
         const void* suite = nullptr;
         EXPECT_EQ(message->basic->AcquireSuite("AI Tag Suite", 3, &suite), kSuiteNotFoundErr);
@@ -103,7 +103,7 @@ TEST(SuiteTable, LeavesOutWhatTheOptionsSay) {
 }
 
 TEST_F(Suites, RealMathCountsUpwardsAndTestsInclusively) {
-    const auto& math = suiteOf<AIRealMathSuite>("AI Real Math Suite", 2);
+    const auto& math = suiteOf<AIRealMathSuite>();
     const RealPoint a{1, 1}, b{4, 5};
     EXPECT_EQ(math.AIRealPointLength(&a, &b), 5.0f);
     EXPECT_EQ(math.AIRealPointAngle(&a, &b), static_cast<float>(std::atan2(4.0, 3.0)));
@@ -312,20 +312,18 @@ TEST_F(Suites, TagsKeepBytesAndAnswerNullWhenAbsent) {
         EXPECT_EQ(tags().RemoveTag(path, "A"), kNoErr);
         EXPECT_EQ(tags().GetTag(path, "A", "string", &read), kNoErr);
         EXPECT_EQ(read, nullptr);
-        if (const void* record = findSuite(kArtQuerySuiteName, kArtQuerySuiteVersion)) {
-            const AIArtHandle* found = nullptr;
-            std::int32_t count = 0;
-            static_cast<const AIArtQuerySuite*>(record)->FindArtByTag("D", nullptr, &found, &count);
-            ASSERT_EQ(count, 1);
-            EXPECT_EQ(*found, path);
-        }
+        const AIArtHandle* found = nullptr;
+        std::int32_t count = 0;
+        suiteOf<AIArtQuerySuite>().FindArtByTag("D", nullptr, &found, &count);
+        ASSERT_EQ(count, 1);
+        EXPECT_EQ(*found, path);
     });
 }
 
 struct TextEngine {
-    const AITextFrameSuite& frames = suiteOf<AITextFrameSuite>("AI Text Frame Suite", 3);
-    const ATETextRangeSuite& ranges = suiteOf<ATETextRangeSuite>("ATE TextRange Suite", 1);
-    const ATECharFeaturesSuite& chars = suiteOf<ATECharFeaturesSuite>("ATE CharFeatures Suite", 101);
+    const AITextFrameSuite& frames = suiteOf<AITextFrameSuite>();
+    const ATETextRangeSuite& ranges = suiteOf<ATETextRangeSuite>();
+    const ATECharFeaturesSuite& chars = suiteOf<ATECharFeaturesSuite>();
 
     AIArtHandle frame = nullptr;
     ATETextRangeRef range = nullptr;
@@ -459,7 +457,7 @@ TEST_F(Suites, StringsComeFromTheCodePages) {
 }
 
 TEST_F(Suites, RulerTextsEndInTheUnit) {
-    const auto& user = suiteOf<AIUserSuite>("AI User Suite", 10);
+    const auto& user = suiteOf<AIUserSuite>();
     const auto format = [&](const char* unit, float points, int precision) {
         host.setRulerUnit(unit);
         char text[32] = "";
@@ -484,7 +482,7 @@ TEST_F(Suites, RulerTextsEndInTheUnit) {
 }
 
 TEST_F(Suites, ViewPointsRoundToPixelsDownwards) {
-    const auto& views = suiteOf<AIDocumentViewSuite>("AI Document View Suite", 11);
+    const auto& views = suiteOf<AIDocumentViewSuite>();
     AIDocumentViewHandle view = nullptr;
     ASSERT_EQ(views.GetNthDocumentView(0, &view), kNoErr);
     host.setCentre({100, 50});
@@ -508,7 +506,7 @@ TEST_F(Suites, ViewPointsRoundToPixelsDownwards) {
 }
 
 TEST_F(Suites, RandomNumbersFollowTheSeed) {
-    const auto& random = suiteOf<AIRandomSuite>("AI Random Suite", 4);
+    const auto& random = suiteOf<AIRandomSuite>();
     std::mt19937_64 same(1);
     double sum = 0;
     for (int i = 0; i < 1000; ++i) {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "hostapi/catalogue.h"
 #include "hostapi/messages.h"
-#include "hostapi/suites.h"
 #include "plugin/shell/alert.h"
 #include "plugin/shell/globals.h"
 #include "plugin/shell/property_list.h"
@@ -61,8 +61,8 @@ AIErr Acquire(const char* name, std::int32_t version, const void** suite) {
     if (std::strncmp(name, "Quorvel ", 8) == 0) return kSuiteNotFoundErr;
     if (row == sHost->failingRow) return sHost->failure;
     *suite = &other;
-    if (std::strcmp(name, "AI User Suite") == 0) *suite = &user;
-    if (std::strcmp(name, "AI Unicode String Suite") == 0) *suite = &strings;
+    if (std::strcmp(name, kSuiteKey<AIUserSuite>.name) == 0) *suite = &user;
+    if (std::strcmp(name, kSuiteKey<AIUnicodeStringSuite>.name) == 0) *suite = &strings;
     return kNoErr;
 }
 
