@@ -2,44 +2,49 @@
 // ids under which the file defines them.
 #pragma once
 
-#include <QHash>
 #include <QImage>
 #include <QPainterPath>
-#include <QString>
 #include <QTransform>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 
-#include "render/definitions.h"
-
-class QSvgRenderer;
+#include "document/document.h"
+#include "render/appearance.h"
+#include "render/sub_drawing.h"
+#include "svg/tree/file.h"
 
 namespace quorvel::render {
 
 class ClipMaskCache {
   public:
-    explicit ClipMaskCache(Definitions* definitions);
+    // file may be null: then there is nothing.
+    ClipMaskCache(std::shared_ptr<svg::File> file, SubDrawingCache* drawings);
     ~ClipMaskCache();
 
     // What is shown of art that refers to the clip path, in the art's user space; box: of the art there, for units of
     // its own. Nothing is shown by a clip path without outlines; without such a clip path the second is false.
-    std::pair<QPainterPath, bool> clip(const QString& id, const QRectF& box);
-    // Of the size given, each pixel's alpha the mask's luminance there (SVG 1.1, 14.4). Null when there is no such
-    // mask.
-    QImage mask(const QString& id, const QTransform& userToPixels, QSize size, const QRectF& box);
+    std::pair<QPainterPath, bool> clip(std::string_view id, const QRectF& box);
+    // Of the size given, each pixel's alpha the mask's luminance there (SVG 1.1, 14.4), or its alpha. Null when there
+    // is no such mask.
+    QImage mask(std::string_view id, const QTransform& userToPixels, QSize size, const QRectF& box);
 
   private:
     struct Outlines;
+    struct Content;
     struct Clip {
         QPainterPath outline;
         bool ofBox = false;  // it is another one for another box
         QRectF box;
     };
+    Content* contentOf(std::string_view id, const svg::ClipPath& clip);
 
-    Definitions& definitions_;
+    std::shared_ptr<svg::File> file_;
+    SubDrawingCache& drawings_;
     std::unordered_map<std::string, Clip> clips_;  // as last asked for
-    QHash<QString, std::shared_ptr<QSvgRenderer>> masks_;
+    std::unordered_map<std::string, std::unique_ptr<Content>> contents_;
 };
 
 }  // namespace quorvel::render

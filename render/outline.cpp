@@ -4,9 +4,7 @@
 #include <algorithm>
 
 #include "interchange/svg/source.h"
-#include "svg/markup/element_spans.h"
-#include "svg/markup/start_tag.h"
-#include "svg/values/length.h"
+#include "svg/tree/frame.h"
 
 namespace quorvel::render {
 
@@ -53,16 +51,10 @@ QPainterPath frameOf(const doc::Document& document, const doc::Art& art) {
     const interchange::SvgSource* source = interchange::svgSource(document);
     const std::int32_t index = art.foreignSource >= 0 ? art.foreignSource : art.source;
     if (art.kind != kForeignArt || source == nullptr || index < 0) return frame;
-    const svg::Element& element = source->element(index);
-    const svg::Affine& map = source->tree.map(index);
-    const svg::StartTag tag(svg::startTagText(*source->text, element.nameOffset));
-    const double page[] = {document.width() / map.scale(), document.height() / map.scale()};
-    const auto length = [&](const char* name, double percentOf) {
-        return svg::parseLength(tag.attribute(name).value_or(""), {percentOf, 16}).value_or(0);
-    };
-    const QRectF box(length("x", page[0]), length("y", page[1]), length("width", page[0]), length("height", page[1]));
+    const svg::Frame said = svg::frameOf(source->tree, *source->text, index);
+    const QRectF box(said.x, said.y, said.width.value_or(0), said.height.value_or(0));
     if (!(box.width() > 0 && box.height() > 0)) return frame;
-    frame.addPolygon((toQt(map) * toQt(art.foreignMatrix)).map(QPolygonF(box)));
+    frame.addPolygon((toQt(source->tree.map(index)) * toQt(art.foreignMatrix)).map(QPolygonF(box)));
     return frame;
 }
 

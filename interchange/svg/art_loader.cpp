@@ -46,6 +46,7 @@ Status ArtLoader::visit(const Visit& visit) {
     }
     switch (visit.role) {
         case Role::kGroup:
+        case Role::kViewport:
         case Role::kUse:
             isLayer(visit) ? loadLayer(visit) : loadGroup(visit);
             return {};

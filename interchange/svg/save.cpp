@@ -236,7 +236,7 @@ class Splicer {
         const doc::Art& art = *item.art;
         present_[static_cast<std::size_t>(item.element)] = true;
         bool changed = item.layer ? item.layer->revision != 0 || item.layer == needsId_ : art.revision != 0;
-        if (role == Role::kGroup) {
+        if (svg::isGroup(role)) {
             const std::vector<Item> items = itemsOf(art);
             changed |= !sameItems(items, item.element);
             for (const Item& child : items) changed |= check(child);
@@ -502,6 +502,7 @@ class Splicer {
                 writeUse(&tag, item, scope, inPlace);
                 break;
             case Role::kGroup:
+            case Role::kViewport:
                 writeContainer(&tag, item, scope, inPlace);
                 break;
             default:

@@ -101,7 +101,7 @@ class CloneCheck {
         const svg::Element& element = source_.element(number);
         const InheritedContext expected{source_.tree.map(element.parent), source_.record(element.parent).style};
         bool changed = !(around == expected);
-        if (element.role == Role::kGroup) {
+        if (svg::isGroup(element.role)) {
             InheritedContext inside{source_.tree.map(number), source_.record(number).style};
             if (!(around.map == expected.map)) inside = {around.map, -1};
             changed |= visitChildren(art, inside);
@@ -214,7 +214,7 @@ class FollowerSearch {
         Motion motion;
         addMotion(art, &motion);
         if (motion.alike && isTurnOrShift(motion.matrix) && take(art, number, motion)) return;
-        if (role == Role::kGroup && motion.any) visitChildren(art, number);
+        if (svg::isGroup(role) && motion.any) visitChildren(art, number);
     }
 
     struct Motion {
@@ -296,6 +296,7 @@ bool looksOther(const doc::Document& document, const SvgSource& source, const do
     switch (source.element(element).role) {
         case Role::kRoot:
         case Role::kGroup:
+        case Role::kViewport:
             return false;
         case Role::kText: {
             const SvgTextOrigin& origin = source.texts[static_cast<std::size_t>(record.text)];

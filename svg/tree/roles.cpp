@@ -42,7 +42,7 @@ constexpr std::array kKinds = {
     ElementKind{"script", std::nullopt},
     ElementKind{"set", std::nullopt},
     ElementKind{"style", std::nullopt},
-    ElementKind{"svg", Role::kGroup},
+    ElementKind{"svg", Role::kViewport},
     ElementKind{"switch", Role::kGroup},
     ElementKind{"symbol", std::nullopt},
     ElementKind{"text", Role::kText},

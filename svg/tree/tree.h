@@ -14,8 +14,9 @@
 namespace quorvel::svg {
 
 enum class Role : std::uint8_t {
-    kRoot,   // of the tree: the root of the file, or the definition whose content the tree is
-    kGroup,  // g, a, switch, svg; of instances also symbol
+    kRoot,      // of the tree: the root of the file, or the definition whose content the tree is
+    kGroup,     // g, a, switch
+    kViewport,  // svg; of instances also symbol
     kPath,
     kRect,
     kCircle,
@@ -27,6 +28,7 @@ enum class Role : std::uint8_t {
     kUse,      // holds one instance
     kForeign,  // kept, never entered
 };
+constexpr bool isGroup(Role role) { return role == Role::kGroup || role == Role::kViewport; }
 constexpr bool isShape(Role role) { return role >= Role::kRect && role <= Role::kPolygon; }
 
 struct Element {

@@ -119,7 +119,7 @@ Status TreeWalk::readChild(const XmlNode& node) {
     }
     const bool isUsedSymbol = stack_.back().single && visit.name == "symbol";
     if (!kind->role && !isUsedSymbol) return {};
-    visit.role = kind->role.value_or(Role::kGroup);
+    visit.role = kind->role.value_or(Role::kViewport);
     if (stack_.size() > kDeepestElement) return at(node, ErrorCode::kNestedTooDeeply);
     return readElement(&visit);
 }
@@ -138,7 +138,7 @@ Status TreeWalk::readElement(Visit* visit) {
         visit->map = compose(frame.map, own);
         if (!visit->map.finite()) return at(node, ErrorCode::kTransformOutOfRange);
     }
-    if (visit->role == Role::kGroup) return enterGroup(visit);
+    if (isGroup(visit->role)) return enterGroup(visit);
     if (visit->role == Role::kUse) return enterUse(visit);
     if (visit->role == Role::kText && hasTextPath(node)) visit->role = Role::kForeign;
     if (visit->role == Role::kForeign)
@@ -194,7 +194,7 @@ std::optional<Error> TreeWalk::openViewport(Visit* visit, Frame* frame) const {
 Status TreeWalk::enterGroup(Visit* visit) {
     Frame frame;
     frame.viewport = visit->viewport;
-    const bool makesViewport = visit->name == "svg" || visit->name == "symbol";
+    const bool makesViewport = visit->role == Role::kViewport;
     if (makesViewport)
         if (const std::optional<Error> error = openViewport(visit, &frame)) return *error;
     endShift(&visit->style);

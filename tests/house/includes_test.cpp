@@ -123,6 +123,18 @@ TEST(House, ThePluginKnowsTheStandardLibraryAlone) {
     }
 }
 
+TEST(House, OnlyMarkupKnowsTheXmlLibrary) {
+    int seen = 0;
+    for (const std::string& room : rooms()) {
+        for (const Include& include : includesBelow(room)) {
+            if (include.target.rfind("pugixml", 0) != 0) continue;
+            ++seen;
+            EXPECT_EQ(include.file.rfind("svg/markup/", 0), 0U) << include.file << " includes " << include.target;
+        }
+    }
+    EXPECT_GT(seen, 0);
+}
+
 TEST(House, OnlyTheWindowKnowsQt) {
     static const std::vector<std::string> window = {"platform/qt/", "render/", "desktop/", "tests/desktop/",
                                                     "bench/desktop.cpp"};

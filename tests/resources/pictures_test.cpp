@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <pugixml.hpp>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -16,6 +15,7 @@
 #include "plugin/resources/dialog_templates.h"
 #include "plugin/resources/panel_rows.h"
 #include "plugin/shell/services.h"
+#include "svg/markup/xml_file.h"
 #include "tests/support/plugin_host.h"
 
 namespace quorvel {
@@ -44,21 +44,24 @@ void expectPicture(int id, int width, int height) {
     SCOPED_TRACE(id);
     const std::string text = textOf(id);
     EXPECT_LT(text.size(), kLargestFile);
-    pugi::xml_document document;
-    ASSERT_TRUE(document.load_buffer(text.data(), text.size()));
-    const pugi::xml_node svg = document.document_element();
-    EXPECT_STREQ(svg.name(), "svg");
-    EXPECT_STREQ(svg.attribute("xmlns").value(), "http://www.w3.org/2000/svg");
-    EXPECT_EQ(svg.attribute("width").as_int(), width);
-    EXPECT_EQ(svg.attribute("height").as_int(), height);
-    EXPECT_STRNE(svg.child("title").text().get(), "");
+    svg::XmlFile file;
+    ASSERT_TRUE(file.parse(text));
+    const svg::XmlNode svg = file.root();
+    EXPECT_EQ(svg.name(), "svg");
+    EXPECT_EQ(svg.attribute("xmlns").value(), "http://www.w3.org/2000/svg");
+    EXPECT_EQ(svg.attribute("width").value(), std::to_string(width));
+    EXPECT_EQ(svg.attribute("height").value(), std::to_string(height));
+    const auto children = svg.children();
+    EXPECT_TRUE(std::any_of(children.begin(), children.end(), [](const svg::XmlNode& child) {
+        return child.name() == "title" && !child.firstChild().value().empty();
+    }));
     // The view has the picture's proportions, so that one unit is a whole or half number of pixels in both directions.
     double left = 0, top = 0, viewWidth = 0, viewHeight = 0;
-    std::istringstream(svg.attribute("viewBox").value()) >> left >> top >> viewWidth >> viewHeight;
+    std::istringstream(std::string(svg.attribute("viewBox").value())) >> left >> top >> viewWidth >> viewHeight;
     ASSERT_GT(viewWidth, 0);
     EXPECT_EQ(viewWidth * height, viewHeight * width);
-    for (const pugi::xml_node& child : svg.children()) {
-        const std::string name = child.name();
+    for (const svg::XmlNode& child : children) {
+        const std::string_view name = child.name();
         EXPECT_TRUE(name == "title" || name == "path" || name == "rect") << name;
     }
 }
