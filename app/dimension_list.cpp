@@ -42,7 +42,7 @@ LinkedArt linkTo(const std::string& from, std::int32_t objectId, std::int32_t an
     const auto bearers = all.find(std::to_string(objectId));
     if (bearers == all.end()) return link;
     for (const doc::Art* art : bearers->second) {
-        link.svgIds.push_back(art->svgId.empty() ? "(no id)" : art->svgId);
+        link.names.push_back(art->name.empty() ? "(no id)" : art->name);
         const std::size_t anchors = art->path != nullptr ? art->path->segments.size() : 1;
         if (anchor >= 0 && static_cast<std::size_t>(anchor) < anchors) link.lost = false;
     }
@@ -123,7 +123,7 @@ class Lister {
             else
                 entry.kind = "frame";
             entry.group = id;
-            entry.svgId = art.svgId;
+            entry.name = art.name;
             entry.layer = layer_;
             collectTexts(document_, id, &entry.texts);
             found_.push_back(std::move(entry));
@@ -151,7 +151,7 @@ std::vector<RecordedDimension> listDimensions(const doc::Document& document) { r
 std::string listText(const std::vector<RecordedDimension>& dimensions) {
     std::string out;
     for (const RecordedDimension& dimension : dimensions) {
-        out += (dimension.svgId.empty() ? "-" : dimension.svgId) + "  " + dimension.kind + "  \"";
+        out += (dimension.name.empty() ? "-" : dimension.name) + "  " + dimension.kind + "  \"";
         const std::size_t shown =
             dimension.kind == "frame" ? std::min<std::size_t>(dimension.texts.size(), 6) : dimension.texts.size();
         for (std::size_t i = 0; i < shown; ++i) out += (i == 0 ? "" : " | ") + dimension.texts[i];
@@ -161,8 +161,8 @@ std::string listText(const std::vector<RecordedDimension>& dimensions) {
         out += "  on \"" + dimension.layer + "\"\n";
         for (const LinkedArt& link : dimension.links) {
             out += "    " + link.from + " -> ";
-            for (std::size_t i = 0; i < link.svgIds.size(); ++i) out += (i == 0 ? "" : ", ") + link.svgIds[i];
-            if (link.svgIds.empty()) out += "lost art";
+            for (std::size_t i = 0; i < link.names.size(); ++i) out += (i == 0 ? "" : ", ") + link.names[i];
+            if (link.names.empty()) out += "lost art";
             out += " anchor " + std::to_string(link.anchor) + " (object " + std::to_string(link.objectId) + ")\n";
         }
     }

@@ -12,13 +12,13 @@ struct LinkedArt {
     std::string from;  // "from", "to", "stop 1", ...
     std::int32_t objectId = 0;
     std::int32_t anchor = 0;
-    std::vector<std::string> svgIds;  // of the art that bears the object id
-    bool lost = true;                 // none of it has such an anchor any more
+    std::vector<std::string> names;  // of the art that bears the object id
+    bool lost = true;                // none of it has such an anchor any more
 };
 
 struct RecordedDimension {
     doc::ArtId group = 0;
-    std::string svgId, layer;
+    std::string name, layer;
     std::string kind;  // "oblique", "straight", "curve", "radius", "diameter", "angle", "frame"
     std::vector<std::string> texts;
     std::vector<std::pair<std::string, RealPoint>> points;  // "from", "to", "end", "stop 1", ...

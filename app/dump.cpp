@@ -44,8 +44,8 @@ Json paintJson(const doc::Document& document, bool on, const AIColor& color) {
     }
     Json paint;
     paint["kind"] = color.kind == kGradientPaint ? "gradient" : "other";
-    const std::size_t source = static_cast<std::size_t>(color.reference);
-    if (source >= 1 && source <= document.paintSources.size()) paint["source"] = document.paintSources[source - 1];
+    const std::string text = document.source() ? document.source()->paintText(color.reference) : "";
+    if (!text.empty()) paint["source"] = text;
     if (color.kind == kGradientPaint) {
         paint["angle"] = shortest(color.gradientAngle);
         paint["hiliteAngle"] = shortest(color.gradientHiliteAngle);
@@ -101,7 +101,7 @@ Json artJson(const doc::Document& document, doc::ArtId id) {
     const doc::Art& art = *document.find(id);
     Json json;
     json["kind"] = kindName(art.kind);
-    json["id"] = art.svgId;
+    json["id"] = art.name;
     json["selected"] = art.selected;
     json["hidden"] = art.hidden;
     json["tags"] = Json::object();

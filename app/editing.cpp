@@ -52,7 +52,7 @@ void ArtNames::countAll() {
 }
 
 doc::ArtId ArtNames::find(const std::string& name) {
-    if (const doc::ArtId art = document_.findBySvgId(name); art != 0 || name.empty() || name[0] != '@') return art;
+    if (const doc::ArtId art = document_.findByName(name); art != 0 || name.empty() || name[0] != '@') return art;
     std::size_t place = 0;
     const char* end = name.data() + name.size();
     const auto read = std::from_chars(name.data() + 1, end, place);
@@ -62,7 +62,7 @@ doc::ArtId ArtNames::find(const std::string& name) {
 }
 
 std::string ArtNames::of(doc::ArtId art) {
-    if (const std::string& id = document_.find(art)->svgId; !id.empty()) return id;
+    if (const std::string& id = document_.find(art)->name; !id.empty()) return id;
     countAll();
     return "@" + std::to_string(places_.at(art));
 }
@@ -179,7 +179,7 @@ std::string turnArt(host::Host& host, const std::string& id, double degrees, Rea
 }
 
 std::string copyArt(host::Host& host, const std::string& id, const std::string& newId) {
-    if (host.document()->findBySvgId(newId) != 0) return "the id \"" + newId + "\" is taken";
+    if (host.document()->findByName(newId) != 0) return "the id \"" + newId + "\" is taken";
     return changeArt(host, id, "Copy",
                      [&](doc::Document& document, doc::ArtId art) { return document.duplicateArt(art, newId) != 0; });
 }

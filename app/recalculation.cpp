@@ -100,7 +100,7 @@ int lostLinks(const RecordedDimension& dimension) {
 DimensionCheck compare(const DimensionSnapshot& before, const DimensionSnapshot* after) {
     DimensionCheck check;
     check.group = before.record.group;
-    check.svgId = before.record.svgId;
+    check.name = before.record.name;
     check.kind = before.record.kind;
     check.shownText = joinedTexts(before.record);
     check.rebuilt = after != nullptr;
@@ -144,7 +144,7 @@ std::string checkText(const std::string& file, const std::vector<DimensionCheck>
     std::string out;
     for (const DimensionCheck& check : checks) {
         if (!check.stale()) continue;
-        out += file + ": " + (check.svgId.empty() ? "(no id)" : check.svgId) + " " + check.kind + " \"" +
+        out += file + ": " + (check.name.empty() ? "(no id)" : check.name) + " " + check.kind + " \"" +
                check.shownText + "\" -> \"" + check.rebuiltText + "\"";
         if (check.moved > kMovedLimit) out += ", moved";
         if (check.lostLinks > 0) out += ", " + std::to_string(check.lostLinks) + " links lost";

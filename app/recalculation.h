@@ -13,7 +13,7 @@ constexpr double kMovedLimit = 0.01;  // points: a rebuild that moves less says 
 
 struct DimensionCheck {
     doc::ArtId group = 0;
-    std::string svgId, kind;
+    std::string name, kind;
     std::string shownText, rebuiltText;
     double moved = 0;     // how far a rebuild would move the farthest of its points
     int lostLinks = 0;    // links to art that is no longer there

@@ -70,7 +70,7 @@ void copyArt(const doc::Document& from, doc::ArtId art, doc::Document& to, doc::
     if (original.path) *made.path = *original.path;
     if (original.text) *made.text = *original.text;
     made.tags = original.tags;
-    made.svgId = original.svgId;
+    made.name = original.name;
     (*copies)[art] = copy;
     for (doc::ArtId child = original.lastChild; child != 0; child = from.find(child)->above)
         copyArt(from, child, to, to.loadArt(from.find(child)->kind, copy), copies);
@@ -126,7 +126,7 @@ std::vector<doc::ArtId> dimensionsOf(const doc::Document& document) {
 std::vector<std::string> portrait(const doc::Document& document) {
     std::vector<std::string> all;
     visitArt(document, [&](const doc::Art& art) {
-        std::string text = std::to_string(art.kind) + art.svgId;
+        std::string text = std::to_string(art.kind) + art.name;
         const auto add = [&text](const auto& value) {
             text.append(reinterpret_cast<const char*>(&value), sizeof value);
         };

@@ -118,8 +118,8 @@ int recalculateFile(const Options& options) {
     std::set<std::string> unknown = asked;
     std::vector<doc::ArtId> chosen;
     for (const app::DimensionCheck& check : app::checkDimensions(session)) {
-        unknown.erase(check.svgId);
-        if ((asked.empty() || asked.contains(check.svgId)) && (check.stale() || options.all))
+        unknown.erase(check.name);
+        if ((asked.empty() || asked.contains(check.name)) && (check.stale() || options.all))
             chosen.push_back(check.group);
     }
     if (!unknown.empty()) throw app::InputError(options.file + ": no dimension has the id " + *unknown.begin());

@@ -19,7 +19,7 @@ std::string listJson(const std::vector<app::RecordedDimension>& dimensions) {
     Json json = Json::array();
     for (const app::RecordedDimension& dimension : dimensions) {
         Json entry;
-        entry["id"] = dimension.svgId;
+        entry["id"] = dimension.name;
         entry["kind"] = dimension.kind;
         entry["layer"] = dimension.layer;
         entry["texts"] = dimension.texts;
@@ -29,7 +29,7 @@ std::string listJson(const std::vector<app::RecordedDimension>& dimensions) {
         entry["links"] = Json::array();
         for (const app::LinkedArt& link : dimension.links)
             entry["links"].push_back(
-                {{"from", link.from}, {"object", link.objectId}, {"anchor", link.anchor}, {"art", link.svgIds}});
+                {{"from", link.from}, {"object", link.objectId}, {"anchor", link.anchor}, {"art", link.names}});
         json.push_back(std::move(entry));
     }
     return written(json);
@@ -40,7 +40,7 @@ std::string checkJson(const std::string& file, const std::vector<app::DimensionC
     json["file"] = file;
     json["dimensions"] = Json::array();
     for (const app::DimensionCheck& check : checks) {
-        Json entry = {{"id", check.svgId},       {"kind", check.kind},           {"stale", check.stale()},
+        Json entry = {{"id", check.name},        {"kind", check.kind},           {"stale", check.stale()},
                       {"text", check.shownText}, {"rebuilt", check.rebuiltText}, {"lostLinks", check.lostLinks}};
         entry["moved"] = std::isfinite(check.moved) ? Json(check.moved) : Json("its art has changed");
         json["dimensions"].push_back(std::move(entry));

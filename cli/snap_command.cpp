@@ -55,7 +55,7 @@ Json snapJson(app::HeadlessSession& session, const SnapQuestion& question) {
         entry["art"] = Json::array();
         for (std::int16_t cell = 0; cell < row.cellCount; ++cell) {
             const doc::Art* art = session.document()->find(host.artOfHandle(row.arts[cell]));
-            entry["art"].push_back({{"id", art == nullptr ? "" : art->svgId}, {"index", row.indices[cell]}});
+            entry["art"].push_back({{"id", art == nullptr ? "" : art->name}, {"index", row.indices[cell]}});
         }
         entry["outcome"] = outcome(row, winner);
         if (row.wins) {

@@ -261,13 +261,13 @@ bool Document::setLocked(ArtId id, bool locked) {
     return true;
 }
 
-bool Document::setSvgId(ArtId id, const std::string& svgId) {
+bool Document::setName(ArtId id, const std::string& name) {
     Slot* slot = impl_->drawing.tree.living(id);
     if (slot == nullptr) return false;
-    if (slot->art.svgId == svgId) return true;
-    if (svgIdTaken(svgId)) return false;
+    if (slot->art.name == name) return true;
+    if (isNameTaken(name)) return false;
     impl_->journal.keep(*slot, kMarkAspect | kNameAspect);
-    impl_->drawing.tree.setSvgId(*slot, svgId);
+    impl_->drawing.tree.setName(*slot, name);
     impl_->done(*slot, kMarkAspect | kNameAspect);
     return true;
 }

@@ -1,23 +1,23 @@
-// Copies of art, beside their originals or in another drawing, and the ids that they get.
+// Copies of art, beside their originals or in another drawing, and the names that they get.
 #include <algorithm>
 
 #include "document/document_impl.h"
 
 namespace quorvel::doc {
 
-bool Document::Impl::svgIdTaken(std::string_view svgId) const {
-    if (svgId.empty()) return false;
-    if (drawing.tree.findBySvgId(svgId) != 0) return true;
-    if (source && !otherIds) otherIds = source->reservedNames();
-    return otherIds && otherIds->contains(std::string(svgId));
+bool Document::Impl::isNameTaken(std::string_view name) const {
+    if (name.empty()) return false;
+    if (drawing.tree.findByName(name) != 0) return true;
+    if (source && !reservedNames) reservedNames = source->reservedNames();
+    return reservedNames && reservedNames->contains(std::string(name));
 }
 
-bool Document::svgIdTaken(std::string_view svgId) const { return impl_->svgIdTaken(svgId); }
+bool Document::isNameTaken(std::string_view name) const { return impl_->isNameTaken(name); }
 
-std::string Document::Impl::freeSvgId(const std::string& base) const {
+std::string Document::Impl::freeName(const std::string& base) const {
     for (int number = 2;; ++number) {
         std::string candidate = base + "-" + std::to_string(number);
-        if (!svgIdTaken(candidate)) return candidate;
+        if (!isNameTaken(candidate)) return candidate;
     }
 }
 
@@ -65,36 +65,31 @@ ArtCopy Document::copyOf(ArtId id) const {
     if (copy.path) copy.path->segmentSelection.clear();
     if (art->text) copy.text = std::make_unique<TextData>(*art->text);
     copy.tags = art->tags;
-    copy.svgId = art->svgId;
+    copy.name = art->name;
     forEachPaint(copy.path.get(), copy.text.get(), [&](const AIColor& color) {
-        const auto place = static_cast<std::size_t>(color.reference) - 1;
-        copy.paints.push_back(place < paintSources.size() ? paintSources[place] : std::string());
+        copy.paints.push_back(impl_->source ? impl_->source->paintText(color.reference) : std::string());
     });
-    if (art->kind == kForeignArt) copy.foreignSource = art->foreignSource >= 0 ? art->foreignSource : art->source;
     copy.foreignMatrix = art->foreignMatrix;
-    copy.origin = art->origin;
+    copy.ref = {art->ref.index, true};
     for (ArtId child = art->lastChild; child != 0; child = find(child)->above) copy.children.push_back(copyOf(child));
     return copy;
 }
 
-// In no place, without SVG ids.
+// In no place, without names.
 ArtId Document::Impl::make(const ArtCopy& copy, MadeCopies* made) {
     Art& art = drawing.tree.create(copy.kind).art;
-    made->arts.emplace_back(art.id, &copy);
+    made->emplace_back(art.id, &copy);
     art.hidden = copy.hidden;
     art.locked = copy.locked;
     if (copy.path) *art.path = *copy.path;
     if (copy.text) *art.text = *copy.text;
     art.tags = copy.tags;
-    art.foreignSource = copy.foreignSource;
-    art.origin = copy.drawing == number ? copy.origin : -1;
+    if (copy.drawing == number) art.ref = copy.ref;
     art.foreignMatrix = copy.foreignMatrix;
     auto text = copy.paints.begin();
     forEachPaint(art.path.get(), art.text.get(), [&](AIColor& color) {
         if (copy.drawing == number) return;
-        auto place = std::find(made->paints->begin(), made->paints->end(), *text);
-        if (place == made->paints->end()) place = made->paints->insert(place, *text);
-        color.reference = static_cast<std::int32_t>(place - made->paints->begin()) + 1;
+        color.reference = source ? source->paintReference(*text) : 0;
         ++text;
     });
     for (const ArtCopy& child : copy.children)
@@ -102,22 +97,22 @@ ArtId Document::Impl::make(const ArtCopy& copy, MadeCopies* made) {
     return art.id;
 }
 
-// With the SVG ids that are free.
+// With the names that are free.
 ArtId Document::Impl::insertMade(const ArtCopy& copy, MadeCopies* made, const Place& place) {
     const ArtId top = make(copy, made);
-    for (const auto& [id, from] : made->arts) {
+    for (const auto& [id, from] : *made) {
         TextData* text = drawing.tree.slot(id).art.text.get();
         if (text == nullptr || text->pathObject == 0) continue;
-        const auto path = std::find_if(made->arts.begin(), made->arts.end(),
+        const auto path = std::find_if(made->begin(), made->end(),
                                        [&](const auto& one) { return one.second->original == text->pathObject; });
         const bool stays = copy.drawing == number && drawing.tree.living(text->pathObject) != nullptr;
-        text->pathObject = path != made->arts.end() ? path->first : stays ? text->pathObject : 0;
+        text->pathObject = path != made->end() ? path->first : stays ? text->pathObject : 0;
     }
     insertNew(top, place);
-    for (const auto& [id, from] : made->arts) {
-        if (from->svgId.empty()) continue;
-        const bool taken = svgIdTaken(from->svgId);
-        drawing.tree.setSvgId(drawing.tree.slot(id), taken ? freeSvgId(from->svgId) : from->svgId);
+    for (const auto& [id, from] : *made) {
+        if (from->name.empty()) continue;
+        const bool taken = isNameTaken(from->name);
+        drawing.tree.setName(drawing.tree.slot(id), taken ? freeName(from->name) : from->name);
     }
     return top;
 }
@@ -125,18 +120,18 @@ ArtId Document::Impl::insertMade(const ArtCopy& copy, MadeCopies* made, const Pl
 ArtId Document::insertCopy(const ArtCopy& copy, AIPaintOrder placement, ArtId prep) {
     const std::optional<Place> place = impl_->placeFor(copy.kind, placement, prep);
     if (!place || copy.original == 0 || !comesAlong(copy, impl_->number)) return 0;
-    MadeCopies made{&paintSources, {}};
+    MadeCopies made;
     return impl_->insertMade(copy, &made, *place);
 }
 
-ArtId Document::duplicateArt(ArtId id, const std::string& newSvgId) {
+ArtId Document::duplicateArt(ArtId id, const std::string& newName) {
     const Art* art = find(id);
-    if (art == nullptr || art->parent == 0 || svgIdTaken(newSvgId)) return 0;
+    if (art == nullptr || art->parent == 0 || isNameTaken(newName)) return 0;
     ArtCopy copy = copyOf(id);
-    copy.svgId = newSvgId;
-    MadeCopies made{&paintSources, {}};
+    copy.name = newName;
+    MadeCopies made;
     const ArtId top = impl_->insertMade(copy, &made, {art->parent, id});
-    for (const auto& [twin, from] : made.arts) {
+    for (const auto& [twin, from] : made) {
         Art& selected = impl_->drawing.tree.slot(twin).art;
         const Art& original = *find(from->original);
         selected.selected = original.selected;

@@ -138,14 +138,14 @@ void ArtTree::raise(ArtId top) {
         Art& art = slot(id).art;
         art.alive = true;
         if (art.parent != 0) ++count_;
-        addSvgId(id);
+        addName(id);
     }
 }
 
 void ArtTree::bury(ArtId top) {
     for (ArtId id = top; id != 0; id = next(id, top)) {
         Art& art = slot(id).art;
-        removeSvgId(id);
+        removeName(id);
         art.alive = false;
         if (art.parent != 0) --count_;
     }
@@ -158,98 +158,98 @@ void ArtTree::release(ArtId top) {
         art.path.reset();
         art.text.reset();
         std::vector<Tag>().swap(art.tags);
-        std::string().swap(art.svgId);
+        std::string().swap(art.name);
     }
 }
 
 // --- SVG ids -------------------------------------------------------------------------------------------------------
 
 // Where the SVG id stands, or the free place where it would.
-std::size_t ArtTree::svgIdPlace(std::string_view svgId) const {
-    const std::size_t mask = svgIds_.size() - 1;
-    std::size_t place = std::hash<std::string_view>()(svgId) & mask;
-    while (svgIds_[place] != 0 && slot(svgIds_[place]).art.svgId != svgId) place = (place + 1) & mask;
+std::size_t ArtTree::namePlace(std::string_view name) const {
+    const std::size_t mask = names_.size() - 1;
+    std::size_t place = std::hash<std::string_view>()(name) & mask;
+    while (names_[place] != 0 && slot(names_[place]).art.name != name) place = (place + 1) & mask;
     return place;
 }
 
-void ArtTree::growSvgIds() {
-    std::vector<ArtId> old(std::max<std::size_t>(16, svgIds_.size() * 2));
-    old.swap(svgIds_);
+void ArtTree::growNames() {
+    std::vector<ArtId> old(std::max<std::size_t>(16, names_.size() * 2));
+    old.swap(names_);
     for (ArtId id : old) {
-        if (id != 0) svgIds_[svgIdPlace(slot(id).art.svgId)] = id;
+        if (id != 0) names_[namePlace(slot(id).art.name)] = id;
     }
 }
 
-void ArtTree::addSvgId(ArtId id) {
+void ArtTree::addName(ArtId id) {
     Slot& added = slot(id);
-    if (added.art.svgId.empty()) return;
-    if ((svgIdCount_ + 1) * 2 > svgIds_.size()) growSvgIds();
-    const std::size_t place = svgIdPlace(added.art.svgId);
-    const ArtId oldest = svgIds_[place];
+    if (added.art.name.empty()) return;
+    if ((nameCount_ + 1) * 2 > names_.size()) growNames();
+    const std::size_t place = namePlace(added.art.name);
+    const ArtId oldest = names_[place];
     if (oldest == 0) {
-        added.sameIdBefore = added.sameIdAfter = id;
-        svgIds_[place] = id;
-        ++svgIdCount_;
+        added.sameNameBefore = added.sameNameAfter = id;
+        names_[place] = id;
+        ++nameCount_;
         return;
     }
     // A damaged file may give one id to all its elements; as they come in rising order, each is placed at once.
-    ArtId before = slot(oldest).sameIdBefore;
+    ArtId before = slot(oldest).sameNameBefore;
     if (id > oldest) {
-        while (before > id) before = slot(before).sameIdBefore;
+        while (before > id) before = slot(before).sameNameBefore;
     } else {
-        svgIds_[place] = id;
+        names_[place] = id;
     }
-    const ArtId after = slot(before).sameIdAfter;
-    added.sameIdBefore = before;
-    added.sameIdAfter = after;
-    slot(before).sameIdAfter = id;
-    slot(after).sameIdBefore = id;
+    const ArtId after = slot(before).sameNameAfter;
+    added.sameNameBefore = before;
+    added.sameNameAfter = after;
+    slot(before).sameNameAfter = id;
+    slot(after).sameNameBefore = id;
 }
 
-void ArtTree::removeSvgId(ArtId id) {
+void ArtTree::removeName(ArtId id) {
     Slot& removed = slot(id);
-    if (removed.sameIdAfter == 0) return;
-    const std::size_t place = svgIdPlace(removed.art.svgId);
-    const ArtId before = std::exchange(removed.sameIdBefore, 0), after = std::exchange(removed.sameIdAfter, 0);
+    if (removed.sameNameAfter == 0) return;
+    const std::size_t place = namePlace(removed.art.name);
+    const ArtId before = std::exchange(removed.sameNameBefore, 0), after = std::exchange(removed.sameNameAfter, 0);
     if (after == id) {
         closeGap(place);
-        --svgIdCount_;
+        --nameCount_;
         return;
     }
-    slot(before).sameIdAfter = after;
-    slot(after).sameIdBefore = before;
-    if (svgIds_[place] == id) svgIds_[place] = after;
+    slot(before).sameNameAfter = after;
+    slot(after).sameNameBefore = before;
+    if (names_[place] == id) names_[place] = after;
 }
 
 // Moves up what stands behind the place, so that no search ends too early.
 void ArtTree::closeGap(std::size_t place) {
-    const std::size_t mask = svgIds_.size() - 1;
-    for (std::size_t at = (place + 1) & mask; svgIds_[at] != 0; at = (at + 1) & mask) {
-        const std::size_t home = std::hash<std::string_view>()(slot(svgIds_[at]).art.svgId) & mask;
+    const std::size_t mask = names_.size() - 1;
+    for (std::size_t at = (place + 1) & mask; names_[at] != 0; at = (at + 1) & mask) {
+        const std::size_t home = std::hash<std::string_view>()(slot(names_[at]).art.name) & mask;
         if (((at - home) & mask) < ((at - place) & mask)) continue;
-        svgIds_[place] = svgIds_[at];
+        names_[place] = names_[at];
         place = at;
     }
-    svgIds_[place] = 0;
+    names_[place] = 0;
 }
 
-void ArtTree::setSvgId(Slot& changed, std::string svgId) {
+void ArtTree::setName(Slot& changed, std::string name) {
     const bool alive = changed.art.alive;
-    if (alive) removeSvgId(changed.art.id);
-    changed.art.svgId = std::move(svgId);
-    if (alive) addSvgId(changed.art.id);
+    if (alive) removeName(changed.art.id);
+    changed.art.name = std::move(name);
+    if (alive) addName(changed.art.id);
 }
 
-ArtId ArtTree::findBySvgId(std::string_view svgId) const {
-    return svgIds_.empty() || svgId.empty() ? 0 : svgIds_[svgIdPlace(svgId)];
+ArtId ArtTree::findByName(std::string_view name) const {
+    return names_.empty() || name.empty() ? 0 : names_[namePlace(name)];
 }
 
-void ArtTree::indexSvgIds() {
-    svgIds_.clear();
-    svgIdCount_ = 0;
+void ArtTree::indexNames() {
+    names_.clear();
+    nameCount_ = 0;
     for (ArtId id = 1; id < end_; ++id) {
-        slot(id).sameIdBefore = slot(id).sameIdAfter = 0;
-        if (slot(id).art.alive) addSvgId(id);
+        slot(id).sameNameBefore = slot(id).sameNameAfter = 0;
+        if (slot(id).art.alive) addName(id);
     }
 }
 

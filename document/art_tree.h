@@ -21,8 +21,8 @@ struct Place {
 struct Slot {
     Art art;
     std::uint64_t order = 0;  // rises from the topmost sibling down
-    // The ring of living art with the same SVG id, by rising ArtId.
-    ArtId sameIdBefore = 0, sameIdAfter = 0;
+    // The ring of living art with the same name, by rising ArtId.
+    ArtId sameNameBefore = 0, sameNameAfter = 0;
     // While an art's bounds are known, those of all below it are; both kinds are found together.
     bool boundsKnown = false;
     std::uint8_t kept = 0;  // aspects that the journal holds since the transaction `keptIn`
@@ -57,10 +57,10 @@ class ArtTree {
     // Neither of the two is the root of a layer, or both have the same one.
     bool precedes(ArtId a, ArtId b) const;
 
-    void setSvgId(Slot& slot, std::string svgId);
-    ArtId findBySvgId(std::string_view svgId) const;  // the oldest one that lives
-    // While a file is read ids are set from outside; this finds them all.
-    void indexSvgIds();
+    void setName(Slot& slot, std::string name);
+    ArtId findByName(std::string_view name) const;  // the oldest one that lives
+    // While a file is read names are set from outside; this finds them all.
+    void indexNames();
 
     void invalidateBounds(ArtId art);
     const Slot& withBounds(ArtId art) const;  // a slot whose bounds are known
@@ -70,19 +70,19 @@ class ArtTree {
 
     std::uint64_t orderBetween(ArtId above, ArtId below);
     void makeRoom(ArtId art);
-    void addSvgId(ArtId art);
-    void removeSvgId(ArtId art);
-    std::size_t svgIdPlace(std::string_view svgId) const;
-    void growSvgIds();
+    void addName(ArtId art);
+    void removeName(ArtId art);
+    std::size_t namePlace(std::string_view name) const;
+    void growNames();
     void closeGap(std::size_t place);
     void computeBounds(Slot& slot) const;
 
     std::vector<std::unique_ptr<Slot[]>> chunks_;
     ArtId end_ = 0;
     std::size_t count_ = 0;
-    // Open addressing, a power of two of places; each holds the oldest art of its SVG id, 0 for none.
-    std::vector<ArtId> svgIds_;
-    std::size_t svgIdCount_ = 0;
+    // Open addressing, a power of two of places; each holds the oldest art of its name, 0 for none.
+    std::vector<ArtId> names_;
+    std::size_t nameCount_ = 0;
 };
 
 }  // namespace quorvel::doc

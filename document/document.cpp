@@ -55,7 +55,7 @@ void Document::markSaved() { impl_->journal.markSaved(); }
 DocumentSource* Document::source() const { return impl_->source.get(); }
 void Document::setSource(std::unique_ptr<DocumentSource> source) {
     impl_->source = std::move(source);
-    impl_->otherIds.reset();
+    impl_->reservedNames.reset();
 }
 
 const Layer* Document::layer(LayerId id) const {
@@ -70,7 +70,7 @@ const Art* Document::find(ArtId id) const {
 
 LayerId Document::layerOf(ArtId id) const { return find(id) != nullptr ? impl_->drawing.layerOf(id) : 0; }
 
-ArtId Document::findBySvgId(std::string_view svgId) const { return impl_->drawing.tree.findBySvgId(svgId); }
+ArtId Document::findByName(std::string_view name) const { return impl_->drawing.tree.findByName(name); }
 
 const std::string* Document::tag(ArtId id, std::string_view name) const {
     const Art* art = find(id);
@@ -246,7 +246,7 @@ void Document::finishLoading() {
             if (art.text && art.text->runs.empty()) art.text->runs.emplace_back();
         }
     }
-    drawing.tree.indexSvgIds();
+    drawing.tree.indexNames();
     drawing.finishLoading();
 }
 

@@ -20,8 +20,7 @@ namespace quorvel::doc {
 using ArtId = std::uint32_t;
 using LayerId = std::uint32_t;
 
-// How a path is painted. paint.reference counts from 1 into Document::paintSources for paints that AIColor cannot say
-// ("url(#id)" and the like), which are kept as they are.
+// How a path is painted. paint.reference is one of the source's numbers, for paints that AIColor cannot say.
 using StylePtr = std::shared_ptr<const AIPathStyle>;
 
 struct PathData {
@@ -62,6 +61,13 @@ struct TextData {
     ArtId pathObject = 0;  // for text in or on a path
 };
 
+// What art or a layer was read from. Only the document's source knows what the number counts.
+struct SourceRef {
+    std::int32_t index = -1;  // -1 for what was made since
+    bool isCopy = false;      // it looks as what was read there and is none of it
+    bool operator==(const SourceRef&) const = default;
+};
+
 struct Tag {
     std::string name, value;  // bytes as they are
 };
@@ -78,15 +84,8 @@ struct Art {
     std::unique_ptr<PathData> path;
     std::unique_ptr<TextData> text;
     std::vector<Tag> tags;
-    std::string svgId;  // the element's id attribute, empty when it has none
-    // Its element in the file that was read: an index into the source's elements, -1 for art made since. Members of a
-    // compound path bear -1.
-    std::int32_t source = -1;
-    // Of foreign art: the element that holds its content. A copy has source -1 and keeps this.
-    std::int32_t foreignSource = -1;
-    // Where the file says how it looks: an index into the source's origins, -1 for none. Unlike source it tells
-    // nothing of where the art is written: a copy keeps it, and art made by a use element has that of what is used.
-    std::int32_t origin = -1;
+    std::string name;  // its own, for scripts; no two have the same, and most have none
+    SourceRef ref;     // members of a compound path have none of their own
     // How it has been moved as a whole since it was read. Of foreign art it is on top of the element's own transform;
     // paths and texts have it in their coordinates, and what stands beside them in the file may have to follow.
     RealMatrix foreignMatrix;
@@ -103,9 +102,9 @@ struct ArtCopy {
     std::unique_ptr<PathData> path;
     std::unique_ptr<TextData> text;
     std::vector<Tag> tags;
-    std::string svgId;
+    std::string name;
     std::vector<std::string> paints;  // texts of the paints that path and text refer to, in their order
-    std::int32_t foreignSource = -1, origin = -1;
+    SourceRef ref;
     RealMatrix foreignMatrix;
     std::vector<ArtCopy> children;  // the lowest first
 };
@@ -115,7 +114,7 @@ struct Layer {
     ArtId root = 0;
     std::string title;  // UTF-8
     bool visible = true, editable = true;
-    std::int32_t source = -1;
+    SourceRef ref;
     std::uint64_t revision = 0;
 };
 
@@ -131,12 +130,16 @@ class DocumentObserver {
     virtual void layersChanged() = 0;
 };
 
-// What a document was read from, as far as the document itself asks. Whoever reads files makes it.
+// What a document was read from, as far as the document itself asks. Whoever reads files makes it, also for a drawing
+// that is in no file yet.
 class DocumentSource {
   public:
     virtual ~DocumentSource() = default;
     // Names that something other than art bears, so that no art may take them.
     virtual std::unordered_set<std::string> reservedNames() const = 0;
+    // Paints that AIColor cannot say have a text that any drawing understands, and in each drawing a number above 0.
+    virtual std::string paintText(std::int32_t reference) const = 0;   // empty for no paint's number
+    virtual std::int32_t paintReference(const std::string& text) = 0;  // the text gets a number when it has none
 };
 
 class Document {
@@ -156,9 +159,9 @@ class Document {
     LayerId currentLayer() const;
     const Art* find(ArtId id) const;  // null when it is gone
     LayerId layerOf(ArtId id) const;
-    ArtId findBySvgId(std::string_view svgId) const;  // 0 when none
-    bool svgIdTaken(std::string_view svgId) const;    // by art, or by anything else in the file that was read
-    std::size_t artCount() const;                     // all art but the layers' roots
+    ArtId findByName(std::string_view name) const;  // 0 when none
+    bool isNameTaken(std::string_view name) const;  // by art, or by anything else in the file that was read
+    std::size_t artCount() const;                   // all art but the layers' roots
     const std::string* tag(ArtId id, std::string_view name) const;
     // Cached; the empty set (left > right) when the art has no extent. Text: the box of its advance and ascent.
     RealRect bounds(ArtId id) const;         // tight, without stroke
@@ -171,7 +174,7 @@ class Document {
     void markSaved();
 
     // --- changing: each goes into the journal; false or 0 when it is refused ---------------------------------------
-    // Refused are stale ids, numbers that are not finite, parents that cannot hold the art and SVG ids that are taken;
+    // Refused are stale ids, numbers that are not finite, parents that cannot hold the art and names that are taken;
     // whether a layer is locked or hidden is the caller's business. A change outside a transaction can't be undone and
     // drops the steps before it, unless it is one of selection or current layer. kPlaceAboveAll is the top of the
     // current layer.
@@ -179,9 +182,9 @@ class Document {
     bool removeArt(ArtId id);
     // Moves the art within the tree (the host's own editing).
     bool moveArt(ArtId id, AIPaintOrder placement, ArtId prep);
-    ArtId duplicateArt(ArtId id, const std::string& newSvgId);  // directly above it, with its tags
+    ArtId duplicateArt(ArtId id, const std::string& newName);  // directly above it, with its tags
     ArtCopy copyOf(ArtId id) const;
-    // With its own SVG ids where they are free, and not selected. Foreign art lives in its own drawing alone: of a copy
+    // With its own names where they are free, and not selected. Foreign art lives in its own drawing alone: of a copy
     // from another one it is left out, and 0 is given when nothing else is in the copy.
     ArtId insertCopy(const ArtCopy& copy, AIPaintOrder placement, ArtId prep);
     bool setSegments(ArtId id, std::size_t first, std::span<const PathSegment> segments);  // may grow at the end
@@ -196,7 +199,7 @@ class Document {
     bool setSegmentSelected(ArtId id, std::size_t index, AISegmentSelection state);
     bool setHidden(ArtId id, bool hidden);
     bool setLocked(ArtId id, bool locked);
-    bool setSvgId(ArtId id, const std::string& svgId);
+    bool setName(ArtId id, const std::string& name);
     LayerId insertLayer(const std::string& title, LayerId above);  // above 0: on top
     bool moveLayer(LayerId id, std::size_t position);              // 0: on top; refused behind the last
     bool setLayerTitle(LayerId id, const std::string& title);
@@ -229,9 +232,8 @@ class Document {
     Layer& loadingLayer(LayerId id);
     void finishLoading();
 
-    DocumentSource* source() const;  // null for a document that was not read from a file
+    DocumentSource* source() const;  // null when none was set
     void setSource(std::unique_ptr<DocumentSource> source);
-    std::vector<std::string> paintSources;  // texts of paints that are kept as they are
 
   private:
     struct Impl;

@@ -14,10 +14,7 @@
 namespace quorvel::doc {
 
 // What insertCopy has made of a copy and all below it.
-struct MadeCopies {
-    std::vector<std::string>* paints = nullptr;  // the document's texts; they grow where the copy is another drawing's
-    std::vector<std::pair<ArtId, const ArtCopy*>> arts;
-};
+using MadeCopies = std::vector<std::pair<ArtId, const ArtCopy*>>;
 
 struct Document::Impl {
     const std::uint64_t number = ++lastNumber;
@@ -28,7 +25,7 @@ struct Document::Impl {
     std::uint64_t lastRevision = 0;
     StylePtr lastStyle;  // most paths share the style of the one before
     std::unique_ptr<DocumentSource> source;
-    mutable std::optional<std::unordered_set<std::string>> otherIds;  // of the source; listed when first asked for
+    mutable std::optional<std::unordered_set<std::string>> reservedNames;  // of the source; listed when first asked for
 
     std::optional<Place> placeFor(AIArtType kind, AIPaintOrder placement, ArtId prep) const;
     void insertNew(ArtId art, Place place);
@@ -36,8 +33,8 @@ struct Document::Impl {
     StylePtr shared(const AIPathStyle& style);
     bool canTransform(ArtId id, const RealMatrix& matrix) const;
     void transformShape(Slot& slot, const RealMatrix& matrix, float lineScale);
-    bool svgIdTaken(std::string_view svgId) const;
-    std::string freeSvgId(const std::string& base) const;
+    bool isNameTaken(std::string_view name) const;
+    std::string freeName(const std::string& base) const;
     ArtId make(const ArtCopy& copy, MadeCopies* made);
     ArtId insertMade(const ArtCopy& copy, MadeCopies* made, const Place& place);
     template <typename Value>

@@ -175,7 +175,7 @@ void Journal::keep(Slot& slot, unsigned aspects) {
         step_.shapes.push_back({art.id, shapeOf(art.path.get()),
                                 art.text ? std::make_unique<TextData>(*art.text) : nullptr, art.foreignMatrix});
     }
-    if ((fresh & kNameAspect) != 0) step_.names.push_back({art.id, art.svgId, art.tags});
+    if ((fresh & kNameAspect) != 0) step_.names.push_back({art.id, art.name, art.tags});
 }
 
 void Journal::keepLayer(LayerSlot& layer) {
@@ -307,8 +307,8 @@ void Journal::exchangeShape(KeptShape& kept) {
 
 void Journal::exchangeNames(KeptNames& kept) {
     Slot& slot = drawing_.tree.slot(kept.art);
-    std::string svgId = slot.art.svgId;
-    if (svgId != kept.svgId) drawing_.tree.setSvgId(slot, std::exchange(kept.svgId, std::move(svgId)));
+    std::string name = slot.art.name;
+    if (name != kept.name) drawing_.tree.setName(slot, std::exchange(kept.name, std::move(name)));
     slot.art.tags.swap(kept.tags);
     if (!slot.art.alive) return;
     for (const std::string& name : differingTags(slot.art.tags, kept.tags)) {

@@ -17,7 +17,7 @@ enum Aspect : std::uint8_t {
     kSelectionAspect = 1,  // flag and segments
     kMarkAspect = 2,       // hidden, locked and the revision: touched by every change of what is written
     kShapeAspect = 4,      // path, text, movement of foreign art
-    kNameAspect = 8,       // SVG id and tags
+    kNameAspect = 8,       // name and tags
     kAllAspects = 15,
 };
 
@@ -51,7 +51,7 @@ struct KeptShape {
 
 struct KeptNames {
     ArtId art = 0;
-    std::string svgId;
+    std::string name;
     std::vector<Tag> tags;
 };
 

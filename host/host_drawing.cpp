@@ -8,6 +8,7 @@
 
 #include "host/code_page.h"
 #include "host/host_state.h"
+#include "interchange/svg/svg.h"
 
 namespace quorvel::host {
 
@@ -78,7 +79,7 @@ void HostState::replaceDocument(std::unique_ptr<doc::Document> next) {
 }
 
 void Host::newDocument(float width, float height) {
-    auto document = std::make_unique<doc::Document>(width, height);
+    auto document = interchange::newDrawing(width, height);
     if (document->layers().empty()) {
         document->loadLayer("Layer 1");
         document->finishLoading();

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <vector>
 
+#include "interchange/svg/svg.h"
 #include "render/outline.h"
 #include "svg/values/reference.h"
 
@@ -76,7 +77,7 @@ svg::Definitions* AppearanceReader::definitions() const {
 }
 
 QTransform AppearanceReader::userSpace(const doc::Art& art) const {
-    return art.origin < 0 || source_ == nullptr ? QTransform() : toQt(source_->tree.map(art.origin));
+    return art.ref.index < 0 || source_ == nullptr ? QTransform() : toQt(source_->tree.map(art.ref.index));
 }
 
 Appearance AppearanceReader::read(const svg::Element& element) const {
@@ -101,8 +102,8 @@ Appearance AppearanceReader::read(const svg::Element& element) const {
 
 const Appearance& AppearanceReader::of(const doc::Art& art) {
     static const Appearance kPlain;
-    if (art.origin < 0 || source_ == nullptr) return kPlain;
-    const svg::Element& element = source_->element(art.origin);
+    if (art.ref.index < 0 || source_ == nullptr) return kPlain;
+    const svg::Element& element = source_->element(art.ref.index);
     std::vector<std::optional<Appearance>>& known = bearsMarkers(element.role) ? bearing_ : plain_;
     if (element.style >= known.size()) known.resize(element.style + std::size_t{1});
     std::optional<Appearance>& look = known[element.style];
@@ -111,11 +112,10 @@ const Appearance& AppearanceReader::of(const doc::Art& art) {
 }
 
 std::string_view AppearanceReader::paintText(const AIColor& paint) const {
+    const std::vector<std::string>& texts = interchange::paintTexts(document_);
     const auto number = static_cast<std::size_t>(std::max(0, paint.reference));
-    if ((paint.kind != kGradientPaint && paint.kind != kOtherPaint) || number < 1 ||
-        number > document_.paintSources.size())
-        return {};
-    return document_.paintSources[number - 1];
+    if ((paint.kind != kGradientPaint && paint.kind != kOtherPaint) || number < 1 || number > texts.size()) return {};
+    return texts[number - 1];
 }
 
 std::optional<QBrush> AppearanceReader::gradient(const AIColor& paint, const doc::Art& art,
@@ -125,7 +125,7 @@ std::optional<QBrush> AppearanceReader::gradient(const AIColor& paint, const doc
     if (gradient == nullptr || gradient->stops.empty()) return std::nullopt;
     QTransform toDocument(double(bounds.right) - bounds.left, 0, 0, double(bounds.bottom) - bounds.top, bounds.left,
                           bounds.top);  // from the box's own units, which run down
-    if (gradient->inUserSpace && art.origin >= 0) toDocument = userSpace(art);
+    if (gradient->inUserSpace && art.ref.index >= 0) toDocument = userSpace(art);
     QBrush brush = brushOf(*gradient, source_->tree.file->page().viewport);
     brush.setTransform(toQt(gradient->map) * toDocument);
     return brush;

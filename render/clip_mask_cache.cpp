@@ -63,7 +63,7 @@ struct ClipMaskCache::Outlines {
 
     // A viewport is no part of a clip path. The root of the content is no element.
     static bool mayClip(const Content& content, const doc::Art& art) {
-        return art.origin < 0 || content.looks->source()->element(art.origin).role != svg::Role::kViewport;
+        return art.ref.index < 0 || content.looks->source()->element(art.ref.index).role != svg::Role::kViewport;
     }
 
     // The union of what the art and all in it cover, in the space that map leads to.

@@ -87,8 +87,8 @@ std::unique_ptr<ForeignArtCache::Foreign> ForeignArtCache::read(std::int32_t ele
 }
 
 const ForeignArtCache::Foreign& ForeignArtCache::foreign(const doc::Art& art) {
-    std::unique_ptr<Foreign>& kept = known_[art.origin];
-    if (kept == nullptr) kept = read(art.origin);
+    std::unique_ptr<Foreign>& kept = known_[art.ref.index];
+    if (kept == nullptr) kept = read(art.ref.index);
     return *kept;
 }
 

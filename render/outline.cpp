@@ -49,7 +49,7 @@ QPainterPath outlineOf(const doc::Document& document, const doc::Art& art) {
 QPainterPath frameOf(const doc::Document& document, const doc::Art& art) {
     QPainterPath frame;
     const interchange::SvgSource* source = interchange::svgSource(document);
-    const std::int32_t index = art.foreignSource >= 0 ? art.foreignSource : art.source;
+    const std::int32_t index = art.ref.index;
     if (art.kind != kForeignArt || source == nullptr || index < 0) return frame;
     const svg::Frame said = svg::frameOf(source->tree, *source->text, index);
     const QRectF box(said.x, said.y, said.width.value_or(0), said.height.value_or(0));

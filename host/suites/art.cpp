@@ -122,13 +122,13 @@ void requireStringTag(const char* name, const char* type) {
 
 // A group that bears a record gets an id of its own, by which commands and other programs can speak of it.
 void nameTaggedGroup(doc::Document& document, const doc::Art& art) {
-    if (art.kind != kGroupArt || !art.svgId.empty() || art.parent == 0) return;
+    if (art.kind != kGroupArt || !art.name.empty() || art.parent == 0) return;
     std::uint32_t& number = theHost().lastGroupNumber;
     std::string name;
     do {
         name = "quorvel-" + std::to_string(++number);
-    } while (document.svgIdTaken(name));
-    document.setSvgId(art.id, name);
+    } while (document.isNameTaken(name));
+    document.setName(art.id, name);
 }
 
 AIErr setTag(AIArtHandle art, const char* name, const char* type, const void* value) {
@@ -212,10 +212,10 @@ AIErr getArtParent(AIArtHandle art, AIArtHandle* parent) {
 
 AIErr replaceGroup(AIArtHandle former, AIArtHandle replacement) {
     const doc::ArtId old = artOf(former).id, made = artOf(replacement).id;
-    const std::string name = artOf(former).svgId;
+    const std::string name = artOf(former).name;
     require(old != made && artOf(former).parent != 0 && artOf(replacement).parent != 0);
     require(changeDocument([&](doc::Document& document) {
-        return document.removeArt(old) && (name.empty() || document.setSvgId(made, name));
+        return document.removeArt(old) && (name.empty() || document.setName(made, name));
     }));
     return kNoErr;
 }

@@ -117,7 +117,7 @@ std::uint64_t contentHash(const doc::Document& document, const doc::Art& art) {
             print.add(std::string_view(tag.name));
             print.add(std::string_view(tag.value));
         }
-        print.add(std::string_view(child->svgId));
+        print.add(std::string_view(child->name));
         id = child->above;
     }
     return print.value();

@@ -21,7 +21,7 @@ using svg::XmlNode;
 ArtLoader::ArtLoader(doc::Document* document, SvgSource* source)
     : document_(*document),
       source_(*source),
-      paints_(source->tree.file.get(), document),
+      paints_(source),
       styles_(&source->styles),
       textGrowth_((std::size_t{4} << 20) + 4 * source->text->size()) {}
 
@@ -89,7 +89,7 @@ doc::ArtId ArtLoader::parentArt() {
     if (looseLayers_ < looseLayerTitles.size()) title = looseLayerTitles[looseLayers_];
     ++looseLayers_;
     const doc::LayerId id = document_.loadLayer(title);
-    document_.loadingLayer(id).source = 0;
+    document_.loadingLayer(id).ref = {0};
     layers.emplace_back(0, id);
     return looseArt_ = document_.loadingLayer(id).root;
 }
@@ -97,11 +97,10 @@ doc::ArtId ArtLoader::parentArt() {
 // Nothing is ever written into what a use element refers to: its copies bear no id and no tags.
 doc::Art& ArtLoader::loadOwn(const Visit& visit, doc::ArtId id) {
     doc::Art& art = document_.loading(id);
-    art.origin = visit.element;
+    art.ref = {visit.element};
     art.hidden = !visit.style.displayed || (art.kind != kGroupArt && !visit.style.visible);
     if (visit.isInstance) return art;
-    art.source = visit.element;
-    art.svgId = visit.node.attribute("id").value();
+    art.name = visit.node.attribute("id").value();
     art.locked = sodipodiValue(visit, "insensitive") == "true";
     SvgRecord& record = recordOf(visit);
     record.hidden = art.hidden;
@@ -212,8 +211,8 @@ void ArtLoader::loadLayer(const Visit& visit) {
     doc::Layer& layer = document_.loadingLayer(number);
     layer.visible = visit.style.displayed;
     layer.editable = sodipodiValue(visit, "insensitive") != "true";
-    layer.source = visit.element;
-    document_.loading(layer.root).origin = visit.element;
+    layer.ref = {visit.element};
+    document_.loading(layer.root).ref = {visit.element};
     open_.push_back(layer.root);
     layers.emplace_back(visit.element, number);
     looseArt_ = 0;

@@ -8,6 +8,7 @@
 #include "interchange/svg/art_hash.h"
 #include "interchange/svg/exact_text.h"
 #include "interchange/svg/own_attributes.h"
+#include "interchange/svg/svg.h"
 #include "interchange/svg/text.h"
 #include "svg/css/declarations.h"
 #include "svg/css/style_attribute.h"
@@ -157,11 +158,11 @@ void SvgArtWriter::lockTag(svg::StartTag* tag, bool locked) {
 }
 
 void SvgArtWriter::markTag(svg::StartTag* tag, const doc::Art& art, std::int32_t element) {
-    if (tag->attribute("id").value_or("") != art.svgId) {
-        if (art.svgId.empty()) {
+    if (tag->attribute("id").value_or("") != art.name) {
+        if (art.name.empty()) {
             tag->remove("id");
         } else {
-            tag->set("id", art.svgId);
+            tag->set("id", art.name);
         }
     }
     hideTag(tag, art.hidden, element);
@@ -232,7 +233,7 @@ void SvgArtWriter::setOutline(svg::StartTag* tag, const doc::Art& art, const svg
 
 void SvgArtWriter::setStyle(svg::StartTag* tag, const AIPathStyle& style, const AIPathStyle* inForce,
                             const AIPathStyle* original, double scale) {
-    const PaintSources& sources = document_.paintSources;
+    const PaintSources& sources = paintTexts(document_);
     for (const StyleProperty& property : styleProperties(style, inForce, scale, sources))
         svg::setProperty(tag, property.name, property.value);
     if (style.fillPaint && !(original && original->fillPaint && paintsAlike(style.fill, original->fill)))
@@ -277,7 +278,7 @@ bool SvgArtWriter::editOutline(svg::StartTag* tag, const doc::Art& art, std::int
 
 void SvgArtWriter::setText(svg::StartTag* tag, const doc::Art& art, const SvgScope& scope, std::string* content) {
     const SvgTextParts parts = formatText(*art.text, scope.map, source_.names(),
-                                          resetProperties(scope.unmodelledProperties), document_.paintSources);
+                                          resetProperties(scope.unmodelledProperties), paintTexts(document_));
     if (parts.transform.empty()) {
         tag->set("x", parts.x);
         tag->set("y", parts.y);
@@ -383,8 +384,8 @@ void SvgArtWriter::editForeign(svg::StartTag* tag, const doc::Art& art, const Sv
 
 std::string SvgArtWriter::newLeaf(const doc::Art& art, const SvgScope& scope) {
     if (art.kind == kForeignArt) {
-        if (art.origin < 0) return newTag("g").str();
-        const std::uint32_t nameOffset = source_.element(art.origin).nameOffset;
+        if (art.ref.index < 0) return newTag("g").str();
+        const std::uint32_t nameOffset = source_.element(art.ref.index).nameOffset;
         const std::string_view text = svg::elementText(*source_.text, nameOffset);
         const std::string_view start = svg::startTagText(text, 1);
         svg::StartTag tag(start, &source_.entities());
@@ -396,7 +397,7 @@ std::string SvgArtWriter::newLeaf(const doc::Art& art, const SvgScope& scope) {
     }
     if (art.kind == kTextFrameArt) {
         svg::StartTag tag = newTag("text");
-        if (!art.svgId.empty()) tag.set("id", art.svgId);
+        if (!art.name.empty()) tag.set("id", art.name);
         std::string content;
         setText(&tag, art, scope, &content);
         markTag(&tag, art, -1);
@@ -405,7 +406,7 @@ std::string SvgArtWriter::newLeaf(const doc::Art& art, const SvgScope& scope) {
         return tag.str() + content + "</" + tag.name() + ">";
     }
     svg::StartTag tag = newTag("path");
-    if (!art.svgId.empty()) tag.set("id", art.svgId);
+    if (!art.name.empty()) tag.set("id", art.name);
     const bool known = scope.style >= 0 && !source_.hasStyleSheet;
     setStyle(&tag, styleOf(piecesOf(document_, art)),
              known ? source_.styles[static_cast<std::size_t>(scope.style)].get() : nullptr, nullptr, scope.map.scale());

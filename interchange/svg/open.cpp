@@ -34,7 +34,7 @@ doc::LayerId layerById(std::string_view id, const ArtLoader& loader, const SvgSo
 
 }  // namespace
 
-Result<SvgDrawing> readSvg(std::string text, std::vector<std::string> paintSources) {
+Result<SvgDrawing> readSvg(std::string text, const std::vector<std::string>& paints) {
     Result<std::shared_ptr<svg::File>> opened = svg::File::open(std::move(text));
     if (!opened) return opened.error();
     const std::shared_ptr<svg::File>& file = *opened;
@@ -52,7 +52,7 @@ Result<SvgDrawing> readSvg(std::string text, std::vector<std::string> paintSourc
     SvgDrawing result;
     result.rulerUnit = source->rulerUnit;
     auto document = std::make_unique<doc::Document>(static_cast<float>(page.width), static_cast<float>(page.height));
-    document->paintSources = std::move(paintSources);
+    for (const std::string& paint : paints) source->paintReference(paint);
     ArtLoader loader(document.get(), source.get());
     loader.looseLayerTitles = decodeList(rootOwn(own_attribute::kLayerTitles));
     svg::TreeWalk walk(&source->tree, &loader);
@@ -79,6 +79,12 @@ Result<SvgDrawing> readSvg(std::string text, std::vector<std::string> paintSourc
     document->markSaved();
     result.document = std::move(document);
     return result;
+}
+
+std::unique_ptr<doc::Document> newDrawing(float width, float height) {
+    auto document = std::make_unique<doc::Document>(width, height);
+    document->setSource(std::make_unique<PaintTexts>());
+    return document;
 }
 
 }  // namespace quorvel::interchange

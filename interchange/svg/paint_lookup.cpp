@@ -25,26 +25,19 @@ float angleOf(const svg::Gradient& gradient, const svg::Viewport& viewport, cons
 
 }  // namespace
 
-SvgPaints::SvgPaints(svg::File* file, doc::Document* document) : file_(*file), document_(*document) {
-    for (std::size_t i = 0; i < document_.paintSources.size(); ++i) {
-        const std::string& text = document_.paintSources[i];
-        known_.try_emplace(
-            text, Known{static_cast<std::int32_t>(i) + 1, file_.definitions().gradient(svg::urlFragment(text))});
-    }
-}
+SvgPaints::SvgPaints(SvgSource* source) : source_(*source) {}
 
 AIColor SvgPaints::paintOf(std::string_view reference, const svg::Affine& toDocument) {
+    svg::File& file = *source_.tree.file;
     const auto [paint, added] = known_.try_emplace(std::string(reference));
-    if (added) {
-        document_.paintSources.emplace_back(reference);
-        paint->second = {static_cast<std::int32_t>(document_.paintSources.size()),
-                         file_.definitions().gradient(svg::urlFragment(reference))};
-    }
+    if (added)
+        paint->second = {source_.paintReference(paint->first),
+                         file.definitions().gradient(svg::urlFragment(reference))};
     AIColor color;
     color.kind = paint->second.gradient ? kGradientPaint : kOtherPaint;
     color.reference = paint->second.number;
     if (paint->second.gradient)
-        color.gradientAngle = angleOf(*paint->second.gradient, file_.page().viewport, toDocument);
+        color.gradientAngle = angleOf(*paint->second.gradient, file.page().viewport, toDocument);
     return color;
 }
 

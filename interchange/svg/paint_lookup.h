@@ -7,9 +7,8 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "document/document.h"
 #include "interchange/svg/paint.h"
-#include "svg/tree/file.h"
+#include "interchange/svg/source.h"
 #include "svg/tree/gradient.h"
 
 namespace quorvel::interchange {
@@ -17,7 +16,7 @@ namespace quorvel::interchange {
 // Gradients get their angle; patterns and the like are kept as texts.
 class SvgPaints : public PaintLookup {
   public:
-    SvgPaints(svg::File* file, doc::Document* document);
+    explicit SvgPaints(SvgSource* source);
     AIColor paintOf(std::string_view reference, const svg::Affine& toDocument) override;
 
   private:
@@ -25,8 +24,7 @@ class SvgPaints : public PaintLookup {
         std::int32_t number = 0;
         const svg::Gradient* gradient = nullptr;
     };
-    svg::File& file_;
-    doc::Document& document_;
+    SvgSource& source_;
     std::unordered_map<std::string, Known> known_;  // by their texts
 };
 

@@ -210,7 +210,7 @@ class Splicer {
             int number = 1;
             do {
                 currentId_ = "quorvel-layer-" + std::to_string(number++);
-            } while (document_.svgIdTaken(currentId_));
+            } while (document_.isNameTaken(currentId_));
             needsId_ = layer;
         }
     }
@@ -461,7 +461,7 @@ class Splicer {
         if (item.layer) {
             writer_.layerTag(&tag, *item.layer, -1);
         } else {
-            if (!item.art->svgId.empty()) tag.set("id", item.art->svgId);
+            if (!item.art->name.empty()) tag.set("id", item.art->name);
             writer_.markTag(&tag, *item.art, -1);
         }
         writer_.rules().blockInheritedStyle(&tag);
@@ -558,7 +558,7 @@ class Splicer {
         } else if (!inPlace) {
             const AIPathStyle& style = *source_.styles[static_cast<std::size_t>(record(number).style)];
             for (const StyleProperty& property :
-                 styleProperties(style, nullptr, inner.map.scale(), document_.paintSources)) {
+                 styleProperties(style, nullptr, inner.map.scale(), paintTexts(document_))) {
                 svg::setProperty(tag, property.name, property.value);
             }
         }

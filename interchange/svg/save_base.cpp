@@ -119,7 +119,7 @@ class CloneCheck {
     bool otherId(const doc::Art& art, const svg::Element& element) const {
         if (art.parent == 0 || art.revision == 0) return false;
         const svg::StartTag tag(svg::startTagText(*source_.text, element.nameOffset), &source_.entities());
-        return tag.attribute("id").value_or("") != art.svgId;
+        return tag.attribute("id").value_or("") != art.name;
     }
 
     bool sameChildren(const doc::Art& art, std::int32_t number) const {
@@ -320,7 +320,7 @@ SaveBase::SaveBase(const doc::Document& document, const SvgSource& source) : rea
 }
 
 bool SaveBase::readAgain(std::string text, const doc::Document& document) {
-    Result<SvgDrawing> result = readSvg(std::move(text), document.paintSources);
+    Result<SvgDrawing> result = readSvg(std::move(text), paintTexts(document));
     // A file whose use elements refer to each other in a circle may read otherwise.
     if (!result || result->document->artCount() != read_.artCount) return false;
     again_ = std::move(result->document);
@@ -377,15 +377,15 @@ SaveBase::~SaveBase() = default;
 const SvgSource& SaveBase::source() const { return again_ ? *svgSource(*again_) : read_; }
 
 std::int32_t SaveBase::elementOf(const doc::Art& art) const {
-    if (!again_) return art.source;
+    if (!again_) return read_.elementOf(art.ref);
     const doc::Art* same = again_->find(art.id);
-    return same ? same->source : -1;
+    return same ? source().elementOf(same->ref) : -1;
 }
 
 std::int32_t SaveBase::elementOf(const doc::Layer& layer) const {
-    if (!again_) return layer.source;
+    if (!again_) return layer.ref.index;
     const doc::Layer* same = again_->layer(layer.id);
-    return same ? same->source : -1;
+    return same ? same->ref.index : -1;
 }
 
 std::int32_t SaveBase::elementAt(std::uint32_t nameOffset) const {
@@ -400,7 +400,8 @@ std::int32_t SaveBase::elementAt(std::uint32_t nameOffset) const {
 }
 
 bool SaveBase::isClone(const doc::Art& art) const {
-    return again_ && art.source >= 0 && read_.element(art.source).role == Role::kUse;
+    const std::int32_t element = read_.elementOf(art.ref);
+    return again_ && element >= 0 && read_.element(element).role == Role::kUse;
 }
 
 bool SaveBase::isUnmoved(const doc::Art& art) const {
@@ -410,9 +411,9 @@ bool SaveBase::isUnmoved(const doc::Art& art) const {
 }
 
 svg::Affine SaveBase::placeOf(const doc::Art& art) const {
-    return concat(art.foreignMatrix, read_.tree.map(art.origin));
+    return concat(art.foreignMatrix, read_.tree.map(art.ref.index));
 }
 
-bool SaveBase::writtenOut(const doc::Art& art) const { return art.source < 0 && elementOf(art) >= 0; }
+bool SaveBase::writtenOut(const doc::Art& art) const { return read_.elementOf(art.ref) < 0 && elementOf(art) >= 0; }
 
 }  // namespace quorvel::interchange

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -38,7 +39,20 @@ struct SvgUse {
     double x = 0, y = 0, width = 0, height = 0;
 };
 
-struct SvgSource : doc::DocumentSource {
+// Paints of a drawing by their texts ("url(#id)" and the like); all there is of one that is in no file yet.
+class PaintTexts : public doc::DocumentSource {
+  public:
+    std::unordered_set<std::string> reservedNames() const override { return {}; }
+    std::string paintText(std::int32_t reference) const override;
+    std::int32_t paintReference(const std::string& text) override;
+    const std::vector<std::string>& all() const { return texts_; }  // number 1 first
+
+  private:
+    std::vector<std::string> texts_;
+    std::unordered_map<std::string, std::int32_t> numbers_;
+};
+
+struct SvgSource : PaintTexts {
     std::unordered_set<std::string> reservedNames() const override;  // of elements that are no art
 
     svg::Tree tree;                           // offsets are those in the text
@@ -58,9 +72,14 @@ struct SvgSource : doc::DocumentSource {
     const SvgRecord& record(std::int32_t number) const { return records[static_cast<std::size_t>(number)]; }
     const svg::SvgNames& names() const { return tree.file->names(); }
     const svg::XmlEntities& entities() const { return tree.file->entities(); }
+    // The element in which the art or layer is written, -1 for none: copies and instances have none of their own.
+    std::int32_t elementOf(const doc::SourceRef& ref) const {
+        const bool isOwn = ref.index >= 0 && !ref.isCopy && !element(ref.index).isInstance;
+        return isOwn ? ref.index : -1;
+    }
 };
 
 // Null for a document that was not read from a file.
-inline SvgSource* svgSource(const doc::Document& document) { return static_cast<SvgSource*>(document.source()); }
+inline SvgSource* svgSource(const doc::Document& document) { return dynamic_cast<SvgSource*>(document.source()); }
 
 }  // namespace quorvel::interchange

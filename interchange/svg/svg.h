@@ -18,11 +18,17 @@ struct SvgDrawing {
     std::string rulerUnit;        // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
 };
 
-// A hostile or damaged file gives an error, with its line and element where there is one. paintSources: texts of paints
-// that have their numbers already.
-Result<SvgDrawing> readSvg(std::string text, std::vector<std::string> paintSources = {});
+// A hostile or damaged file gives an error, with its line and element where there is one. paints: texts of paints that
+// have their numbers already.
+Result<SvgDrawing> readSvg(std::string text, const std::vector<std::string>& paints = {});
 // Errors and warnings name the path.
 Result<SvgDrawing> readSvgFile(const std::string& path);
+
+// A drawing that is in no file yet, without layers. Sides in points.
+std::unique_ptr<doc::Document> newDrawing(float width, float height);
+
+// Texts of the document's paints, number 1 first.
+const std::vector<std::string>& paintTexts(const doc::Document& document);
 
 // The whole file with the document's changes spliced in; the text itself when nothing has changed. A document without a
 // source is written anew. An empty unit is the one that was read, or "pt".

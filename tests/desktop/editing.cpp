@@ -49,7 +49,7 @@ std::size_t PicturesIn(const doc::Document& document) {
 
 std::vector<doc::ArtId> Ids(WindowRig& rig, std::initializer_list<const char*> names) {
     std::vector<doc::ArtId> ids;
-    for (const char* name : names) ids.push_back(rig.document().findBySvgId(name));
+    for (const char* name : names) ids.push_back(rig.document().findByName(name));
     return ids;
 }
 
@@ -60,7 +60,7 @@ TEST(Selecting, KeysWhileTheButtonIsHeldTakeTheArtAway) {
     WindowRig rig;
     desktop::Editing& editing = rig.window->editing();
     rig.press("select");
-    const doc::ArtId plate = rig.document().findBySvgId("plate");
+    const doc::ArtId plate = rig.document().findByName("plate");
     const QPoint inside = rig.pixel(150, 150);
     const auto press = [&] {
         rig.moveTo(inside);
@@ -88,12 +88,12 @@ TEST(Selecting, PicturesAreTakenWhereTheyAreSeen) {
     WindowRig rig;
     Open(rig, PictureDrawing());
     desktop::Editing& editing = rig.window->editing();
-    const doc::ArtId photo = rig.document().findBySvgId("photo"), held = rig.document().findBySvgId("held");
+    const doc::ArtId photo = rig.document().findByName("photo"), held = rig.document().findByName("held");
     EXPECT_EQ(editing.objectAt({301, 261}, 0.5), photo);
     EXPECT_EQ(editing.objectAt({379, 299}, 0.5), photo);
     EXPECT_EQ(editing.objectAt({383, 280}, 0.5), 0U);
     EXPECT_EQ(editing.objectAt({470, 80}, 0.5), held);
-    EXPECT_EQ(editing.partAt({470, 80}, 0.5), rig.document().findBySvgId("inner"));
+    EXPECT_EQ(editing.partAt({470, 80}, 0.5), rig.document().findByName("inner"));
     EXPECT_EQ(editing.objectsIn(QRectF(QPointF(299, 259), QPointF(381, 301))), std::vector({photo}));
     EXPECT_TRUE(editing.objectsIn(QRectF(QPointF(299, 259), QPointF(379, 301))).empty());
     EXPECT_EQ(editing.objectsIn(QRectF(QPointF(440, 50), QPointF(500, 110))), std::vector({held}));
@@ -114,7 +114,7 @@ TEST(Selecting, WhatHasBeenHiddenOrLockedSinceIsLeftAlone) {
     WindowRig rig;
     desktop::Editing& editing = rig.window->editing();
     doc::Document& document = rig.document();
-    const doc::ArtId plate = document.findBySvgId("plate"), hole = document.findBySvgId("hole");
+    const doc::ArtId plate = document.findByName("plate"), hole = document.findByName("hole");
     editing.selectAll();
     document.setHidden(plate, true);
     EXPECT_EQ(editing.selection(), std::vector({hole}));
@@ -212,7 +212,7 @@ TEST(Steps, JoinedStepsAreUndoneAndRedoneAsOne) {
             case 6:
                 return void(document.setLayerTitle(document.layers().front(), std::to_string(by)));
             default:
-                return void(document.setSvgId(art, "id" + std::to_string(by)));
+                return void(document.setName(art, "id" + std::to_string(by)));
         }
     };
     document.begin();
@@ -259,7 +259,7 @@ TEST(Pasting, PicturesComeBackAndAreWritten) {
     editing.paste();
     EXPECT_EQ(editing.selection(), Ids(rig, {"held", "photo", "line"}));
     EXPECT_EQ(PicturesIn(rig.document()), 2U);
-    EXPECT_EQ(editing.objectAt({312 + 40, 248 + 20}, 0.5), rig.document().findBySvgId("photo"));
+    EXPECT_EQ(editing.objectAt({312 + 40, 248 + 20}, 0.5), rig.document().findByName("photo"));
     const std::string dump = rig.dump();
     ASSERT_TRUE(rig.window->file().save());
     ASSERT_TRUE(rig.window->file().open(rig.home.filePath("other.svg")));
@@ -299,7 +299,7 @@ TEST(Pasting, GivesWhatWasCopiedStepByStepAndWhereItMay) {
     WindowRig rig;
     desktop::Editing& editing = rig.window->editing();
     doc::Document& document = rig.document();
-    const doc::ArtId plate = document.findBySvgId("plate");
+    const doc::ArtId plate = document.findByName("plate");
     editing.select({plate});
     editing.copy();
     editing.move({100, 0});

@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "host/host.h"
+#include "interchange/svg/source.h"
 #include "interchange/svg/svg.h"
 #include "render/export.h"
 #include "render/painter.h"
@@ -139,10 +140,9 @@ TEST_F(Painting, ChangedUsesLeaveDefinitionsAlone) {
         defs + "<use id='u' xlink:href='#d'/></svg>");
     ASSERT_TRUE(read);
     doc::Document& document = *read->document;
-    doc::ArtId leaf = document.findBySvgId("u");
+    doc::ArtId leaf = document.findByName("u");
     while (document.find(leaf)->firstChild != 0) leaf = document.find(leaf)->firstChild;
-    EXPECT_EQ(document.find(leaf)->source, -1);
-    EXPECT_GE(document.find(leaf)->origin, 0);
+    EXPECT_TRUE(interchange::svgSource(document)->element(document.find(leaf)->ref.index).isInstance);
     document.begin();
     ASSERT_TRUE(document.transform(leaf, {1, 0, 0, 1, 5, 5}, 1));
     ASSERT_TRUE(document.setTag(leaf, "T", "1"));
@@ -158,10 +158,10 @@ TEST_F(Painting, CopiesLookLikeTheirOriginals) {
         "<svg xmlns='http://www.w3.org/2000/svg' width='100pt' height='100pt' viewBox='0 0 100 100'>"
         "<path id='ring' opacity='.5' fill-rule='evenodd' d='M0 0H20V20H0Z M5 5H15V15H5Z'/></svg>");
     ASSERT_TRUE(read);
-    const doc::ArtId copy = read->document->duplicateArt(read->document->findBySvgId("ring"), "copy");
+    const doc::ArtId copy = read->document->duplicateArt(read->document->findByName("ring"), "copy");
     ASSERT_TRUE(read->document->transform(copy, {1, 0, 0, 1, 50, 0}, 1));
     const doc::ArtId pasted =
-        read->document->insertCopy(read->document->copyOf(read->document->findBySvgId("ring")), kPlaceAboveAll, 0);
+        read->document->insertCopy(read->document->copyOf(read->document->findByName("ring")), kPlaceAboveAll, 0);
     ASSERT_TRUE(read->document->transform(pasted, {1, 0, 0, 1, 0, -50}, 1));
     paint(*read->document);
     for (const auto& [x, y] : {std::pair(50, 0), std::pair(0, 50)}) {

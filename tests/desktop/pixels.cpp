@@ -208,7 +208,7 @@ TEST(Canvas, EditsInGroupsRedrawTheGroups) {
     ASSERT_TRUE(rig.window->file().open(rig.drawing()));
     rig.canvas().shown();
     for (const char* id : {"b", "d", "e"}) {
-        doc::ArtId art = rig.document().findBySvgId(id);
+        doc::ArtId art = rig.document().findByName(id);
         if (rig.document().find(art)->kind == kCompoundPathArt) art = rig.document().find(art)->firstChild;
         ASSERT_TRUE(rig.session->host().edit("Move", [&](doc::Document& document) {
             return document.transform(art, {1, 0, 0, 1, 71.3F, -33.9F}, 1);
@@ -227,9 +227,9 @@ TEST(Canvas, LostReleasesAndKeysLeaveNothingHeld) {
     QTest::mousePress(&rig.canvas(), Qt::LeftButton, {}, start);
     rig.moveTo(rig.pixel(350, 350), Qt::LeftButton);
     rig.moveTo(rig.pixel(350, 350));  // the button was let go over an alert
-    EXPECT_TRUE(rig.document().find(rig.document().findBySvgId("plate"))->selected) << "the band has ended";
+    EXPECT_TRUE(rig.document().find(rig.document().findByName("plate"))->selected) << "the band has ended";
     rig.click(rig.pixel(20, 20));
-    EXPECT_FALSE(rig.document().find(rig.document().findBySvgId("plate"))->selected) << "no press is swallowed";
+    EXPECT_FALSE(rig.document().find(rig.document().findByName("plate"))->selected) << "no press is swallowed";
     QTest::keyPress(&rig.canvas(), Qt::Key_Space);
     EXPECT_EQ(rig.canvas().cursor().shape(), Qt::OpenHandCursor);
     QFocusEvent away(QEvent::FocusOut);

@@ -57,7 +57,7 @@ TEST(Recording, ReplaysToTheSameDump) {
     rig.window->editing().paste();
     rig.window->undo();
     rig.window->redo();
-    rig.window->editing().select({rig.document().findBySvgId("hole")});
+    rig.window->editing().select({rig.document().findByName("hole")});
     rig.window->editing().turn(12.5, {380, 140});
     // Art that bears no id: the comment's leader and the arc.
     rig.window->tools()->choose("Arc Tool [Three Points]");
@@ -97,7 +97,7 @@ TEST(Recording, PastesOfWhatIsGoneReplay) {
     editing.cut();
     editing.paste();
     editing.paste();
-    editing.select({rig.document().findBySvgId("hole")});
+    editing.select({rig.document().findByName("hole")});
     editing.copy();
     editing.move({30, -10});
     editing.paste();
@@ -127,7 +127,7 @@ TEST(Recording, DeedsThatChangeNothingCountNoSteps) {
     rig.window->undo();
     EXPECT_EQ(*rig.document().undoName(), "Undo Straight Dimension Tool");
     rig.press("select");
-    editing.select({rig.document().findBySvgId("plate"), rig.document().findBySvgId("hole")});
+    editing.select({rig.document().findByName("plate"), rig.document().findByName("hole")});
     editing.move({7, 7});
     editing.turn(0, {0, 0});
     rig.window->undo();

@@ -42,7 +42,7 @@ TEST(Window, MovedArtTakesItsDimensionAlong) {
     WindowRig rig;
     rig.dimensionEdge();
     rig.press("select");
-    const doc::ArtId plate = rig.document().findBySvgId("plate");
+    const doc::ArtId plate = rig.document().findByName("plate");
     const RealRect before = rig.document().bounds(plate);
     rig.drag(rig.pixel(150, 150), rig.pixel(150, 150) + QPoint(40, -30));
     const RealRect after = rig.document().bounds(plate);
@@ -405,7 +405,7 @@ TEST(Window, CtrlClickTakesAPartOfAGroup) {
     WindowRig rig;
     rig.dimensionEdge();
     doc::Document& document = rig.document();
-    const doc::ArtId plate = document.findBySvgId("plate"), hole = document.findBySvgId("hole");
+    const doc::ArtId plate = document.findByName("plate"), hole = document.findByName("hole");
     doc::ArtId group = 0;
     rig.session->host().edit("Group", [&](doc::Document& d) {
         group = d.insertArt(kGroupArt, kPlaceAbove, plate);
@@ -435,7 +435,7 @@ TEST(Window, CutAndPasteKeepTags) {
     const std::string text = rig.newestText();
     rig.window->editing().selectAll();
     rig.window->editing().cut();
-    EXPECT_EQ(rig.document().findBySvgId("plate"), 0U);
+    EXPECT_EQ(rig.document().findByName("plate"), 0U);
     rig.window->editing().paste();
     EXPECT_EQ(rig.window->editing().selection().size(), 3U);
     EXPECT_EQ(rig.newestText(), text);

@@ -16,7 +16,7 @@ namespace quorvel::doc {
 namespace {
 
 void write(std::ostream& out, const Art& art) {
-    out << art.id << ' ' << art.kind << ' ' << art.hidden << art.locked << ' ' << art.revision << ' ' << art.svgId;
+    out << art.id << ' ' << art.kind << ' ' << art.hidden << art.locked << ' ' << art.revision << ' ' << art.name;
     for (const Tag& tag : art.tags) out << ' ' << tag.name << '=' << tag.value;
     if (art.path) {
         out << " path " << art.path->closed << ' ' << art.path->style->strokeWidth;
@@ -81,7 +81,7 @@ void expectSound(const Document& document) {
         }
         ASSERT_TRUE(art.below == 0 || document.find(art.below)->above == art.id);
         ASSERT_TRUE(art.firstChild == 0 || document.find(art.firstChild)->parent == art.id);
-        ASSERT_TRUE(art.svgId.empty() || document.find(document.findBySvgId(art.svgId))->svgId == art.svgId);
+        ASSERT_TRUE(art.name.empty() || document.find(document.findByName(art.name))->name == art.name);
         if (art.path && !art.path->segmentSelection.empty()) {
             ASSERT_EQ(art.path->segmentSelection.size(), art.path->segments.size());
         }
@@ -300,8 +300,8 @@ TEST(Document, RefusesWhatCannotStand) {
     EXPECT_FALSE(d.moveArt(group, kPlaceInsideOnTop, group));
     EXPECT_FALSE(d.moveArt(group, kPlaceBelow, path));
     EXPECT_FALSE(d.removeArt(f.root));
-    EXPECT_TRUE(d.setSvgId(group, "g"));
-    EXPECT_FALSE(d.setSvgId(path, "g"));
+    EXPECT_TRUE(d.setName(group, "g"));
+    EXPECT_FALSE(d.setName(path, "g"));
     EXPECT_EQ(d.duplicateArt(path, "g"), 0u);
 
     const float nan = std::numeric_limits<float>::quiet_NaN();
@@ -330,10 +330,10 @@ TEST(Document, RefusesWhatCannotStand) {
         EXPECT_FALSE(d.precedes(stale, compound));
         EXPECT_TRUE(isEmpty(d.bounds(stale)));
     }
-    EXPECT_EQ(d.findBySvgId("g"), 0u);
+    EXPECT_EQ(d.findByName("g"), 0u);
     d.commit("", "");
     d.undo();
-    EXPECT_EQ(d.findBySvgId("g"), group);
+    EXPECT_EQ(d.findByName("g"), group);
     EXPECT_NE(d.find(path), nullptr);
 }
 
@@ -342,30 +342,29 @@ TEST(Document, CopiesAreWholeAndHaveNamesOfTheirOwn) {
     Document& d = f.document;
     const ArtId group = d.loadArt(kGroupArt, f.root), lower = d.loadArt(kPathArt, group),
                 upper = d.loadArt(kPathArt, group), image = d.loadArt(kForeignArt, group);
-    d.loading(group).svgId = "g";
-    d.loading(lower).svgId = "p";
+    d.loading(group).name = "g";
+    d.loading(lower).name = "p";
     d.loading(lower).tags.push_back({"t", "1"});
     d.loading(upper).path->segments = {{{1, 2}, {3, 4}, {5, 6}, 0}};
-    d.loading(image).source = 7;
+    d.loading(image).ref = {7};
     d.finishLoading();
     d.begin();
     for (const char* name : {"copy", "copy again"}) ASSERT_NE(d.duplicateArt(group, name), 0u);
     d.commit("", "");
 
     // Each is put directly above the original, so the later copy comes between.
-    const Art& copy = *d.find(d.findBySvgId("copy"));
-    EXPECT_EQ(d.find(group)->above, d.findBySvgId("copy again"));
-    EXPECT_EQ(copy.below, d.findBySvgId("copy again"));
-    EXPECT_NE(d.findBySvgId("p-2"), 0u);
-    EXPECT_NE(d.findBySvgId("p-3"), 0u);
-    EXPECT_EQ(d.find(d.findBySvgId("p-2"))->parent, copy.id);
-    EXPECT_EQ(*d.tag(d.findBySvgId("p-2"), "t"), "1");
+    const Art& copy = *d.find(d.findByName("copy"));
+    EXPECT_EQ(d.find(group)->above, d.findByName("copy again"));
+    EXPECT_EQ(copy.below, d.findByName("copy again"));
+    EXPECT_NE(d.findByName("p-2"), 0u);
+    EXPECT_NE(d.findByName("p-3"), 0u);
+    EXPECT_EQ(d.find(d.findByName("p-2"))->parent, copy.id);
+    EXPECT_EQ(*d.tag(d.findByName("p-2"), "t"), "1");
     const Art& imageCopy = *d.find(copy.firstChild);
     EXPECT_EQ(imageCopy.kind, kForeignArt);
-    EXPECT_EQ(imageCopy.source, -1);
-    EXPECT_EQ(imageCopy.foreignSource, 7);
+    EXPECT_EQ(imageCopy.ref, (SourceRef{7, true}));
     EXPECT_EQ(d.find(imageCopy.below)->path->segments[0].out.v, 6);
-    EXPECT_EQ(copy.lastChild, d.findBySvgId("p-2"));
+    EXPECT_EQ(copy.lastChild, d.findByName("p-2"));
 }
 
 TEST(Document, TransformsAllBelow) {
@@ -444,15 +443,15 @@ TEST(Document, OneIdForAllElementsOfADamagedFile) {
     std::vector<ArtId> arts;
     for (int i = 0; i < 20000; ++i) {
         arts.push_back(d.loadArt(kForeignArt, f.root));
-        d.loading(arts.back()).svgId = "same";
+        d.loading(arts.back()).name = "same";
     }
     d.finishLoading();
-    EXPECT_EQ(d.findBySvgId("same"), arts[0]);
+    EXPECT_EQ(d.findByName("same"), arts[0]);
     d.begin();
     d.removeArt(arts[0]);
-    EXPECT_EQ(d.findBySvgId("same"), arts[1]);
+    EXPECT_EQ(d.findByName("same"), arts[1]);
     d.rollback();
-    EXPECT_EQ(d.findBySvgId("same"), arts[0]);
+    EXPECT_EQ(d.findByName("same"), arts[0]);
 }
 
 // --- bounds --------------------------------------------------------------------------------------------------------

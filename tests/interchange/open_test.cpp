@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "interchange/svg/source.h"
 #include "tests/interchange/svg_support.h"
 
 namespace quorvel::interchange {
@@ -157,7 +158,7 @@ TEST(SvgRead, SubpathsAreMembersOfACompoundPath) {
     const doc::Art& low = *document->find(two.lastChild);
     EXPECT_EQ(low.path->segments.size(), 3U);
     EXPECT_TRUE(low.path->closed);
-    EXPECT_EQ(low.source, -1);
+    EXPECT_EQ(low.ref.index, -1);
     expectPoint(document->find(two.firstChild)->path->segments[0].p, 20, 200);
     expectAnchors(*document, "one", {{5, 194}});
     // A curve that leads back to the start ends in the first anchor.
@@ -258,7 +259,7 @@ TEST(SvgRead, GradientsHaveTheirAngleAndOtherPaintsTheirText) {
     EXPECT_NEAR(fill("two").gradientAngle, 0, 1e-4);
     EXPECT_EQ(fill("three").kind, kOtherPaint);
     ASSERT_EQ(fill("three").reference, 3);
-    EXPECT_EQ(document->paintSources[2], "url(#p)");
+    EXPECT_EQ(paintTexts(*document)[2], "url(#p)");
 }
 
 // --- texts ---------------------------------------------------------------------------------------------------------
@@ -368,13 +369,13 @@ TEST(SvgRead, UseElementsShowWhatTheyReferTo) {
                   "<g id='loop'><use href='#loop'/></g>"));
     const doc::Art& pair = *document->find(art(*document, "u").firstChild);
     EXPECT_EQ(pair.kind, kGroupArt);
-    EXPECT_EQ(pair.source, -1);
-    EXPECT_TRUE(pair.svgId.empty());
+    EXPECT_EQ(svgSource(*document)->elementOf(pair.ref), -1);
+    EXPECT_TRUE(pair.name.empty());
     const doc::Art& line = *document->find(pair.firstChild);
     expectPoint(line.path->segments[0].p, 20, 160);
     expectPoint(line.path->segments[1].p, 22, 160);
     EXPECT_EQ(line.path->style->strokeWidth, 10);
-    EXPECT_EQ(document->findBySvgId("c"), 0U);
+    EXPECT_EQ(document->findByName("c"), 0U);
     const doc::Art& symbol = *document->find(art(*document, "v").firstChild);
     expectPoint(document->find(symbol.firstChild)->path->segments[0].p, 21, 179);
     EXPECT_GT(document->artCount(), 6U);

@@ -84,11 +84,11 @@ void expectSameText(const doc::TextData& a, const doc::TextData& b) {
 
 void expectSameArt(const doc::Document& da, doc::ArtId ida, const doc::Document& db, doc::ArtId idb) {
     const doc::Art &a = *da.find(ida), &b = *db.find(idb);
-    SCOPED_TRACE("art " + a.svgId);
+    SCOPED_TRACE("art " + a.name);
     EXPECT_EQ(a.kind, b.kind);
     EXPECT_EQ(a.hidden, b.hidden);
     EXPECT_EQ(a.locked, b.locked);
-    EXPECT_EQ(a.svgId, b.svgId);
+    EXPECT_EQ(a.name, b.name);
     ASSERT_EQ(a.tags.size(), b.tags.size());
     for (const doc::Tag& tag : a.tags) {
         const std::string* value = db.tag(idb, tag.name);
@@ -283,7 +283,7 @@ class Draughtsman {
             case 12:
                 if (art.path && !inCompound(art)) document_.setStyle(target, style());
                 if (!isRoot && !inCompound(art) && oneIn(3))
-                    document_.setSvgId(target, "id" + std::to_string(upTo(1000000)));
+                    document_.setName(target, "id" + std::to_string(upTo(1000000)));
                 break;
             default:
                 changeLayer();
@@ -340,7 +340,7 @@ void unifyCompounds(doc::Document* document, doc::ArtId id) {
             document->setStyle(child, *document->find(art.lastChild)->path->style);
             document->setHidden(child, false);
             document->setLocked(child, false);
-            document->setSvgId(child, "");
+            document->setName(child, "");
         }
         unifyCompounds(document, child);
     }

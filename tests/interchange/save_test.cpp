@@ -135,7 +135,7 @@ TEST(SvgWrite, ANewGroupHoldsItsArt) {
             kLine + "\n  </g>",
         [](doc::Document& document) {
             const doc::ArtId group = document.insertArt(kGroupArt, kPlaceAboveAll, 0);
-            document.setSvgId(group, "dim");
+            document.setName(group, "dim");
             document.setTag(group, "T", "1");
             addLine(document, kPlaceInsideOnTop, group);
             addLine(document, kPlaceInsideOnTop, group);
@@ -342,16 +342,16 @@ TEST(SvgWrite, IdsOfDefinitionsAreNotGivenAgain) {
                   "<!-- p-2 --><clipPath id='p-2'/><clipPath id='quorvel-layer-1'/>"));
     const doc::ArtId g = art(*document, "g").id;
     EXPECT_EQ(document->duplicateArt(g, "g-2"), 0U);
-    EXPECT_FALSE(document->setSvgId(g, "p-2"));
+    EXPECT_FALSE(document->setName(g, "p-2"));
     const doc::ArtId copy = document->duplicateArt(g, "copy");
-    EXPECT_EQ(document->find(document->find(copy)->firstChild)->svgId, "p-3");
+    EXPECT_EQ(document->find(document->find(copy)->firstChild)->name, "p-3");
     // The current layer's element gets a name as well.
     document->insertLayer("Top", 0);
     document->setCurrentLayer(document->layers().back());
     EXPECT_NE(writeSvg(*document).find("quorvel-layer-2"), std::string::npos) << writeSvg(*document);
     // What was art's own is free when the art is gone.
     document->removeArt(g);
-    EXPECT_TRUE(document->setSvgId(copy, "g"));
+    EXPECT_TRUE(document->setName(copy, "g"));
 }
 
 TEST(SvgWrite, PrefixesOfOthersAreNotTaken) {

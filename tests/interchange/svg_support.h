@@ -27,7 +27,7 @@ inline std::string page(const std::string& content, const std::string& attribute
 // The art with this id; a failure and the null art's name when there is none.
 inline const doc::Art& art(const doc::Document& document, const std::string& id) {
     static const doc::Art kNone;
-    const doc::Art* found = document.find(document.findBySvgId(id));
+    const doc::Art* found = document.find(document.findByName(id));
     EXPECT_NE(found, nullptr) << id;
     return found ? *found : kNone;
 }

@@ -268,15 +268,15 @@ TEST_F(Recalculate, ARebuiltDimensionKeepsItsNameAndItsPlaceAmongItsSiblings) {
     ArtId holder = 0;
     table.change([&](Document& document) {
         holder = document.insertArt(kGroupArt, kPlaceBelow, above);
-        return document.moveArt(inside, kPlaceInsideOnTop, holder) && document.setSvgId(inside, "width");
+        return document.moveArt(inside, kPlaceInsideOnTop, holder) && document.setName(inside, "width");
     });
     const ArtId note = table.drawLines({{0, 0}, {10, 10}}, false);
-    const std::string name = table.document().find(above)->svgId;
+    const std::string name = table.document().find(above)->name;
     table.move(box, 10, 0);
     table.prefs().flOutLayer = 1;
     recalculate();
     const Document& document = table.document();
-    const ArtId rebuilt = document.findBySvgId("width"), second = document.findBySvgId(name);
+    const ArtId rebuilt = document.findByName("width"), second = document.findByName(name);
     ASSERT_NE(rebuilt, 0U);
     EXPECT_NE(rebuilt, inside);
     EXPECT_EQ(document.find(rebuilt)->parent, holder);

@@ -56,7 +56,7 @@ class Dump {
     void addArt(doc::ArtId id, int depth) {
         const doc::Art& art = *document_.find(id);
         text_ += std::string(static_cast<std::size_t>(depth), ' ') + kindName(art.kind);
-        if (!art.svgId.empty()) text_ += " #" + art.svgId;
+        if (!art.name.empty()) text_ += " #" + art.name;
         if (art.selected && selection_ == Selection::kShown) text_ += " selected";
         if (art.hidden) text_ += " hidden";
         if (art.locked) text_ += " locked";
@@ -89,9 +89,8 @@ class Dump {
         } else if (color.kind == kRgbPaint) {
             text_ += " rgb(" + numbers({color.rgb[0], color.rgb[1], color.rgb[2]}) + ")";
         } else {
-            const std::size_t source = static_cast<std::size_t>(color.reference);
-            text_ += source >= 1 && source <= document_.paintSources.size() ? " " + document_.paintSources[source - 1]
-                                                                            : " unknown";
+            const std::string text = document_.source() ? document_.source()->paintText(color.reference) : "";
+            text_ += text.empty() ? " unknown" : " " + text;
             if (color.kind == kGradientPaint)
                 text_ += " turned(" + numbers({color.gradientAngle, color.gradientHiliteAngle}) + ")";
         }

@@ -110,7 +110,7 @@ class RandomDrawing {
                 document.setHidden(art, below(2) == 0);
                 break;
             case 15:
-                document.setSvgId(art, "id" + std::to_string(below(200)));
+                document.setName(art, "id" + std::to_string(below(200)));
                 break;
             case 16:
                 document.setSelected(art, below(2) == 0);
@@ -136,7 +136,7 @@ class RandomDrawing {
         if (kind == kGroupArt || kind == kCompoundPathArt) parents->push_back(id);
         for (int i = below(5); i > 0 && art.path; --i) art.path->segments.push_back(segment());
         if (art.text) *art.text = text();
-        if (below(2) == 0) art.svgId = "id" + std::to_string(below(100));
+        if (below(2) == 0) art.name = "id" + std::to_string(below(100));
         if (below(5) == 0) art.tags.push_back({word(), word()});
     }
 

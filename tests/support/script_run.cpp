@@ -80,9 +80,9 @@ std::vector<app::RecordedDimension> ScriptRun::dimensions() {
     return found;
 }
 
-const doc::Art& ScriptRun::art(const std::string& svgId) {
-    const doc::Art* found = document().find(document().findBySvgId(svgId));
-    if (found == nullptr) throw std::runtime_error("no art has the id " + svgId);
+const doc::Art& ScriptRun::art(const std::string& name) {
+    const doc::Art* found = document().find(document().findByName(name));
+    if (found == nullptr) throw std::runtime_error("no art has the id " + name);
     return *found;
 }
 

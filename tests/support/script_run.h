@@ -39,7 +39,7 @@ class ScriptRun {
     std::string saved();  // the file as a save would write it now
     // The lowest first, which is the order of making within a layer.
     std::vector<app::RecordedDimension> dimensions();
-    const doc::Art& art(const std::string& svgId);
+    const doc::Art& art(const std::string& name);
     // A dimension's pieces, the lowest first.
     std::vector<const doc::Art*> pieces(const app::RecordedDimension& dimension);
     std::string tag(doc::ArtId art, const std::string& name);  // "(absent)" without it
