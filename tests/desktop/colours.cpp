@@ -46,8 +46,8 @@ std::string drawing() {
             const std::string id = "g" + number + "-" + std::to_string(i);
             gradients += "<linearGradient id='" + id + "'><stop " + stops[i] +
                          "/><stop offset='100%' stop-color='white' stop-opacity='50%'/></linearGradient>";
-            boxes += "<rect x='" + std::to_string(kRow * (i + 1)) + "' y='" + y + "' width='10' height='10' fill='url(#" +
-                     id + ")'/>";
+            boxes += "<rect x='" + std::to_string(kRow * (i + 1)) + "' y='" + y +
+                     "' width='10' height='10' fill='url(#" + id + ")'/>";
         }
         boxes += "<rect y='" + y + "' width='10' height='10' fill='" + colour + "'/>";
         ++row;
