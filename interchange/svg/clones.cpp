@@ -142,11 +142,9 @@ std::string lineBreakBefore(std::string_view text, std::size_t at) {
 
 }  // namespace
 
-std::string expandedUse(const SvgSource& source, const SvgRules& rules, const SvgUse& use, std::uint32_t target) {
+ExpandedUse expandedUse(const SvgSource& source, const SvgRules& rules, const SvgUse& use, std::uint32_t target) {
     const std::uint32_t nameOffset = source.element(use.element).nameOffset;
-    const std::string_view whole = svg::elementText(*source.text, nameOffset);
-    const std::string_view start = svg::startTagText(whole, 1);
-    svg::StartTag group(start, &source.entities());
+    svg::StartTag group(svg::startTagText(*source.text, nameOffset), &source.entities());
     const std::string id = group.attribute("id").value_or("");
     group.rename(source.names().svg + "g");
     for (const std::string& name : group.attributeNames()) {
@@ -169,14 +167,8 @@ std::string expandedUse(const SvgSource& source, const SvgRules& rules, const Sv
 
     const std::string around = lineBreakBefore(*source.text, nameOffset - 1);
     const std::string inside = around.empty() ? "" : around + (around.ends_with('\t') ? "\t" : "  ");
-    std::string out;
     group.setSelfClosing(false);
-    out += group.str();
-    if (!start.ends_with("/>")) {
-        const std::size_t end = whole.rfind('<');
-        out += whole.substr(start.size(), end - start.size());
-    }
-    return out + inside + copy.str() + around + "</" + group.name() + ">";
+    return {group.str(), inside + copy.str() + around + "</" + group.name() + ">"};
 }
 
 }  // namespace quorvel::interchange

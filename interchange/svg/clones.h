@@ -10,7 +10,11 @@
 
 namespace quorvel::interchange {
 
+// In place of the use element: its start tag, what it holds itself (descriptions and the like), and the rest.
+struct ExpandedUse {
+    std::string startTag, rest;
+};
 // target: offset of the name of the element that it refers to.
-std::string expandedUse(const SvgSource& source, const SvgRules& rules, const SvgUse& use, std::uint32_t target);
+ExpandedUse expandedUse(const SvgSource& source, const SvgRules& rules, const SvgUse& use, std::uint32_t target);
 
 }  // namespace quorvel::interchange

@@ -34,7 +34,7 @@ doc::LayerId layerById(std::string_view id, const ArtLoader& loader, const SvgSo
 
 }  // namespace
 
-Result<SvgDrawing> readSvg(std::string text, const std::vector<std::string>& paints) {
+Result<SvgDrawing> readSvg(std::string text) {
     Result<std::shared_ptr<svg::File>> opened = svg::File::open(std::move(text));
     if (!opened) return opened.error();
     const std::shared_ptr<svg::File>& file = *opened;
@@ -52,7 +52,6 @@ Result<SvgDrawing> readSvg(std::string text, const std::vector<std::string>& pai
     SvgDrawing result;
     result.rulerUnit = source->rulerUnit;
     auto document = std::make_unique<doc::Document>(static_cast<float>(page.width), static_cast<float>(page.height));
-    for (const std::string& paint : paints) source->paintReference(paint);
     ArtLoader loader(document.get(), source.get());
     loader.looseLayerTitles = decodeList(rootOwn(own_attribute::kLayerTitles));
     svg::TreeWalk walk(&source->tree, &loader);
@@ -68,7 +67,6 @@ Result<SvgDrawing> readSvg(std::string text, const std::vector<std::string>& pai
     }
     const doc::LayerId layer = layerById(current, loader, *source);
     source->currentLayer = layer;
-    source->artCount = document->artCount();
     result.warnings.assign(walk.warnings.begin(), walk.warnings.end());
     file->releaseMarkup();
     source->tree.elements.shrink_to_fit();

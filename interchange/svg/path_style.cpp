@@ -28,6 +28,14 @@ AIPathStyle pathStyleOf(const svg::ComputedStyle& style, const svg::Affine& toDo
     return result;
 }
 
+StyleTable::StyleTable(std::vector<doc::StylePtr>* styles) : styles_(styles) {
+    for (std::size_t i = 0; i < styles->size(); ++i) {
+        ArtHash print;
+        print.add(*(*styles)[i]);
+        byFingerprint_.try_emplace(print.value(), static_cast<std::int32_t>(i));
+    }
+}
+
 std::int32_t StyleTable::add(const AIPathStyle& style) {
     ArtHash print;
     print.add(style);

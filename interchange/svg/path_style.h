@@ -19,7 +19,8 @@ AIPathStyle pathStyleOf(const svg::ComputedStyle& style, const svg::Affine& toDo
 // Gives equal styles one object and one number.
 class StyleTable {
   public:
-    explicit StyleTable(std::vector<doc::StylePtr>* styles) : styles_(styles) {}
+    // The styles that are there already keep their numbers.
+    explicit StyleTable(std::vector<doc::StylePtr>* styles);
     std::int32_t add(const AIPathStyle& style);
 
   private:

@@ -1,5 +1,5 @@
-// Written out clones are read like any file, and the walk makes the same art in the same order as before: art keeps its
-// name, and gets elements of its own. Nested clones follow round by round.
+// What is written out is read like any other part of a file, and the walk makes the same elements in the same order as
+// before, now with markup of their own. Nested clones follow round by round.
 #include "interchange/svg/save_base.h"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 #include "interchange/svg/art_hash.h"
 #include "interchange/svg/clones.h"
-#include "interchange/svg/svg.h"
+#include "interchange/svg/parts.h"
 #include "interchange/svg/text.h"
 #include "svg/markup/element_spans.h"
 #include "svg/markup/start_tag.h"
@@ -319,11 +319,25 @@ SaveBase::SaveBase(const doc::Document& document, const SvgSource& source) : rea
     rewriteMovedTransforms(document);
 }
 
-bool SaveBase::readAgain(std::string text, const doc::Document& document) {
-    Result<SvgDrawing> result = readSvg(std::move(text), paintTexts(document));
-    // A file whose use elements refer to each other in a circle may read otherwise.
-    if (!result || result->document->artCount() != read_.artCount) return false;
-    again_ = std::move(result->document);
+std::uint32_t SaveBase::offsetNow(std::uint32_t offsetInFile) const {
+    for (const svg::TextEdits& edits : edits_) offsetInFile = edits.map(offsetInFile);
+    return offsetInFile;
+}
+
+// False, and nothing is changed, when the changed elements do not read as the same art: a file whose use elements refer
+// to each other in a circle may read otherwise.
+bool SaveBase::apply(const svg::TextEdits& edits, std::span<const std::int32_t> changed) {
+    SvgSource next = source();
+    next.text = std::make_shared<const std::string>(edits.applied(*next.text));
+    for (svg::Element& element : next.tree.elements) element.nameOffset = edits.map(element.nameOffset);
+    if (next.namedViewOffset != 0) next.namedViewOffset = edits.map(next.namedViewOffset);
+    edits_.push_back(edits);
+    if (!readParts(
+            changed, [this](std::uint32_t offset) { return offsetNow(offset); }, &next)) {
+        edits_.pop_back();
+        return false;
+    }
+    base_ = std::move(next);
     byOffset_.clear();
     return true;
 }
@@ -335,17 +349,23 @@ void SaveBase::writeOutClones(const doc::Document& document) {
         if (stale.empty()) return;
         const SvgSource& now = source();
         const SvgRules rules(now);
-        std::string text;
-        std::size_t copied = 0;
+        svg::TextEdits edits;
+        std::vector<std::int32_t> changed;
         for (std::size_t use : stale) {
-            const svg::Element& element = now.element(now.uses[use].element);
-            const std::size_t begin = element.nameOffset - std::size_t{1};
-            text += std::string_view(*now.text).substr(copied, begin - copied);
-            text += expandedUse(now, rules, now.uses[use], check.target(use));
-            copied = begin + svg::elementText(*now.text, element.nameOffset).size();
+            const std::int32_t element = now.uses[use].element;
+            const std::uint32_t begin = now.element(element).nameOffset - 1;
+            const std::string_view whole = svg::elementText(*now.text, begin + 1);
+            const std::string_view start = svg::startTagText(whole, 1);
+            const ExpandedUse expanded = expandedUse(now, rules, now.uses[use], check.target(use));
+            changed.push_back(element);
+            if (start.size() == whole.size()) {
+                edits.replace(begin, begin + whole.size(), expanded.startTag + expanded.rest);
+            } else {
+                edits.replace(begin, begin + start.size(), expanded.startTag);
+                edits.replace(begin + whole.rfind('<'), begin + whole.size(), expanded.rest);
+            }
         }
-        text += std::string_view(*now.text).substr(copied);
-        if (!readAgain(std::move(text), document)) return;
+        if (!apply(edits, changed)) return;
     }
 }
 
@@ -354,39 +374,27 @@ void SaveBase::rewriteMovedTransforms(const doc::Document& document) {
     if (followers.empty()) return;
     std::ranges::sort(followers, {}, &TransformEdit::element);
     const SvgSource& now = source();
-    std::string text;
-    std::size_t copied = 0;
+    svg::TextEdits edits;
+    std::vector<std::int32_t> changed;
     std::vector<RealMatrix> motions(now.tree.size());
-    for (const TransformEdit& follower : followers) {
-        const std::uint32_t offset = now.element(follower.element).nameOffset;
-        text += std::string_view(*now.text).substr(copied, offset - 1 - copied);
-        text += follower.startTag;
-        copied = offset - 1 + svg::startTagText(*now.text, offset).size();
+    for (TransformEdit& follower : followers) {
+        const std::uint32_t begin = now.element(follower.element).nameOffset - 1;
+        edits.replace(begin, begin + svg::startTagText(*now.text, begin + 1).size(), std::move(follower.startTag));
+        changed.push_back(follower.element);
         motions[static_cast<std::size_t>(follower.element)] = follower.motion;
     }
-    text += std::string_view(*now.text).substr(copied);
     // Those around come first.
     for (std::size_t i = 1; i < motions.size(); ++i) {
         if (isIdentity(motions[i])) motions[i] = motions[static_cast<std::size_t>(now.tree.elements[i].parent)];
     }
-    if (readAgain(std::move(text), document)) motions_ = std::move(motions);
+    if (apply(edits, changed)) motions_ = std::move(motions);
 }
 
-SaveBase::~SaveBase() = default;
+const SvgSource& SaveBase::source() const { return base_ ? *base_ : read_; }
 
-const SvgSource& SaveBase::source() const { return again_ ? *svgSource(*again_) : read_; }
+std::int32_t SaveBase::elementOf(const doc::Art& art) const { return source().elementOf(art.ref); }
 
-std::int32_t SaveBase::elementOf(const doc::Art& art) const {
-    if (!again_) return read_.elementOf(art.ref);
-    const doc::Art* same = again_->find(art.id);
-    return same ? source().elementOf(same->ref) : -1;
-}
-
-std::int32_t SaveBase::elementOf(const doc::Layer& layer) const {
-    if (!again_) return layer.ref.index;
-    const doc::Layer* same = again_->layer(layer.id);
-    return same ? same->ref.index : -1;
-}
+std::int32_t SaveBase::elementOf(const doc::Layer& layer) const { return layer.ref.index; }
 
 std::int32_t SaveBase::elementAt(std::uint32_t nameOffset) const {
     if (byOffset_.empty()) {
@@ -401,7 +409,7 @@ std::int32_t SaveBase::elementAt(std::uint32_t nameOffset) const {
 
 bool SaveBase::isClone(const doc::Art& art) const {
     const std::int32_t element = read_.elementOf(art.ref);
-    return again_ && element >= 0 && read_.element(element).role == Role::kUse;
+    return element >= 0 && read_.element(element).role == Role::kUse && source().element(element).role != Role::kUse;
 }
 
 bool SaveBase::isUnmoved(const doc::Art& art) const {

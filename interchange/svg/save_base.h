@@ -1,12 +1,16 @@
 // The file that saving starts from: as it was read, but for clones that cannot stay clones. A use element is written
-// out when its copy has changed, when what is around it has, or when what it refers to will not look as it did.
+// out when its copy has changed, when what is around it has, or when what it refers to will not look as it did. Its
+// elements have the numbers that they had when the file was read; only what was spliced in is read again.
 #pragma once
 
-#include <memory>
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "document/document.h"
 #include "interchange/svg/source.h"
+#include "svg/markup/text_edits.h"
 
 namespace quorvel::interchange {
 
@@ -14,7 +18,6 @@ class SaveBase {
   public:
     // The document has been read from a file, the source.
     SaveBase(const doc::Document& document, const SvgSource& source);
-    ~SaveBase();
 
     const SvgSource& source() const;
     // Its element there, -1 when it has none. Of a layer: 0 for art in no layer element.
@@ -34,14 +37,15 @@ class SaveBase {
   private:
     void writeOutClones(const doc::Document& document);
     void rewriteMovedTransforms(const doc::Document& document);
-    bool readAgain(std::string text, const doc::Document& document);
+    bool apply(const svg::TextEdits& edits, std::span<const std::int32_t> changed);
+    std::uint32_t offsetNow(std::uint32_t offsetInFile) const;
 
     const SvgSource& read_;
-    mutable std::vector<std::int32_t>
-        byOffset_;                     // elements that are written in the text; listed when it is first asked
-    std::vector<RealMatrix> motions_;  // of elements whose transform, or that of one around them, has been changed
-    std::unique_ptr<doc::Document>
-        again_;  // the file with clones written out; its art has the names that it had in read_
+    std::optional<SvgSource> base_;      // nothing: the one that was read
+    std::vector<svg::TextEdits> edits_;  // from the file to the base, one after the other
+    std::vector<RealMatrix> motions_;    // of elements whose transform, or that of one around them, has been changed
+    // Elements that are written in the text; listed when it is first asked.
+    mutable std::vector<std::int32_t> byOffset_;
 };
 
 // Whether the art of an element, or the layer, looks other than the element says; what is in it counts for use elements

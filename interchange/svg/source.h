@@ -61,7 +61,6 @@ struct SvgSource : PaintTexts {
     std::vector<doc::StylePtr> styles;
     std::vector<SvgTextOrigin> texts;
     std::vector<SvgUse> uses;  // those that are no instances, in their order
-    std::size_t artCount = 0;  // when it was read
     bool hasStyleSheet = false;
     std::string rulerUnit;
     std::uint32_t namedViewOffset = 0;  // of the name of the named view element, 0 when there is none

@@ -18,9 +18,8 @@ struct SvgDrawing {
     std::string rulerUnit;        // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
 };
 
-// A hostile or damaged file gives an error, with its line and element where there is one. paints: texts of paints that
-// have their numbers already.
-Result<SvgDrawing> readSvg(std::string text, const std::vector<std::string>& paints = {});
+// A hostile or damaged file gives an error, with its line and element where there is one.
+Result<SvgDrawing> readSvg(std::string text);
 // Errors and warnings name the path.
 Result<SvgDrawing> readSvgFile(const std::string& path);
 

@@ -67,7 +67,7 @@ XmlNode File::root() {
     if (!markup_) {
         markup_ = std::make_unique<XmlFile>();
         if (!markup_->parse(*text_)) return {};  // only for want of memory: it was parsed before
-        cascade_.sheet.expect(styledElements_);
+        renewAllowance();
     }
     return markup_->root();
 }

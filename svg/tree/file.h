@@ -42,6 +42,9 @@ class File {
     const StyleTable& styles() const { return styles_; }
     Definitions& definitions() { return *definitions_; }
 
+    // Style sheets may cost as much as for the whole file again.
+    void renewAllowance() { cascade_.sheet.expect(styledElements_); }
+
     // The markup is large and is let go when a drawing is open. Asked for again it is parsed again and then stays;
     // nodes from before are no longer good.
     void releaseMarkup();

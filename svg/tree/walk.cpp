@@ -58,25 +58,55 @@ Status TreeWalk::wholeFile() {
 
 Status TreeWalk::content(const XmlNode& element, const ComputedStyle& style, const Affine& map,
                          const Viewport& viewport) {
-    stack_.reserve(kDeepestElement + 2);  // frames stay where they are
-    tree_.ctms.push_back(map);
-    tree_.viewports.push_back({0, viewport});
-    tree_.elements.push_back({.nameOffset = element.offset(), .style = style.number, .role = Role::kRoot});
-    Visit visit;
-    visit.text = *file_.text();
-    visit.node = element;
-    visit.name = element.localName();
-    visit.role = Role::kRoot;
-    visit.element = 0;
-    visit.style = style;
-    visit.map = map;
-    visit.viewport = viewport;
-    visitor_.begin(visit);
+    Visit root;
+    root.text = *file_.text();
+    root.node = element;
+    root.name = element.localName();
+    root.style = style;
+    root.map = map;
+    root.viewport = viewport;
     Frame frame;
     frame.next = element.firstChild();
-    frame.viewport = viewport;
-    frame.map = map;
-    push(std::move(frame), visit);
+    return walk(std::move(frame), root);
+}
+
+Status TreeWalk::part(const XmlNode& element, std::string_view text, const Place& place) {
+    part_ = text;
+    depth_ = place.depth;
+    bool isTooDeep = false;
+    forEachElement(element, [&](const XmlNode&, int depth) {
+        isTooDeep = depth + depth_ > kDeepestElement;
+        return !isTooDeep;
+    });
+    if (isTooDeep) return makeError(ErrorCode::kElementsTooDeep, {std::to_string(kDeepestElement)});
+    Visit root;
+    root.text = text;
+    root.style = file_.styles().at(place.style);
+    root.map = place.map;
+    root.viewport = place.viewport;
+    Frame frame;
+    frame.next = element;
+    frame.single = true;
+    frame.isOfFile = false;
+    return walk(std::move(frame), root);
+}
+
+Status TreeWalk::walk(Frame frame, const Visit& place) {
+    Visit root = place;
+    root.role = Role::kRoot;
+    root.element = static_cast<std::int32_t>(tree_.size());
+    stack_.clear();
+    stack_.reserve(kDeepestElement + 2);  // frames stay where they are
+    tree_.elements.push_back({.nameOffset = root.node ? root.node.offset() : 0,
+                              .ctm = static_cast<std::uint32_t>(tree_.ctms.size()),
+                              .style = root.style.number,
+                              .role = Role::kRoot});
+    tree_.ctms.push_back(root.map);
+    tree_.viewports.push_back({root.element, root.viewport});
+    visitor_.begin(root);
+    frame.map = root.map;
+    frame.viewport = root.viewport;
+    push(std::move(frame), root);
     while (!stack_.empty())
         if (Status done = step(); !done) return done;
     return {};
@@ -109,7 +139,7 @@ bool TreeWalk::payForCopy(const XmlNode& node) {
 Status TreeWalk::readChild(const XmlNode& node) {
     if (!file_.names().isSvg(node)) return {};
     Visit visit;
-    visit.text = *file_.text();
+    visit.text = stack_.back().isOfFile ? std::string_view(*file_.text()) : part_;
     visit.node = node;
     visit.name = node.localName();
     const ElementKind* kind = elementKind(visit.name);
@@ -120,7 +150,8 @@ Status TreeWalk::readChild(const XmlNode& node) {
     const bool isUsedSymbol = stack_.back().single && visit.name == "symbol";
     if (!kind->role && !isUsedSymbol) return {};
     visit.role = kind->role.value_or(Role::kViewport);
-    if (stack_.size() > kDeepestElement) return at(node, ErrorCode::kNestedTooDeeply);
+    if (stack_.size() + static_cast<std::size_t>(depth_) > kDeepestElement)
+        return at(node, ErrorCode::kNestedTooDeeply);
     return readElement(&visit);
 }
 
@@ -194,6 +225,7 @@ std::optional<Error> TreeWalk::openViewport(Visit* visit, Frame* frame) const {
 Status TreeWalk::enterGroup(Visit* visit) {
     Frame frame;
     frame.viewport = visit->viewport;
+    frame.isOfFile = stack_.back().isOfFile;
     const bool makesViewport = visit->role == Role::kViewport;
     if (makesViewport)
         if (const std::optional<Error> error = openViewport(visit, &frame)) return *error;

@@ -58,6 +58,17 @@ class TreeWalk {
     // All that is in the element, which becomes the tree's root; style: its own, computed.
     Status content(const XmlNode& element, const ComputedStyle& style, const Affine& map, const Viewport& viewport);
 
+    // Where a part of a drawing is.
+    struct Place {
+        std::uint32_t style = 0;  // of the element around it
+        Affine map;
+        Viewport viewport;
+        int depth = 0;  // elements around it
+    };
+    // One element of a text that is to take its place in the file; offsets of it and what is in it are in that text,
+    // those of instances in the file. An element of the place, a root, comes before it in the tree.
+    Status part(const XmlNode& element, std::string_view text, const Place& place);
+
   private:
     struct Frame {
         XmlNode next;  // child to be read
@@ -65,13 +76,15 @@ class TreeWalk {
         ComputedStyle style;  // what is inherited
         Affine map;
         Viewport viewport;
-        double diagonal = 0;  // of the viewport
-        bool copied = false;  // below a use element
-        bool single = false;  // only this one child: what a use element refers to
-        XmlNode target;       // of the use element that this frame is of
-        UsePlace use;         // of that use element
+        double diagonal = 0;   // of the viewport
+        bool isOfFile = true;  // its elements are of the file, not of a part
+        bool copied = false;   // below a use element
+        bool single = false;   // only this one child: what a use element refers to
+        XmlNode target;        // of the use element that this frame is of
+        UsePlace use;          // of that use element
     };
 
+    Status walk(Frame frame, const Visit& root);
     Status step();
     Status readChild(const XmlNode& node);
     Status readElement(Visit* visit);
@@ -91,6 +104,8 @@ class TreeWalk {
     File& file_;
     TreeVisitor& visitor_;
     std::vector<Frame> stack_;
+    std::string_view part_;  // the text of the part that is walked
+    int depth_ = 0;          // elements around it
     std::size_t copies_ = 0;
 };
 

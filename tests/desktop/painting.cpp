@@ -83,6 +83,29 @@ TEST_F(Painting, MasksLetThroughByTheirLight) {
     EXPECT_EQ(at(25, 75), paper);
 }
 
+// What is in a definition inherits there and obeys the sheets; it shows nothing of itself, and nothing that is hidden.
+TEST_F(Painting, DefinitionsAreDrawnAsTheirPlaceSays) {
+    paint(
+        "<style>path{marker:url(#m)} .red{fill:#f00}</style><defs>"
+        "<marker id='m' markerUnits='userSpaceOnUse' markerWidth='20' markerHeight='20' refX='5' refY='5'>"
+        "<path class='red' d='M0 0H10V10H0Z'/></marker>"
+        "<g fill='#00f'><pattern id='p' width='10' height='10' patternUnits='userSpaceOnUse'><rect width='10' "
+        "height='10'/></pattern></g>"
+        "<linearGradient id='fade'><stop stop-color='#fff' stop-opacity='0'/><stop offset='1' stop-color='#000'/>"
+        "</linearGradient><mask id='k'><rect width='100' height='20' fill='url(#fade)'/></mask>"
+        "<clipPath id='c'><rect width='10' height='10'/><rect x='20' width='10' height='10' visibility='hidden'/>"
+        "</clipPath></defs>"
+        "<path d='M20 20V20' stroke='none'/><rect y='40' width='20' height='20' fill='url(#p)'/>"
+        "<g mask='url(#k)'><rect width='100' height='20'/></g>"
+        "<g transform='translate(50 50)' clip-path='url(#c)'><rect width='40' height='40'/></g>");
+    EXPECT_EQ(at(22, 22), (std::vector<int>{255, 0, 0}));
+    EXPECT_EQ(at(27, 22), paper) << "the marker's own path bears no marker of its kind";
+    EXPECT_EQ(at(10, 50), (std::vector<int>{0, 0, 255})) << "inherited where the pattern is defined";
+    EXPECT_NEAR(at(50, 5)[0], 191, 3) << "half as light, and half of that let through";
+    EXPECT_EQ(at(55, 55), black);
+    EXPECT_EQ(at(75, 55), paper);
+}
+
 TEST_F(Painting, OpacityIsOfTheWhole) {
     paint(
         "<style>.faint{opacity:.5} #strong{fill-opacity:1}</style>"

@@ -99,6 +99,7 @@ TEST(Safety, CopyOfARunningProgramIsLeftAlone) {
     QProcess other;
     other.start("sleep", {"60"});
     ASSERT_TRUE(other.waitForStarted());
+    ASSERT_TRUE(RescueFolder().mkpath("."));
     const QString copy = RescueFolder().filePath(QString::number(other.processId()) + ".svg");
     WindowRig rig;
     ASSERT_TRUE(QFile::copy(rig.drawing(), copy));

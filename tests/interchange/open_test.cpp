@@ -229,6 +229,24 @@ TEST(SvgRead, PaintFollowsTheCascade) {
     EXPECT_EQ(art(*document, "six").path->style->strokeWidth, 3);
 }
 
+// 210 degrees at 80 % and 40 %: the lightness spreads by 0.4 * 0.8 either way, and green lies half-way.
+TEST(SvgRead, ColoursHaveManyForms) {
+    for (const char* colour :
+         {"hsl(210, 80%, 40%)", "HSLA(210deg 80% 40% / 0.5)", "hsl(-150 80% 40%)",
+          "hsl(0.58333333333333333turn, 80%, 40%, 20%)", "rgb(8% 40% 72%)", "rgba(8%, 40%, 72%, 0.1)"}) {
+        const auto document = open(page(std::string("<path id='p' d='M0 0' fill='") + colour + "'/>"));
+        const AIColor& fill = art(*document, "p").path->style->fill;
+        ASSERT_EQ(fill.kind, kRgbPaint) << colour;
+        EXPECT_NEAR(fill.rgb[0], 0.08, 1e-6) << colour;
+        EXPECT_NEAR(fill.rgb[1], 0.40, 1e-6) << colour;
+        EXPECT_NEAR(fill.rgb[2], 0.72, 1e-6) << colour;
+    }
+    for (const char* colour : {"#0a6f", "rgb(0 170 102)", "rgb(0,170,102,1)", "hsl(156 100% 33.33333333%)"}) {
+        const auto document = open(page(std::string("<path id='p' d='M0 0' fill='") + colour + "'/>"));
+        EXPECT_NEAR(art(*document, "p").path->style->fill.rgb[1], 170 / 255.0, 1e-6) << colour;
+    }
+}
+
 TEST(SvgRead, WidthsAreInPointsAndGraysAreGray) {
     const auto document = open(
         "<svg xmlns='http://www.w3.org/2000/svg' width='100' height='100'><g transform='scale(4)'>"
