@@ -25,15 +25,15 @@ void selectEverything(doc::Document& document, bool selected) {
     }
 }
 
-std::string noArt(const std::string& id) { return "no art has the id \"" + id + "\""; }
+Error noArt(const std::string& id) { return makeError(ErrorCode::kNoArt, {id}); }
 
 template <typename Change>
-std::string changeArt(host::Host& host, const std::string& id, const char* name, Change change) {
+Status changeArt(host::Host& host, const std::string& id, const char* name, Change change) {
     const doc::ArtId art = ArtNames(*host.document()).find(id);
     if (art == 0) return noArt(id);
-    return host.edit(name, [&](doc::Document& document) { return change(document, art); })
-               ? std::string{}
-               : "\"" + id + "\" cannot be changed";
+    if (!host.edit(name, [&](doc::Document& document) { return change(document, art); }))
+        return makeError(ErrorCode::kArtNotEditable, {id});
+    return {};
 }
 
 }  // namespace
@@ -122,7 +122,7 @@ std::optional<Clipboard::Pasted> Clipboard::paste(doc::Document& document, RealP
     return pasted;
 }
 
-std::string takeArt(host::Host& host, const std::vector<std::string>& ids, Clipboard* clipboard) {
+Status takeArt(host::Host& host, const std::vector<std::string>& ids, Clipboard* clipboard) {
     ArtNames names(*host.document());
     std::vector<doc::ArtId> arts;
     for (const std::string& id : ids) {
@@ -133,15 +133,16 @@ std::string takeArt(host::Host& host, const std::vector<std::string>& ids, Clipb
     return {};
 }
 
-std::string pasteArt(host::Host& host, const Clipboard& clipboard, double h, double v) {
-    if (clipboard.empty()) return "nothing has been taken for pasting";
+Status pasteArt(host::Host& host, const Clipboard& clipboard, double h, double v) {
+    if (clipboard.empty()) return makeError(ErrorCode::kNothingToPaste);
     const RealPoint by{static_cast<float>(h), static_cast<float>(v)};
     const bool done =
         host.edit("Paste", [&](doc::Document& document) { return clipboard.paste(document, by).has_value(); });
-    return done ? std::string{} : "what has been taken cannot be put here";
+    if (!done) return makeError(ErrorCode::kNotPasteable);
+    return {};
 }
 
-std::string selectArt(host::Host& host, const std::vector<std::string>& ids) {
+Status selectArt(host::Host& host, const std::vector<std::string>& ids) {
     std::vector<doc::ArtId> arts;
     const bool all = ids.size() == 1 && ids[0] == "all", none = ids.size() == 1 && ids[0] == "none";
     if (!all && !none) {
@@ -159,13 +160,13 @@ std::string selectArt(host::Host& host, const std::vector<std::string>& ids) {
     return {};
 }
 
-std::string moveArt(host::Host& host, const std::string& id, double h, double v) {
+Status moveArt(host::Host& host, const std::string& id, double h, double v) {
     const RealMatrix matrix{1, 0, 0, 1, static_cast<float>(h), static_cast<float>(v)};
     return changeArt(host, id, "Move",
                      [&](doc::Document& document, doc::ArtId art) { return document.transform(art, matrix, 1); });
 }
 
-std::string turnArt(host::Host& host, const std::string& id, double degrees, RealPoint pivot) {
+Status turnArt(host::Host& host, const std::string& id, double degrees, RealPoint pivot) {
     const double angle = degrees * std::numbers::pi / 180;
     const double c = std::cos(angle), s = std::sin(angle);
     const RealMatrix matrix{static_cast<float>(c),
@@ -178,13 +179,13 @@ std::string turnArt(host::Host& host, const std::string& id, double degrees, Rea
                      [&](doc::Document& document, doc::ArtId art) { return document.transform(art, matrix, 1); });
 }
 
-std::string copyArt(host::Host& host, const std::string& id, const std::string& newId) {
-    if (host.document()->findByName(newId) != 0) return "the id \"" + newId + "\" is taken";
+Status copyArt(host::Host& host, const std::string& id, const std::string& newId) {
+    if (host.document()->findByName(newId) != 0) return makeError(ErrorCode::kIdTaken, {newId});
     return changeArt(host, id, "Copy",
                      [&](doc::Document& document, doc::ArtId art) { return document.duplicateArt(art, newId) != 0; });
 }
 
-std::string deleteArt(host::Host& host, const std::string& id) {
+Status deleteArt(host::Host& host, const std::string& id) {
     return changeArt(host, id, "Delete",
                      [](doc::Document& document, doc::ArtId art) { return document.removeArt(art); });
 }
@@ -198,19 +199,24 @@ doc::LayerId layerTitled(const doc::Document& document, const std::string& title
     return 0;
 }
 
-std::string noLayer(const std::string& title) { return "no layer is titled \"" + title + "\""; }
+Error noLayer(const std::string& title) { return makeError(ErrorCode::kNoLayer, {title}); }
+
+Status layerChanged(bool done, const std::string& title) {
+    if (!done) return makeError(ErrorCode::kLayerNotEditable, {title});
+    return {};
+}
 
 }  // namespace
 
-std::string renameLayer(host::Host& host, const std::string& title, const std::string& newTitle) {
+Status renameLayer(host::Host& host, const std::string& title, const std::string& newTitle) {
     const doc::LayerId found = layerTitled(*host.document(), title);
     if (found == 0) return noLayer(title);
     const bool done =
         host.edit("Layer", [&](doc::Document& document) { return document.setLayerTitle(found, newTitle); });
-    return done ? std::string{} : "the layer \"" + title + "\" cannot be changed";
+    return layerChanged(done, title);
 }
 
-std::string changeLayer(host::Host& host, const std::string& title, const std::string& what) {
+Status changeLayer(host::Host& host, const std::string& title, const std::string& what) {
     const doc::LayerId found = layerTitled(*host.document(), title);
     if (what != "new" && found == 0) return noLayer(title);
     if (what == "current") {
@@ -231,7 +237,7 @@ std::string changeLayer(host::Host& host, const std::string& title, const std::s
         if (what == "hide" || what == "show") return document.setLayerVisible(found, what == "show");
         return document.setLayerEditable(found, what == "unlock");
     });
-    return done ? std::string{} : "the layer \"" + title + "\" cannot be changed";
+    return layerChanged(done, title);
 }
 
 }  // namespace quorvel::app

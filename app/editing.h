@@ -1,5 +1,5 @@
-// The host's own editing, as scripts and the window do it: by name, each call one undo step. The text is the cause
-// when it could not be done, else empty.
+// The host's own editing, as scripts and the window do it: by name, each call one undo step. After an error nothing has
+// changed.
 #pragma once
 
 #include <optional>
@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/result.h"
 #include "host/host.h"
 
 namespace quorvel::app {
@@ -49,15 +50,15 @@ class Clipboard {
 bool isEditable(const doc::Document& document, doc::ArtId art);
 
 // "all", "none" or ids; hidden and locked art too; groups and compound paths with all their members.
-std::string selectArt(host::Host& host, const std::vector<std::string>& ids);
-std::string moveArt(host::Host& host, const std::string& id, double h, double v);
-std::string turnArt(host::Host& host, const std::string& id, double degrees, RealPoint pivot);
-std::string copyArt(host::Host& host, const std::string& id, const std::string& newId);
-std::string takeArt(host::Host& host, const std::vector<std::string>& ids, Clipboard* clipboard);
-std::string pasteArt(host::Host& host, const Clipboard& clipboard, double h, double v);
-std::string deleteArt(host::Host& host, const std::string& id);
+Status selectArt(host::Host& host, const std::vector<std::string>& ids);
+Status moveArt(host::Host& host, const std::string& id, double h, double v);
+Status turnArt(host::Host& host, const std::string& id, double degrees, RealPoint pivot);
+Status copyArt(host::Host& host, const std::string& id, const std::string& newId);
+Status takeArt(host::Host& host, const std::vector<std::string>& ids, Clipboard* clipboard);
+Status pasteArt(host::Host& host, const Clipboard& clipboard, double h, double v);
+Status deleteArt(host::Host& host, const std::string& id);
 // what: new, current, hide, show, lock, unlock, up, down.
-std::string changeLayer(host::Host& host, const std::string& title, const std::string& what);
-std::string renameLayer(host::Host& host, const std::string& title, const std::string& newTitle);
+Status changeLayer(host::Host& host, const std::string& title, const std::string& what);
+Status renameLayer(host::Host& host, const std::string& title, const std::string& newTitle);
 
 }  // namespace quorvel::app

@@ -1,9 +1,10 @@
 // Cutting scripts into lines and words, and checking each line against the table of verbs before anything runs.
 #include "app/script.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <map>
+#include <utility>
 
 namespace quorvel::app {
 
@@ -11,7 +12,7 @@ namespace {
 
 // What may stand behind a verb: how many words, and which of them are numbers from the first on.
 struct VerbRow {
-    const char* verb;
+    std::string_view verb;
     int fewest, most;     // most -1: any number
     const char* numbers;  // from the first word on: "n" for a number, "i" for a whole one, "." for another word
 };
@@ -70,8 +71,8 @@ bool isOneOf(const std::string& word, std::string_view choices) {
     return false;
 }
 
-// One word from line at position; throws std::invalid_argument.
-ScriptWord readWord(std::string_view line, std::size_t* position) {
+// One word from line at position.
+Result<ScriptWord> readWord(std::string_view line, std::size_t* position) {
     ScriptWord word;
     bool quoted = false;
     for (; *position < line.size(); ++*position) {
@@ -81,7 +82,7 @@ ScriptWord readWord(std::string_view line, std::size_t* position) {
             if (!quoted && word.quotedFrom == ScriptWord::kNotQuoted) word.quotedFrom = word.text.size();
             quoted = !quoted;
         } else if (quoted && c == '\\') {
-            if (++*position >= line.size()) throw std::invalid_argument("a backslash stands at the end of the line");
+            if (++*position >= line.size()) return makeError(ErrorCode::kTrailingBackslash);
             const char escaped = line[*position];
             if (escaped == 'n')
                 word.text += '\n';
@@ -90,82 +91,113 @@ ScriptWord readWord(std::string_view line, std::size_t* position) {
             else if (escaped == '"' || escaped == '\\')
                 word.text += escaped;
             else
-                throw std::invalid_argument(std::string("unknown escape \\") + escaped);
+                return makeError(ErrorCode::kUnknownEscape, {std::string(1, escaped)});
         } else {
             word.text += c;
         }
     }
-    if (quoted) throw std::invalid_argument("a text is not closed");
+    if (quoted) return makeError(ErrorCode::kOpenText);
     return word;
 }
 
-std::vector<ScriptWord> readWords(std::string_view line) {
+Result<std::vector<ScriptWord>> readWords(std::string_view line) {
     std::vector<ScriptWord> words;
     std::size_t position = 0;
     while (true) {
         while (position < line.size() && (line[position] == ' ' || line[position] == '\t')) ++position;
         if (position >= line.size() || line[position] == '#') return words;
-        words.push_back(readWord(line, &position));
+        Result<ScriptWord> word = readWord(line, &position);
+        if (!word) return word.error();
+        words.push_back(std::move(*word));
     }
 }
 
-void checkNumbers(const std::vector<ScriptWord>& words, std::string_view numbers, std::size_t from) {
+Status checkNumbers(const std::vector<ScriptWord>& words, std::string_view numbers, std::size_t from) {
     for (std::size_t i = 0; i < numbers.size() && from + i < words.size(); ++i) {
-        if (numbers[i] == 'n') numberIn(words[from + i]);
-        if (numbers[i] == 'i') integerIn(words[from + i]);
+        const ScriptWord& word = words[from + i];
+        if (numbers[i] == 'n')
+            if (const auto number = numberIn(word); !number) return number.error();
+        if (numbers[i] == 'i')
+            if (const auto number = integerIn(word); !number) return number.error();
     }
+    return {};
 }
 
-void checkExpect(const ScriptLine& line) {
+Status checkExpect(const ScriptLine& line) {
     for (const ExpectRow& row : kExpects) {
         if (line.words[0].text != row.what) continue;
         if (line.words.size() != row.words + 1)
-            throw std::invalid_argument("expect " + line.words[0].text + " takes " + std::to_string(row.words) +
-                                        " words");
-        checkNumbers(line.words, row.numbers, 1);
+            return makeError(ErrorCode::kExpectWordCount, {line.words[0].text, std::to_string(row.words)});
+        if (const Status numbers = checkNumbers(line.words, row.numbers, 1); !numbers) return numbers;
         if (line.words[0].text == "menu" && !isOneOf(line.words[2].text, "on off"))
-            throw std::invalid_argument("expect menu takes on or off");
+            return makeError(ErrorCode::kExpectOnOrOff);
     }
+    return {};
 }
 
-void checkPanel(const ScriptLine& line) {
-    const bool takesText = line.words[0].text == "text";
-    if (line.words.size() != (takesText ? 3U : 2U)) throw std::invalid_argument("panel has too few or too many words");
+Status checkWordCount(const ScriptLine& line, std::size_t wanted) {
+    if (line.words.size() != wanted) return makeError(ErrorCode::kWordCount, {line.verb});
+    return {};
 }
 
-void checkLayer(const ScriptLine& line) {
-    const bool takesTitle = line.words[1].text == "title";
-    if (line.words.size() != (takesTitle ? 3U : 2U)) throw std::invalid_argument("layer has too few or too many words");
+Status checkDialog(const ScriptLine& line) {
+    for (std::size_t i = 1; i < line.words.size(); ++i)
+        if (const auto step = dialogStepIn(line.words[i]); !step) return step.error();
+    return {};
 }
 
-void checkDialog(const ScriptLine& line) {
-    for (std::size_t i = 1; i < line.words.size(); ++i) dialogStepIn(line.words[i]);
-}
-
-void checkLine(const ScriptLine& line) {
-    const VerbRow* row = nullptr;
-    for (const VerbRow& candidate : kVerbs)
-        if (line.verb == candidate.verb) row = &candidate;
-    if (row == nullptr) throw std::invalid_argument("unknown verb \"" + line.verb + "\"");
-    const int count = static_cast<int>(line.words.size());
-    if (count < row->fewest || (row->most >= 0 && count > row->most))
-        throw std::invalid_argument(line.verb + " has too few or too many words");
-    checkNumbers(line.words, row->numbers, 0);
+Status checkChoices(const ScriptLine& line) {
     for (const ChoiceRow& choice : kChoices) {
         if (line.verb != choice.verb || choice.place >= line.words.size()) continue;
-        if (!isOneOf(line.words[choice.place].text, choice.choices))
-            throw std::invalid_argument(line.verb + " does not take \"" + line.words[choice.place].text + "\"");
+        const std::string& word = line.words[choice.place].text;
+        if (!isOneOf(word, choice.choices)) return makeError(ErrorCode::kUnknownWord, {line.verb, word});
     }
-    if (line.verb == "expect") checkExpect(line);
-    if (line.verb == "panel") checkPanel(line);
-    if (line.verb == "layer") checkLayer(line);
-    if (line.verb == "dialog") checkDialog(line);
+    return {};
+}
+
+Status checkLine(const ScriptLine& line) {
+    const auto* row = std::ranges::find(kVerbs, std::string_view(line.verb), &VerbRow::verb);
+    if (row == std::end(kVerbs)) return makeError(ErrorCode::kUnknownVerb, {line.verb});
+    const int count = static_cast<int>(line.words.size());
+    if (count < row->fewest || (row->most >= 0 && count > row->most))
+        return makeError(ErrorCode::kWordCount, {line.verb});
+    if (const Status numbers = checkNumbers(line.words, row->numbers, 0); !numbers) return numbers;
+    if (const Status choices = checkChoices(line); !choices) return choices;
+    if (line.verb == "expect") return checkExpect(line);
+    if (line.verb == "panel") return checkWordCount(line, line.words[0].text == "text" ? 3 : 2);
+    if (line.verb == "layer") return checkWordCount(line, line.words[1].text == "title" ? 3 : 2);
+    if (line.verb == "dialog") return checkDialog(line);
+    return {};
+}
+
+Result<ScriptLine> readLine(std::string_view text, int number) {
+    Result<std::vector<ScriptWord>> words = readWords(text);
+    if (!words) return words.error();
+    ScriptLine line;
+    line.number = number;
+    if (words->empty()) return line;
+    line.verb = words->front().text;
+    line.words.assign(words->begin() + 1, words->end());
+    if (const Status checked = checkLine(line); !checked) return checked.error();
+    return line;
 }
 
 }  // namespace
 
-std::string quotedWord(std::string_view text) {
-    std::string out = "\"";
+std::string sentence(const ScriptError& error, Language language) {
+    std::string text = error.script + ":" + std::to_string(error.line) + ": ";
+    for (std::size_t i = 0; i < error.causes.size(); ++i)
+        text += (i == 0 ? "" : "; ") + sentence(error.causes[i], language);
+    return text;
+}
+
+ScriptError inScript(const std::string& script, Error error) {
+    const std::int64_t line = std::exchange(error.line, 0);
+    return {script, line, {std::move(error)}};
+}
+
+std::string escapedText(std::string_view text) {
+    std::string out;
     for (const char c : text) {
         if (c == '"' || c == '\\')
             (out += '\\') += c;
@@ -176,48 +208,62 @@ std::string quotedWord(std::string_view text) {
         else
             out += c;
     }
-    return out + "\"";
+    return out;
 }
 
-double numberIn(const ScriptWord& word) {
+std::string quotedWord(std::string_view text) { return "\"" + escapedText(text) + "\""; }
+
+Result<double> numberIn(const ScriptWord& word) {
     double value = 0;
     const char* end = word.text.data() + word.text.size();
     const auto result = std::from_chars(word.text.data(), end, value);
     if (result.ec != std::errc{} || result.ptr != end || !std::isfinite(value))
-        throw std::invalid_argument("\"" + word.text + "\" is no number");
+        return makeError(ErrorCode::kNotANumber, {word.text});
     return value;
 }
 
-std::int32_t integerIn(const ScriptWord& word) {
-    const double value = numberIn(word);
-    if (!(std::abs(value) <= 2147483647.0) || value != std::trunc(value))
-        throw std::invalid_argument("\"" + word.text + "\" is no whole number");
-    return static_cast<std::int32_t>(value);
+Result<std::int32_t> integerIn(const ScriptWord& word) {
+    const Result<double> value = numberIn(word);
+    if (!value) return value.error();
+    if (!(std::abs(*value) <= 2147483647.0) || *value != std::trunc(*value))
+        return makeError(ErrorCode::kNotAWholeNumber, {word.text});
+    return static_cast<std::int32_t>(*value);
 }
 
-platform::DialogStep dialogStepIn(const ScriptWord& word) {
+Result<platform::DialogStep> dialogStepIn(const ScriptWord& word) {
     using Kind = platform::DialogStep::Kind;
     const std::string& text = word.text;
-    const auto control = [&](std::string_view digits) {
-        return integerIn({std::string(digits), ScriptWord::kNotQuoted});
+    const auto numberFrom = [&](std::size_t first, std::size_t count = std::string::npos) {
+        return integerIn({text.substr(first, count), ScriptWord::kNotQuoted});
     };
-    if (text.starts_with("press:")) return {Kind::press, control(std::string_view(text).substr(6)), {}, 0};
+    const auto step = [](Kind kind, const Result<std::int32_t>& control,
+                         const std::string& value = {}) -> Result<platform::DialogStep> {
+        if (!control) return control.error();
+        return platform::DialogStep{kind, *control, value, 0};
+    };
+    if (text.starts_with("press:")) return step(Kind::press, numberFrom(6));
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos || equals == 0)
-        throw std::invalid_argument("dialog does not take " + quotedWord(text));
+        return makeError(ErrorCode::kUnknownWord, {"dialog", escapedText(text)});
     const bool compares = text[equals - 1] == '?';
-    const std::int32_t id = control(std::string_view(text).substr(0, compares ? equals - 1 : equals));
+    const Result<std::int32_t> control = numberFrom(0, compares ? equals - 1 : equals);
     const std::string value = text.substr(equals + 1);
-    if (compares) return {Kind::expectText, id, value, 0};
+    if (compares) return step(Kind::expectText, control, value);
     if (word.quotedFrom == ScriptWord::kNotQuoted) {
-        if (value == "on") return {Kind::check, id, {}, 0};
-        if (value == "off") return {Kind::uncheck, id, {}, 0};
-        if (value.starts_with("row:")) return {Kind::selectRow, id, {}, control(std::string_view(value).substr(4))};
+        if (value == "on") return step(Kind::check, control);
+        if (value == "off") return step(Kind::uncheck, control);
+        if (value.starts_with("row:")) {
+            const Result<std::int32_t> row = numberFrom(equals + 5);
+            Result<platform::DialogStep> made = step(Kind::selectRow, control);
+            if (made && !row) return row.error();
+            if (made) made->row = *row;
+            return made;
+        }
     }
-    return {Kind::setText, id, value, 0};
+    return step(Kind::setText, control, value);
 }
 
-std::vector<ScriptLine> parseScript(std::string_view text, const std::string& name) {
+Result<std::vector<ScriptLine>> parseScript(std::string_view text) {
     std::vector<ScriptLine> lines;
     int number = 0;
     if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
@@ -227,18 +273,13 @@ std::vector<ScriptLine> parseScript(std::string_view text, const std::string& na
         std::string_view raw = text.substr(0, end);
         text = end == std::string_view::npos ? std::string_view{} : text.substr(end + 1);
         if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
-        try {
-            std::vector<ScriptWord> words = readWords(raw);
-            if (words.empty()) continue;
-            ScriptLine line;
-            line.number = number;
-            line.verb = words.front().text;
-            line.words.assign(words.begin() + 1, words.end());
-            checkLine(line);
-            lines.push_back(std::move(line));
-        } catch (const std::invalid_argument& cause) {
-            throw InputError(name + ":" + std::to_string(number) + ": " + cause.what());
+        Result<ScriptLine> line = readLine(raw, number);
+        if (!line) {
+            Error error = line.error();
+            error.line = number;
+            return error;
         }
+        if (!line->verb.empty()) lines.push_back(std::move(*line));
     }
     return lines;
 }

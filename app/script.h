@@ -3,20 +3,15 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "app/sentences.h"
+#include "base/result.h"
 #include "platform/headless/headless.h"
 
 namespace quorvel::app {
-
-// Bad input: one line that names the file, the line and the cause. The program leaves with 2.
-class InputError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 // A word of a script line, with its quotes and escapes resolved.
 struct ScriptWord {
@@ -31,15 +26,28 @@ struct ScriptLine {
     std::vector<ScriptWord> words;  // behind the verb
 };
 
-// Throws InputError "NAME:LINE: cause" for an unknown verb, an open quote or words that the verb does not take.
-std::vector<ScriptLine> parseScript(std::string_view text, const std::string& name);
-// A text as a script writes it, in quotation marks.
-std::string quotedWord(std::string_view text);
+// What is wrong with a line of a script. The causes have places of their own, such as a line of the drawing that the
+// script opens.
+struct ScriptError {
+    std::string script;  // its path as it was given
+    std::int64_t line = 0;
+    std::vector<Error> causes;
+};
+// "SCRIPT:LINE: CAUSE; CAUSE"
+std::string sentence(const ScriptError& error, Language language);
 
-// One finite decimal number; throws std::invalid_argument with the cause.
-double numberIn(const ScriptWord& word);
-std::int32_t integerIn(const ScriptWord& word);
-// A word of a dialog line behind the dialog's number; throws std::invalid_argument with the cause.
-platform::DialogStep dialogStepIn(const ScriptWord& word);
+// An error for an unknown verb, an open quote or words that the verb does not take; its line is the script's.
+Result<std::vector<ScriptLine>> parseScript(std::string_view text);
+// The same, of a script that has a name.
+ScriptError inScript(const std::string& script, Error error);
+// A text as a script writes it, on one line: in quotation marks, and what goes between them.
+std::string quotedWord(std::string_view text);
+std::string escapedText(std::string_view text);
+
+// One finite decimal number.
+Result<double> numberIn(const ScriptWord& word);
+Result<std::int32_t> integerIn(const ScriptWord& word);
+// A word of a dialog line behind the dialog's number.
+Result<platform::DialogStep> dialogStepIn(const ScriptWord& word);
 
 }  // namespace quorvel::app

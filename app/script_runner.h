@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,11 +12,11 @@
 namespace quorvel::app {
 
 struct ScriptOutcome {
-    bool held = true;
-    std::string fault;  // "NAME:LINE: what was wrong", empty when the script held
+    std::optional<ScriptError> error;  // none: every line held
+    bool isBadInput = false;           // the error is one of a drawing or the profile, not of the script
 };
 
-// tell: called with each line of what happened. Throws InputError for bad input (a drawing that cannot be read).
+// name: the script's path. tell: called with each line of what happened.
 ScriptOutcome runScript(const std::vector<ScriptLine>& lines, const std::string& name, HeadlessSession& session,
                         const std::function<void(const std::string&)>& tell);
 

@@ -3,31 +3,38 @@
 #include <stdlib.h>
 
 #include <filesystem>
+#include <utility>
 
-#include "app/script.h"
+#include "app/profile.h"
 #include "platform/headless/folders.h"
 
 namespace quorvel::app {
 
 namespace fs = std::filesystem;
 
-TemporaryProfile::Folder::Folder() : path_((fs::temp_directory_path() / "quorvel-XXXXXX").string()) {
-    if (mkdtemp(path_.data()) == nullptr) throw InputError(path_ + ": cannot be created");
-}
-
-TemporaryProfile::Folder::~Folder() {
-    std::error_code ignored;  // what cannot be removed is left to the system's own cleaning
-    fs::remove_all(path_, ignored);
-}
-
-TemporaryProfile::TemporaryProfile(const SessionOptions& lender) : options_(lender) {
-    options_.profile = folder_.path();
+Result<TemporaryProfile> TemporaryProfile::make(const SessionOptions& lender) {
+    TemporaryProfile made(lender);
+    std::string folder = (fs::temp_directory_path() / "quorvel-XXXXXX").string();
+    made.options_.profile.clear();
+    if (mkdtemp(folder.data()) == nullptr) return makeError(ErrorCode::kNotCreatable).inFile(folder);
+    made.options_.profile = folder;
     const fs::path from = settingsFileBelow(lender.profile.empty() ? platform::userDocumentsFolder() : lender.profile);
-    const fs::path to = settingsFileBelow(options_.profile);
+    const fs::path to = settingsFileBelow(folder);
     std::error_code error;
-    if (!fs::is_regular_file(from, error)) return;  // a first run has none
+    if (!fs::is_regular_file(from, error)) return made;  // a first run has none
     fs::create_directories(to.parent_path(), error);
-    if (!fs::copy_file(from, to, error)) throw InputError(from.string() + ": " + error.message());
+    if (!fs::copy_file(from, to, error))
+        return makeError(ErrorCode::kSystem, {std::to_string(error.value())}).inFile(from.string());
+    return made;
+}
+
+TemporaryProfile::TemporaryProfile(TemporaryProfile&& other) noexcept : options_(std::move(other.options_)) {
+    other.options_.profile.clear();
+}
+
+TemporaryProfile::~TemporaryProfile() {
+    std::error_code ignored;  // what cannot be removed is left to the system's own cleaning
+    if (!options_.profile.empty()) fs::remove_all(options_.profile, ignored);
 }
 
 }  // namespace quorvel::app

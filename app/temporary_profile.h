@@ -2,34 +2,28 @@
 // that rebuilt dimensions carry) does not end up in the user's own, and no preset stands in its way.
 #pragma once
 
-#include "app/headless_session.h"
+#include <string>
+
+#include "app/plugin_session.h"
 
 namespace quorvel::app {
 
 class TemporaryProfile {
   public:
-    // Throws InputError when the settings cannot be copied; a lender without settings lends the defaults.
-    explicit TemporaryProfile(const SessionOptions& lender);
+    // Copies the lender's settings into a folder of its own, which is gone when this is. A lender without settings
+    // lends the defaults.
+    static Result<TemporaryProfile> make(const SessionOptions& lender);
+    TemporaryProfile(TemporaryProfile&& other) noexcept;
+    TemporaryProfile& operator=(TemporaryProfile&&) = delete;
+    ~TemporaryProfile();
 
     // The lender's, with this profile.
     const SessionOptions& options() const { return options_; }
 
   private:
-    // A folder of its own, gone with it.
-    class Folder {
-      public:
-        Folder();
-        ~Folder();
-        Folder(const Folder&) = delete;
-        Folder& operator=(const Folder&) = delete;
-        const std::string& path() const { return path_; }
+    explicit TemporaryProfile(const SessionOptions& lender) : options_(lender) {}
 
-      private:
-        std::string path_;
-    };
-
-    Folder folder_;
-    SessionOptions options_;
+    SessionOptions options_;  // their profile is the folder; empty when it has been moved from
 };
 
 }  // namespace quorvel::app

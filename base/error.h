@@ -75,6 +75,124 @@ enum class ErrorCode : std::uint16_t {
     // --- a drawing cannot be written -------------------------------------------------------------------------------
     kPageNotWritable,
 
+    // --- the profile and the plug-in ---------------------------------------------------------------------------------
+    kNotCreatable,
+    kNotReadable,
+    kNotWritable,
+    kPluginNotLoaded,      // 1: the loader's words
+    kNoEntryPoint,         // 1: the function's name
+    kStartFailed,          // 1: the plug-in's code
+    kPluginFailed,         // 1: what was thrown
+    kPluginFailedUnknown,  // what was thrown says nothing
+    kInternal,             // 1: what was thrown
+
+    // --- a script cannot be read -------------------------------------------------------------------------------------
+    kOpenText,
+    kTrailingBackslash,
+    kUnknownEscape,    // 1: the character
+    kUnknownVerb,      // 1: the verb
+    kWordCount,        // 1: the verb
+    kExpectWordCount,  // 1: what is expected; 2: how many words
+    kExpectOnOrOff,
+    kUnknownWord,      // 1: the verb; 2: the word
+    kNotANumber,       // 1: the word
+    kNotAWholeNumber,  // 1: the word
+
+    // --- a line of a script cannot be done ---------------------------------------------------------------------------
+    kNoDrawing,
+    kUnknownSetting,  // 1: its key
+    kBadPageSize,
+    kBadZoom,
+    kNoTool,  // 1: the title
+    kNoToolSelected,
+    kNothingToUndo,
+    kNothingToRedo,
+    kNoAction,        // 1: the name
+    kNoMenuItem,      // 1: the name
+    kNoFlyoutItem,    // 1: its number
+    kNoPanelControl,  // 1: its number
+
+    // --- an expectation of a script does not hold --------------------------------------------------------------------
+    kExpectedBeep,
+    kExpectedNoBeep,     // 1: how many
+    kExpectedOther,      // 1: of what; 2: as expected; 3: as found
+    kExpectedAny,        // 1: of what; 2: as expected
+    kExpectedFocus,      // 1: the control; 2: as found
+    kExpectedPixels,     // 1: how many; 2: as found
+    kExpectedMenuState,  // 1: on or off; 2: as found
+    kExpectedMenuItem,   // 1: on or off
+    kUnexpectedAlert,    // 1: its text in quotes
+    kReplyLeft,
+
+    // --- replies of a script to what the plug-in shows -------------------------------------------------------------
+    kUnexpectedBox,          // 1: its kind and text
+    kUnexpectedDialog,       // 1: its number
+    kUnexpectedDialogFirst,  // 1: its number; 2: the one that the next reply is for
+    kUnexpectedFileDialog,
+    kDialogClosed,         // 1: the dialog; 2: the control
+    kDialogNotClosed,      // 1: the dialog
+    kControlMissing,       // 1: the dialog; 2: the control
+    kControlHolds,         // 1: the dialog; 2: the control; 3: the text as expected; 4: as found
+    kControlHidden,        // 1: the dialog; 2: the control
+    kControlDisabled,      // 1: the dialog; 2: the control
+    kControlWithoutText,   // 1: the dialog; 2: the control
+    kControlWithoutRows,   // 1: the dialog; 2: the control
+    kControlNotOn,         // 1: the dialog; 2: the control
+    kControlNotOff,        // 1: the dialog; 2: the control
+    kControlNotPressable,  // 1: the dialog; 2: the control
+    kControlRow,           // 1: the dialog; 2: the control; 3: the row
+    kBlockFreed,
+
+    // --- the host's own editing --------------------------------------------------------------------------------------
+    kNoArt,           // 1: the id
+    kArtNotEditable,  // 1: the id
+    kIdTaken,         // 1: the id
+    kNothingToPaste,
+    kNotPasteable,
+    kNoLayer,           // 1: the title
+    kLayerNotEditable,  // 1: the title
+
+    // --- the command line --------------------------------------------------------------------------------------------
+    kNoCommand,
+    kOptionMissing,        // 1: its name
+    kOptionWithoutValue,   // 1: the kind of value
+    kOptionRepeated,       // 1: how often
+    kUnexpectedArgument,   // 1: the argument
+    kUnexpectedArguments,  // 1: the arguments
+    kNotConvertible,       // 1: the option's name; 2: the value
+    kNotOneOf,             // 1: the value; 2: those that there are
+    kNotAboveZero,
+    kNotInRange,     // 1: the value; 2: the least; 3: the greatest
+    kOptionRefused,  // 1: the option parser's words
+    kOutputOrFolder,
+    kOutputForSeveral,
+    kSameName,
+    kNotFourNumbers,
+    kOnePoint,
+    kNotKeyAndText,
+    kUnknownKey,
+    kNoScheduleTools,
+    kLayerClosed,
+    kNoDimension,  // 1: the id
+    kNoSnapReport,
+    kNoPainter,  // 1: the program
+    kNotRunnable,
+    kNoPipe,
+    kNoProcess,
+    kProcessKilled,  // 1: the signal
+
+    // --- exporting and the window ------------------------------------------------------------------------------------
+    kExportOntoDrawing,
+    kNoDrawingNamed,
+    kNumberNeeded,
+    kWholeNumberNeeded,
+    kLanguageNeeded,
+    kPageEmpty,
+    kPageTooLargeForPdf,
+    kTooManyPixels,  // 1: across; 2: down
+    kNoPictureMemory,
+    kExportEnding,
+
     kEnd,  // behind the last
 };
 
@@ -82,12 +200,16 @@ enum class ErrorCode : std::uint16_t {
 struct Error {
     ErrorCode code = ErrorCode::kNone;
     std::vector<std::string> arguments;  // UTF-8, in the order in which the sentence numbers them
-    std::string file;                    // bytes of the path as it was given
+    std::string file;                    // bytes of the path, or an option of the command line, as it was given
     std::int64_t line = 0;               // from 1; 0: none
     std::string element;                 // of a drawing: the name of the XML element
     std::string elementId;               // its id attribute
 
     auto operator<=>(const Error&) const = default;
+    Error inFile(std::string path) && {
+        file = std::move(path);
+        return std::move(*this);
+    }
 };
 
 inline Error makeError(ErrorCode code, std::vector<std::string> arguments = {}) {

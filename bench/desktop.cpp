@@ -51,14 +51,14 @@ class Times {
 class Session {
   public:
     Session() {
-        desktop::SessionOptions options;
+        app::SessionOptions options;
         options.profile = home_.path().toStdString();
         options.language = "en";
         options.seed = 1;
         options.pluginFile = QUORVEL_PLUGIN_FILE;
         session_ = std::make_unique<desktop::Session>(options);
-        QString error;
-        if (!session_->start(&error)) throw std::runtime_error(error.toStdString());
+        if (const Status started = session_->start(); !started)
+            throw std::runtime_error(app::sentence(started.error(), app::Language::english));
         window_ = std::make_unique<desktop::MainWindow>(session_.get());
         window_->resize(1600, 1000);
         window_->show();
@@ -199,10 +199,9 @@ void compareDrawings() {
         for (const fs::path& path : files) {
             const Result<interchange::SvgDrawing> read = interchange::readSvgFile(path.string());
             const QString ours = folder.filePath(QStringLiteral("ours.png")), name(path.c_str());
-            QString cause;
-            if (!read || !render::exportDrawing(*read->document, QString::fromStdString(path.parent_path().string()),
-                                                {ours}, &cause)) {
-                std::printf("%-40s cannot be drawn: %s\n", path.filename().c_str(), cause.toUtf8().constData());
+            const QString images = QString::fromStdString(path.parent_path().string());
+            if (!read || !render::exportDrawing(*read->document, images, {ours})) {
+                std::printf("%-40s cannot be drawn\n", path.filename().c_str());
                 continue;
             }
             const QImage picture(ours);

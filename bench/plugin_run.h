@@ -78,8 +78,7 @@ class PluginRun {
         hostOptions.offerArtQuery = options.artQuery;
         host_.emplace(hostOptions);
         connect();
-        std::string error;
-        if (!host_->loadPlugin(QUORVEL_PLUGIN_FILE, &error)) throw std::runtime_error(error);
+        if (!host_->loadPlugin(QUORVEL_PLUGIN_FILE)) throw std::runtime_error("the plug-in cannot be loaded");
         if (host_->startup() != kNoErr) throw std::runtime_error("the plug-in did not start");
     }
 

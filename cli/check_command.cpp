@@ -1,13 +1,11 @@
-#include "cli/check_command.h"
-
+// Checks many drawings at once, one process each, as many at a time as there are cores. Results come in the order of
+// the files. Exit status: 0 nothing stale, 1 something is, 2 a file could not be read.
 #include <algorithm>
 #include <iostream>
 
 #include "app/recalculation.h"
-#include "app/script.h"
-#include "app/sentences.h"
-#include "app/temporary_profile.h"
 #include "cli/commands.h"
+#include "cli/drawing_input.h"
 #include "cli/json_output.h"
 #include "cli/workers.h"
 
@@ -20,38 +18,35 @@ std::string withoutLineEnd(std::string text) {
     return text;
 }
 
-WorkerVerdict checkOne(const std::string& file, const app::SessionOptions& options, bool json) {
-    try {
-        const app::TemporaryProfile profile(options);
-        app::HeadlessSession session(profile.options());
-        session.openDrawing(file);
-        for (const std::string& warning : app::warningSentences(session.takeWarnings(), app::Language::english))
-            std::cerr << file << ": " << warning << '\n';
-        session.start();
-        const std::vector<app::DimensionCheck> checks = app::checkDimensions(session);
-        const bool stale = std::any_of(checks.begin(), checks.end(), [](const auto& check) { return check.stale(); });
-        return {stale ? kExitFault : kExitOk, json ? checkJson(file, checks) : app::checkText(file, checks)};
-    } catch (const std::exception& error) {
-        const std::string what = error.what();
-        const std::string line = what.rfind(file, 0) == 0 ? what : file + ": " + what;
-        return {kExitBadInput, json ? errorJson(file, withoutLineEnd(what)) : line + '\n'};
+WorkerVerdict verdictOn(const std::string& file, const Options& options) {
+    const auto drawing = DrawingSession::open(options, file);
+    if (!drawing) {
+        const app::Language language = app::languageOf(options);
+        if (options.isJson) return {kExitBadInput, errorJson(file, app::sentence(drawing.error(), language))};
+        return {kExitBadInput, sentenceFor(file, drawing.error(), language) + '\n'};
     }
+    const std::vector<app::DimensionCheck> checks = app::checkDimensions((*drawing)->session());
+    const bool stale = std::ranges::any_of(checks, [](const auto& check) { return check.stale(); });
+    return {stale ? kExitFault : kExitOk, options.isJson ? checkJson(file, checks) : app::checkText(file, checks)};
 }
 
 }  // namespace
 
-int checkMany(const std::vector<std::string>& files, const app::SessionOptions& options, bool json) {
-    const std::vector<WorkerVerdict> verdicts = runWorkers(
-        files, " drawings checked", [&](std::size_t file, int) { return checkOne(files[file], options, json); });
+Result<int> checkDrawings(const Options& options) {
+    const std::vector<std::string>& files = options.files;
+    const bool json = options.isJson;
+    const auto verdicts = runWorkers({files, " drawings checked", app::languageOf(options),
+                                      [&](std::size_t file, int) { return verdictOn(files[file], options); }});
+    if (!verdicts) return verdicts.error();
     int status = kExitOk;
     if (json) std::cout << "[\n";
-    for (std::size_t i = 0; i < verdicts.size(); ++i) {
-        const WorkerVerdict& verdict = verdicts[i];
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const WorkerVerdict& verdict = (*verdicts)[i];
         const bool unreadable = verdict.status == kExitBadInput;
         (unreadable && !json ? std::cerr : std::cout)
             << (verdict.ended || !json ? verdict.words : errorJson(files[i], withoutLineEnd(verdict.words)))
-            << (json && i + 1 < verdicts.size() ? ",\n" : "");
-        status = std::max(status, verdicts[i].status);
+            << (json && i + 1 < files.size() ? ",\n" : "");
+        status = std::max(status, verdict.status);
     }
     if (json) std::cout << "\n]\n";
     return status;

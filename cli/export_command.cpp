@@ -1,14 +1,12 @@
-#include "cli/export_command.h"
-
+// Drawings as PDF and PNG with no window on the screen: `quorvel-desktop`, the program that paints, is run for each. A
+// drawing that fails is told in a line, and the others follow; the exit status says that one did.
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
 
-#include "app/script.h"
 #include "cli/commands.h"
 #include "cli/output_paths.h"
 #include "cli/workers.h"
@@ -22,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr char kPainter[] = "quorvel-desktop";
 
 // Beside this program, or on the search path.
-std::string painterProgram() {
+Result<std::string> painterProgram() {
     std::error_code absent;
     const fs::path beside = fs::read_symlink("/proc/self/exe", absent).parent_path() / kPainter;
     if (!absent && access(beside.c_str(), X_OK) == 0) return beside.string();
@@ -31,45 +29,39 @@ std::string painterProgram() {
     for (std::string folder; std::getline(folders, folder, ':');)
         if (const fs::path program = fs::path(folder) / kPainter; access(program.c_str(), X_OK) == 0)
             return program.string();
-    throw app::InputError(std::string("export: ") + kPainter +
-                          ", which paints, is neither beside quorvel nor on the path");
+    return makeError(ErrorCode::kNoPainter, {kPainter}).inFile("export");
 }
 
 // Puts the painting program in this process's place; comes back only when that cannot be.
-WorkerVerdict paint(const std::string& program, const std::string& file, const std::string& output, double dotsPerInch,
-                    int words) {
+WorkerVerdict paint(const std::string& program, const std::string& file, const std::string& output,
+                    const Options& options, int words) {
     std::vector<std::string> arguments{program, "--export=" + output};
-    if (dotsPerInch > 0) arguments.push_back("--dpi=" + std::to_string(dotsPerInch));
+    if (options.dotsPerInch > 0) arguments.push_back("--dpi=" + std::to_string(options.dotsPerInch));
+    if (!options.language.empty()) arguments.push_back("--language=" + options.language);
     arguments.insert(arguments.end(), {"--", file});
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     dup2(words, STDERR_FILENO);
     execv(program.c_str(), pointers.data());
-    return {kExitBadInput, program + ": cannot be run\n"};
+    const Error error = makeError(ErrorCode::kNotRunnable).inFile(program);
+    return {kExitBadInput, app::sentence(error, app::languageOf(options)) + '\n'};
 }
 
 }  // namespace
 
-void addExportOptions(CLI::App& command, ExportOptions* options) {
-    command.add_option("FILE", options->files, "the drawings")->required();
-    command.add_option("-o,--output", options->output, "where the drawing goes, OUT.pdf or OUT.png");
-    command.add_option("--out-dir", options->outputFolder, "the folder where all drawings go, by their names");
-    command.add_option("--format", options->format, "what goes into the folder")->check(CLI::IsMember({"pdf", "png"}));
-    command.add_option("--dpi", options->dotsPerInch, "dots per inch of PNG; 192 without it")
-        ->check(CLI::Range(1.0, 10000.0));
-}
-
-int exportDrawings(const ExportOptions& options) {
-    const std::vector<std::string> outputs =
-        outputPaths({"export", options.files, options.output, options.outputFolder, "." + options.format});
-    const std::string program = painterProgram();
-    const std::vector<WorkerVerdict> verdicts =
-        runWorkers(options.files, " drawings exported", [&](std::size_t file, int words) {
-            return paint(program, options.files[file], outputs[file], options.dotsPerInch, words);
-        });
+Result<int> exportDrawings(const Options& options) {
+    const auto outputs = outputPaths(options, "export", "." + options.format);
+    if (!outputs) return outputs.error();
+    const Result<std::string> program = painterProgram();
+    if (!program) return program.error();
+    const auto verdicts =
+        runWorkers({options.files, " drawings exported", app::languageOf(options), [&](std::size_t file, int words) {
+                        return paint(*program, options.files[file], (*outputs)[file], options, words);
+                    }});
+    if (!verdicts) return verdicts.error();
     int status = kExitOk;
-    for (const WorkerVerdict& verdict : verdicts) {
+    for (const WorkerVerdict& verdict : *verdicts) {
         std::cerr << verdict.words;
         status = std::max(status, verdict.status);
     }

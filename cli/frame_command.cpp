@@ -1,15 +1,13 @@
-// Reads the command's options, fills the title block through the Schedule dialog and drags the Schedule tool.
-#include "cli/frame_command.h"
-
-#include <CLI/CLI.hpp>
+// Draws drawing frames from a parts list with no window: the plug-in's own Schedule dialog imports the list, and its
+// own tool is dragged over each drawing. The settings of the user's profile count, and stay as they are. A drawing that
+// fails is told in a line, and the others follow; the exit status says that one did.
 #include <array>
 #include <iostream>
-#include <set>
 
 #include "app/script.h"
-#include "app/sentences.h"
 #include "app/temporary_profile.h"
 #include "cli/commands.h"
+#include "cli/drawing_input.h"
 #include "cli/output_paths.h"
 #include "cli/progress_line.h"
 #include "hostapi/names.h"
@@ -38,62 +36,64 @@ struct Corners {
     RealPoint lower, upper;
 };
 
-Corners parseCorners(const std::string& text) {
+Result<Corners> parseCorners(const std::string& text) {
+    const auto refused = [&](Error error) { return std::move(error).inFile("--at " + text); };
     std::array<float, 4> numbers{};
     std::size_t start = 0;
-    try {
-        for (std::size_t i = 0; i < numbers.size(); ++i) {
-            const std::size_t end = i + 1 < numbers.size() ? text.find(',', start) : text.size();
-            if (end == std::string::npos) throw std::invalid_argument("four numbers, LEFT,BOTTOM,RIGHT,TOP");
-            app::ScriptWord word;
-            word.text = text.substr(start, end - start);
-            numbers[i] = static_cast<float>(app::numberIn(word));
-            start = end + 1;
-        }
-    } catch (const std::invalid_argument& cause) {
-        throw app::InputError("--at " + text + ": " + cause.what());
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const std::size_t end = i + 1 < numbers.size() ? text.find(',', start) : text.size();
+        if (end == std::string::npos) return refused(makeError(ErrorCode::kNotFourNumbers));
+        app::ScriptWord word;
+        word.text = text.substr(start, end - start);
+        const Result<double> number = app::numberIn(word);
+        if (!number) return refused(number.error());
+        numbers[i] = static_cast<float>(*number);
+        start = end + 1;
     }
     const Corners corners{{numbers[0], numbers[1]}, {numbers[2], numbers[3]}};
     if (corners.lower.h == corners.upper.h && corners.lower.v == corners.upper.v)
-        throw app::InputError("--at " + text + ": the two corners are one point");
+        return refused(makeError(ErrorCode::kOnePoint));
     return corners;
 }
 
-const ScheduleWords& wordsOf(app::HeadlessSession& session) {
+const ScheduleWords* wordsOf(app::HeadlessSession& session) {
     for (const ScheduleWords& words : kWords)
-        if (session.host().toolByTitle(words.bottomTool) != nullptr) return words;
-    throw app::InputError("frame: the profile's settings leave the Schedule tools out (oldmode)");
+        if (session.host().toolByTitle(words.bottomTool) != nullptr) return &words;
+    return nullptr;
 }
 
-void throwFault(app::HeadlessSession& session) {
-    const std::string fault = session.user().takeFault();
+// What the plug-in has asked that nobody answered.
+Status faultOf(app::HeadlessSession& session) {
+    std::vector<Error> faults = session.user().takeFaults();
     session.user().takeTranscript();
-    if (!fault.empty()) throw app::InputError("frame: " + fault);
+    if (!faults.empty()) return std::move(faults.front()).inFile("frame");
+    return {};
 }
 
-void importParts(app::HeadlessSession& session, const ScheduleWords& words, const std::string& parts) {
+Status importParts(app::HeadlessSession& session, const ScheduleWords& words, const std::string& parts) {
     // The dialog passes over a file that it cannot read in silence.
-    if (!platform::FileCanBeOpened(parts)) throw app::InputError(parts + ": cannot be read");
+    if (!platform::FileCanBeOpened(parts)) return makeError(ErrorCode::kNotReadable).inFile(parts);
     session.newDrawing(100, 100);  // without a frame in it, so that the dialog edits what the next one will say
     session.user().queueDialog({words.dialog,
                                 {{DialogStep::Kind::selectRow, kPresetListControl, "", kImportRow},
                                  {DialogStep::Kind::press, platform::kOkControl, "", 0}}});
     session.user().queueFile(parts);
     session.host().editOptions(*session.host().toolByTitle(words.bottomTool));
-    throwFault(session);
+    return faultOf(session);
 }
 
-void applySets(app::HeadlessSession& session, const std::vector<std::string>& sets) {
+Status applySets(app::HeadlessSession& session, const std::vector<std::string>& sets) {
     for (const std::string& set : sets) {
         const std::size_t equals = set.find('=');
-        if (equals == std::string::npos) throw app::InputError("--set " + set + ": KEY=TEXT");
+        if (equals == std::string::npos) return makeError(ErrorCode::kNotKeyAndText).inFile("--set " + set);
         const std::string value = platform::FromUtf8(set.substr(equals + 1), platform::kCodePageJapanese);
         if (!session.host().setField(set.substr(0, equals), value))
-            throw app::InputError("--set " + set + ": unknown key");
+            return makeError(ErrorCode::kUnknownKey).inFile("--set " + set);
     }
+    return {};
 }
 
-void drawFrame(app::HeadlessSession& session, const char* toolTitle, const Corners& corners) {
+Status drawFrame(app::HeadlessSession& session, const char* toolTitle, const Corners& corners) {
     host::Host& host = session.host();
     const int beeps = session.user().beeps();
     host.selectTool(*host.toolByTitle(toolTitle));
@@ -103,58 +103,54 @@ void drawFrame(app::HeadlessSession& session, const char* toolTitle, const Corne
     host.sendTool(kSelectorMouseDown, corners.lower, 0);
     host.sendTool(kSelectorMouseDrag, corners.upper, 0);
     host.sendTool(kSelectorMouseUp, corners.upper, 0);
-    throwFault(session);
-    if (session.user().beeps() != beeps) throw app::InputError("the current layer is hidden or locked");
+    if (const Status drawn = faultOf(session); !drawn) return drawn;
+    if (session.user().beeps() != beeps) return makeError(ErrorCode::kLayerClosed);
+    return {};
 }
 
-std::string namedError(const std::string& file, const std::string& cause) {
-    return cause.starts_with(file + ":") ? cause : file + ": " + cause;
+// The plug-in with the parts list in its settings; the words are those of its language.
+Result<const ScheduleWords*> startWithParts(app::HeadlessSession& session, const Options& options) {
+    if (const Status started = session.start(); !started) return started.error();
+    const ScheduleWords* words = wordsOf(session);
+    if (words == nullptr) return makeError(ErrorCode::kNoScheduleTools).inFile("frame");
+    if (const Status imported = importParts(session, *words, options.parts); !imported) return imported.error();
+    if (const Status applied = applySets(session, options.sets); !applied) return applied.error();
+    session.host().setField("flUseGrid", "0");  // the corners are meant as they are given
+    return words;
 }
 
 }  // namespace
 
-void addFrameOptions(CLI::App& command, FrameOptions* options) {
-    command.add_option("FILE", options->files, "the drawings")->required();
-    command.add_option("--parts", options->parts, "the parts list, CSV in code page 932")->required();
-    command.add_option("--set", options->sets, "a setting on top of the list's, KEY=TEXT, such as flZwkTitle=Bracket")
-        ->allow_extra_args(false);
-    command.add_option("--mode", options->mode, "the table stands on the title block or hangs from the top")
-        ->check(CLI::IsMember({"bottom", "top"}));
-    command.add_option("--at", options->at, "the frame, LEFT,BOTTOM,RIGHT,TOP in document points")->required();
-    command.add_option("-o,--output", options->output, "where the drawing goes");
-    command.add_option("--out-dir", options->outputFolder, "the folder where all drawings go, by their names");
-}
-
-int drawFrames(const FrameOptions& options, const app::SessionOptions& sessionOptions) {
-    const Corners corners = parseCorners(options.at);
-    const std::vector<std::string> outputs =
-        outputPaths({"frame", options.files, options.output, options.outputFolder, ""});
-    const app::TemporaryProfile profile(sessionOptions);
-    app::HeadlessSession session(profile.options());
-    session.start();
-    const ScheduleWords& words = wordsOf(session);
-    importParts(session, words, options.parts);
-    applySets(session, options.sets);
-    session.host().setField("flUseGrid", "0");  // the corners are meant as they are given
-    const char* tool = options.mode == "top" ? words.topTool : words.bottomTool;
+Result<int> drawFrames(const Options& options) {
+    const Result<Corners> corners = parseCorners(options.at);
+    if (!corners) return corners.error();
+    const auto outputs = outputPaths(options, "frame", "");
+    if (!outputs) return outputs.error();
+    const Result<app::TemporaryProfile> profile = app::TemporaryProfile::make(options);
+    if (!profile) return profile.error();
+    app::HeadlessSession session(profile->options());
+    const Result<const ScheduleWords*> words = startWithParts(session, options);
+    if (!words) return words.error();
+    const char* tool = options.mode == "top" ? (*words)->topTool : (*words)->bottomTool;
     const ProgressLine progress(options.files.size());
+    const auto frame = [&](const std::string& file, const std::string& output) -> Status {
+        if (const Status opened = session.openDrawing(file); !opened) return opened;
+        if (const std::vector<Error> warnings = session.takeWarnings(); !warnings.empty()) {
+            progress.clear();
+            tellWarnings(file, warnings, session.language());
+        }
+        if (const Status drawn = drawFrame(session, tool, *corners); !drawn) return drawn;
+        return session.saveDrawing(output);
+    };
     int status = kExitOk;
     for (std::size_t i = 0; i < options.files.size(); ++i) {
         const std::string& file = options.files[i];
         progress.show(i + 1, ": " + file);
-        try {
-            session.openDrawing(file);
-            for (const std::string& warning : app::warningSentences(session.takeWarnings(), app::Language::english)) {
-                progress.clear();
-                std::cerr << file << ": " << warning << '\n';
-            }
-            drawFrame(session, tool, corners);
-            session.saveDrawing(outputs[i]);
-        } catch (const app::InputError& error) {
-            progress.clear();
-            std::cerr << namedError(file, error.what()) << '\n';
-            status = kExitBadInput;
-        }
+        const Status framed = frame(file, (*outputs)[i]);
+        if (framed) continue;
+        progress.clear();
+        std::cerr << sentenceFor(file, framed.error(), session.language()) << '\n';
+        status = kExitBadInput;
     }
     return status;
 }

@@ -4,18 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "base/result.h"
+#include "cli/commands.h"
+
 namespace quorvel::cli {
 
-struct OutputRequest {
-    const char* command;
-    const std::vector<std::string>& files;
-    const std::string& output;  // for one drawing
-    const std::string& folder;  // for any number; made when it is not there
-    std::string ending;         // in place of the drawings' own, such as ".pdf"; empty: theirs stays
-};
-
-// One path for each file, in their order. Throws InputError when both or neither of output and folder are given, when
-// one output is to hold several drawings, or when two drawings would bear one name.
-std::vector<std::string> outputPaths(const OutputRequest& question);
+// One path for each file, in their order. command: named by errors. ending: in place of the drawings' own, such as
+// ".pdf"; empty: theirs stays. The output folder is made when it is not there. An error when both or neither of output
+// and folder are given, when one output is to hold several drawings, or when two drawings would have one name.
+Result<std::vector<std::string>> outputPaths(const Options& options, const char* command, const std::string& ending);
 
 }  // namespace quorvel::cli

@@ -1,9 +1,11 @@
-#include "cli/snap_command.h"
-
+// Prints why the cursor lands where it lands: what each search of a tool's chain finds at a point.
+#include <iostream>
 #include <nlohmann/json.hpp>
 
 #include "app/dump.h"
 #include "app/script.h"
+#include "cli/commands.h"
+#include "cli/drawing_input.h"
 #include "hostapi/records.h"
 
 namespace quorvel::cli {
@@ -29,18 +31,29 @@ std::string outcome(const QuorvelSnapRow& row, const std::string& winner) {
     return "did not run: " + winner + " came before it";
 }
 
-Json snapJson(app::HeadlessSession& session, const SnapQuestion& question) {
+Result<RealPoint> pointIn(const std::string& text) {
+    const std::size_t comma = text.find(',');
+    app::ScriptWord h, v;
+    h.text = text.substr(0, comma);
+    v.text = comma == std::string::npos ? "" : text.substr(comma + 1);
+    const Result<double> across = app::numberIn(h), up = app::numberIn(v);
+    for (const Result<double>& number : {across, up})
+        if (!number) return Error(number.error()).inFile("--at " + text);
+    return RealPoint{static_cast<float>(*across), static_cast<float>(*up)};
+}
+
+Result<Json> snapJson(app::HeadlessSession& session, const Options& options, RealPoint at) {
     host::Host& host = session.host();
-    const host::ToolRecord* tool = question.tool.empty() ? (host.tools().empty() ? nullptr : &host.tools().front())
-                                                         : host.toolByTitle(question.tool);
-    if (tool == nullptr) throw app::InputError("--tool: no tool is titled " + app::quotedWord(question.tool));
-    host.setZoom(static_cast<float>(question.zoom));
-    const std::unique_ptr<QuorvelSnapMessage> report = host.snapReport(*tool, question.at);
-    if (report == nullptr) throw app::InputError("the plug-in does not tell what it snaps to");
+    const host::ToolRecord* tool = options.tool.empty() ? (host.tools().empty() ? nullptr : &host.tools().front())
+                                                        : host.toolByTitle(options.tool);
+    if (tool == nullptr) return makeError(ErrorCode::kNoTool, {app::escapedText(options.tool)}).inFile("--tool");
+    host.setZoom(static_cast<float>(options.zoom));
+    const std::unique_ptr<QuorvelSnapMessage> report = host.snapReport(*tool, at);
+    if (report == nullptr) return makeError(ErrorCode::kNoSnapReport);
     Json json;
     json["tool"] = tool->title;
-    json["at"] = Json::array({app::shortest(question.at.h), app::shortest(question.at.v)});
-    json["zoom"] = question.zoom;
+    json["at"] = Json::array({app::shortest(at.h), app::shortest(at.v)});
+    json["zoom"] = options.zoom;
     json["point"] = json["at"];
     json["kind"] = "free";
     json["searches"] = Json::array();
@@ -88,9 +101,18 @@ std::string snapText(const Json& report) {
 
 }  // namespace
 
-std::string snapReport(app::HeadlessSession& session, const SnapQuestion& question, bool asJson) {
-    const Json report = snapJson(session, question);
-    return asJson ? report.dump(1, ' ', false, Json::error_handler_t::replace) + '\n' : snapText(report);
+Result<int> snapAt(const Options& options) {
+    const Result<RealPoint> at = pointIn(options.at);
+    if (!at) return at.error();
+    const auto drawing = DrawingSession::open(options, options.file);
+    if (!drawing) return drawing.error();
+    const Result<Json> report = snapJson((*drawing)->session(), options, *at);
+    if (!report) return report.error();
+    if (options.isJson)
+        std::cout << report->dump(1, ' ', false, Json::error_handler_t::replace) << '\n';
+    else
+        std::cout << snapText(*report);
+    return kExitOk;
 }
 
 }  // namespace quorvel::cli

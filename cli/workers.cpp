@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <thread>
 
-#include "app/script.h"
 #include "cli/commands.h"
 #include "cli/progress_line.h"
 
@@ -22,26 +21,25 @@ struct Worker {
     std::size_t file = 0;
 };
 
-using Work = std::function<WorkerVerdict(std::size_t file, int words)>;
-
 // Nothing that is thrown leaves the process, in which the program's own way out would be taken a second time.
-WorkerVerdict verdictOf(const std::string& file, std::size_t index, const Work& work, int words) {
+WorkerVerdict verdictOf(const WorkerTask& task, std::size_t file, int words) {
     try {
-        return work(index, words);
-    } catch (const std::exception& error) {
-        return {kExitBadInput, file + ": " + error.what() + '\n', false};
+        return task.work(file, words);
+    } catch (const std::exception& thrown) {
+        const Error error = makeError(ErrorCode::kInternal, {thrown.what()}).inFile(task.files[file]);
+        return {kExitBadInput, app::sentence(error, task.language) + '\n', false};
     }
 }
 
 // A process that writes its words into a pipe and leaves with its status.
-Worker startWorker(const std::string& file, std::size_t index, const Work& work) {
+Result<Worker> startWorker(const WorkerTask& task, std::size_t file) {
     int ends[2];
-    if (pipe(ends) != 0) throw app::InputError(file + ": no pipe for its process");
+    if (pipe(ends) != 0) return makeError(ErrorCode::kNoPipe).inFile(task.files[file]);
     const pid_t process = fork();
-    if (process < 0) throw app::InputError(file + ": no process for it");
+    if (process < 0) return makeError(ErrorCode::kNoProcess).inFile(task.files[file]);
     if (process == 0) {
         close(ends[0]);
-        const WorkerVerdict verdict = verdictOf(file, index, work, ends[1]);
+        const WorkerVerdict verdict = verdictOf(task, file, ends[1]);
         std::size_t written = 0;
         while (written < verdict.words.size()) {
             const ssize_t count = write(ends[1], verdict.words.data() + written, verdict.words.size() - written);
@@ -51,11 +49,11 @@ Worker startWorker(const std::string& file, std::size_t index, const Work& work)
         _exit(verdict.status);
     }
     close(ends[1]);
-    return {process, ends[0], index};
+    return Worker{process, ends[0], file};
 }
 
 // Takes what the worker has to say now; true when it has ended.
-bool readWorker(const Worker& worker, const std::string& file, WorkerVerdict* verdict) {
+bool readWorker(const Worker& worker, const WorkerTask& task, WorkerVerdict* verdict) {
     char bytes[65536];
     const ssize_t count = read(worker.pipe, bytes, sizeof bytes);
     if (count > 0) {
@@ -69,8 +67,10 @@ bool readWorker(const Worker& worker, const std::string& file, WorkerVerdict* ve
     }
     verdict->status = WIFEXITED(status) ? WEXITSTATUS(status) : kExitBadInput;
     verdict->ended = WIFEXITED(status);
-    if (!verdict->ended)
-        verdict->words = file + ": its process ended on signal " + std::to_string(WTERMSIG(status)) + '\n';
+    if (verdict->ended) return true;
+    const Error error =
+        makeError(ErrorCode::kProcessKilled, {std::to_string(WTERMSIG(status))}).inFile(task.files[worker.file]);
+    verdict->words = app::sentence(error, task.language) + '\n';
     return true;
 }
 
@@ -87,7 +87,8 @@ bool hasWords(const Worker& worker) {
 
 }  // namespace
 
-std::vector<WorkerVerdict> runWorkers(const std::vector<std::string>& files, const char* did, const Work& work) {
+Result<std::vector<WorkerVerdict>> runWorkers(const WorkerTask& task) {
+    const std::vector<std::string>& files = task.files;
     const std::size_t atOnce = std::max(1U, std::thread::hardware_concurrency());
     const ProgressLine progress(files.size());
     std::vector<WorkerVerdict> verdicts(files.size());
@@ -95,13 +96,14 @@ std::vector<WorkerVerdict> runWorkers(const std::vector<std::string>& files, con
     std::size_t next = 0, ended = 0;
     while (ended < files.size()) {
         while (running.size() < atOnce && next < files.size()) {
-            running.push_back(startWorker(files[next], next, work));
-            ++next;
+            const Result<Worker> worker = startWorker(task, next++);
+            if (!worker) return worker.error();
+            running.push_back(*worker);
         }
         waitForWords(running);
         std::erase_if(running, [&](const Worker& worker) {
-            if (!hasWords(worker) || !readWorker(worker, files[worker.file], &verdicts[worker.file])) return false;
-            progress.show(++ended, did);
+            if (!hasWords(worker) || !readWorker(worker, task, &verdicts[worker.file])) return false;
+            progress.show(++ended, task.did);
             return true;
         });
     }

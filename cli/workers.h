@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "app/sentences.h"
+#include "base/result.h"
+
 namespace quorvel::cli {
 
 // What the process for one file has to say.
@@ -15,10 +18,16 @@ struct WorkerVerdict {
     bool ended = true;  // false: a signal took the process down, and words say which
 };
 
-// work runs in the file's own process; what it returns comes back, and so does what it, or a program that takes its
-// place, writes to the descriptor `words`. Verdicts come in the order of the files. did: for the progress line, as in
-// " drawings checked". Throws InputError when no process can be made.
-std::vector<WorkerVerdict> runWorkers(const std::vector<std::string>& files, const char* did,
-                                      const std::function<WorkerVerdict(std::size_t file, int words)>& work);
+struct WorkerTask {
+    const std::vector<std::string>& files;
+    const char* did;  // for the progress line, as in " drawings checked"
+    app::Language language;
+    // Runs in the file's own process. What it returns comes back, and so does what it, or a program that takes its
+    // place, writes to the descriptor `words`.
+    std::function<WorkerVerdict(std::size_t file, int words)> work;
+};
+
+// Verdicts come in the order of the files. An error when no process can be made.
+Result<std::vector<WorkerVerdict>> runWorkers(const WorkerTask& task);
 
 }  // namespace quorvel::cli

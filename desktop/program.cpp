@@ -25,10 +25,16 @@ namespace {
 
 constexpr int kExitOk = 0, kExitBadInput = 2;
 
-int fail(const QString& text) {
+// The language of everything that is said before a session knows its own.
+app::Language languageAsked = app::Language::english;
+
+int fail(const Error& error) {
+    const QString text = QString::fromStdString(app::sentence(error, languageAsked));
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     return kExitBadInput;
 }
+
+int fail(ErrorCode code, const QString& place) { return fail(makeError(code).inFile(place.toStdString())); }
 
 // Each drawing goes to the name given, or, when that begins with a dot (".pdf"), beside itself under its own name.
 int exportAll(const QString& output, double dotsPerInch, const QStringList& files) {
@@ -39,25 +45,21 @@ int exportAll(const QString& output, double dotsPerInch, const QStringList& file
                                  ? info.path() + QLatin1Char('/') + info.completeBaseName() + output
                                  : output;
         if (QFileInfo(path).absoluteFilePath() == info.absoluteFilePath())
-            return fail(path + QStringLiteral(": is the drawing itself"));
+            return fail(ErrorCode::kExportOntoDrawing, path);
         const Result<interchange::SvgDrawing> read = interchange::readSvgFile(QFile::encodeName(file).toStdString());
-        if (!read) {
-            Error error = read.error();
-            error.file = file.toStdString();
-            return fail(QString::fromStdString(app::sentence(error, app::Language::english)));
-        }
-        QString cause;
-        if (!render::exportDrawing(*read->document, info.absolutePath(), {path, dotsPerInch}, &cause))
-            return fail(path + QStringLiteral(": ") + cause);
+        if (!read) return fail(Error(read.error()).inFile(file.toStdString()));
+        const Status exported = render::exportDrawing(*read->document, info.absolutePath(), {path, dotsPerInch});
+        if (!exported) return fail(Error(exported.error()).inFile(path.toStdString()));
     }
     return kExitOk;
 }
 
-int openWindow(QApplication& program, const SessionOptions& options, ColorScheme scheme, const QStringList& files) {
+int openWindow(QApplication& program, const app::SessionOptions& options, const std::string& recordFile,
+               ColorScheme scheme, const QStringList& files) {
     applyColorScheme(&program, scheme);
-    Session session(options);
-    QString error;
-    if (!session.start(&error)) return fail(error);
+    Session session(options, recordFile);
+    if (const Status started = session.start(); !started) return fail(started.error());
+    languageAsked = session.language();
     MainWindow window(&session);
     window.show();
     if (!window.file().offerRecovery() && !files.isEmpty()) window.file().open(files.front());
@@ -72,7 +74,10 @@ class Application : public QApplication {
         try {
             return QApplication::notify(receiver, event);
         } catch (const std::exception& thrown) {
-            QMessageBox(QMessageBox::Critical, QStringLiteral("Quorvel"), QString::fromUtf8(thrown.what())).exec();
+            const Error error = makeError(ErrorCode::kInternal, {thrown.what()});
+            QMessageBox(QMessageBox::Critical, QStringLiteral("Quorvel"),
+                        QString::fromStdString(app::sentence(error, languageAsked)))
+                .exec();
             return false;
         }
     }
@@ -124,27 +129,25 @@ int runProgram(int argc, char** argv) {
     words.process(program);
 
     const QStringList files = words.positionalArguments();
+    app::SessionOptions options;
+    options.profile = QFile::encodeName(words.value(profile)).toStdString();
+    options.language = words.value(language).toStdString();
+    languageAsked = app::languageOf(options);
     if (words.isSet(exportTo)) {
-        if (files.isEmpty()) return fail(QStringLiteral("--export: no drawing is named"));
+        if (files.isEmpty()) return fail(ErrorCode::kNoDrawingNamed, QStringLiteral("--export"));
         const double dotsPerInch = words.value(dpi).toDouble();
-        if (!(dotsPerInch > 0)) return fail(QStringLiteral("--dpi: a number above 0 is needed"));
+        if (!(dotsPerInch > 0)) return fail(ErrorCode::kNumberNeeded, QStringLiteral("--dpi"));
         return exportAll(words.value(exportTo), dotsPerInch, files);
     }
-    const QString tongue = words.value(language);
-    if (!tongue.isEmpty() && tongue != QLatin1String("ja") && tongue != QLatin1String("en") &&
-        tongue != QLatin1String("ko"))
-        return fail(QStringLiteral("--language: ja, en or ko"));
-    SessionOptions options;
-    options.profile = QFile::encodeName(words.value(profile)).toStdString();
-    options.language = tongue.toStdString();
-    options.recordFile = QFile::encodeName(words.value(record)).toStdString();
+    if (!options.language.empty() && options.language != "ja" && options.language != "en" && options.language != "ko")
+        return fail(ErrorCode::kLanguageNeeded, QStringLiteral("--language"));
     if (words.isSet(seed)) {
         bool read = false;
         options.seed = words.value(seed).toULongLong(&read);
-        if (!read) return fail(QStringLiteral("--seed: a whole number is needed"));
+        if (!read) return fail(ErrorCode::kWholeNumberNeeded, QStringLiteral("--seed"));
     }
     const QString asked = words.value(scheme);
-    return openWindow(program, options,
+    return openWindow(program, options, QFile::encodeName(words.value(record)).toStdString(),
                       asked == QLatin1String("dark")    ? ColorScheme::dark
                       : asked == QLatin1String("light") ? ColorScheme::light
                                                         : savedColorScheme(),

@@ -9,9 +9,8 @@
 #include <regex>
 #include <sstream>
 
-#include "app/headless_session.h"
+#include "app/profile.h"
 #include "app/script.h"
-#include "desktop/causes.h"
 #include "hostapi/names.h"
 #include "platform/file.h"
 #include "platform/text.h"
@@ -24,27 +23,29 @@ constexpr char kFirstUnit[] = "mm";  // of the rulers before a drawing brings it
 
 }  // namespace
 
-Session::Session(const SessionOptions& options) : options_(options) {
-    // The language is written into the profile before anything of it is read.
-    if (!options.language.empty()) app::HeadlessSession({options.profile, options.language, {}, {}});
+Session::Session(const app::SessionOptions& options, const std::string& recordFile)
+    : options_(options), recordFile_(recordFile) {
     user_ = std::make_unique<platform::QtBackend>(options.profile);
     platform::InstallBackend(user_.get());
-    host::HostOptions hostOptions;
-    hostOptions.seed = options.seed;
-    host_ = std::make_unique<host::Host>(hostOptions);
+    plugin_ = std::make_unique<app::PluginSession>(options);
     connectHost();
     connectUser();
 }
 
 Session::~Session() {
     shutdown();
-    host_.reset();
+    plugin_.reset();
     platform::InstallBackend(nullptr);
 }
 
 void Session::connectHost() {
-    host::HostCallbacks& calls = host_->callbacks;
+    host::HostCallbacks& calls = host().callbacks;
     calls.errorAlert = [this](const std::string& text) {
+        recorder_.alertShown(text);
+        user_->showAlert(text);
+    };
+    calls.pluginFailed = [this](const Error& error) {
+        const std::string text = app::sentence(error, language());
         recorder_.alertShown(text);
         user_->showAlert(text);
     };
@@ -87,34 +88,24 @@ void Session::connectUser() {
     };
 }
 
-bool Session::start(QString* error) {
-    const std::string file = options_.pluginFile.empty() ? app::findPluginFile() : options_.pluginFile;
-    std::string cause;
-    if (!options_.recordFile.empty()) {
-        if (!recorder_.open(options_.recordFile, options_.seed)) {
-            *error = QString::fromStdString(options_.recordFile + ": cannot be written");
-            return false;
-        }
+Status Session::start() {
+    if (const Status prepared = plugin_->prepare(); !prepared) return prepared;
+    if (!recordFile_.empty()) {
+        if (!recorder_.open(recordFile_, options_.seed)) return makeError(ErrorCode::kNotWritable).inFile(recordFile_);
         recordSettings();
     }
-    if (!host_->loadPlugin(file, &cause)) {
-        *error = QString::fromStdString(file + ": " + cause);
-        return false;
-    }
-    started_ = true;
-    host_->setRulerUnit(kFirstUnit);
-    const AIErr result = host_->startup();
-    if (result != kNoErr) *error = QString::fromStdString(file + ": start-up failed with " + std::to_string(result));
-    english_ = host_->toolByTitle(kObliqueToolTitle.english) != nullptr;
+    host().setRulerUnit(kFirstUnit);
+    Status started = plugin_->start();
+    if (!plugin_->started()) return started;
+    english_ = host().toolByTitle(kObliqueToolTitle.english) != nullptr;
     speak();
     recordPanel();
-    return result == kNoErr;
+    return started;
 }
 
 void Session::shutdown() {
-    if (!started_) return;
-    started_ = false;
-    host_->shutdown();
+    if (!plugin_->started()) return;
+    plugin_->shutdown();
     recorder_.flush();
 }
 
@@ -153,10 +144,7 @@ QString Session::say(const char* english, const char* japanese) const {
     return QString::fromUtf8(english_ ? english : japanese);
 }
 
-QString Session::sayCause(const std::string& english) const {
-    const QString text = QString::fromStdString(english);
-    return english_ ? text : japaneseCause(text);
-}
+QString Session::say(const Error& error) const { return QString::fromStdString(app::sentence(error, language())); }
 
 void Session::setDark(bool dark, const QColor& background, const QColor& text) {
     dark_ = dark;
@@ -170,16 +158,16 @@ void Session::setDark(bool dark, const QColor& background, const QColor& text) {
     put(background, theme.background);
     put(text, theme.text);
     theme.value = dark ? 1 : 0;
-    host_->setTheme(theme);
+    host().setTheme(theme);
 }
 
 std::string Session::viewTitle() const {
-    return viewName_.toStdString() + " @ " + std::to_string(std::lround(host_->view().zoom * 100)) + "%";
+    return viewName_.toStdString() + " @ " + std::to_string(std::lround(plugin_->host().view().zoom * 100)) + "%";
 }
 
 void Session::openView(const QString& name, int width, int height) {
     viewName_ = name;
-    host::View& view = host_->view();
+    host::View& view = host().view();
     view.width = width;
     view.height = height;
     user_->openView(viewTitle(), width, height);

@@ -11,43 +11,35 @@
 #include <optional>
 #include <string>
 
+#include "app/plugin_session.h"
 #include "app/recorder.h"
 #include "app/sentences.h"
-#include "host/host.h"
 #include "platform/qt/qt_backend.h"
 
 namespace quorvel::desktop {
-
-struct SessionOptions {
-    std::string profile;   // stands for the documents folder; empty: the user's own
-    std::string language;  // "ja", "en", "ko"; empty: as the profile's settings say
-    std::optional<std::uint64_t> seed;
-    std::string pluginFile;  // empty: beside the program
-    std::string recordFile;  // empty: nothing is recorded
-};
 
 class Session : public QObject {
     Q_OBJECT
 
   public:
-    explicit Session(const SessionOptions& options);
+    // recordFile: takes what is done as a script; empty: nothing is recorded.
+    explicit Session(const app::SessionOptions& options, const std::string& recordFile = {});
     ~Session() override;
 
-    // Loads and starts the plug-in. False with the cause when that fails.
-    bool start(QString* error);
+    // Loads and starts the plug-in.
+    Status start();
     void shutdown();
 
-    host::Host& host() { return *host_; }
+    host::Host& host() { return plugin_->host(); }
     platform::QtBackend& user() { return *user_; }
     app::Recorder& recorder() { return recorder_; }
-    doc::Document* document() const { return host_->document(); }
+    doc::Document* document() const { return plugin_->host().document(); }
 
     // One of the two texts, by the language of the tools.
     QString say(const char* english, const char* japanese) const;
     bool english() const { return english_; }
+    QString say(const Error& error) const;
     app::Language language() const { return english_ ? app::Language::english : app::Language::japanese; }
-    // What a part below the window says in English of a failure.
-    QString sayCause(const std::string& english) const;
     // The panel and the icons follow.
     void setDark(bool dark, const QColor& background, const QColor& text);
     bool dark() const { return dark_; }
@@ -74,11 +66,12 @@ class Session : public QObject {
     void speak();
     std::string viewTitle() const;
 
-    SessionOptions options_;
+    app::SessionOptions options_;
+    std::string recordFile_;
     std::unique_ptr<platform::QtBackend> user_;
-    std::unique_ptr<host::Host> host_;
+    std::unique_ptr<app::PluginSession> plugin_;
     app::Recorder recorder_;
-    bool started_ = false, english_ = false, dark_ = false;
+    bool english_ = false, dark_ = false;
     QString viewName_;
     QWidget* panelPage_ = nullptr;
     std::unique_ptr<QTranslator> qtWords_;  // of Qt's own dialogs and buttons

@@ -86,7 +86,7 @@ class PluginUnderTest {
     // What the run has left behind is whole: no suite is held, no reply of ours was wrong.
     void end() {
         require(host_->suitesHeld() == 0);
-        require(user_.takeFault().empty());
+        require(user_.takeFaults().empty());
         require(!user_.repliesLeft());
         user_.takeTranscript();
     }

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/result.h"
 #include "document/document.h"
 #include "hostapi/dimensions.h"
 #include "hostapi/messages.h"
@@ -69,7 +70,8 @@ struct Theme {
 
 // What the program around the host does for it. Each may be left empty.
 struct HostCallbacks {
-    std::function<void(const std::string& text)> errorAlert;
+    std::function<void(const std::string& text)> errorAlert;  // in the plug-in's own words
+    std::function<void(const Error& error)> pluginFailed;     // it has thrown; its message is undone
     std::function<bool(const std::string& text)> yesNoAlert;
     std::function<void(int current, int maximum)> progress;
     std::function<void*(const PanelRecord& panel)> createPanelWindow;
@@ -108,7 +110,7 @@ class Host {
     HostCallbacks callbacks;
 
     // --- the plug-in ---------------------------------------------------------------------------------------------
-    bool loadPlugin(const std::string& file, std::string* error);
+    Status loadPlugin(const std::string& file);
     void attachPlugin(PluginMainProc entry, void* module);  // linked in, for tests
     AIErr startup();                                        // and "AI Application Started Notifier" when it succeeded
     AIErr about();

@@ -57,15 +57,15 @@ void MessageArena::clear() {
 // --- one message
 
 bool HostState::invokeGuarded(const std::function<void()>& call) {
-    std::string failure = "unknown cause";
+    Error failure = makeError(ErrorCode::kPluginFailedUnknown);
     try {
         call();
         return true;
     } catch (const std::exception& thrown) {
-        failure = thrown.what();
+        failure = makeError(ErrorCode::kPluginFailed, {thrown.what()});
     } catch (...) {  // nothing is known of it
     }
-    if (host.callbacks.errorAlert) host.callbacks.errorAlert("The plug-in has failed: " + failure);
+    if (host.callbacks.pluginFailed) host.callbacks.pluginFailed(failure);
     return false;
 }
 

@@ -13,31 +13,27 @@ constexpr char kEntryPoint[] = "PluginMain";
 
 std::string lastLoaderError() {
     const char* text = dlerror();
-    return text != nullptr ? text : "unknown cause";
+    return text != nullptr ? text : "";
 }
 
 }  // namespace
 
-bool Host::loadPlugin(const std::string& file, std::string* error) {
+Status Host::loadPlugin(const std::string& file) {
     // A bare name would be looked for in the system's folders.
     std::error_code unknown;
     const std::filesystem::path path = std::filesystem::absolute(file, unknown);
     void* const library = unknown ? nullptr : dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) {
-        if (error != nullptr)
-            *error = "the plug-in cannot be loaded: " + (unknown ? unknown.message() : lastLoaderError());
-        return false;
-    }
+    if (library == nullptr)
+        return makeError(ErrorCode::kPluginNotLoaded, {unknown ? unknown.message() : lastLoaderError()}).inFile(file);
     const auto entry = reinterpret_cast<PluginMainProc>(dlsym(library, kEntryPoint));
     if (entry == nullptr) {
-        if (error != nullptr) *error = std::string("no plug-in: the library has no ") + kEntryPoint;
         dlclose(library);
-        return false;
+        return makeError(ErrorCode::kNoEntryPoint, {kEntryPoint}).inFile(file);
     }
     attachPlugin(entry, library);
     if (impl_->library != nullptr) dlclose(impl_->library);
     impl_->library = library;
-    return true;
+    return {};
 }
 
 Host::~Host() {

@@ -1,6 +1,7 @@
 // Everything goes through the painter that draws the canvas, so that paper shows what the screen has shown.
 #include "render/export.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -8,10 +9,10 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPrinter>
-#include <QSaveFile>
 #include <algorithm>
 #include <cmath>
 
+#include "files/file_writer.h"
 #include "render/painter.h"
 
 namespace quorvel::render {
@@ -27,18 +28,18 @@ QTransform pageTransform(const doc::Document& document, double scale) {
     return {scale, 0, 0, -scale, 0, document.height() * scale};
 }
 
-bool exportPdf(const doc::Document& document, const QString& folder, const QString& path, QString* error) {
-    if (!(document.width() <= kLargestPdfPage && document.height() <= kLargestPdfPage)) {
-        *error = QStringLiteral("the page is larger than PDF allows, 200 inches");
-        return false;
-    }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        *error = file.errorString();
-        return false;
-    }
+Status writeBytes(const QString& path, const QBuffer& bytes) {
+    return files::writeFile(QFile::encodeName(path).toStdString(),
+                            {bytes.data().constData(), static_cast<std::size_t>(bytes.size())});
+}
+
+Status exportPdf(const doc::Document& document, const QString& folder, const QString& path) {
+    if (!(document.width() <= kLargestPdfPage && document.height() <= kLargestPdfPage))
+        return makeError(ErrorCode::kPageTooLargeForPdf);
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
     {
-        QPdfWriter writer(&file);
+        QPdfWriter writer(&bytes);
         writer.setPageSize(
             QPageSize(QSizeF(document.width(), document.height()), QPageSize::Point, QString(), QPageSize::ExactMatch));
         writer.setPageMargins({});
@@ -49,27 +50,19 @@ bool exportPdf(const doc::Document& document, const QString& folder, const QStri
             .paint(&painter, pageTransform(document, scale),
                    QRectF(0, 0, document.width() * scale, document.height() * scale), {});
     }
-    if (file.commit()) return true;
-    *error = file.errorString();
-    return false;
+    return writeBytes(path, bytes);
 }
 
-bool exportPng(const doc::Document& document, const QString& folder, const ExportTarget& target, QString* error) {
+Status exportPng(const doc::Document& document, const QString& folder, const ExportTarget& target) {
     const double scale = target.dotsPerInch / kPointsPerInch;
     const double across = std::max(1.0, std::round(document.width() * scale));
     const double down = std::max(1.0, std::round(document.height() * scale));
-    if (!(across <= kLargestSide && down <= kLargestSide && across * down <= kMostPixels)) {
-        *error = QStringLiteral("%1 by %2 pixels are too many; take fewer dots per inch")
-                     .arg(across, 0, 'f', 0)
-                     .arg(down, 0, 'f', 0);
-        return false;
-    }
+    if (!(across <= kLargestSide && down <= kLargestSide && across * down <= kMostPixels))
+        return makeError(ErrorCode::kTooManyPixels,
+                         {QString::number(across, 'f', 0).toStdString(), QString::number(down, 'f', 0).toStdString()});
     const QSize size(static_cast<int>(across), static_cast<int>(down));
     QImage image(size, QImage::Format_RGB32);
-    if (image.isNull()) {
-        *error = QStringLiteral("there is no memory for the picture");
-        return false;
-    }
+    if (image.isNull()) return makeError(ErrorCode::kNoPictureMemory);
     image.fill(Qt::white);
     {
         QPainter painter(&image);
@@ -77,24 +70,20 @@ bool exportPng(const doc::Document& document, const QString& folder, const Expor
     }
     image.setDotsPerMeterX(static_cast<int>(std::lround(target.dotsPerInch / 0.0254)));
     image.setDotsPerMeterY(image.dotsPerMeterX());
-    QSaveFile file(target.path);
-    if (file.open(QIODevice::WriteOnly) && image.save(&file, "PNG") && file.commit()) return true;
-    *error = file.errorString();
-    return false;
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    if (!image.save(&bytes, "PNG")) return makeError(ErrorCode::kNoPictureMemory);
+    return writeBytes(target.path, bytes);
 }
 
 }  // namespace
 
-bool exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target, QString* error) {
+Status exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target) {
     const QString ending = QFileInfo(target.path).suffix().toLower();
-    if (!(document.width() > 0 && document.height() > 0)) {
-        *error = QStringLiteral("the page is empty");
-        return false;
-    }
-    if (ending == QLatin1String("pdf")) return exportPdf(document, folder, target.path, error);
-    if (ending == QLatin1String("png")) return exportPng(document, folder, target, error);
-    *error = QStringLiteral("the name must end in .pdf or .png");
-    return false;
+    if (!(document.width() > 0 && document.height() > 0)) return makeError(ErrorCode::kPageEmpty);
+    if (ending == QLatin1String("pdf")) return exportPdf(document, folder, target.path);
+    if (ending == QLatin1String("png")) return exportPng(document, folder, target);
+    return makeError(ErrorCode::kExportEnding);
 }
 
 // A drawing on paper is measured: true size goes before the margins, which a sheet's frame keeps clear by itself.

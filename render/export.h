@@ -5,6 +5,7 @@
 #include <QString>
 #include <QTransform>
 
+#include "base/result.h"
 #include "document/document.h"
 
 class QPrinter;
@@ -18,9 +19,8 @@ struct ExportTarget {
     double dotsPerInch = kPngResolution;  // of PNG
 };
 
-// folder: where linked pictures lie. False with the cause; then nothing is left under the target's name that was not
-// there before.
-bool exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target, QString* error);
+// folder: where linked pictures lie. After an error nothing is left under the target's name that was not there before.
+Status exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target);
 // From the document to a printer's dots on the whole sheet: at true size where the paper holds the page, else as large
 // as fits between the margins.
 QTransform printTransform(const doc::Document& document, const QPageLayout& paper, int dotsPerInch);

@@ -102,8 +102,7 @@ QString DrawingFile::folder() const {
 
 void DrawingFile::tell(Error error, const QString& path) {
     error.file = QFileInfo(path).fileName().toStdString();
-    const QString text = QString::fromStdString(app::sentence(error, session_->language()));
-    QMessageBox(QMessageBox::Warning, QStringLiteral("Quorvel"), text, QMessageBox::Ok, window_).exec();
+    QMessageBox(QMessageBox::Warning, QStringLiteral("Quorvel"), session_->say(error), QMessageBox::Ok, window_).exec();
 }
 
 // --- opening

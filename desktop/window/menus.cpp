@@ -200,11 +200,10 @@ void MainWindow::exportAs(const char* ending) {
         file_.folder() + QLatin1Char('/') + QFileInfo(file_.name()).completeBaseName() + QLatin1Char('.') + suffix;
     const QString path = askSaveName(*session_, this, session_->say("Export", "書き出し"), proposed, suffix);
     if (path.isEmpty()) return;
-    QString cause;
-    if (!render::exportDrawing(*session_->document(), file_.folder(), {path}, &cause))
-        QMessageBox::warning(
-            this, QStringLiteral("Quorvel"),
-            QFileInfo(path).fileName() + QStringLiteral(": ") + session_->sayCause(cause.toStdString()));
+    const Status exported = render::exportDrawing(*session_->document(), file_.folder(), {path});
+    if (exported) return;
+    const Error error = Error(exported.error()).inFile(QFileInfo(path).fileName().toStdString());
+    QMessageBox::warning(this, QStringLiteral("Quorvel"), session_->say(error));
 }
 
 void MainWindow::print() {

@@ -47,18 +47,19 @@ bool canDo(ControlKind kind, StepKind step) {
     return false;
 }
 
-const char* Deed(StepKind step) {
+// Of a step that the control cannot do.
+ErrorCode refusalOf(StepKind step) {
     switch (step) {
         case StepKind::setText:
-            return "takes no text";
+            return ErrorCode::kControlWithoutText;
         case StepKind::selectRow:
-            return "has no rows";
+            return ErrorCode::kControlWithoutRows;
         case StepKind::check:
-            return "cannot be switched on";
+            return ErrorCode::kControlNotOn;
         case StepKind::uncheck:
-            return "cannot be switched off";
+            return ErrorCode::kControlNotOff;
         default:
-            return "cannot be pressed";
+            return ErrorCode::kControlNotPressable;
     }
 }
 
@@ -203,7 +204,7 @@ std::int32_t ControlWindows::runDialog(const DialogTemplate& dialog, const Windo
     if (dialogsOpen_++ == 0) user_.lastFocus = 0;
     const std::optional<DialogReply> reply = user_.replyTo(dialog.id);
     const Held window = stand(dialog.rows, dialog.rowCount, dialog.language, logic, context);
-    window->name = "dialog " + std::to_string(dialog.id);
+    window->number = std::to_string(dialog.id);
     if (logic.opening != nullptr) runLogic(window, [&](WindowRef ref) { logic.opening(ref, context); });
     if (reply) play(window, reply->steps);
     if (window->open) escape(window);
@@ -214,28 +215,32 @@ std::int32_t ControlWindows::runDialog(const DialogTemplate& dialog, const Windo
 
 void ControlWindows::play(const Held& window, const std::vector<DialogStep>& steps) {
     for (const DialogStep& step : steps) {
-        const std::string fault =
-            window->open ? perform(window, step) : " was closed before control " + std::to_string(step.control);
-        if (fault.empty()) continue;
-        user_.fault(window->name + fault);
+        const Status done = window->open
+                                ? perform(window, step)
+                                : makeError(ErrorCode::kDialogClosed, {window->number, std::to_string(step.control)});
+        if (done) continue;
+        user_.fault(done.error());
         // A look changes nothing, so that the reply can go on behind one that failed.
         if (!window->open || step.kind != StepKind::expectText) return;
     }
 }
 
-// Empty, or what was wrong.
-std::string ControlWindows::perform(const Held& window, const DialogStep& step) {
-    const std::string name = ": control " + std::to_string(step.control);
+Status ControlWindows::perform(const Held& window, const DialogStep& step) {
+    const auto refused = [&](ErrorCode code, const std::vector<std::string>& more = {}) {
+        Error error = makeError(code, {window->number, std::to_string(step.control)});
+        error.arguments.insert(error.arguments.end(), more.begin(), more.end());
+        return error;
+    };
     ControlState* control = window->find(step.control);
-    if (control == nullptr) return name + " is not there";
+    if (control == nullptr) return refused(ErrorCode::kControlMissing);
     if (step.kind == StepKind::expectText) {
         const std::string found = shownText(*control);
         if (found == step.text) return {};
-        return name + ": expected " + quotedForTranscript(step.text) + ", found " + quotedForTranscript(found);
+        return refused(ErrorCode::kControlHolds, {quotedForTranscript(step.text), quotedForTranscript(found)});
     }
-    if (!control->shown) return name + " is hidden";
-    if (!control->enabled) return name + " is disabled";
-    if (!canDo(control->kind, step.kind)) return name + ' ' + Deed(step.kind);
+    if (!control->shown) return refused(ErrorCode::kControlHidden);
+    if (!control->enabled) return refused(ErrorCode::kControlDisabled);
+    if (!canDo(control->kind, step.kind)) return refused(refusalOf(step.kind));
     const WindowLogic& logic = window->logic;
     switch (step.kind) {
         case StepKind::setText:
@@ -243,7 +248,7 @@ std::string ControlWindows::perform(const Held& window, const DialogStep& step) 
             break;
         case StepKind::selectRow:
             if (step.row < 0 || static_cast<std::size_t>(step.row) >= control->rows.size())
-                return name + " has no row " + std::to_string(step.row);
+                return refused(ErrorCode::kControlRow, {std::to_string(step.row)});
             if (control->kind == ControlKind::commandList && logic.rowDisabled != nullptr &&
                 logic.rowDisabled(reinterpret_cast<WindowRef>(window.get()), step.control, step.row, window->context))
                 return {};
@@ -275,7 +280,7 @@ void ControlWindows::escape(const Held& window) {
     if (!window->open) return;
     window->open = false;
     window->result = kCancelControl;
-    user_.fault(window->name + " was not closed");
+    user_.fault(makeError(ErrorCode::kDialogNotClosed, {window->number}));
 }
 
 // --- the panel
@@ -300,7 +305,6 @@ WindowRef ControlWindows::buildPanel(void* panelWindow, const ControlRow* rows, 
     if (found == panels_.end()) return nullptr;
     if (*found->second) remove(*found->second);
     const Held window = *found->second = stand(rows, rowCount, language, logic, context);
-    window->name = "panel";
     if (logic.opening != nullptr) runLogic(window, [&](WindowRef ref) { logic.opening(ref, context); });
     return reinterpret_cast<WindowRef>(window.get());
 }
@@ -321,7 +325,7 @@ ControlWindows::Held ControlWindows::panel() const {
 
 bool ControlWindows::panelStep(const DialogStep& step) {
     const Held window = panel();
-    return window && perform(window, step).empty();
+    return window && perform(window, step);
 }
 
 const ControlState* ControlWindows::panelControl(std::int32_t control) {

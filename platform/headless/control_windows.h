@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/result.h"
 #include "platform/dialog.h"
 #include "platform/headless/scripted_user.h"
 
@@ -24,7 +25,7 @@ struct ControlState {
 };
 
 struct WindowState {
-    std::string name;  // for faults
+    std::string number;  // of the dialog, for faults
     std::vector<ControlState> controls;
     WindowLogic logic;
     void* context = nullptr;
@@ -71,7 +72,7 @@ class ControlWindows {
     void sendEvent(const Held& window, std::int32_t control);
     void runPosted(const Held& window);
     void play(const Held& window, const std::vector<DialogStep>& steps);
-    std::string perform(const Held& window, const DialogStep& step);
+    Status perform(const Held& window, const DialogStep& step);
     void escape(const Held& window);
 
     ScriptedUser& user_;

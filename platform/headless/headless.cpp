@@ -70,7 +70,7 @@ void HeadlessBackend::viewRepainted() { impl_->screen.repainted(); }
 
 std::vector<std::string> HeadlessBackend::takeTranscript() { return impl_->user.takeTranscript(); }
 
-std::string HeadlessBackend::takeFault() { return impl_->user.takeFault(); }
+std::vector<Error> HeadlessBackend::takeFaults() { return impl_->user.takeFaults(); }
 
 std::int32_t HeadlessBackend::lastCursor() const { return impl_->cursor; }
 
@@ -287,7 +287,7 @@ void HeadlessBackend::freeZeroed(void* block) {
     if (impl_->blocks.erase(block) != 0)
         std::free(block);
     else
-        impl_->user.fault("a block was freed that is not allocated");
+        impl_->user.fault(makeError(ErrorCode::kBlockFreed));
 }
 
 std::uint32_t HeadlessBackend::lastError() { return impl_->error; }

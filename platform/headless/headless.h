@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/error.h"
 #include "platform/backend.h"
 
 namespace quorvel::platform {
@@ -49,8 +50,8 @@ class HeadlessBackend : public Backend {
     // Lines since the last call: "beep", "cursor 16105", "dialog 16266 ...", "question \"...\" yes", ...
     std::vector<std::string> takeTranscript();
     // What went wrong: an unexpected dialog or question, a reply for another dialog, an expectation in a dialog that
-    // failed, a control that is not there. Empty when nothing did.
-    std::string takeFault();
+    // failed, a control that is not there.
+    std::vector<Error> takeFaults();
     std::int32_t lastCursor() const;
     std::int32_t lastFocus() const;  // the control that a refusal last selected, 0 for none
     std::size_t visiblePixels() const;

@@ -21,16 +21,11 @@ std::string quotedForTranscript(const std::string& text) {
     return quoted + '"';
 }
 
-void ScriptedUser::fault(const std::string& text) {
-    if (!faults_.empty()) faults_ += "; ";
-    faults_ += text;
-}
-
 bool ScriptedUser::answer(const char* kind, const std::string& text, const char* yes, const char* no) {
     const std::string shown = std::string(kind) + ' ' + quotedForTranscript(text);
     bool accepted = false;
     if (answers.empty()) {
-        fault("unexpected " + shown);
+        fault(makeError(ErrorCode::kUnexpectedBox, {shown}));
     } else {
         accepted = answers.front();
         answers.pop_front();
@@ -40,13 +35,13 @@ bool ScriptedUser::answer(const char* kind, const std::string& text, const char*
 }
 
 std::optional<DialogReply> ScriptedUser::replyTo(std::int32_t dialogId) {
-    const std::string name = "unexpected dialog " + std::to_string(dialogId);
     if (dialogs.empty()) {
-        fault(name);
+        fault(makeError(ErrorCode::kUnexpectedDialog, {std::to_string(dialogId)}));
         return std::nullopt;
     }
     if (dialogs.front().dialogId != dialogId) {
-        fault(name + ", the next reply is for dialog " + std::to_string(dialogs.front().dialogId));
+        fault(makeError(ErrorCode::kUnexpectedDialogFirst,
+                        {std::to_string(dialogId), std::to_string(dialogs.front().dialogId)}));
         return std::nullopt;
     }
     std::optional<DialogReply> reply = std::move(dialogs.front());
@@ -57,7 +52,7 @@ std::optional<DialogReply> ScriptedUser::replyTo(std::int32_t dialogId) {
 bool ScriptedUser::chooseFile(std::string* path) {
     std::optional<std::string> chosen;
     if (files.empty()) {
-        fault("unexpected file dialog");
+        fault(makeError(ErrorCode::kUnexpectedFileDialog));
     } else {
         chosen = std::move(files.front());
         files.pop_front();

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/error.h"
 #include "platform/headless/headless.h"
 
 namespace quorvel::platform {
@@ -24,9 +25,9 @@ class ScriptedUser {
     std::int32_t lastFocus = 0;
 
     void say(std::string line) { transcript_.push_back(std::move(line)); }
-    void fault(const std::string& text);
+    void fault(Error error) { faults_.push_back(std::move(error)); }
     std::vector<std::string> takeTranscript() { return std::exchange(transcript_, {}); }
-    std::string takeFault() { return std::exchange(faults_, {}); }
+    std::vector<Error> takeFaults() { return std::exchange(faults_, {}); }
 
     // The next queued answer, shown as "KIND TEXT YES"; without one a fault, and no.
     bool answer(const char* kind, const std::string& text, const char* yes, const char* no);
@@ -36,7 +37,7 @@ class ScriptedUser {
 
   private:
     std::vector<std::string> transcript_;
-    std::string faults_;
+    std::vector<Error> faults_;
 };
 
 }  // namespace quorvel::platform

@@ -6,6 +6,7 @@
 
 #include "fonts/fonts.h"
 #include "tests/support/drawing_hand.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
@@ -250,7 +251,7 @@ TEST_F(Annotation, TheDialogsBelongToTwoTools) {
         hand.take(tool);
         EXPECT_EQ(hand.host().editOptions(*hand.host().toolByTitle(tool)), kNoErr);
     }
-    EXPECT_EQ(hand.spy->takeFault(), "") << "no dialog for the measuring tools";
+    EXPECT_EQ(said(hand.spy->takeFaults()), "") << "no dialog for the measuring tools";
 }
 
 // --- balloons -----------------------------------------------------------------------------------------------------

@@ -29,6 +29,11 @@ TEST_F(Commands, WrongWordsAreRefusedInOneLineThatNamesTheCommand) {
     const std::pair<const char*, const char*> wrong[] = {
         {"recalc square.svg", "quorvel recalc: --output is required\n"},
         {"recalc", "quorvel recalc: FILE is required\n"},
+        {"dump square.svg more and", "quorvel dump: The following arguments were not expected: and more\n"},
+        {"dump square.svg --seed x", "quorvel dump: Could not convert: --seed = x\n"},
+        {"dump square.svg --language fr", "quorvel dump: --language: fr not in {ja,en,ko}\n"},
+        {"export square.svg --dpi 0", "quorvel export: --dpi: Value 0 not in range 1.000000 to 10000.000000\n"},
+        {"snap square.svg --at 1,2 --at 3,4", "quorvel snap: --at: At Most 1 required but received 2\n"},
         {"snap square.svg --at 1,2 --zoom 0", "quorvel snap: --zoom: a number above 0\n"},
         {"snap square.svg --at 1,2 --zoom inf", "quorvel snap: --zoom: a number above 0\n"},
         {"snap square.svg --at 1", "--at 1: \"\" is no number\n"},
@@ -42,6 +47,48 @@ TEST_F(Commands, WrongWordsAreRefusedInOneLineThatNamesTheCommand) {
     }
     EXPECT_EQ(runProgram("squeeze square.svg"), 2);
     EXPECT_EQ(std::count(err_.begin(), err_.end(), '\n'), 1) << err_;
+}
+
+TEST_F(Commands, ErrorsAreInTheLanguageAskedFor) {
+    write(
+        "bad.svg",
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9pt\" height=\"9pt\">\n<path id=\"p\" d=\"M 0 x\"/></svg>");
+    write("odd.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9pt\" height=\"9pt\"><image/></svg>");
+    write("move.script", "open square.svg\nmove circle 1 1\n");
+    write("open.script", "open bad.svg\n");
+    write("turn.script", "\nturn square 1 1\n");
+    const std::string bad = "bad.svg: 2 行目: path \"p\": パスデータの 5 文字目の数値が正しくありません: \"x\"\n";
+    const std::string kept = "odd.svg: image 要素はそのまま保持します\n";
+    const std::pair<const char*, std::string> rows[] = {
+        {"dump bad.svg", bad},
+        {"check bad.svg", bad},
+        {"run open.script", "open.script:1: " + bad},
+        {"run move.script", "move.script:2: id が \"circle\" のオブジェクトはありません\n"},
+        {"run turn.script", "turn.script:2: turn の語数が正しくありません\n"},
+        {"list odd.svg", kept},
+        {"snap odd.svg --at 1,2", kept},
+        {"frame square.svg --parts none.csv --at 0,0,9,9 -o out.svg", "none.csv: 読み込めません\n"},
+        {"frame square.svg --parts none.csv --at 0,0,9 -o out.svg",
+         "--at 0,0,9: 4 つの数値 LEFT,BOTTOM,RIGHT,TOP を指定してください\n"},
+        {"frame square.svg odd.svg --parts none.csv --at 0,0,9,9 -o out.svg",
+         "frame: 図面が複数なら --out-dir を指定してください\n"},
+        {"recalc square.svg", "quorvel recalc: --output を指定してください\n"},
+        {"snap square.svg --at 1,2 --zoom 0", "quorvel snap: --zoom: 0 より大きい数値を指定してください\n"},
+        {"dump square.svg extra", "quorvel dump: 余分な引数です: extra\n"},
+        {"squeeze square.svg", "quorvel コマンドを指定してください\n"},
+    };
+    for (const auto& [words, said] : rows) {
+        runProgram(std::string(words) + " --language ja");
+        EXPECT_EQ(err_, said) << words;
+    }
+    // There are no sentences in Korean, and the profile's language is that of the tools alone.
+    EXPECT_EQ(runProgram("dump none.svg --language ko"), 2);
+    EXPECT_EQ(err_, "none.svg: No such file or directory\n");
+    write("ja.script", "set language JAPANESE\nnew 9 9\nundo\n");
+    EXPECT_EQ(runProgram("run ja.script"), 1);
+    EXPECT_EQ(err_, "ja.script:3: there is nothing to undo\n");
+    EXPECT_EQ(runProgram("check bad.svg --json --language ja"), 2);
+    EXPECT_EQ(Json::parse(out_)[0]["error"].get<std::string>() + '\n', bad);
 }
 
 TEST_F(Commands, AListInFrontOfTheDrawingDoesNotSwallowIt) {

@@ -1,6 +1,4 @@
 // Frames drawn from a parts list without a window: what ends up in the drawings, and what stays as it was.
-#include "cli/frame_command.h"
-
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -9,7 +7,6 @@
 #include <sstream>
 
 #include "app/dimension_list.h"
-#include "app/script.h"
 #include "cli/commands.h"
 #include "interchange/svg/svg.h"
 #include "platform/text.h"
@@ -27,10 +24,10 @@ struct FrameCommand : testing::Test {
               "1\r\n\"Bracket\"\r\n\"Works\"\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n8\r\n2\r\n"
               "\"Bolt\",\"SS400\",4\r\n\"" +
                   platform::FromUtf8("座金", 932) + "\",,4\r\n");
-        session.profile = (folder / "profile").string();
-        session.language = "en";
-        session.seed = 1;
-        session.pluginFile = QUORVEL_PLUGIN_FILE;
+        options.profile = (folder / "profile").string();
+        options.language = "en";
+        options.seed = 1;
+        options.pluginFile = QUORVEL_PLUGIN_FILE;
         options.files = {path("drawing.svg")};
         options.parts = path("list.csv");
         options.at = "0,0,800,560";
@@ -39,6 +36,10 @@ struct FrameCommand : testing::Test {
     ~FrameCommand() override { fs::remove_all(folder); }
     std::string path(const char* name) const { return (folder / name).string(); }
     void write(const char* name, const std::string& text) { std::ofstream(folder / name, std::ios::binary) << text; }
+    int exitStatus() {
+        const Result<int> status = drawFrames(options);
+        return status ? *status : -1;
+    }
     // The one frame of a drawing; its outer rectangle.
     RealRect frameIn(const std::string& file, std::vector<std::string>* texts = nullptr) {
         Result<interchange::SvgDrawing> read = interchange::readSvgFile(file);
@@ -55,8 +56,7 @@ struct FrameCommand : testing::Test {
     }
 
     fs::path folder = fs::path(testing::TempDir()) / ("frame_command_" + std::to_string(getpid()));
-    app::SessionOptions session;
-    FrameOptions options;
+    Options options;
 };
 
 bool Contains(const std::vector<std::string>& texts, const std::string& text) {
@@ -65,9 +65,9 @@ bool Contains(const std::vector<std::string>& texts, const std::string& text) {
 
 TEST_F(FrameCommand, TheListStandsInTheFrame) {
     for (const char* language : {"en", "ja"}) {
-        session.language = language;
+        options.language = language;
         options.sets = {"flZwkTitle=Überplatte = 図", "flZwkScale=1:5"};
-        ASSERT_EQ(drawFrames(options, session), kExitOk);
+        ASSERT_EQ(exitStatus(), kExitOk);
         std::vector<std::string> texts;
         const RealRect rect = frameIn(options.output, &texts);
         EXPECT_TRUE(rect.left == 0 && rect.bottom == 0 && rect.right == 800 && rect.top == 560);
@@ -89,7 +89,7 @@ TEST_F(FrameCommand, ManyDrawingsInOneCall) {
     options.outputFolder = path("out/frames");
     options.mode = "top";
     testing::internal::CaptureStderr();
-    EXPECT_EQ(drawFrames(options, session), kExitBadInput) << "one could not be read";
+    EXPECT_EQ(exitStatus(), kExitBadInput) << "one could not be read";
     EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(path("broken.svg") + ": "));
     for (const char* name : {"out/frames/drawing.svg", "out/frames/second.svg"})
         EXPECT_EQ(frameIn(path(name)).top, 560);
@@ -103,7 +103,7 @@ TEST_F(FrameCommand, TheProfileCountsAndStaysAsItIs) {
     std::ofstream(settings, std::ios::binary) << text;
     std::ofstream(folder / "profile/Adobe/Illustrator/Prefs/Quorvel/own.ini") << "flZwkTitle = \"own\"\r\n";
     options.at = "10,20,810,570";
-    ASSERT_EQ(drawFrames(options, session), kExitOk);
+    ASSERT_EQ(exitStatus(), kExitOk);
     const RealRect rect = frameIn(options.output);
     EXPECT_TRUE(rect.left == 10 && rect.right == 810) << "no grid";
     Result<interchange::SvgDrawing> read = interchange::readSvgFile(options.output);
@@ -118,27 +118,20 @@ TEST_F(FrameCommand, TheProfileCountsAndStaysAsItIs) {
 }
 
 TEST_F(FrameCommand, BadInputIsNamed) {
-    const auto refusal = [&](const FrameOptions& bad) -> std::string {
-        try {
-            drawFrames(bad, session);
-        } catch (const app::InputError& error) {
-            return error.what();
-        }
-        return "accepted";
-    };
-    const auto with = [&](auto change) {
-        FrameOptions bad = options;
+    const auto with = [&](auto change) -> std::string {
+        Options bad = options;
         change(bad);
-        return refusal(bad);
+        const Result<int> status = drawFrames(bad);
+        return status ? "accepted" : app::sentence(status.error(), app::Language::english);
     };
-    EXPECT_EQ(with([](FrameOptions& o) { o.at = "1,2,3"; }), "--at 1,2,3: four numbers, LEFT,BOTTOM,RIGHT,TOP");
-    EXPECT_EQ(with([](FrameOptions& o) { o.at = "1,2,1,2"; }), "--at 1,2,1,2: the two corners are one point");
-    EXPECT_NE(with([](FrameOptions& o) { o.at = "1,2,3,x"; }), "accepted");
-    EXPECT_EQ(with([](FrameOptions& o) { o.parts = "none.csv"; }), "none.csv: cannot be read");
-    EXPECT_EQ(with([](FrameOptions& o) { o.sets = {"flNone=1"}; }), "--set flNone=1: unknown key");
-    EXPECT_EQ(with([](FrameOptions& o) { o.sets = {"flZwkTitle"}; }), "--set flZwkTitle: KEY=TEXT");
-    EXPECT_NE(with([](FrameOptions& o) { o.output.clear(); }), "accepted");
-    EXPECT_NE(with([](FrameOptions& o) { o.files.push_back("other.svg"); }), "accepted");
+    EXPECT_EQ(with([](Options& o) { o.at = "1,2,3"; }), "--at 1,2,3: four numbers, LEFT,BOTTOM,RIGHT,TOP");
+    EXPECT_EQ(with([](Options& o) { o.at = "1,2,1,2"; }), "--at 1,2,1,2: the two corners are one point");
+    EXPECT_NE(with([](Options& o) { o.at = "1,2,3,x"; }), "accepted");
+    EXPECT_EQ(with([](Options& o) { o.parts = "none.csv"; }), "none.csv: cannot be read");
+    EXPECT_EQ(with([](Options& o) { o.sets = {"flNone=1"}; }), "--set flNone=1: unknown key");
+    EXPECT_EQ(with([](Options& o) { o.sets = {"flZwkTitle"}; }), "--set flZwkTitle: KEY=TEXT");
+    EXPECT_NE(with([](Options& o) { o.output.clear(); }), "accepted");
+    EXPECT_NE(with([](Options& o) { o.files.push_back("other.svg"); }), "accepted");
     EXPECT_FALSE(fs::exists(options.output));
     write("locked.svg",
           "<svg xmlns='http://www.w3.org/2000/svg' xmlns:inkscape='http://www.inkscape.org/namespaces/inkscape' "
@@ -146,7 +139,7 @@ TEST_F(FrameCommand, BadInputIsNamed) {
           "<g inkscape:groupmode='layer' id='l' sodipodi:insensitive='true'/></svg>");
     options.files = {path("locked.svg")};
     testing::internal::CaptureStderr();
-    EXPECT_EQ(drawFrames(options, session), kExitBadInput);
+    EXPECT_EQ(exitStatus(), kExitBadInput);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), path("locked.svg") + ": the current layer is hidden or locked\n");
 }
 

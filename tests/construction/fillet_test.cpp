@@ -5,6 +5,7 @@
 
 #include "plugin/geometry/bezier.h"
 #include "tests/construction/tool_rig.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
@@ -165,7 +166,7 @@ TEST_F(Fillet, RadiusZeroIsAskedForWhileBuilding) {
                                 {Step::Kind::setText, 5, "50pt", 0},
                                 {Step::Kind::press, 1, "", 0}}});
     EXPECT_FALSE(roundCorner());  // the beep is the dialog's, over the 0
-    EXPECT_EQ(plugin.user().takeFault(), "");
+    EXPECT_EQ(said(plugin.user().takeFaults()), "");
     ASSERT_EQ(artCount(), 2);
     expectArc(segments(topArt()).data());
 }

@@ -4,9 +4,8 @@
 #include <sstream>
 
 #include "app/headless_session.h"
-#include "app/script.h"
-#include "app/script_runner.h"
 #include "tests/desktop/window_rig.h"
+#include "tests/support/script_fault.h"
 
 namespace quorvel::tests {
 namespace {
@@ -168,9 +167,7 @@ TEST_F(Layers, ScriptMeansTheLayerThatWasClicked) {
 
     const QTemporaryDir profile;
     app::HeadlessSession session({profile.path().toStdString(), "", 1, QUORVEL_PLUGIN_FILE});
-    const app::ScriptOutcome outcome =
-        app::runScript(app::parseScript(script.str(), name), name, session, [](const std::string&) {});
-    EXPECT_TRUE(outcome.held) << outcome.fault << "\n" << script.str();
+    EXPECT_EQ(faultOf(script.str(), name, session), "") << script.str();
     ASSERT_NE(session.document(), nullptr);
     EXPECT_EQ(app::dumpDocument(*session.document(), session.host().rulerUnit()), dump) << script.str();
     rig.reset();

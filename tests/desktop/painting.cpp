@@ -358,24 +358,30 @@ TEST_F(Painting, FilesSayWhyTheyAreNotWritten) {
                                     "\" height=\"72pt\"><rect width=\"10\" height=\"10\"/></svg>");
     };
     const Result<interchange::SvgDrawing> inch = page("72pt"), wide = page("90000pt");
-    QString cause;
     const QString png = folder.filePath("a.png"), pdf = folder.filePath("a.pdf");
-    ASSERT_TRUE(render::exportDrawing(*inch->document, {}, {png, 300}, &cause)) << cause.toStdString();
+    ASSERT_TRUE(render::exportDrawing(*inch->document, {}, {png, 300}));
     EXPECT_EQ(QImage(png).size(), QSize(300, 300));
     EXPECT_NEAR(QImage(png).dotsPerMeterX(), 300 / 0.0254, 1);
-    ASSERT_TRUE(render::exportDrawing(*inch->document, {}, {pdf}, &cause)) << cause.toStdString();
+    ASSERT_TRUE(render::exportDrawing(*inch->document, {}, {pdf}));
     QFile file(pdf);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(file.readAll().contains("/MediaBox [0 0 72."));
-    for (const auto& [document, target] : {std::pair(&inch, render::ExportTarget{folder.filePath("a.gif")}),
-                                           std::pair(&inch, render::ExportTarget{folder.filePath("none/a.pdf")}),
-                                           std::pair(&inch, render::ExportTarget{folder.filePath("big.png"), 1e6}),
-                                           std::pair(&wide, render::ExportTarget{folder.filePath("wide.png")}),
-                                           std::pair(&wide, render::ExportTarget{folder.filePath("wide.pdf")})}) {
-        cause.clear();
-        EXPECT_FALSE(render::exportDrawing(*(*document)->document, {}, target, &cause));
-        EXPECT_FALSE(cause.isEmpty());
-        EXPECT_FALSE(QFile::exists(target.path));
+    const struct {
+        const Result<interchange::SvgDrawing>& drawing;
+        const char* name;
+        double dotsPerInch;
+        Error error;
+    } rows[] = {{inch, "a.gif", 192, makeError(ErrorCode::kExportEnding)},
+                {inch, "none/a.pdf", 192, makeError(ErrorCode::kSystem, {std::to_string(ENOENT)})},
+                {inch, "big.png", 1e6, makeError(ErrorCode::kTooManyPixels, {"1000000", "1000000"})},
+                {wide, "wide.png", 192, makeError(ErrorCode::kTooManyPixels, {"240000", "192"})},
+                {wide, "wide.pdf", 192, makeError(ErrorCode::kPageTooLargeForPdf)}};
+    for (const auto& row : rows) {
+        const QString path = folder.filePath(row.name);
+        const Status exported = render::exportDrawing(*row.drawing->document, {}, {path, row.dotsPerInch});
+        ASSERT_FALSE(exported) << row.name;
+        EXPECT_EQ(exported.error(), row.error);
+        EXPECT_FALSE(QFile::exists(path));
     }
 }
 

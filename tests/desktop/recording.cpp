@@ -5,8 +5,8 @@
 
 #include "app/headless_session.h"
 #include "app/script.h"
-#include "app/script_runner.h"
 #include "tests/desktop/window_rig.h"
+#include "tests/support/script_fault.h"
 
 namespace quorvel::tests {
 namespace {
@@ -28,9 +28,7 @@ void ReplaysHere(WindowRig& rig) {
     const std::string script = ReadText(name);
     QTemporaryDir profile;
     app::HeadlessSession session({profile.path().toStdString(), "", 1, QUORVEL_PLUGIN_FILE});
-    const app::ScriptOutcome outcome =
-        app::runScript(app::parseScript(script, name), name, session, [](const std::string&) {});
-    EXPECT_TRUE(outcome.held) << outcome.fault << "\n" << script;
+    EXPECT_EQ(faultOf(script, name, session), "") << script;
     ASSERT_NE(session.document(), nullptr);
     EXPECT_EQ(app::dumpDocument(*session.document(), session.host().rulerUnit()), dump) << script;
 }

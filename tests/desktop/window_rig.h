@@ -53,15 +53,14 @@ struct WindowRig {
         file.close();
         desktop::applyColorScheme(qobject_cast<QApplication*>(QApplication::instance()),
                                   options.dark ? desktop::ColorScheme::dark : desktop::ColorScheme::light);
-        desktop::SessionOptions deskOptions;
-        deskOptions.profile = folder;
-        deskOptions.language = options.language;
-        deskOptions.seed = 1;
-        deskOptions.pluginFile = options.pluginFile;
-        if (options.record) deskOptions.recordFile = folder + "/recorded.script";
-        session = std::make_unique<desktop::Session>(deskOptions);
-        QString error;
-        EXPECT_TRUE(session->start(&error)) << error.toStdString();
+        app::SessionOptions sessionOptions;
+        sessionOptions.profile = folder;
+        sessionOptions.language = options.language;
+        sessionOptions.seed = 1;
+        sessionOptions.pluginFile = options.pluginFile;
+        session = std::make_unique<desktop::Session>(sessionOptions,
+                                                     options.record ? folder + "/recorded.script" : std::string());
+        EXPECT_TRUE(session->start());
         window = std::make_unique<desktop::MainWindow>(session.get());
         window->resize(1240, 820);
         window->show();

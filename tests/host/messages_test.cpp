@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "tests/host/fake_plugin.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::host {
 namespace {
@@ -183,15 +184,15 @@ TEST_F(Messages, ChangesOfTheArtAreToldOnceAndNotTheAnswersToThem) {
 }
 
 TEST_F(Messages, AThrowingPluginLosesItsChangesAndNothingElse) {
-    std::string alert;
-    host.callbacks.errorAlert = [&](const std::string& text) { alert = text; };
+    Error failure;
+    host.callbacks.pluginFailed = [&](const Error& error) { failure = error; };
     FakePlugin::within(host, [](SPMessageData*) { newPath(); });
     FakePlugin::handler = [](const std::string&, const std::string&, SPMessageData*) -> AIErr {
         newPath();
         throw std::runtime_error("broken");
     };
     EXPECT_LT(sendTest(), 0);
-    EXPECT_NE(alert.find("broken"), std::string::npos);
+    EXPECT_EQ(failure, makeError(ErrorCode::kPluginFailed, {"broken"}));
     EXPECT_EQ(host.document()->artCount(), 1u);
     FakePlugin::within(host, [](SPMessageData*) { newPath(); });
     EXPECT_EQ(host.document()->artCount(), 2u);
@@ -390,22 +391,20 @@ TEST(FailingAdditions, FailOneKindEach) {
 
 TEST(Loader, SaysWhatIsWrongWithTheFile) {
     Host host;
-    std::string error;
-    EXPECT_FALSE(host.loadPlugin("/nowhere/plugin.so", &error));
-    EXPECT_NE(error.find("/nowhere/plugin.so"), std::string::npos);
+    EXPECT_EQ(host.loadPlugin("/nowhere/plugin.so").error().file, "/nowhere/plugin.so");
     const std::filesystem::path text = std::filesystem::temp_directory_path() / "quorvel_no_library.so";
     std::ofstream(text) << "no library";
-    EXPECT_FALSE(host.loadPlugin(text.string(), &error));
-    EXPECT_EQ(error.find('\n'), std::string::npos);
+    const Status noLibrary = host.loadPlugin(text.string());
+    EXPECT_EQ(noLibrary.error().code, ErrorCode::kPluginNotLoaded);
+    EXPECT_EQ(noLibrary.error().arguments[0].find('\n'), std::string::npos);
     std::filesystem::remove(text);
-    EXPECT_FALSE(host.loadPlugin("libm.so.6", &error));  // not the system's folders
+    EXPECT_FALSE(host.loadPlugin("libm.so.6"));  // not the system's folders
     EXPECT_EQ(host.startup(), kBadParameterErr);
 }
 
 TEST(Loader, LoadsThePluginItself) {
     Host host;
-    std::string error;
-    EXPECT_TRUE(host.loadPlugin(QUORVEL_PLUGIN_FILE, &error)) << error;
+    EXPECT_TRUE(host.loadPlugin(QUORVEL_PLUGIN_FILE));
 }
 
 }  // namespace

@@ -74,7 +74,7 @@ const std::vector<Rule>& rules() {
         {"host", {"base/", "host/", "interchange/", "document/", "fonts/", "hostapi/"}},
         {"app", {"base/", "app/", "host/", "interchange/", "document/", "hostapi/", "platform/"}},
         {"cli", {"base/", "cli/", "app/", "host/", "interchange/", "document/", "hostapi/", "platform/"}},
-        {"render", {"base/", "render/", "app/", "interchange/", "document/", "svg/", "fonts/", "hostapi/"}},
+        {"render", {"base/", "files/", "render/", "app/", "interchange/", "document/", "svg/", "fonts/", "hostapi/"}},
         {"desktop",
          {"base/", "desktop/", "render/", "app/", "host/", "interchange/", "document/", "fonts/", "hostapi/",
           "platform/"}},

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "platform/headless/headless.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::platform {
 namespace {
@@ -102,7 +103,7 @@ TEST_F(DialogTest, AReplyIsPlayedStepByStepThroughTheCodePage) {
     EXPECT_EQ(logic_.run(), 1);
     EXPECT_EQ(read, "\x83\x5C-?");
     EXPECT_EQ(logic_.events, (std::vector<std::int32_t>{5, 10, 10, 12, 12, 1})) << "the logic's own changes cause none";
-    EXPECT_EQ(user_.takeFault(), "");
+    EXPECT_EQ(said(user_.takeFaults()), "");
     EXPECT_EQ(user_.takeTranscript(), Lines{"dialog 16260 \"Radius \\\"R\\\"\""});
     EXPECT_FALSE(user_.repliesLeft());
 }
@@ -145,7 +146,7 @@ TEST_F(DialogTest, ARefusedOkLeavesTheDialogOpenWithFocusAndBeep) {
     user_.queueDialog({16260, {{Kind::setText, 5, "3mm", 0}}});
     EXPECT_EQ(logic_.run(), 5);
     EXPECT_EQ(user_.lastFocus(), 0);
-    EXPECT_EQ(user_.takeFault(), "");
+    EXPECT_EQ(said(user_.takeFaults()), "");
 }
 
 TEST_F(DialogTest, RadiosClearEachOtherAndDisabledRowsCannotBeChosen) {
@@ -168,7 +169,7 @@ TEST_F(DialogTest, RadiosClearEachOtherAndDisabledRowsCannotBeChosen) {
                         {Kind::press, 1, {}, 0}}});
     EXPECT_EQ(logic_.run(), 1);
     EXPECT_EQ(logic_.events, (std::vector<std::int32_t>{21, 20, 8, 30, 1}));
-    EXPECT_EQ(user_.takeFault(), "");
+    EXPECT_EQ(said(user_.takeFaults()), "");
 }
 
 TEST_F(DialogTest, WhatAUserCouldNotDoIsAFaultAndTheDialogIsLeft) {
@@ -195,23 +196,23 @@ TEST_F(DialogTest, WhatAUserCouldNotDoIsAFaultAndTheDialogIsLeft) {
         logic_.events.clear();
         EXPECT_EQ(logic_.run(), 2);
         EXPECT_EQ(logic_.events, std::vector<std::int32_t>{2}) << "left by Esc";
-        EXPECT_EQ(user_.takeFault(), c.fault);
+        EXPECT_EQ(said(user_.takeFaults()), c.fault);
     }
     user_.queueDialog({16260, {{Kind::press, 2, {}, 0}, {Kind::press, 1, {}, 0}}});
     logic_.run();
-    EXPECT_EQ(user_.takeFault(), "dialog 16260 was closed before control 1");
+    EXPECT_EQ(said(user_.takeFaults()), "dialog 16260 was closed before control 1");
     logic_.closes = false;
     user_.queueDialog({16260, {}});
     EXPECT_EQ(logic_.run(), 2);
-    EXPECT_EQ(user_.takeFault(), "dialog 16260 was not closed");
+    EXPECT_EQ(said(user_.takeFaults()), "dialog 16260 was not closed");
 }
 
 TEST_F(DialogTest, AnUnexpectedDialogQuestionOrFileIsAFaultAndIsRefused) {
     EXPECT_EQ(logic_.run(), 2);
-    EXPECT_EQ(user_.takeFault(), "unexpected dialog 16260");
+    EXPECT_EQ(said(user_.takeFaults()), "unexpected dialog 16260");
     user_.queueDialog({16258, {{Kind::press, 1, {}, 0}}});
     EXPECT_EQ(logic_.run(), 2);
-    EXPECT_EQ(user_.takeFault(), "unexpected dialog 16260, the next reply is for dialog 16258");
+    EXPECT_EQ(said(user_.takeFaults()), "unexpected dialog 16260, the next reply is for dialog 16258");
     EXPECT_EQ(logic_.run(16258), 1) << "the reply waits for its own dialog";
     user_.takeTranscript();
 
@@ -219,8 +220,8 @@ TEST_F(DialogTest, AnUnexpectedDialogQuestionOrFileIsAFaultAndIsRefused) {
     std::string path = "kept";
     EXPECT_FALSE(AskOpenFile("*.csv", "Untitled.csv", &path));
     EXPECT_EQ(path, "kept");
-    EXPECT_EQ(user_.takeFault(), "unexpected question \"a\\rb\"; unexpected file dialog");
-    EXPECT_EQ(user_.takeFault(), "");
+    EXPECT_EQ(said(user_.takeFaults()), "unexpected question \"a\\rb\"; unexpected file dialog");
+    EXPECT_EQ(said(user_.takeFaults()), "");
 
     user_.queueAnswer(true);
     user_.queueAnswer(true);
@@ -237,7 +238,7 @@ TEST_F(DialogTest, AnUnexpectedDialogQuestionOrFileIsAFaultAndIsRefused) {
     EXPECT_EQ(user_.takeTranscript(),
               (Lines{"question \"a\\rb\" cancel", "file cancel", "question \"表\" ok", "message \"done\" ok",
                      "question \"All?\" no", "alert \"Error\"", "file /tmp/表.csv", "file cancel"}));
-    EXPECT_EQ(user_.takeFault(), "");
+    EXPECT_EQ(said(user_.takeFaults()), "");
 }
 
 TEST_F(DialogTest, PostedCommandsComeWhenTheEventHasEndedAlsoRoundANestedDialog) {
@@ -255,7 +256,7 @@ TEST_F(DialogTest, PostedCommandsComeWhenTheEventHasEndedAlsoRoundANestedDialog)
     EXPECT_EQ(logic_.run(), 1);
     EXPECT_EQ(logic_.commands, (std::vector<std::int32_t>{1, 2, 3})) << "a command may post another";
     EXPECT_EQ(inner.events, (std::vector<std::int32_t>{5, 1}));
-    EXPECT_EQ(user_.takeFault(), "");
+    EXPECT_EQ(said(user_.takeFaults()), "");
 
     Logic closing;
     closing.event = [](WindowRef w, std::int32_t) { PostCommand(w, 7); };
@@ -312,9 +313,9 @@ TEST_F(DialogTest, TheNamedAllocationFailsOnceAndMemoryIsZeroed) {
     EXPECT_EQ(LastError(), 8u);
     EXPECT_NE(AllocateZeroed(16), nullptr);  // left for the backend to free
     FreeZeroed(first);
-    EXPECT_EQ(user_.takeFault(), "");
+    EXPECT_EQ(said(user_.takeFaults()), "");
     FreeZeroed(first);
-    EXPECT_NE(user_.takeFault(), "");
+    EXPECT_NE(said(user_.takeFaults()), "");
 }
 
 TEST(WithoutBackend, NothingHappens) {

@@ -14,6 +14,7 @@
 #include "plugin/dimensioning/linear.h"
 #include "plugin/dimensioning/radius.h"
 #include "tests/support/drafting_table.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
@@ -63,7 +64,7 @@ class Recalculate : public testing::Test {
     void recalculate() {
         table.user().queueAnswer(true);
         EXPECT_EQ(table.host().playAction(kAction), kNoErr);
-        EXPECT_EQ(table.user().takeFault(), "");
+        EXPECT_EQ(said(table.user().takeFaults()), "");
         EXPECT_FALSE(table.user().repliesLeft());
     }
     void turn(ArtId art, RealPoint about) {  // a quarter, anticlockwise
@@ -288,13 +289,13 @@ TEST_F(Recalculate, ARebuiltDimensionKeepsItsNameAndItsPlaceAmongItsSiblings) {
 
 TEST_F(Recalculate, NothingToDoAsksNothing) {
     EXPECT_EQ(table.host().playAction(kAction), kNoErr);
-    EXPECT_EQ(table.user().takeFault(), "");
+    EXPECT_EQ(said(table.user().takeFaults()), "");
     table.drawLines({{100, 100}, {300, 100}}, false);
     const ArtId made = oblique({100, 100}, {300, 100}, {200, 50});
     const doc::LayerId layer = table.document().currentLayer();
     table.change([&](Document& document) { return document.setLayerEditable(layer, false); });
     EXPECT_EQ(table.host().playAction(kAction), kNoErr);
-    EXPECT_EQ(table.user().takeFault(), "");
+    EXPECT_EQ(said(table.user().takeFaults()), "");
     EXPECT_EQ(table.dimension(), made);
 }
 
@@ -341,7 +342,7 @@ TEST_F(Recalculate, TrackingRebuildsLinearDimensionsOfSelectedArt) {
     EXPECT_EQ(table.prefs().flScLead, 2);  // read, so its settings are in force
     table.select(box, true);
     EXPECT_EQ(table.host().notify(kTrack), kNoErr);
-    EXPECT_EQ(table.user().takeFault(), "");
+    EXPECT_EQ(said(table.user().takeFaults()), "");
     const std::vector<ArtId> now = table.dimensions();
     ASSERT_EQ(now.size(), 2U);
     EXPECT_EQ(std::count(now.begin(), now.end(), made[0]), 1);

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "plugin/resources/panel_rows.h"
+#include "tests/support/errors.h"
 #include "tests/support/plugin_host.h"
 
 namespace quorvel {
@@ -235,7 +236,7 @@ TEST(InfoPanel, WithoutAPanelFieldsAreDropped) {
     SetPanelField(5, "x");
     SetPanelPoint({1, 2}, nullptr);
     EXPECT_EQ(plugin.panelText(10), "(absent)");
-    EXPECT_EQ(plugin.user().takeFault(), "");
+    EXPECT_EQ(said(plugin.user().takeFaults()), "");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "plugin/resources/dialog_templates.h"
 #include "tests/support/drafting_table.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
@@ -27,7 +28,7 @@ class SmallDialogs : public testing::TestWithParam<const char*> {
         table.user().queueDialog({id(english), std::move(steps)});
         bool agreed = false;
         table.inside([&] { agreed = dialog(&table.globals()); });
-        EXPECT_EQ(table.user().takeFault(), "");
+        EXPECT_EQ(said(table.user().takeFaults()), "");
         EXPECT_FALSE(table.user().repliesLeft());
         return agreed;
     }
@@ -136,7 +137,7 @@ TEST_P(SmallDialogs, ToolsOpenTheirOptions) {
         const host::ToolRecord* tool = table.host().toolByTitle(text(row.english, row.japanese));
         ASSERT_NE(tool, nullptr) << row.english;
         EXPECT_EQ(table.host().editOptions(*tool), kNoErr);
-        EXPECT_EQ(table.user().takeFault(), "") << row.english;
+        EXPECT_EQ(said(table.user().takeFaults()), "") << row.english;
         EXPECT_FALSE(table.user().repliesLeft()) << row.english;
     }
 }
@@ -147,7 +148,7 @@ TEST_P(SmallDialogs, SaveAsGivesTheNameUnchecked) {
         table.user().queueDialog({id(16252), std::move(steps)});
         bool agreed = false;
         table.inside([&] { agreed = RunSaveAsDialog(&table.globals(), &name); });
-        EXPECT_EQ(table.user().takeFault(), "");
+        EXPECT_EQ(said(table.user().takeFaults()), "");
         return agreed;
     };
     EXPECT_FALSE(ask({look(4, text("Preset Name :", "設定の名称：")), look(3, "mine"), type(3, "other"), press(2)}));
@@ -162,7 +163,7 @@ TEST_P(SmallDialogs, AboutNamesTheProductAndItsVersion) {
     table.user().queueDialog({id(16250), {look(6, "Quorvel 4.5.1.3"), press(1)}});
     table.user().takeTranscript();
     EXPECT_EQ(table.host().about(), kNoErr);
-    EXPECT_EQ(table.user().takeFault(), "");
+    EXPECT_EQ(said(table.user().takeFaults()), "");
     const std::string title = text("About Quorvel", "Quorvel について");
     EXPECT_EQ(table.user().takeTranscript().front(), "dialog " + std::to_string(id(16250)) + " \"" + title + "\"");
 }

@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "plugin/shell/suites.h"
+#include "tests/support/errors.h"
 #include "tests/support/plugin_host.h"
 
 namespace quorvel {
@@ -112,7 +113,7 @@ class MenusTest : public testing::Test {
     void TearDown() override {
         if (plugin_ == nullptr) return;
         EXPECT_EQ(plugin_->host().suitesHeld(), 0);
-        EXPECT_EQ(plugin_->user().takeFault(), "");
+        EXPECT_EQ(said(plugin_->user().takeFaults()), "");
         EXPECT_FALSE(plugin_->user().repliesLeft());
     }
     void tick() { ASSERT_EQ(plugin_->host().tick(), kNoErr); }

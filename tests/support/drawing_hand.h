@@ -12,6 +12,7 @@
 #include "host/code_page.h"
 #include "platform/text.h"
 #include "tests/support/dialog_spy.h"
+#include "tests/support/errors.h"
 #include "tests/support/plugin_host.h"
 
 namespace quorvel::tests {
@@ -32,7 +33,7 @@ struct DrawingHand {
         return options;
     }
     ~DrawingHand() {
-        EXPECT_EQ(spy->takeFault(), "");
+        EXPECT_EQ(said(spy->takeFaults()), "");
         EXPECT_FALSE(spy->repliesLeft());
     }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "app/sentences.h"
 
@@ -9,6 +11,13 @@ namespace quorvel {
 
 inline std::ostream& operator<<(std::ostream& out, const Error& error) {
     return out << app::sentence(error, app::Language::english);
+}
+
+// All of them in words.
+inline std::string said(const std::vector<Error>& errors) {
+    std::string text;
+    for (const Error& error : errors) text += (text.empty() ? "" : "; ") + app::sentence(error, app::Language::english);
+    return text;
 }
 
 }  // namespace quorvel

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "plugin/shell/property_list.h"
+#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 
@@ -48,6 +49,7 @@ PluginHost::~PluginHost() {
 void PluginHost::connect() {
     host::HostCallbacks& callbacks = host_->callbacks;
     callbacks.errorAlert = [this](const std::string& text) { user_->showAlert(text); };
+    callbacks.pluginFailed = [](const Error& error) { ADD_FAILURE() << error; };
     callbacks.yesNoAlert = [this](const std::string& text) { return user_->askQuestion(text); };
     callbacks.createPanelWindow = [this](const host::PanelRecord&) { return user_->createPanelWindow(); };
     callbacks.destroyPanelWindow = [this](void* window) { user_->destroyPanelWindow(window); };

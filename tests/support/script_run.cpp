@@ -48,7 +48,12 @@ std::string readBytes(const std::string& path) {
 ScriptRun::ScriptRun(const std::string& text, const std::string& name)
     : folder_(newFolder()), returnTo_(fs::current_path().string()) {
     fs::current_path(folder_);
-    lines_ = app::parseScript(text, name);
+    Result<std::vector<app::ScriptLine>> lines = app::parseScript(text);
+    if (!lines) {
+        fault_ = app::sentence(app::inScript(name, lines.error()), app::Language::english);
+        return;
+    }
+    lines_ = std::move(*lines);
     for (app::ScriptLine& line : lines_) {
         if (line.verb != "open" || line.words[0].text.rfind(kShared, 0) != 0) continue;
         const std::string drawing = sharedDrawing(line.words[0].text.substr(kShared.size()));
@@ -61,7 +66,9 @@ ScriptRun::ScriptRun(const std::string& text, const std::string& name)
     options.seed = 1;
     options.pluginFile = QUORVEL_PLUGIN_FILE;
     session_ = std::make_unique<app::HeadlessSession>(options);
-    fault_ = app::runScript(lines_, name, *session_, [this](const std::string& line) { told_.push_back(line); }).fault;
+    const app::ScriptOutcome outcome =
+        app::runScript(lines_, name, *session_, [this](const std::string& line) { told_.push_back(line); });
+    if (outcome.error) fault_ = app::sentence(*outcome.error, app::Language::english);
 }
 
 ScriptRun::~ScriptRun() {

@@ -1,0 +1,256 @@
+#include "app/script_verbs.h"
+
+#include <algorithm>
+#include <cassert>
+#include <filesystem>
+
+#include "platform/text.h"
+
+namespace quorvel::app {
+
+namespace {
+
+// The parser has let only numbers pass where a verb takes one.
+double number(const ScriptLine& line, std::size_t place) { return *numberIn(line.words[place]); }
+std::int32_t integer(const ScriptLine& line, std::size_t place) { return *integerIn(line.words[place]); }
+const std::string& text(const ScriptLine& line, std::size_t place) { return line.words[place].text; }
+
+RealPoint point(const ScriptLine& line, std::size_t place) {
+    return {static_cast<float>(number(line, place)), static_cast<float>(number(line, place + 1))};
+}
+
+std::vector<std::string> texts(const ScriptLine& line) {
+    std::vector<std::string> all;
+    for (const ScriptWord& word : line.words) all.push_back(word.text);
+    return all;
+}
+
+// --- drawing and settings ------------------------------------------------------------------------------------------
+
+VerbResult newPage(RunState& run, const ScriptLine& line) {
+    const double width = number(line, 0), height = number(line, 1);
+    if (!(width > 0 && height > 0 && width <= 1e6 && height <= 1e6)) return failure(ErrorCode::kBadPageSize);
+    run.session.newDrawing(static_cast<float>(width), static_cast<float>(height));
+    return {};
+}
+
+// A path as written; a drawing that is not there is looked for beside the script.
+std::string drawingPath(const std::string& script, const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (fs::path(path).is_absolute() || fs::exists(path, error)) return path;
+    const fs::path beside = fs::path(script).parent_path() / path;
+    return fs::exists(beside, error) ? beside.string() : path;
+}
+
+VerbResult open(RunState& run, const ScriptLine& line) {
+    return badInputOf(run.session.openDrawing(drawingPath(run.script, text(line, 0))));
+}
+
+VerbResult save(RunState& run, const ScriptLine& line) { return badInputOf(run.session.saveDrawing(text(line, 0))); }
+
+VerbResult set(RunState& run, const ScriptLine& line) {
+    const std::string &key = text(line, 0), &value = text(line, 1);
+    if (!run.session.started()) {
+        run.earlySets.push_back(line);
+        return badInputOf(run.session.writeSetting(key, value));
+    }
+    if (!run.session.host().setField(key, platform::FromUtf8(value, platform::kCodePageJapanese)))
+        return failure(ErrorCode::kUnknownSetting, {key});
+    return {};
+}
+
+VerbResult zoom(RunState& run, const ScriptLine& line) {
+    const double zoom = number(line, 0);
+    if (!(zoom > 0 && zoom <= 1e6)) return failure(ErrorCode::kBadZoom);
+    run.session.host().setZoom(static_cast<float>(zoom));
+    return {};
+}
+
+VerbResult ruler(RunState& run, const ScriptLine& line) {
+    run.session.host().setRulerUnit(text(line, 0));
+    return {};
+}
+
+// --- tool messages -------------------------------------------------------------------------------------------------
+
+template <typename Send>
+VerbResult sendToTool(RunState& run, const ScriptLine& line, Send send) {
+    const host::ToolRecord* tool = run.session.host().toolByTitle(text(line, 0));
+    if (tool == nullptr) return failure(ErrorCode::kNoTool, {escapedText(text(line, 0))});
+    send(*tool);
+    return {};
+}
+
+VerbResult selectTool(RunState& run, const ScriptLine& line) {
+    return sendToTool(run, line, [&](const host::ToolRecord& tool) { run.session.host().selectTool(tool); });
+}
+
+VerbResult editOptions(RunState& run, const ScriptLine& line) {
+    return sendToTool(run, line, [&](const host::ToolRecord& tool) { run.session.host().editOptions(tool); });
+}
+
+VerbResult sendMouse(RunState& run, const ScriptLine& line, const char* selector, std::size_t modifiersFrom) {
+    if (run.session.host().selectedTool() == nullptr) return failure(ErrorCode::kNoToolSelected);
+    std::uint16_t modifiers = 0;
+    for (std::size_t i = modifiersFrom; i < line.words.size(); ++i)
+        modifiers |= text(line, i) == "alt" ? kAltModifier : kShiftModifier;
+    if (modifiersFrom > 0) run.cursor = point(line, 0);
+    run.session.host().sendTool(selector, run.cursor, modifiers);
+    return {};
+}
+
+VerbResult track(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorTrackCursor, 2); }
+VerbResult drag(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorMouseDrag, 2); }
+VerbResult down(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorMouseDown, 0); }
+VerbResult up(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorMouseUp, 0); }
+
+// --- replies -------------------------------------------------------------------------------------------------------
+
+VerbResult answer(RunState& run, const ScriptLine& line) {
+    run.session.user().queueAnswer(text(line, 0) == "yes" || text(line, 0) == "ok");
+    return {};
+}
+
+VerbResult dialog(RunState& run, const ScriptLine& line) {
+    platform::DialogReply reply;
+    reply.dialogId = integer(line, 0);
+    for (std::size_t i = 1; i < line.words.size(); ++i) reply.steps.push_back(*dialogStepIn(line.words[i]));
+    run.session.user().queueDialog(std::move(reply));
+    return {};
+}
+
+VerbResult file(RunState& run, const ScriptLine& line) {
+    if (text(line, 0) == "cancel" && line.words[0].quotedFrom == ScriptWord::kNotQuoted)
+        run.session.user().queueFileRefusal();
+    else
+        run.session.user().queueFile(text(line, 0));
+    return {};
+}
+
+// --- the host's own editing ----------------------------------------------------------------------------------------
+
+VerbResult select(RunState& run, const ScriptLine& line) {
+    return failureOf(selectArt(run.session.host(), texts(line)));
+}
+
+VerbResult move(RunState& run, const ScriptLine& line) {
+    return failureOf(moveArt(run.session.host(), text(line, 0), number(line, 1), number(line, 2)));
+}
+
+VerbResult turn(RunState& run, const ScriptLine& line) {
+    return failureOf(turnArt(run.session.host(), text(line, 0), number(line, 1), point(line, 2)));
+}
+
+VerbResult copy(RunState& run, const ScriptLine& line) {
+    return failureOf(copyArt(run.session.host(), text(line, 0), text(line, 1)));
+}
+
+VerbResult erase(RunState& run, const ScriptLine& line) {
+    return failureOf(deleteArt(run.session.host(), text(line, 0)));
+}
+
+VerbResult clip(RunState& run, const ScriptLine& line) {
+    return failureOf(takeArt(run.session.host(), texts(line), &run.clipboard));
+}
+
+VerbResult paste(RunState& run, const ScriptLine& line) {
+    return failureOf(pasteArt(run.session.host(), run.clipboard, number(line, 0), number(line, 1)));
+}
+
+VerbResult layer(RunState& run, const ScriptLine& line) {
+    const std::string &title = text(line, 0), &what = text(line, 1);
+    return failureOf(what == "title" ? renameLayer(run.session.host(), title, text(line, 2))
+                                     : changeLayer(run.session.host(), title, what));
+}
+
+VerbResult undo(RunState& run, const ScriptLine&) {
+    if (!run.session.host().undo()) return failure(ErrorCode::kNothingToUndo);
+    return {};
+}
+
+VerbResult redo(RunState& run, const ScriptLine&) {
+    if (!run.session.host().redo()) return failure(ErrorCode::kNothingToRedo);
+    return {};
+}
+
+// --- menus, panel, timer -------------------------------------------------------------------------------------------
+
+VerbResult action(RunState& run, const ScriptLine& line) {
+    const auto& actions = run.session.host().actions();
+    const auto record = std::ranges::find(actions, text(line, 0), &host::ActionRecord::event);
+    if (record == actions.end()) return failure(ErrorCode::kNoAction, {escapedText(text(line, 0))});
+    run.session.host().playAction(record->event);
+    return {};
+}
+
+VerbResult notify(RunState& run, const ScriptLine& line) {
+    run.session.host().notify(text(line, 0));
+    return {};
+}
+
+VerbResult menu(RunState& run, const ScriptLine& line) {
+    const auto& items = run.session.host().menuItems();
+    const auto item = std::ranges::find(items, text(line, 0), &host::MenuItemRecord::name);
+    if (item == items.end()) return failure(ErrorCode::kNoMenuItem, {escapedText(text(line, 0))});
+    run.session.host().menuGo(item->name);
+    return {};
+}
+
+VerbResult flyout(RunState& run, const ScriptLine& line) {
+    if (!run.session.host().chooseFlyout(integer(line, 0))) return failure(ErrorCode::kNoFlyoutItem, {text(line, 0)});
+    return {};
+}
+
+VerbResult tick(RunState& run, const ScriptLine& line) {
+    const std::int32_t count = line.words.empty() ? 1 : integer(line, 0);
+    for (std::int32_t i = 0; i < count; ++i) run.session.host().tick();
+    return {};
+}
+
+VerbResult panel(RunState& run, const ScriptLine& line) {
+    const std::int32_t control = integer(line, 1);
+    const bool done = text(line, 0) == "text" ? run.session.user().panelType(control, text(line, 2))
+                                              : run.session.user().panelPress(control);
+    if (!done) return failure(ErrorCode::kNoPanelControl, {std::to_string(control)});
+    return {};
+}
+
+using enum VerbKind;
+constexpr VerbRow kTable[] = {
+    {"new", newPage, kActs},      {"open", open, kActs},           {"save", save, kEdits},
+    {"set", set, kSets},          {"zoom", zoom, kEdits},          {"ruler", ruler, kEdits},
+    {"tool", selectTool, kActs},  {"options", editOptions, kActs}, {"track", track, kActs},
+    {"drag", drag, kActs},        {"down", down, kActs},           {"up", up, kActs},
+    {"answer", answer, kReplies}, {"dialog", dialog, kReplies},    {"file", file, kReplies},
+    {"select", select, kEdits},   {"move", move, kEdits},          {"turn", turn, kEdits},
+    {"copy", copy, kEdits},       {"delete", erase, kEdits},       {"clip", clip, kEdits},
+    {"paste", paste, kEdits},     {"layer", layer, kEdits},        {"undo", undo, kEdits},
+    {"redo", redo, kEdits},       {"action", action, kActs},       {"notify", notify, kActs},
+    {"menu", menu, kActs},        {"flyout", flyout, kActs},       {"tick", tick, kActs},
+    {"panel", panel, kActs},
+};
+
+}  // namespace
+
+VerbResult failure(ErrorCode code, std::vector<std::string> arguments) {
+    return LineFailure{{makeError(code, std::move(arguments))}};
+}
+
+VerbResult failureOf(const Status& status) {
+    if (status) return {};
+    return LineFailure{{status.error()}};
+}
+
+VerbResult badInputOf(const Status& status) {
+    if (status) return {};
+    return LineFailure{{status.error()}, true};
+}
+
+const VerbRow& verbRow(std::string_view verb) {
+    const auto* row = std::ranges::find(kTable, verb, &VerbRow::verb);
+    assert(row != std::end(kTable));
+    return *row;
+}
+
+}  // namespace quorvel::app

@@ -1,0 +1,22 @@
+// Prints the dimensions and frames of a drawing.
+#include <iostream>
+
+#include "app/dimension_list.h"
+#include "cli/commands.h"
+#include "cli/drawing_input.h"
+#include "cli/json_output.h"
+
+namespace quorvel::cli {
+
+Result<int> listDrawing(const Options& options) {
+    const auto drawing = DrawingInput::read(options);
+    if (!drawing) return drawing.error();
+    const std::vector<app::RecordedDimension> dimensions = app::listDimensions((*drawing)->document());
+    if (options.isJson)
+        std::cout << listJson(dimensions) << '\n';
+    else
+        std::cout << app::listText(dimensions);
+    return kExitOk;
+}
+
+}  // namespace quorvel::cli
