@@ -119,6 +119,7 @@ TEST(Safety, CopyOfARunningProgramIsLeftAlone) {
 // A crash has left a copy under the number that this process has now.
 TEST(Safety, OwnCopyDoesNotOverwriteACrashedOne) {
     for (const QString& file : RescueFolder().entryList(QDir::Files)) RescueFolder().remove(file);
+    ASSERT_TRUE(RescueFolder().mkpath("."));
     const QString crashed = RescueFolder().filePath(QString::number(QCoreApplication::applicationPid()) + ".svg");
     WindowRig rig;
     ASSERT_TRUE(QFile::copy(rig.drawing(), crashed));
