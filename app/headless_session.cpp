@@ -12,14 +12,14 @@ namespace quorvel::app {
 HeadlessSession::HeadlessSession(const SessionOptions& options)
     : language_(languageOf(options)), user_(std::make_unique<platform::HeadlessBackend>()) {
     user_->setDocumentsFolder(options.profile);
-    platform::InstallBackend(user_.get());
+    platform::installBackend(user_.get());
     plugin_ = std::make_unique<PluginSession>(options);
     connectHost();
 }
 
 HeadlessSession::~HeadlessSession() {
     plugin_.reset();
-    platform::InstallBackend(nullptr);
+    platform::installBackend(nullptr);
 }
 
 void HeadlessSession::connectHost() {
@@ -30,8 +30,8 @@ void HeadlessSession::connectHost() {
     calls.createPanelWindow = [this](const host::PanelRecord&) { return user_->createPanelWindow(); };
     calls.destroyPanelWindow = [this](void* window) { user_->destroyPanelWindow(window); };
     calls.viewRepainted = [this] {
-        user_->setViewTitle(viewName_ + " @ " + std::to_string(static_cast<int>(host().view().zoom * 100)) + "%");
-        user_->viewRepainted();
+        user_->screen().setTitle(viewName_ + " @ " + std::to_string(static_cast<int>(host().view().zoom * 100)) + "%");
+        user_->screen().repainted();
     };
     calls.stepMade = [this](const std::string& name) { steps_.push_back(name); };
 }
@@ -43,7 +43,7 @@ Status HeadlessSession::writeSetting(std::string_view key, std::string_view valu
 void HeadlessSession::viewOpened(const std::string& name) {
     viewName_ = name;
     const host::View& view = host().view();
-    user_->openView(name + " @ 100%", view.width, view.height);
+    user_->screen().openView(name + " @ 100%", view.width, view.height);
 }
 
 Status HeadlessSession::openDrawing(const std::string& path) {

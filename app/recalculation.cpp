@@ -6,7 +6,6 @@
 #include <unordered_map>
 
 #include "app/dimension_list.h"
-#include "hostapi/names.h"
 
 namespace quorvel::app {
 

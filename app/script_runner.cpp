@@ -65,7 +65,7 @@ VerbResult unexpectedAlert(const RunState& run) {
 
 VerbResult unfinished(const RunState& run) {
     if (VerbResult alert = unexpectedAlert(run)) return alert;
-    if (run.session.user().repliesLeft()) return failure(ErrorCode::kReplyLeft);
+    if (run.session.user().hasRepliesLeft()) return failure(ErrorCode::kReplyLeft);
     return {};
 }
 

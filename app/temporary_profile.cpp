@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "app/profile.h"
-#include "platform/headless/folders.h"
+#include "platform/backend/folders.h"
 
 namespace quorvel::app {
 

@@ -72,7 +72,7 @@ class PluginRun {
         profile_ = folder.data();
         writeSettings(options.settings);
         user_.setDocumentsFolder(profile_.string());
-        platform::InstallBackend(&user_);
+        platform::installBackend(&user_);
         host::HostOptions hostOptions;
         hostOptions.seed = 1;
         hostOptions.offerArtQuery = options.artQuery;
@@ -85,7 +85,7 @@ class PluginRun {
     ~PluginRun() {
         host_->shutdown();
         host_.reset();
-        platform::InstallBackend(nullptr);
+        platform::installBackend(nullptr);
         std::filesystem::remove_all(profile_);
     }
     PluginRun(const PluginRun&) = delete;
@@ -97,7 +97,7 @@ class PluginRun {
 
     void open(std::unique_ptr<doc::Document> document) {
         host_->setDocument(std::move(document), "mm");
-        user_.openView("Drawing @ 100%", host_->view().width, host_->view().height);
+        user_.screen().openView("Drawing @ 100%", host_->view().width, host_->view().height);
     }
 
     const host::ToolRecord& tool(std::string_view title) const {
@@ -125,7 +125,7 @@ class PluginRun {
         callbacks.yesNoAlert = [](const std::string&) { return true; };
         callbacks.createPanelWindow = [this](const host::PanelRecord&) { return user_.createPanelWindow(); };
         callbacks.destroyPanelWindow = [this](void* window) { user_.destroyPanelWindow(window); };
-        callbacks.viewRepainted = [this] { user_.viewRepainted(); };
+        callbacks.viewRepainted = [this] { user_.screen().repainted(); };
     }
 
     std::filesystem::path profile_;

@@ -26,7 +26,7 @@ constexpr char kFirstUnit[] = "mm";  // of the rulers before a drawing brings it
 Session::Session(const app::SessionOptions& options, const std::string& recordFile)
     : options_(options), recordFile_(recordFile) {
     user_ = std::make_unique<platform::QtBackend>(options.profile);
-    platform::InstallBackend(user_.get());
+    platform::installBackend(user_.get());
     plugin_ = std::make_unique<app::PluginSession>(options);
     connectHost();
     connectUser();
@@ -35,35 +35,35 @@ Session::Session(const app::SessionOptions& options, const std::string& recordFi
 Session::~Session() {
     shutdown();
     plugin_.reset();
-    platform::InstallBackend(nullptr);
+    platform::installBackend(nullptr);
 }
 
 void Session::connectHost() {
     host::HostCallbacks& calls = host().callbacks;
     calls.errorAlert = [this](const std::string& text) {
         recorder_.alertShown(text);
-        user_->showAlert(text);
+        user_->dialogs().showAlert(text);
     };
     calls.pluginFailed = [this](const Error& error) {
         const std::string text = app::sentence(error, language());
         recorder_.alertShown(text);
-        user_->showAlert(text);
+        user_->dialogs().showAlert(text);
     };
-    calls.yesNoAlert = [this](const std::string& text) { return user_->askQuestion(text); };
+    calls.yesNoAlert = [this](const std::string& text) { return user_->dialogs().askQuestion(text); };
     calls.progress = [this](int current, int maximum) { emit progressed(current, maximum); };
     calls.createPanelWindow = [this](const host::PanelRecord&) {
-        void* window = user_->createPanelWindow();
-        panelPage_ = platform::QtBackend::panelWidget(window);
+        void* window = user_->dialogs().createPanelWindow();
+        panelPage_ = platform::QtDialogs::panelWidget(window);
         return window;
     };
     calls.destroyPanelWindow = [this](void* window) {
-        user_->destroyPanelWindow(window);
+        user_->dialogs().destroyPanelWindow(window);
         panelPage_ = nullptr;
     };
     calls.panelShown = [this](const host::PanelRecord& panel) { emit panelShown(panel.shown); };
     calls.viewRepainted = [this] {
-        user_->setViewTitle(viewTitle());
-        user_->viewRepainted();
+        user_->screen().setTitle(viewTitle());
+        user_->screen().repainted();
         emit viewRepainted();
     };
     calls.stepMade = [this](const std::string& name) {
@@ -73,10 +73,10 @@ void Session::connectHost() {
 }
 
 void Session::connectUser() {
-    platform::QtBackendEvents& events = user_->events;
-    events.surfaceDrawn = [this] { emit surfaceDrawn(); };
-    events.cursorChosen = [this](std::int32_t, const QCursor& cursor) { emit cursorChosen(cursor); };
-    events.beeped = [this] { emit beeped(); };
+    user_->screen().surfaceEnded = [this] { emit surfaceDrawn(); };
+    user_->services().cursorChosen = [this](std::int32_t, const QCursor& cursor) { emit cursorChosen(cursor); };
+    user_->services().beeped = [this] { emit beeped(); };
+    platform::DialogEvents& events = user_->dialogs().events;
     events.dialogOpened = [this] { recorder_.dialogOpened(); };
     events.dialogAnswered = [this](const platform::DialogReply& reply) { recorder_.dialogAnswered(reply); };
     events.boxAnswered = [this](bool accepted, bool) { recorder_.boxAnswered(accepted); };
@@ -112,7 +112,7 @@ void Session::shutdown() {
 // The settings in force are a part of what is recorded: another machine has others.
 void Session::recordSettings() {
     std::string bytes;
-    if (!platform::ReadWholeFile(app::settingsFileBelow(user_->documentsFolder()), &bytes)) return;
+    if (!platform::ReadWholeFile(app::settingsFileBelow(user_->files().documentsFolder()), &bytes)) return;
     static const std::regex kLine("^\\s*([A-Za-z_0-9]+)\\s*=\\s*(\"([^\"]*)\"|\\S*)\\s*$");
     std::istringstream text(platform::ToUtf8(bytes, platform::kCodePageJapanese));
     for (std::string line; std::getline(text, line);) {
@@ -126,7 +126,7 @@ void Session::recordSettings() {
 // The command line has another unit at its start, and a step that is said in it is a little off.
 void Session::recordPanel() {
     constexpr std::int32_t kGridSteps[] = {20, 22, 24};
-    const platform::ControlForm* panel = user_->panelForm();
+    const platform::ControlForm* panel = user_->dialogs().panelForm();
     if (!recorder_.on() || panel == nullptr) return;
     for (const std::int32_t step : kGridSteps)
         recorder_.line("panel text " + std::to_string(step) + ' ' + app::quotedWord(panel->text(step)));
@@ -170,9 +170,9 @@ void Session::openView(const QString& name, int width, int height) {
     host::View& view = host().view();
     view.width = width;
     view.height = height;
-    user_->openView(viewTitle(), width, height);
+    user_->screen().openView(viewTitle(), width, height);
 }
 
-void Session::closeView() { user_->closeView(); }
+void Session::closeView() { user_->screen().closeView(); }
 
 }  // namespace quorvel::desktop

@@ -59,7 +59,7 @@ class PluginUnderTest {
         profile_ = std::filesystem::temp_directory_path() / ("quorvel-fuzz-" + std::to_string(getpid()));
         std::filesystem::create_directories(profile_);
         user_.setDocumentsFolder(profile_.string());
-        platform::InstallBackend(&user_);
+        platform::installBackend(&user_);
         host::HostOptions options;
         options.seed = 1;
         host_ = std::make_unique<host::Host>(options);
@@ -72,7 +72,7 @@ class PluginUnderTest {
     ~PluginUnderTest() {
         host_->shutdown();
         host_.reset();
-        platform::InstallBackend(nullptr);
+        platform::installBackend(nullptr);
         std::error_code error;
         std::filesystem::remove_all(profile_, error);
     }
@@ -87,7 +87,7 @@ class PluginUnderTest {
     void end() {
         require(host_->suitesHeld() == 0);
         require(user_.takeFaults().empty());
-        require(!user_.repliesLeft());
+        require(!user_.hasRepliesLeft());
         user_.takeTranscript();
     }
     host::Host& host() { return *host_; }

@@ -10,7 +10,7 @@
 
 namespace quorvel::platform {
 
-using WindowRef = struct ControlWindow*;
+using WindowRef = class ControlWindow*;
 
 enum class ControlKind : std::uint8_t {
     label,

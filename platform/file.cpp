@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "platform/backend/backend.h"
+
 namespace quorvel::platform {
 
 struct OpenFile {
@@ -50,6 +52,12 @@ FileRef OpenStream(const std::string& path, const char* mode) {
 }
 
 }  // namespace
+
+std::string DocumentsFolder() {
+    return installedBackend() != nullptr ? installedBackend()->files().documentsFolder() : "";
+}
+
+std::string ErrorLogPath() { return installedBackend() != nullptr ? installedBackend()->files().errorLogPath() : ""; }
 
 std::string JoinPath(std::string_view folder, std::string_view name) {
     const auto refused = [](char c) {

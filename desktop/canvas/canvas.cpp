@@ -177,7 +177,7 @@ void Canvas::invertPreview(QImage* image) const {
     const auto edge = [ratio](std::int64_t pixel, int end) {
         return static_cast<int>(std::clamp<double>(std::ceil(static_cast<double>(pixel) * ratio - 0.5), 0, end));
     };
-    session_->user().screen().forEachInverted([&](std::int64_t h, std::int64_t v) {
+    session_->user().screen().inverted().forEach([&](std::int64_t h, std::int64_t v) {
         const int right = edge(h + 1, image->width()), bottom = edge(v + 1, image->height());
         for (int y = edge(v, image->height()); y < bottom; ++y) {
             auto* line = reinterpret_cast<QRgb*>(image->scanLine(y));
@@ -202,7 +202,7 @@ QImage Canvas::fresh() {
 void Canvas::paintEvent(QPaintEvent* event) {
     refresh();
     QPainter painter(this);
-    if (session_->user().screen().visiblePixels() == 0) {
+    if (session_->user().screen().inverted().count() == 0) {
         painter.drawImage(QPoint(), picture_.image());
     } else {
         QImage image = picture_.image().copy();

@@ -329,13 +329,13 @@ void Editing::paste() {
         select(pasted->arts);
     }
     if (!pasted)
-        session_->user().showAlert(
+        session_->user().dialogs().showAlert(
             session_
                 ->say("There is no layer to paste into: all are hidden or locked.",
                       "ペーストできるレイヤーがありません。すべて非表示またはロックされています。")
                 .toStdString());
     else if (pasted->left > 0)
-        session_->user().showAlert(
+        session_->user().dialogs().showAlert(
             session_
                 ->say("Images stay in the drawing that they are from; they have not been pasted.",
                       "画像は元の図面にのみ置けるため、ペーストされませんでした。")

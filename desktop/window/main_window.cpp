@@ -29,7 +29,7 @@ constexpr int kBeepShown = 1200;
 MainWindow::MainWindow(Session* session) : session_(session), file_(session, this), editing_(session) {
     setObjectName(QStringLiteral("mainWindow"));
     setDockOptions(QMainWindow::AnimatedDocks | QMainWindow::AllowTabbedDocks);
-    session_->user().dialogParent = this;
+    session_->user().dialogs().parent = this;
     buildCentre();
     buildDocks();
     buildStatusLine();
@@ -55,7 +55,7 @@ MainWindow::~MainWindow() {
     leaveDrawing();
     // The panel's page belongs to the backend, which takes it down with the plug-in.
     if (session_->panelPage() != nullptr) session_->panelPage()->setParent(nullptr);
-    session_->user().dialogParent = nullptr;
+    session_->user().dialogs().parent = nullptr;
 }
 
 // --- parts
@@ -215,7 +215,7 @@ void MainWindow::choosePluginTool(const QString& title) {
 void MainWindow::chooseOwnHand(CanvasTool* tool, const QString& hint) {
     canvas_->setTool(tool);
     // What the plug-in's tool has left on the view goes with it.
-    session_->user().viewRepainted();
+    session_->user().screen().repainted();
     canvas_->update();
     hint_->setText(hint);
 }

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/error.h"
-#include "platform/headless/headless.h"
+#include "platform/backend/dialog_reply.h"
 
 namespace quorvel::platform {
 
@@ -23,6 +23,8 @@ class ScriptedUser {
     std::deque<DialogReply> dialogs;
     std::deque<std::optional<std::string>> files;  // no path: the user refuses
     std::int32_t lastFocus = 0;
+
+    bool hasRepliesLeft() const { return !answers.empty() || !dialogs.empty() || !files.empty(); }
 
     void say(std::string line) { transcript_.push_back(std::move(line)); }
     void fault(Error error) { faults_.push_back(std::move(error)); }

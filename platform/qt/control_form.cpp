@@ -1,4 +1,4 @@
-// Makes and drives the widgets of a form. Signals that only the user's hand sends are connected, so that what the logic
+// Makes and drives the widgets of a form. Signals that only the user sends are connected, so that what the logic
 // sets causes no event.
 #include "platform/qt/control_form.h"
 
@@ -63,12 +63,12 @@ QFont fontBySystemName(const std::string& systemName, float points) {
 
 // --- making
 
-ControlForm::ControlForm(QWidget* page, const Content& content, StepListener listener)
-    : page_(page), content_(content), listener_(std::move(listener)) {
-    for (const ControlRow* row = content.rows; row != content.rows + content.rowCount; ++row) {
-        const char* label = content.language == Language::english ? row->english : row->japanese;
-        Control control{*row, make(*row, QString::fromUtf8(label)), label};
-        place(control.widget, *row);
+ControlForm::ControlForm(QWidget* page, const WindowContent& content, double scale, StepListener listener)
+    : page_(page), content_(content), scale_(scale), listener_(std::move(listener)) {
+    for (const ControlRow& row : content.rows) {
+        const char* label = content.language == Language::english ? row.english : row.japanese;
+        Control control{row, make(row, QString::fromUtf8(label)), label};
+        place(control.widget, row);
         connectControl(control);
         controls_.push_back(std::move(control));
     }
@@ -83,7 +83,7 @@ QWidget* ControlForm::makeList(const ControlRow& row) {
     if (row.kind == ControlKind::commandList) {
         auto* list = new CommandList(page_);
         list->rowDisabled = [this, id = row.id](int at) {
-            return content_.logic.rowDisabled != nullptr && content_.logic.rowDisabled(ref(), id, at, content_.context);
+            return content_.logic.rowDisabled != nullptr && content_.logic.rowDisabled(this, id, at, content_.context);
         };
         return list;
     }
@@ -152,18 +152,17 @@ QWidget* ControlForm::make(const ControlRow& row, const QString& label) {
 }
 
 void ControlForm::place(QWidget* widget, const ControlRow& row) const {
-    const auto scaled = [this](std::int32_t value) { return static_cast<int>(value * content_.scale + 0.5); };
+    const auto scaled = [this](std::int32_t value) { return static_cast<int>(value * scale_ + 0.5); };
     const QRect rect(QPoint(scaled(row.rect.left), scaled(row.rect.top)),
                      QPoint(scaled(row.rect.right) - 1, scaled(row.rect.bottom) - 1));
     widget->setGeometry(rect);
     widget->setObjectName(QStringLiteral("control%1").arg(row.id));
-    if (row.kind == ControlKind::picture && content_.scale > 1)
+    if (row.kind == ControlKind::picture && scale_ > 1)
         if (auto* label = qobject_cast<QLabel*>(widget); label != nullptr && !label->pixmap().isNull())
-            label->setPixmap(
-                loadPicture(row.picture, page_->devicePixelRatioF(), label->pixmap().size() * content_.scale));
+            label->setPixmap(loadPicture(row.picture, page_->devicePixelRatioF(), label->pixmap().size() * scale_));
 }
 
-// --- the user's hand
+// --- the user's steps
 
 void ControlForm::connectControl(const Control& control) {
     const std::int32_t id = control.row.id;
@@ -195,16 +194,22 @@ void ControlForm::told(const DialogStep& step) {
 }
 
 void ControlForm::sendEvent(std::int32_t control) {
-    if (open_ && content_.logic.event != nullptr) content_.logic.event(ref(), control, content_.context);
+    if (open_ && content_.logic.event != nullptr) content_.logic.event(this, control, content_.context);
 }
 
 void ControlForm::open() {
-    if (content_.logic.opening != nullptr) content_.logic.opening(ref(), content_.context);
+    if (content_.logic.opening != nullptr) content_.logic.opening(this, content_.context);
+}
+
+void ControlForm::close(std::int32_t result) {
+    if (!closed) return;
+    stop();
+    closed(result);
 }
 
 void ControlForm::postCommand(std::int32_t number) {
     QTimer::singleShot(0, this, [this, number] {
-        if (open_ && content_.logic.command != nullptr) content_.logic.command(ref(), number, content_.context);
+        if (open_ && content_.logic.command != nullptr) content_.logic.command(this, number, content_.context);
     });
 }
 
@@ -291,7 +296,7 @@ void ControlForm::selectRow(std::int32_t control, std::int32_t row) {
     if (list->currentIndex() < 0 && list->isEditable()) list->clearEditText();
 }
 
-bool ControlForm::checked(std::int32_t control) const {
+bool ControlForm::isChecked(std::int32_t control) const {
     QWidget* found = widget(control);
     if (const auto* lit = dynamic_cast<PanelButton*>(found)) return lit->lit();
     const auto* button = qobject_cast<QAbstractButton*>(found);

@@ -9,51 +9,44 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/dialog.h"
-#include "platform/headless/headless.h"
+#include "platform/backend/dialog_reply.h"
+#include "platform/backend/dialogs.h"
 
 namespace quorvel::platform {
 
-// What is told of the user's hand, in the words of a scripted reply.
+// What is told of the user's steps, in the words of a scripted reply.
 using StepListener = std::function<void(const DialogStep&)>;
 
-class ControlForm : public QObject {
+class ControlForm final : public QObject, public ControlWindow {
   public:
-    struct Content {
-        const ControlRow* rows = nullptr;
-        std::int32_t rowCount = 0;
-        Language language = Language::japanese;
-        WindowLogic logic;
-        void* context = nullptr;
-        double scale = 1;  // pixels for each dialog unit
-    };
-    // Makes the rows the children of the page.
-    ControlForm(QWidget* page, const Content& content, StepListener listener);
+    // Makes the rows the children of the page. scale: pixels for each dialog unit.
+    ControlForm(QWidget* page, const WindowContent& content, double scale, StepListener listener);
     ~ControlForm() override;
 
-    WindowRef ref() { return reinterpret_cast<WindowRef>(this); }
+    std::function<void(std::int32_t result)> closed;  // of a dialog; without it the form cannot be closed
+
     QWidget* page() const { return page_; }
     void open();                           // runs the logic's opening
     void sendEvent(std::int32_t control);  // as if the user had pressed it
-    void postCommand(std::int32_t number);
-    // Told to the logic no more.
-    void close() { open_ = false; }
+    void stop() { open_ = false; }         // nothing is told to the logic any more
     bool isOpen() const { return open_; }
 
-    std::string text(std::int32_t control) const;
-    void setText(std::int32_t control, const std::string& text);
-    std::vector<std::string> rows(std::int32_t control) const;
-    void insertRow(std::int32_t control, std::int32_t row, const std::string& text);
-    void removeRow(std::int32_t control, std::int32_t row);
-    std::int32_t selectedRow(std::int32_t control) const;
-    void selectRow(std::int32_t control, std::int32_t row);
-    bool checked(std::int32_t control) const;
-    void setChecked(std::int32_t control, bool checked);
-    void setEnabled(std::int32_t control, bool enabled);
-    void setShown(std::int32_t control, bool shown);
-    void focusSelectingAll(std::int32_t control);
-    void setFont(std::int32_t control, const std::string& systemName, float points);
-    void setTheme(const PanelTheme& theme);
+    std::string text(std::int32_t control) const override;
+    void setText(std::int32_t control, const std::string& text) override;
+    std::vector<std::string> rows(std::int32_t control) const override;
+    void insertRow(std::int32_t control, std::int32_t row, const std::string& text) override;
+    void removeRow(std::int32_t control, std::int32_t row) override;
+    std::int32_t selectedRow(std::int32_t control) const override;
+    void selectRow(std::int32_t control, std::int32_t row) override;
+    bool isChecked(std::int32_t control) const override;
+    void setChecked(std::int32_t control, bool checked) override;
+    void setEnabled(std::int32_t control, bool enabled) override;
+    void setShown(std::int32_t control, bool shown) override;
+    void focusSelectingAll(std::int32_t control) override;
+    void setFont(std::int32_t control, const std::string& systemName, float points) override;
+    void setTheme(const PanelTheme& theme) override;
+    void postCommand(std::int32_t number) override;
+    void close(std::int32_t result) override;
 
     // Null for a number that the form does not have.
     QWidget* widget(std::int32_t control) const;
@@ -74,7 +67,8 @@ class ControlForm : public QObject {
     void told(const DialogStep& step);
 
     QWidget* page_;
-    Content content_;
+    WindowContent content_;
+    double scale_;
     StepListener listener_;
     std::vector<Control> controls_;
     bool open_ = true, second_ = false;

@@ -2,7 +2,7 @@
 // gives one painter that draws a tool state's shape; RedrawPreview erases drawnState, draws liveState and remembers it.
 #pragma once
 
-#include "platform/window.h"
+#include "platform/surface.h"
 #include "plugin/shell/globals.h"
 
 namespace quorvel {

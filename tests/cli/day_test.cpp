@@ -46,7 +46,7 @@ TEST_P(Day, UsesEveryToolAndDialog) {
     for (const host::ToolRecord& tool : run->session().host().tools()) EXPECT_TRUE(taken.contains(tool.title));
     EXPECT_EQ(taken.size(), 19U);
     EXPECT_EQ(dialogs.size(), 9U);
-    EXPECT_FALSE(run->session().user().repliesLeft());
+    EXPECT_FALSE(run->session().user().hasRepliesLeft());
 }
 
 TEST_P(Day, ShowsTheDimensionsItPromises) {

@@ -32,11 +32,11 @@ TEST(Canvas, NoTraceOfThePreviewAfterAThousandMovesWithZoomsAndScrolls) {
             if (i % 13 == 0) rig.canvas().zoomAt(at, within(0, 1) ? 1.25 : 0.8);
             if (i % 17 == 0) rig.canvas().scrollBy(QPointF(within(-60, 60), within(-60, 60)));
             if (i % 29 == 0) rig.canvas().shown();  // as a painting in between does
-            most = std::max(most, rig.session->user().screen().visiblePixels());
+            most = std::max(most, rig.session->user().screen().inverted().count());
         }
         if (held) QTest::mouseRelease(&rig.canvas(), Qt::LeftButton, {}, place());
         rig.window->tools()->choose("select");
-        EXPECT_EQ(rig.session->user().screen().visiblePixels(), 0U) << title;
+        EXPECT_EQ(rig.session->user().screen().inverted().count(), 0U) << title;
         EXPECT_EQ(rig.canvas().shown(), rig.canvas().fresh()) << title;
     }
     EXPECT_GT(most, 100U);  // there was a preview at all
@@ -53,7 +53,7 @@ TEST(Canvas, PreviewIsTheDrawingInvertedAndNothingElse) {
     // A pixel of the screen is of that of the view which its middle lies in, whatever the ratio between them.
     const double ratio = rig.canvas().devicePixelRatioF();
     std::set<std::pair<std::int64_t, std::int64_t>> told, found;
-    rig.session->user().screen().forEachInverted([&](std::int64_t h, std::int64_t v) { told.insert({h, v}); });
+    rig.session->user().screen().inverted().forEach([&](std::int64_t h, std::int64_t v) { told.insert({h, v}); });
     std::size_t inverted = 0, other = 0;
     for (int y = 0; y < shown.height(); ++y)
         for (int x = 0; x < shown.width(); ++x) {

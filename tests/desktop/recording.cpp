@@ -46,7 +46,7 @@ TEST(Recording, ReplaysToTheSameDump) {
                      emit shape->activated(0);
                      QTest::mouseClick(rig.control<QPushButton>(dialog, 1), Qt::LeftButton);
                  });
-    QTest::mouseClick(rig.session->user().panelForm()->widget(13), Qt::LeftButton);
+    QTest::mouseClick(rig.session->user().dialogs().panelForm()->widget(13), Qt::LeftButton);
     rig.window->tools()->choose("Radius Tool");
     rig.drag(rig.pixel(400, 170) + QPoint(0, 0), rig.pixel(470, 200));
     rig.window->tools()->choose("select");
@@ -168,7 +168,7 @@ TEST(Recording, DialogsInDialogsReplay) {
 
 TEST(Recording, AGridStepPickedFromTheListReplays) {
     WindowRig rig({"en", false, true});
-    auto* list = qobject_cast<QComboBox*>(rig.session->user().panelForm()->widget(20));
+    auto* list = qobject_cast<QComboBox*>(rig.session->user().dialogs().panelForm()->widget(20));
     ASSERT_NE(list, nullptr);
     ASSERT_GT(list->count(), 4);
     list->setCurrentIndex(4);

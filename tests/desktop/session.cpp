@@ -23,7 +23,7 @@ TEST(Window, StraightDimensionByMouseSnapsUndoesSavesAndReopens) {
     rig.dimensionEdge();
     EXPECT_EQ(rig.newestText(), "71");  // 200 points are 70.56 mm: both ends have snapped to the corners
     EXPECT_GT(rig.document().artCount(), before);
-    EXPECT_EQ(rig.session->user().screen().visiblePixels(), 0U);
+    EXPECT_EQ(rig.session->user().screen().inverted().count(), 0U);
 
     const std::size_t drawn = rig.document().artCount();
     rig.window->undo();
@@ -254,7 +254,8 @@ TEST(Window, UnitsAreTheSameEverywhere) {
 
 TEST(Window, GridStepsAreWholeInANewDrawingsUnit) {
     WindowRig rig;
-    for (const int step : {20, 22, 24}) EXPECT_EQ(rig.session->user().panelForm()->text(step), "5 mm") << step;
+    for (const int step : {20, 22, 24})
+        EXPECT_EQ(rig.session->user().dialogs().panelForm()->text(step), "5 mm") << step;
     EXPECT_EQ(rig.session->host().rulerUnit(), "pt") << "the drawing has brought its own";
 }
 
@@ -317,11 +318,11 @@ TEST(Window, AppearanceIsKeptAndFollowsTheDesktop) {
 
 TEST(Window, PanelTogglesAndItsMenuItem) {
     WindowRig rig({"ja", true, false});
-    platform::ControlForm* form = rig.session->user().panelForm();
+    platform::ControlForm* form = rig.session->user().dialogs().panelForm();
     ASSERT_NE(form, nullptr);
-    const bool lit = form->checked(12);
+    const bool lit = form->isChecked(12);
     QTest::mouseClick(form->widget(12), Qt::LeftButton);
-    EXPECT_NE(form->checked(12), lit);
+    EXPECT_NE(form->isChecked(12), lit);
     EXPECT_TRUE(rig.window->infoDock()->isVisible());
     rig.window->menuGo("Orvane Info Group");
     EXPECT_FALSE(rig.window->infoDock()->isVisible());
@@ -350,9 +351,9 @@ TEST(Window, EscapeGivesUpWhatAToolHasBegun) {
     rig.window->tools()->choose("Straight Dimension Tool");
     rig.drag(rig.pixel(100, 100), rig.pixel(300, 100));
     rig.moveTo(rig.pixel(200, 60));
-    EXPECT_GT(rig.session->user().screen().visiblePixels(), 0U);
+    EXPECT_GT(rig.session->user().screen().inverted().count(), 0U);
     QTest::keyClick(&rig.canvas(), Qt::Key_Escape);
-    EXPECT_EQ(rig.session->user().screen().visiblePixels(), 0U);
+    EXPECT_EQ(rig.session->user().screen().inverted().count(), 0U);
     rig.click(rig.pixel(200, 60));  // a first point again, and no third
     EXPECT_EQ(rig.dump(), dump);
     EXPECT_FALSE(rig.window->isWindowModified());

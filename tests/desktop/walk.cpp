@@ -82,7 +82,7 @@ TEST_P(Walk, FromOpeningToReopening) {
     QTest::mousePress(&rig.canvas(), Qt::LeftButton, {}, from);
     rig.moveTo((from + to) / 2, Qt::LeftButton);
     rig.moveTo(to, Qt::LeftButton);
-    EXPECT_GT(rig.session->user().screen().visiblePixels(), 0U);
+    EXPECT_GT(rig.session->user().screen().inverted().count(), 0U);
     window("02-snapping");
     QTest::mouseRelease(&rig.canvas(), Qt::LeftButton, {}, to);
     rig.moveTo(at(120, 150));
@@ -136,10 +136,10 @@ TEST_P(Walk, FromOpeningToReopening) {
                      ok(dialog);
                  });
 
-    platform::ControlForm* panel = rig.session->user().panelForm();
-    const bool lit = panel->checked(12);
+    platform::ControlForm* panel = rig.session->user().dialogs().panelForm();
+    const bool lit = panel->isChecked(12);
     QTest::mouseClick(panel->widget(12), Qt::LeftButton);
-    EXPECT_NE(panel->checked(12), lit);
+    EXPECT_NE(panel->isChecked(12), lit);
     window("09-panel");
 
     const std::string drawn = rig.dump();

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <functional>
 
+#include "platform/file.h"
 #include "platform/headless/headless.h"
 #include "tests/support/errors.h"
 
@@ -69,8 +70,8 @@ std::string TextOf(WindowRef window, std::int32_t control) {
 
 class DialogTest : public testing::Test {
   protected:
-    void SetUp() override { InstallBackend(&user_); }
-    void TearDown() override { InstallBackend(nullptr); }
+    void SetUp() override { installBackend(&user_); }
+    void TearDown() override { installBackend(nullptr); }
 
     HeadlessBackend user_;
     Logic logic_;
@@ -105,7 +106,7 @@ TEST_F(DialogTest, AReplyIsPlayedStepByStepThroughTheCodePage) {
     EXPECT_EQ(logic_.events, (std::vector<std::int32_t>{5, 10, 10, 12, 12, 1})) << "the logic's own changes cause none";
     EXPECT_EQ(said(user_.takeFaults()), "");
     EXPECT_EQ(user_.takeTranscript(), Lines{"dialog 16260 \"Radius \\\"R\\\"\""});
-    EXPECT_FALSE(user_.repliesLeft());
+    EXPECT_FALSE(user_.hasRepliesLeft());
 }
 
 TEST_F(DialogTest, AReadStopsAtItsByteLimitAndUnknownControlsAreEmpty) {
@@ -319,7 +320,7 @@ TEST_F(DialogTest, TheNamedAllocationFailsOnceAndMemoryIsZeroed) {
 }
 
 TEST(WithoutBackend, NothingHappens) {
-    InstallBackend(nullptr);
+    installBackend(nullptr);
     char text[8] = "abc";
     std::string path = "kept";
     EXPECT_EQ(RunDialog(kDialog, {}, nullptr), 0);

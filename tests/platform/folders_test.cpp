@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "platform/file.h"
 #include "platform/headless/headless.h"
 
 namespace quorvel::platform {
@@ -21,10 +22,10 @@ class FoldersTest : public testing::Test {
             unsetenv(name);
         }
         setenv("HOME", home_.c_str(), 1);
-        InstallBackend(&user_);
+        installBackend(&user_);
     }
     void TearDown() override {
-        InstallBackend(nullptr);
+        installBackend(nullptr);
         for (const auto& [name, value] : saved_)
             value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
         std::filesystem::remove_all(home_);

@@ -13,20 +13,20 @@ namespace {
 class SurfaceTest : public testing::Test {
   protected:
     void SetUp() override {
-        InstallBackend(&user_);
-        user_.openView("drawing.svg @ 100%", 800, 600);
+        installBackend(&user_);
+        user_.screen().openView("drawing.svg @ 100%", 800, 600);
         canvas_ = childNamed("Canvas");
     }
-    void TearDown() override { InstallBackend(nullptr); }
+    void TearDown() override { installBackend(nullptr); }
 
     ViewWindowRef document() {
         for (ViewWindowRef w = GetTopWindow(nullptr); w != nullptr; w = GetNextWindow(w))
-            if (user_.windowTitle(w).find(" @ ") != std::string::npos) return w;
+            if (w->title().find(" @ ") != std::string::npos) return w;
         return nullptr;
     }
     ViewWindowRef childNamed(const std::string& title) {
         for (ViewWindowRef w = GetTopWindow(document()); w != nullptr; w = GetNextWindow(w))
-            if (user_.windowTitle(w) == title) return w;
+            if (w->title() == title) return w;
         return nullptr;
     }
     std::size_t afterDrawing(const std::function<void(SurfaceRef)>& shape) {
@@ -36,7 +36,7 @@ class SurfaceTest : public testing::Test {
         return user_.visiblePixels();
     }
     std::size_t lineCount(Pixel a, Pixel b) {
-        user_.viewRepainted();
+        user_.screen().repainted();
         return afterDrawing([&](SurfaceRef s) {
             MoveTo(s, a);
             LineTo(s, b);
@@ -75,7 +75,7 @@ TEST_F(SurfaceTest, ALineLeavesItsEndOutAndAPointIsOnePixel) {
 }
 
 TEST_F(SurfaceTest, LinesStayWithinHalfAPixelOfTheTrueLine) {
-    user_.viewRepainted();
+    user_.screen().repainted();
     ASSERT_EQ(lineCount({3, 4}, {40, 19}), 37u);
     for (int h = 3; h < 40; ++h) {
         const double v = 4.0 + (h - 3) * 15.0 / 37.0;
@@ -118,7 +118,7 @@ TEST_F(SurfaceTest, AnArcLiesOnItsCircleAndItsRestCompletesIt) {
     EXPECT_LE(whole, 572u);
 
     // From right to top runs counter-clockwise: the upper right quarter, seen with v down.
-    user_.viewRepainted();
+    user_.screen().repainted();
     const std::size_t quarter = afterDrawing([&](SurfaceRef s) { DrawArc(s, box, {400, 200}, {200, 0}); });
     EXPECT_NEAR(static_cast<double>(quarter), static_cast<double>(whole) / 4.0, 2.0);
     EXPECT_TRUE(isInverted({300, 200}));
@@ -131,7 +131,7 @@ TEST_F(SurfaceTest, AnArcLiesOnItsCircleAndItsRestCompletesIt) {
     for (int round = 0; round < 200; ++round) {
         const PixelRect other = {any(random), any(random), any(random), any(random)};
         const Pixel a{any(random), any(random)}, b{any(random), any(random)};
-        user_.viewRepainted();
+        user_.screen().repainted();
         afterDrawing([&](SurfaceRef s) { DrawArc(s, other, a, b); });
         afterDrawing([&](SurfaceRef s) { DrawArc(s, other, b, a); });
         EXPECT_EQ(afterDrawing([&](SurfaceRef s) { DrawArc(s, other, a, a); }), 0u)
@@ -146,7 +146,7 @@ TEST_F(SurfaceTest, ARepaintedViewForgetsAndSaysSo) {
     LineTo(surface, {9, 9});
     EXPECT_EQ(SurfaceGeneration(surface), before);
     EXPECT_EQ(user_.visiblePixels(), 9u);
-    user_.viewRepainted();
+    user_.screen().repainted();
     EXPECT_NE(SurfaceGeneration(surface), before);
     EXPECT_EQ(user_.visiblePixels(), 0u);
     EndSurface(surface);
@@ -172,7 +172,7 @@ TEST_F(SurfaceTest, ASurfaceOverTheScreenDrawsTheSamePixels) {
 TEST_F(SurfaceTest, ThePointAThirdIntoTheWindowMeetsTheCanvas) {
     const int sizes[][2] = {{1, 1}, {240, 240}, {800, 600}, {3000, 200}, {17, 5000}};
     for (const auto& [width, height] : sizes) {
-        user_.openView("x @ 50%", width, height);
+        user_.screen().openView("x @ 50%", width, height);
         const PixelRect rect = GetWindowRect(document());
         const Pixel point = ClientToScreen(
             document(), {rect.left + (rect.right - rect.left) / 3, rect.top + (rect.bottom - rect.top) / 3});
@@ -185,16 +185,16 @@ TEST_F(SurfaceTest, ThePointAThirdIntoTheWindowMeetsTheCanvas) {
             const int size = r.right - r.left + r.bottom - r.top;
             if (!holds || !IsWindowVisible(w) || size >= least) continue;
             least = size;
-            smallest = user_.windowTitle(w);
+            smallest = w->title();
         }
         EXPECT_EQ(smallest, "Canvas") << width << " x " << height;
     }
-    user_.setViewTitle("表 @ 200%");
+    user_.screen().setTitle("表 @ 200%");
     char title[8];
     EXPECT_EQ(GetWindowTitle(document(), title, sizeof title), 7);
     EXPECT_STREQ(title, "\x95\x5C @ 20");
     const ViewWindowRef stale = document();
-    user_.closeView();
+    user_.screen().closeView();
     EXPECT_EQ(document(), nullptr);
     EXPECT_EQ(GetNextWindow(stale), nullptr);
     EXPECT_FALSE(IsWindowVisible(stale));

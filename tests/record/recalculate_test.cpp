@@ -65,7 +65,7 @@ class Recalculate : public testing::Test {
         table.user().queueAnswer(true);
         EXPECT_EQ(table.host().playAction(kAction), kNoErr);
         EXPECT_EQ(said(table.user().takeFaults()), "");
-        EXPECT_FALSE(table.user().repliesLeft());
+        EXPECT_FALSE(table.user().hasRepliesLeft());
     }
     void turn(ArtId art, RealPoint about) {  // a quarter, anticlockwise
         table.change([&](Document& document) {

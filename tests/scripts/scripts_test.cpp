@@ -107,7 +107,7 @@ TEST_P(Scripts, Hold) {
     ScriptRun run(text, file);
     if (!run.absent().empty()) GTEST_SKIP() << run.absent() << " is not here";
     ASSERT_EQ(run.fault(), "");
-    EXPECT_FALSE(run.session().user().repliesLeft()) << "a reply was never asked for";
+    EXPECT_FALSE(run.session().user().hasRepliesLeft()) << "a reply was never asked for";
     EXPECT_EQ(run.session().user().visiblePixels(), 0U);
     ASSERT_NE(run.session().document(), nullptr);
 

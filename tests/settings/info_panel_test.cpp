@@ -18,18 +18,10 @@ using tests::PluginHostOptions;
 
 constexpr float kPointsPerMillimetre = 2.8346457F;
 
-struct ThemeSpy : platform::HeadlessBackend {
-    std::vector<platform::PanelTheme> themes;
-    void setPanelTheme(platform::WindowRef, const platform::PanelTheme& theme) override { themes.push_back(theme); }
-};
-
 // A panel over an open drawing whose rulers show millimetres, after the tick in which it first sees them.
 class InfoPanelTest : public testing::Test {
   protected:
     void begin(PluginHostOptions options = {}) {
-        auto spy = std::make_unique<ThemeSpy>();
-        spy_ = spy.get();
-        options.user = std::move(spy);
         plugin_ = std::make_unique<PluginHost>(std::move(options));
         plugin_->newDrawing();
         plugin_->host().setRulerUnit("mm");
@@ -37,11 +29,11 @@ class InfoPanelTest : public testing::Test {
         tick();
     }
     void tick() { ASSERT_EQ(plugin_->host().tick(), kNoErr); }
-    std::vector<std::string> rowsOf(std::int32_t control) {
-        return spy_->rows(plugin_->globals().panelWindow, control);
+    std::vector<std::string> rowsOf(std::int32_t control) { return plugin_->globals().panelWindow->rows(control); }
+    const std::vector<platform::PanelTheme>& themes() {
+        return static_cast<platform::UnseenWindow*>(plugin_->globals().panelWindow)->themes();
     }
 
-    ThemeSpy* spy_ = nullptr;
     std::unique_ptr<PluginHost> plugin_;
 };
 
@@ -78,13 +70,13 @@ TEST_F(InfoPanelTest, EachSwitchTurnsItsFieldAndLightsUp) {
     };
     for (const Switch& s : switches) {
         EXPECT_EQ(plugin_->panelLit(s.control), s.atFirst) << s.control;
-        ASSERT_TRUE(spy_->panelPress(s.control));
+        ASSERT_TRUE(plugin_->user().panelPress(s.control));
         EXPECT_EQ(plugin_->panelLit(s.control), !s.atFirst) << s.control;
         EXPECT_EQ(plugin_->prefs().*s.field, s.atFirst ? 0 : 1) << s.control;
     }
     // The buttons lead and the fields follow: a press takes back what else has changed them.
     plugin_->prefs().flUseGrid = 0;
-    ASSERT_TRUE(spy_->panelPress(12));
+    ASSERT_TRUE(plugin_->user().panelPress(12));
     EXPECT_EQ(plugin_->prefs().flUseGrid, 1);
     EXPECT_EQ(plugin_->prefs().flUseFcur, 1);
 }
@@ -106,11 +98,11 @@ TEST_F(InfoPanelTest, ReadOutSwitchesEmptyTheirFieldEitherWay) {
     EXPECT_EQ(plugin_->panelText(10), "101.6 mm");
     EXPECT_EQ(plugin_->panelText(30), "0.00064516 m2");
     for (const auto& [toggle, field, text] : {std::tuple{18, 10, "101.6 mm"}, {28, 30, "0.00064516 m2"}}) {
-        ASSERT_TRUE(spy_->panelPress(toggle));
+        ASSERT_TRUE(plugin_->user().panelPress(toggle));
         EXPECT_EQ(plugin_->panelText(field), "");
         tick();
         EXPECT_EQ(plugin_->panelText(field), "") << "off";
-        ASSERT_TRUE(spy_->panelPress(toggle));
+        ASSERT_TRUE(plugin_->user().panelPress(toggle));
         EXPECT_EQ(plugin_->panelText(field), "") << "on, before the tick";
         tick();
         EXPECT_EQ(plugin_->panelText(field), text);
@@ -120,7 +112,7 @@ TEST_F(InfoPanelTest, ReadOutSwitchesEmptyTheirFieldEitherWay) {
 TEST_F(InfoPanelTest, GridStepsAreReadAsTheyAreTyped) {
     begin();
     const auto typed = [&](const char* text) {
-        EXPECT_TRUE(spy_->panelType(20, text));
+        EXPECT_TRUE(plugin_->user().panelType(20, text));
         tick();
         return plugin_->prefs().flGrWidth;
     };
@@ -130,7 +122,7 @@ TEST_F(InfoPanelTest, GridStepsAreReadAsTheyAreTyped) {
     for (const char* refused : {"0", "", "-3 mm", "mm", "1e50", "nan"}) EXPECT_FLOAT_EQ(typed(refused), 144) << refused;
     EXPECT_FLOAT_EQ(typed("7 H"), 4.9606299F);
     EXPECT_FLOAT_EQ(plugin_->prefs().flGrHeight, 5 * kPointsPerMillimetre);
-    ASSERT_TRUE(spy_->panelType(24, "1 pc"));
+    ASSERT_TRUE(plugin_->user().panelType(24, "1 pc"));
     tick();
     EXPECT_FLOAT_EQ(plugin_->prefs().flGrDistance, 12);
 }
@@ -138,7 +130,7 @@ TEST_F(InfoPanelTest, GridStepsAreReadAsTheyAreTyped) {
 TEST_F(InfoPanelTest, AHiddenPanelIsNotRead) {
     begin();
     ASSERT_EQ(plugin_->host().menuGo("Orvane Info Group"), kNoErr);
-    ASSERT_TRUE(spy_->panelType(20, "9 mm"));
+    ASSERT_TRUE(plugin_->user().panelType(20, "9 mm"));
     tick();
     EXPECT_FLOAT_EQ(plugin_->prefs().flGrWidth, 5 * kPointsPerMillimetre);
 }
@@ -146,7 +138,7 @@ TEST_F(InfoPanelTest, AHiddenPanelIsNotRead) {
 TEST_F(InfoPanelTest, WhatIsTypedBeforeTheFirstTickStands) {
     begin();
     plugin_->globals().panelUnitText[0] = '\0';  // as before the first tick
-    ASSERT_TRUE(spy_->panelType(20, "3 mm"));
+    ASSERT_TRUE(plugin_->user().panelType(20, "3 mm"));
     tick();
     EXPECT_EQ(plugin_->panelText(20), "3 mm") << "not rewritten";
     tick();
@@ -155,11 +147,11 @@ TEST_F(InfoPanelTest, WhatIsTypedBeforeTheFirstTickStands) {
 
 TEST_F(InfoPanelTest, AChangeOfTheRulerRewritesTheStepsAndKeepsThem) {
     begin();
-    ASSERT_TRUE(spy_->panelType(22, "25.4 mm"));
+    ASSERT_TRUE(plugin_->user().panelType(22, "25.4 mm"));
     tick();
     const float height = plugin_->prefs().flGrHeight;
     plugin_->host().setRulerUnit("in");
-    ASSERT_TRUE(spy_->panelType(24, "99"));  // lost: in which unit it was meant is not known
+    ASSERT_TRUE(plugin_->user().panelType(24, "99"));  // lost: in which unit it was meant is not known
     tick();
     EXPECT_EQ(plugin_->panelText(22), "1 in");
     EXPECT_EQ(plugin_->panelText(24), "0.19685 in");
@@ -210,9 +202,9 @@ TEST_F(InfoPanelTest, ARunShowsItsPointAndTheWayFromIt) {
 
 TEST_F(InfoPanelTest, TheThemeFollowsTheHost) {
     begin();
-    ASSERT_EQ(spy_->themes.size(), 1U) << "an unchanged theme is not painted again";
-    EXPECT_FALSE(spy_->themes[0].secondIcons) << "dark strokes on the light ground";
-    EXPECT_EQ(spy_->themes[0].highlight, 0x444444U);
+    ASSERT_EQ(themes().size(), 1U) << "an unchanged theme is not painted again";
+    EXPECT_FALSE(themes()[0].secondIcons) << "dark strokes on the light ground";
+    EXPECT_EQ(themes()[0].highlight, 0x444444U);
     host::Theme dark;
     dark.value = 1;
     dark.background[1] = 0.2F;  // 51 of 255
@@ -220,12 +212,12 @@ TEST_F(InfoPanelTest, TheThemeFollowsTheHost) {
     dark.text[3] = 1;
     plugin_->host().setTheme(dark);
     tick();
-    ASSERT_EQ(spy_->themes.size(), 2U);
-    EXPECT_TRUE(spy_->themes[1].secondIcons);
-    EXPECT_EQ(spy_->themes[1].highlight, 0xAAAAAAU);
-    EXPECT_FLOAT_EQ(spy_->themes[1].background[0], 51.0F / 255);
-    EXPECT_FLOAT_EQ(spy_->themes[1].background[1], 254.0F / 255) << "cut, not rounded";
-    EXPECT_FLOAT_EQ(spy_->themes[1].text[2], 1);
+    ASSERT_EQ(themes().size(), 2U);
+    EXPECT_TRUE(themes()[1].secondIcons);
+    EXPECT_EQ(themes()[1].highlight, 0xAAAAAAU);
+    EXPECT_FLOAT_EQ(themes()[1].background[0], 51.0F / 255);
+    EXPECT_FLOAT_EQ(themes()[1].background[1], 254.0F / 255) << "cut, not rounded";
+    EXPECT_FLOAT_EQ(themes()[1].text[2], 1);
 }
 
 TEST(InfoPanel, WithoutAPanelFieldsAreDropped) {

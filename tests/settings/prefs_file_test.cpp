@@ -230,10 +230,10 @@ class PrefsFiles : public testing::Test {
         fs::remove_all(documents_);
         fs::create_directories(documents_);
         backend_.setDocumentsFolder(documents_.string());
-        platform::InstallBackend(&backend_);
+        platform::installBackend(&backend_);
     }
     void TearDown() override {
-        platform::InstallBackend(nullptr);
+        platform::installBackend(nullptr);
         fs::remove_all(documents_);
     }
     fs::path prefs() const { return documents_ / "Adobe" / "Illustrator" / "Prefs"; }

@@ -261,8 +261,8 @@ TEST_P(SettingsDialog, ThePreviewFollowsFontAndSize) {
     if (fonts::fonts().size() < 2) GTEST_SKIP() << "one font alone";
     const auto& fonts = fonts::fonts();
     std::vector<std::pair<std::string, float>> seen;
-    hand.spy->opened = [&] { EXPECT_EQ(hand.spy->font, (std::pair{fonts[0].postScriptName, 12.0F})); };
-    hand.spy->changed = [&] { seen.push_back(hand.spy->font); };
+    hand.spy->opened = [&] { EXPECT_EQ(hand.spy->font(29), (std::pair{fonts[0].postScriptName, 12.0F})); };
+    hand.spy->changed = [&] { seen.push_back(hand.spy->font(29)); };
     run({Pick(8, 1), Pick(10, 5), Type(10, "14.9pt"), Type(10, "nan"), Type(10, "3.5e38pt"), Type(10, "1e30pt"),
          Press(kCancel)});
     const std::string& name = fonts[1].postScriptName;

@@ -29,7 +29,7 @@ class SmallDialogs : public testing::TestWithParam<const char*> {
         bool agreed = false;
         table.inside([&] { agreed = dialog(&table.globals()); });
         EXPECT_EQ(said(table.user().takeFaults()), "");
-        EXPECT_FALSE(table.user().repliesLeft());
+        EXPECT_FALSE(table.user().hasRepliesLeft());
         return agreed;
     }
     static Step look(std::int32_t control, const std::string& shown) { return {Kind::expectText, control, shown, 0}; }
@@ -138,7 +138,7 @@ TEST_P(SmallDialogs, ToolsOpenTheirOptions) {
         ASSERT_NE(tool, nullptr) << row.english;
         EXPECT_EQ(table.host().editOptions(*tool), kNoErr);
         EXPECT_EQ(said(table.user().takeFaults()), "") << row.english;
-        EXPECT_FALSE(table.user().repliesLeft()) << row.english;
+        EXPECT_FALSE(table.user().hasRepliesLeft()) << row.english;
     }
 }
 

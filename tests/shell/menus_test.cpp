@@ -114,7 +114,7 @@ class MenusTest : public testing::Test {
         if (plugin_ == nullptr) return;
         EXPECT_EQ(plugin_->host().suitesHeld(), 0);
         EXPECT_EQ(said(plugin_->user().takeFaults()), "");
-        EXPECT_FALSE(plugin_->user().repliesLeft());
+        EXPECT_FALSE(plugin_->user().hasRepliesLeft());
     }
     void tick() { ASSERT_EQ(plugin_->host().tick(), kNoErr); }
     std::string lengthAfterTick() {
@@ -241,7 +241,7 @@ TEST_F(MenusTest, MenuAndFlyoutOpenTheSettings) {
     EXPECT_EQ(plugin_->globals().pendingCommand, kCommandSettings);
     plugin_->user().queueDialog(cancel);
     EXPECT_EQ(lengthAfterTick(), "") << "a tick with a command shows nothing";
-    EXPECT_FALSE(plugin_->user().repliesLeft()) << "two choices open one dialog";
+    EXPECT_FALSE(plugin_->user().hasRepliesLeft()) << "two choices open one dialog";
     EXPECT_EQ(lengthAfterTick(), "25.4 mm");
 }
 
@@ -389,7 +389,7 @@ TEST_F(MenusTest, TheActionAsksAndNamesItsStepEitherWay) {
     // The panel's button plays the same action.
     plugin_->user().queueAnswer(false);
     EXPECT_TRUE(plugin_->user().panelPress(31));
-    EXPECT_FALSE(plugin_->user().repliesLeft());
+    EXPECT_FALSE(plugin_->user().hasRepliesLeft());
 }
 
 TEST_F(MenusTest, NotificationsRecalculateOrTrack) {

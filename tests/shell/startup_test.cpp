@@ -43,7 +43,7 @@ class StartUpTest : public testing::Test {
         fs::remove_all(documents_);
         fs::create_directories(settings().parent_path());
         backend_.setDocumentsFolder(documents_.string());
-        platform::InstallBackend(&backend_);
+        platform::installBackend(&backend_);
         plugin_.GetPluginOptions = GetOptions;
         plugin_.SetPluginOptions = SetOptions;
         tool_.AddTool = RefuseTool;
@@ -57,7 +57,7 @@ class StartUpTest : public testing::Test {
         sAIPlugin = nullptr;
         sAITool = nullptr;
         gGlobals = nullptr;
-        platform::InstallBackend(nullptr);
+        platform::installBackend(nullptr);
         fs::remove_all(documents_);
     }
     fs::path settings() const { return documents_ / "Adobe" / "Illustrator" / "Prefs" / "Quorvel.ini"; }

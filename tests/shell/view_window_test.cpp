@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <vector>
@@ -26,38 +27,45 @@ struct TreeWindow {
 };
 
 // Windows by their place in the list, siblings in list order.
-class TreeBackend : public platform::HeadlessBackend {
+class TreeBackend : public platform::HeadlessBackend, private platform::ViewWindows, private platform::Files {
   public:
     std::vector<TreeWindow> windows;
     std::string log;
 
-    static ViewWindowRef refOf(int index) {
-        return reinterpret_cast<ViewWindowRef>(static_cast<std::intptr_t>(index + 1));
-    }
-    static int indexOf(ViewWindowRef window) { return static_cast<int>(reinterpret_cast<std::intptr_t>(window)) - 1; }
-    ViewWindowRef firstFrom(int index, int parent) const {
-        for (; index < static_cast<int>(windows.size()); ++index) {
-            if (windows[static_cast<std::size_t>(index)].parent == parent) return refOf(index);
-        }
+    // -1 for none.
+    static int indexOf(ViewWindowRef window) { return window == nullptr ? -1 : static_cast<Node*>(window)->index; }
+
+    platform::ViewWindows& viewWindows() override { return *this; }
+    platform::Files& files() override { return *this; }
+
+  private:
+    struct Node : platform::ViewWindow {
+        Node(const TreeBackend* owner, int place) : tree(owner), index(place) {}
+
+        const TreeWindow& self() const { return tree->windows[static_cast<std::size_t>(index)]; }
+        std::string title() const override { return self().title; }
+        PixelRect rect() const override { return self().rect; }
+        Pixel clientOrigin() const override { return {self().rect.left, self().rect.top}; }
+        bool isVisible() const override { return self().visible; }
+        std::int32_t number() const override { return 500 + index; }
+        ViewWindow* firstChild() const override { return tree->firstFrom(0, index); }
+        ViewWindow* nextSibling() const override { return tree->firstFrom(index + 1, self().parent); }
+
+        const TreeBackend* tree;
+        int index;
+    };
+
+    platform::ViewWindow* firstFrom(int index, int parent) const {
+        for (; index < static_cast<int>(windows.size()); ++index)
+            if (windows[static_cast<std::size_t>(index)].parent == parent)
+                return &nodes_.try_emplace(index, this, index).first->second;
         return nullptr;
     }
-    const TreeWindow& at(ViewWindowRef window) const { return windows[static_cast<std::size_t>(indexOf(window))]; }
+    platform::ViewWindow* topWindow() const override { return firstFrom(0, -1); }
+    std::string documentsFolder() const override { return {}; }
+    std::string errorLogPath() const override { return log; }
 
-    ViewWindowRef topWindow(ViewWindowRef parent) override { return firstFrom(0, indexOf(parent)); }
-    ViewWindowRef nextWindow(ViewWindowRef window) override {
-        return firstFrom(indexOf(window) + 1, at(window).parent);
-    }
-    std::string windowTitle(ViewWindowRef window) override { return at(window).title; }
-    PixelRect windowRect(ViewWindowRef window) override { return at(window).rect; }
-    bool windowVisible(ViewWindowRef window) override { return at(window).visible; }
-    Pixel clientToScreen(ViewWindowRef window, Pixel p) override {
-        return {p.h + at(window).rect.left, p.v + at(window).rect.top};
-    }
-    Pixel screenToClient(ViewWindowRef window, Pixel p) override {
-        return {p.h - at(window).rect.left, p.v - at(window).rect.top};
-    }
-    std::int32_t windowNumber(ViewWindowRef window) override { return 500 + indexOf(window); }
-    std::string errorLogPath() override { return log; }
+    mutable std::map<int, Node> nodes_;
 };
 
 class ViewWindowTest : public testing::Test {
@@ -66,12 +74,12 @@ class ViewWindowTest : public testing::Test {
         log_ = std::filesystem::path(testing::TempDir()) / "quorvel_view_window.txt";
         std::filesystem::remove(log_);
         backend_.log = log_.string();
-        platform::InstallBackend(&backend_);
+        platform::installBackend(&backend_);
         gGlobals = globals_.get();
     }
     void TearDown() override {
         gGlobals = nullptr;
-        platform::InstallBackend(nullptr);
+        platform::installBackend(nullptr);
         std::filesystem::remove(log_);
     }
     int find() { return TreeBackend::indexOf(FindViewWindow()); }

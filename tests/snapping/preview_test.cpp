@@ -30,9 +30,9 @@ struct Preview : testing::Test {
     std::vector<double> blockA, blockB;
 
     Preview() : blockA(kChainBlockSize / sizeof(double)), blockB(kChainBlockSize / sizeof(double)) {
-        platform::InstallBackend(&backend);
-        backend.openView("drawing @ 100%", 1000, 800);
-        host.callbacks.viewRepainted = [this] { backend.viewRepainted(); };
+        platform::installBackend(&backend);
+        backend.screen().openView("drawing @ 100%", 1000, 800);
+        host.callbacks.viewRepainted = [this] { backend.screen().repainted(); };
         host.attachPlugin(RunJob, nullptr);
         host.newDocument(600, 400);
         BuildBezierBasisTables(&globals->bezierTables);
@@ -43,7 +43,7 @@ struct Preview : testing::Test {
     }
     ~Preview() override {
         gGlobals = nullptr;
-        platform::InstallBackend(nullptr);
+        platform::installBackend(nullptr);
     }
 
     void InMessage(const std::function<void()>& work) {
@@ -52,7 +52,7 @@ struct Preview : testing::Test {
         EXPECT_EQ(host.send("Test", "Test", &message), kNoErr);
     }
     std::size_t Drawn(const std::function<void(const PreviewPen&)>& draw) {
-        backend.viewRepainted();
+        backend.screen().repainted();
         InMessage([&] {
             PreviewPen pen;
             sAIDocumentView->GetNthDocumentView(0, &pen.view);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "plugin/resources/dialog_templates.h"
@@ -49,8 +50,7 @@ void expectPlaces(const platform::DialogTemplate& dialog, std::initializer_list<
 
 }  // namespace
 
-std::int32_t DialogSpy::runDialog(const platform::DialogTemplate& dialog, const platform::WindowLogic& logic,
-                                  void* context) {
+std::int32_t DialogSpy::run(const platform::DialogTemplate& dialog, const platform::WindowLogic& logic, void* context) {
     Watched watched{logic, context, this};
     platform::WindowLogic watching;
     watching.opening = [](platform::WindowRef window, void* place) {
@@ -76,44 +76,28 @@ std::int32_t DialogSpy::runDialog(const platform::DialogTemplate& dialog, const 
     const auto below = std::tuple(window_, logic_, context_);
     logic_ = &logic;
     context_ = context;
-    enabled_.clear();
-    shown_.clear();
-    const std::int32_t result = HeadlessBackend::runDialog(dialog, watching, &watched);
+    const std::int32_t result = played().run(dialog, watching, &watched);
     std::tie(window_, logic_, context_) = below;
     return result;
-}
-
-void DialogSpy::enableControl(platform::WindowRef window, std::int32_t control, bool enabled) {
-    enabled_[control] = enabled;
-    HeadlessBackend::enableControl(window, control, enabled);
-}
-
-void DialogSpy::showControl(platform::WindowRef window, std::int32_t control, bool shown) {
-    shown_[control] = shown;
-    HeadlessBackend::showControl(window, control, shown);
-}
-
-void DialogSpy::setControlFont(platform::WindowRef, std::int32_t, const std::string& systemName, float points) {
-    font = {systemName, points};
 }
 
 bool DialogSpy::showMessageBox(const std::string& text, const std::string& title, platform::MessageButtons buttons,
                                platform::MessageIcon icon) {
     lastButtons = buttons;
     lastIcon = icon;
-    return HeadlessBackend::showMessageBox(text, title, buttons, icon);
+    return played().showMessageBox(text, title, buttons, icon);
 }
 
 bool DialogSpy::askSaveFile(const std::string& filter, const std::string& proposedName, std::string* path) {
     lastFilter = filter;
     lastProposedName = proposedName;
-    return HeadlessBackend::askSaveFile(filter, proposedName, path);
+    return played().askSaveFile(filter, proposedName, path);
 }
 
 bool DialogSpy::askOpenFile(const std::string& filter, const std::string& proposedName, std::string* path) {
     lastFilter = filter;
     lastProposedName = proposedName;
-    return HeadlessBackend::askOpenFile(filter, proposedName, path);
+    return played().askOpenFile(filter, proposedName, path);
 }
 
 void ExpectTemplates(std::int32_t japaneseId, const std::vector<ExpectedControl>& expected,

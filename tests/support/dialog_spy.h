@@ -1,11 +1,10 @@
-// A scripted user who also looks: what each dialog shows when it opens and after each deed, which controls are enabled
-// and shown, and in which font the preview stands. With it a way to write replies in one line, and to hold a dialog's
+// A scripted user who also looks: what each dialog shows when it opens and after each step, which controls are enabled
+// and shown, and in which font. With it a way to write replies in one line, and to hold a dialog's
 // two templates against a table.
 #pragma once
 
 #include <functional>
 #include <initializer_list>
-#include <map>
 #include <span>
 #include <string>
 #include <utility>
@@ -32,49 +31,52 @@ inline platform::DialogStep Look(std::int32_t control, std::string text) {
     return {platform::DialogStep::Kind::expectText, control, std::move(text), 0};
 }
 
-class DialogSpy : public platform::HeadlessBackend {
+class DialogSpy : public platform::HeadlessBackend, private platform::Dialogs {
   public:
-    // Called inside the dialog: as soon as it stands, and after each event and command of it.
+    // Called inside the dialog: as soon as it is open, and after each event and command of it.
     std::function<void()> opened, changed;
 
-    // Of the dialog that stands on top; for use in the two calls above.
-    std::string text(std::int32_t control) { return controlText(window_, control); }
-    std::vector<std::string> rowsOf(std::int32_t control) { return rows(window_, control); }
-    std::int32_t selected(std::int32_t control) { return selectedRow(window_, control); }
-    bool isChecked(std::int32_t control) { return checked(window_, control); }
-    bool isEnabled(std::int32_t control) const { return flag(enabled_, control); }
-    bool isShown(std::int32_t control) const { return flag(shown_, control); }
-    bool rowIsDisabled(std::int32_t control, std::int32_t row) {
+    // Of the dialog on top; for use in the two calls above.
+    std::string text(std::int32_t control) const { return window_->text(control); }
+    std::vector<std::string> rowsOf(std::int32_t control) const { return window_->rows(control); }
+    std::int32_t selected(std::int32_t control) const { return window_->selectedRow(control); }
+    bool isChecked(std::int32_t control) const { return window_->isChecked(control); }
+    bool isEnabled(std::int32_t control) const { return state(control).enabled; }
+    bool isShown(std::int32_t control) const { return state(control).shown; }
+    bool rowIsDisabled(std::int32_t control, std::int32_t row) const {
         return logic_->rowDisabled != nullptr && logic_->rowDisabled(window_, control, row, context_);
     }
-    // System name and size of the last font given to a control.
-    std::pair<std::string, float> font;
+    // System name and size.
+    std::pair<std::string, float> font(std::int32_t control) const {
+        return {state(control).font, state(control).fontSize};
+    }
 
-    std::int32_t runDialog(const platform::DialogTemplate& dialog, const platform::WindowLogic& logic,
-                           void* context) override;
-    void enableControl(platform::WindowRef window, std::int32_t control, bool enabled) override;
-    void showControl(platform::WindowRef window, std::int32_t control, bool shown) override;
-    void setControlFont(platform::WindowRef window, std::int32_t control, const std::string& systemName,
-                        float points) override;
-    bool showMessageBox(const std::string& text, const std::string& title, platform::MessageButtons buttons,
-                        platform::MessageIcon icon) override;
-    bool askSaveFile(const std::string& filter, const std::string& proposedName, std::string* path) override;
-    bool askOpenFile(const std::string& filter, const std::string& proposedName, std::string* path) override;
+    platform::Dialogs& dialogs() override { return *this; }
 
     platform::MessageIcon lastIcon = platform::MessageIcon::none;
     platform::MessageButtons lastButtons = platform::MessageButtons::ok;
     std::string lastFilter, lastProposedName;
 
   private:
-    static bool flag(const std::map<std::int32_t, bool>& flags, std::int32_t control) {
-        const auto found = flags.find(control);
-        return found == flags.end() || found->second;
+    platform::Dialogs& played() { return HeadlessBackend::dialogs(); }
+    const platform::ControlState& state(std::int32_t control) const {
+        return *static_cast<const platform::UnseenWindow*>(window_)->find(control);
     }
+
+    std::int32_t run(const platform::DialogTemplate& dialog, const platform::WindowLogic& logic,
+                     void* context) override;
+    platform::ControlWindow* buildPanel(void* window, const platform::WindowContent& content) override {
+        return played().buildPanel(window, content);
+    }
+    void destroyPanel(platform::ControlWindow* window) override { played().destroyPanel(window); }
+    bool showMessageBox(const std::string& text, const std::string& title, platform::MessageButtons buttons,
+                        platform::MessageIcon icon) override;
+    bool askSaveFile(const std::string& filter, const std::string& proposedName, std::string* path) override;
+    bool askOpenFile(const std::string& filter, const std::string& proposedName, std::string* path) override;
 
     platform::WindowRef window_ = nullptr;
     const platform::WindowLogic* logic_ = nullptr;
     void* context_ = nullptr;
-    std::map<std::int32_t, bool> enabled_, shown_;
 };
 
 // A control as a table of the dialog names it. Controls without a label have empty ones.

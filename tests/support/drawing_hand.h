@@ -34,7 +34,7 @@ struct DrawingHand {
     }
     ~DrawingHand() {
         EXPECT_EQ(said(spy->takeFaults()), "");
-        EXPECT_FALSE(spy->repliesLeft());
+        EXPECT_FALSE(spy->hasRepliesLeft());
     }
 
     host::Host& host() { return plugin->host(); }

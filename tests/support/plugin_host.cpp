@@ -28,7 +28,7 @@ std::string NewProfile() {
 PluginHost::PluginHost(PluginHostOptions options) : profile_(NewProfile()), user_(std::move(options.user)) {
     if (user_ == nullptr) user_ = std::make_unique<platform::HeadlessBackend>();
     user_->setDocumentsFolder(profile_);
-    platform::InstallBackend(user_.get());
+    platform::installBackend(user_.get());
     std::ofstream settings(settingsPath());
     settings << "language = \"" << options.language << "\"\r\n";
     for (const auto& [key, value] : options.settings) settings << key << " = \"" << value << "\"\r\n";
@@ -42,7 +42,7 @@ PluginHost::PluginHost(PluginHostOptions options) : profile_(NewProfile()), user
 PluginHost::~PluginHost() {
     stop();
     host_.reset();
-    platform::InstallBackend(nullptr);
+    platform::installBackend(nullptr);
     fs::remove_all(profile_);
 }
 
@@ -53,7 +53,7 @@ void PluginHost::connect() {
     callbacks.yesNoAlert = [this](const std::string& text) { return user_->askQuestion(text); };
     callbacks.createPanelWindow = [this](const host::PanelRecord&) { return user_->createPanelWindow(); };
     callbacks.destroyPanelWindow = [this](void* window) { user_->destroyPanelWindow(window); };
-    callbacks.viewRepainted = [this] { user_->viewRepainted(); };
+    callbacks.viewRepainted = [this] { user_->screen().repainted(); };
 }
 
 AIErr PluginHost::start() {
@@ -71,7 +71,7 @@ std::string PluginHost::settingsPath() const { return profile_ + "/Adobe/Illustr
 
 void PluginHost::newDrawing(float width, float height) {
     host_->newDocument(width, height);
-    user_->openView("Untitled @ 100%", host_->view().width, host_->view().height);
+    user_->screen().openView("Untitled @ 100%", host_->view().width, host_->view().height);
 }
 
 doc::ArtId PluginHost::addPath(const std::vector<RealPoint>& anchors, bool closed, bool selected) {

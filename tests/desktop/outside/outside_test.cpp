@@ -299,7 +299,8 @@ TEST_P(Outside, ADraftsmansFirstMinutes) {
         }
         canvas = rig.canvas().mapTo(rig.window.get(), QPoint());
         canvasHeight = rig.canvas().height();
-        panelButton = rig.session->user().panelForm()->widget(kPanelButton)->mapTo(rig.window.get(), QPoint(8, 8));
+        panelButton =
+            rig.session->user().dialogs().panelForm()->widget(kPanelButton)->mapTo(rig.window.get(), QPoint(8, 8));
         const auto options = [&](const char* title) {
             return [&rig, title] {
                 QTest::mouseDClick(rig.window->tools()->slotOf(QString::fromUtf8(title)), Qt::LeftButton, {}, {8, 8});

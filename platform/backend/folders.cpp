@@ -1,6 +1,6 @@
 // Source: the XDG base directory rules, and the file "user-dirs.dirs" of xdg-user-dirs, whose values are written for a
 // shell: in quotes, absolute or starting with $HOME, with a backslash before signs that a shell would read.
-#include "platform/headless/folders.h"
+#include "platform/backend/folders.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,19 +1,19 @@
 // Which pixels a line or an arc inverts. The same shape always gives the same pixels, also where it reaches far out of
 // the view, since drawing it a second time must take it off; what lies beyond the kept square is left out pixel by
 // pixel, never by bending the shape.
+#include "platform/backend/inverting_pen.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <utility>
 #include <vector>
 
-#include "platform/headless/view_screen.h"
-
 namespace quorvel::platform {
 
 namespace {
 
-constexpr std::int64_t kReach = ViewScreen::kReach;
+constexpr std::int64_t kReach = InvertedPixels::kReach;
 
 // Products of coordinate differences: 34 bits each, their doubled product does not fit 64.
 __extension__ typedef __int128 Wide;
@@ -112,52 +112,51 @@ std::vector<PixelPlace> ellipseOutline(double centreH, double centreV, double a,
 
 }  // namespace
 
-void ViewScreen::invert(std::int64_t h, std::int64_t v) {
+void InvertedPixels::flip(std::int64_t h, std::int64_t v) {
     if (!inReach(h) || !inReach(v)) return;
     const std::uint64_t key = static_cast<std::uint64_t>(h + kReach) << 32 | static_cast<std::uint64_t>(v + kReach);
-    if (!inverted_.insert(key).second) inverted_.erase(key);
+    if (!keys_.insert(key).second) keys_.erase(key);
 }
 
-void ViewScreen::moveTo(SurfaceRef surface, Pixel point) {
-    if (PixelSurface* pen = surfaceAt(surface)) {
-        pen->current = point;
-        pen->dotted = false;
-    }
+void InvertedPixels::clear() {
+    keys_.clear();
+    ++generation_;
 }
 
-void ViewScreen::lineTo(SurfaceRef surface, Pixel point) {
-    PixelSurface* pen = surfaceAt(surface);
-    if (pen == nullptr) return;
-    const std::int64_t h = pen->originH + pen->current.h, v = pen->originV + pen->current.v;
-    const std::int64_t dh = std::int64_t{point.h} - pen->current.h, dv = std::int64_t{point.v} - pen->current.v;
+void InvertingPen::moveTo(Pixel point) {
+    current_ = point;
+    dotted_ = false;
+}
+
+void InvertingPen::lineTo(Pixel point) {
+    const std::int64_t h = originH_ + current_.h, v = originV_ + current_.v;
+    const std::int64_t dh = std::int64_t{point.h} - current_.h, dv = std::int64_t{point.v} - current_.v;
     const int signH = dh < 0 ? -1 : 1, signV = dv < 0 ? -1 : 1;
-    const std::int64_t lengthH = std::abs(dh), lengthV = std::abs(dv), left = pen->dotted ? 1 : 0;
+    const std::int64_t lengthH = std::abs(dh), lengthV = std::abs(dv), left = dotted_ ? 1 : 0;
     if (lengthH == 0 && lengthV == 0) {
-        if (!pen->dotted) invert(h, v);
+        if (!dotted_) pixels_->flip(h, v);
     } else if (lengthH >= lengthV) {
         walkLine({h, v, lengthH, lengthV, signH, signV, left},
-                 [&](std::int64_t ph, std::int64_t pv) { invert(ph, pv); });
+                 [&](std::int64_t ph, std::int64_t pv) { pixels_->flip(ph, pv); });
     } else {
         walkLine({v, h, lengthV, lengthH, signV, signH, left},
-                 [&](std::int64_t pv, std::int64_t ph) { invert(ph, pv); });
+                 [&](std::int64_t pv, std::int64_t ph) { pixels_->flip(ph, pv); });
     }
-    pen->dotted = lengthH == 0 && lengthV == 0;
-    pen->current = point;
+    dotted_ = lengthH == 0 && lengthV == 0;
+    current_ = point;
 }
 
-void ViewScreen::arc(SurfaceRef surface, PixelRect box, Pixel start, Pixel end) {
-    PixelSurface* pen = surfaceAt(surface);
-    if (pen == nullptr) return;
+void InvertingPen::drawArc(PixelRect box, Pixel start, Pixel end) {
     // Twice the centre, which lies on whole or half pixels.
     const std::int64_t h2 = std::int64_t{box.left} + box.right, v2 = std::int64_t{box.top} + box.bottom;
     const Direction from = directionTo(std::int64_t{2} * start.h - h2, std::int64_t{2} * start.v - v2);
     const Direction to = directionTo(std::int64_t{2} * end.h - h2, std::int64_t{2} * end.v - v2);
     const double a = static_cast<double>(std::abs(std::int64_t{box.right} - box.left)) / 2.0;
     const double b = static_cast<double>(std::abs(std::int64_t{box.bottom} - box.top)) / 2.0;
-    const std::int64_t centreH2 = h2 + 2 * pen->originH, centreV2 = v2 + 2 * pen->originV;
+    const std::int64_t centreH2 = h2 + 2 * originH_, centreV2 = v2 + 2 * originV_;
     for (const auto& [h, v] :
          ellipseOutline(static_cast<double>(centreH2) / 2.0, static_cast<double>(centreV2) / 2.0, a, b))
-        if (metBetween(from, to, directionTo(2 * h - centreH2, 2 * v - centreV2))) invert(h, v);
+        if (metBetween(from, to, directionTo(2 * h - centreH2, 2 * v - centreV2))) pixels_->flip(h, v);
 }
 
 }  // namespace quorvel::platform

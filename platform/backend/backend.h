@@ -1,0 +1,29 @@
+// What stands behind the platform's functions: one installed backend for the process, in five small interfaces. The
+// library that holds the functions is shared, so that the plug-in and the program that loads it meet the same backend.
+// Code pages and the reading and writing of files are the same everywhere and have no interface.
+#pragma once
+
+#include "platform/backend/dialogs.h"
+#include "platform/backend/files.h"
+#include "platform/backend/services.h"
+#include "platform/backend/surfaces.h"
+#include "platform/backend/view_windows.h"
+
+namespace quorvel::platform {
+
+class Backend {
+  public:
+    virtual ~Backend() = default;
+    virtual ViewWindows& viewWindows() = 0;
+    virtual Surfaces& surfaces() = 0;
+    virtual Dialogs& dialogs() = 0;
+    virtual Files& files() = 0;
+    virtual Services& services() = 0;
+};
+
+// The backend must outlive its use; null takes it away. Functions called without a backend do nothing and give
+// nothing.
+void installBackend(Backend* backend);
+Backend* installedBackend();
+
+}  // namespace quorvel::platform
