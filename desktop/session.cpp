@@ -82,9 +82,7 @@ void Session::connectUser() {
     events.boxAnswered = [this](bool accepted, bool) { recorder_.boxAnswered(accepted); };
     events.fileChosen = [this](const std::optional<std::string>& path) { recorder_.fileChosen(path); };
     events.panelUsed = [this](const platform::DialogStep& step) {
-        // The button that recalculates is pressed; all others are switched.
-        constexpr std::int32_t kRecalculate = 31;
-        recorder_.panelUsed(step, step.control != kRecalculate);
+        recorder_.panelUsed(step, step.control != kRecalculateButton);
     };
 }
 

@@ -38,6 +38,8 @@ constexpr ToolTitle kScheduleTopToolTitle = {"Schedule Tool [top + bottom]", "å›
 // A dialog has the id of its Japanese template; the English template's is higher by this.
 constexpr std::int32_t kEnglishDialogOffset = 100;
 constexpr std::int32_t kScheduleDialogId = 16159;
+// The panel's button that recalculates; the panel's other buttons are switches.
+constexpr std::int32_t kRecalculateButton = 31;
 // The Schedule dialog's list of presets: at least one preset, then rows of commands, the last of which imports parts.
 constexpr std::int32_t kPresetListControl = 106, kPresetCommandRows = 7;
 

@@ -58,8 +58,9 @@ struct HeaderEdit {
     const char* key;
 };
 constexpr HeaderEdit kHeaderEdits[] = {
-    {8, "flZwkTitle"},  {10, "flZwkCorp"},  {18, "flZwkDate"},  {22, "flZwkScale"}, {24, "flZwkType"},
-    {20, "flZwkPatNo"}, {12, "flZwkComm1"}, {14, "flZwkComm2"}, {16, "flZwkComm3"},
+    {kTitleEdit, "flZwkTitle"},        {kCompanyEdit, "flZwkCorp"},    {kDateEdit, "flZwkDate"},
+    {kDrawingScaleEdit, "flZwkScale"}, {kProjectionEdit, "flZwkType"}, {kDrawingNumberEdit, "flZwkPatNo"},
+    {kRemark1Edit, "flZwkComm1"},      {kRemark2Edit, "flZwkComm2"},   {kRemark3Edit, "flZwkComm3"},
 };
 
 // --- fields -------------------------------------------------------------------------------------------------------

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "plugin/dimensioning/units.h"
+#include "plugin/resources/settings_controls.h"
 #include "plugin/resources/strings.h"
 #include "plugin/settings/dialogs.h"
 #include "plugin/shell/services.h"
@@ -20,9 +21,6 @@ namespace {
 
 using platform::WindowRef;
 
-constexpr std::int32_t kShapeList = 5, kFontList = 8, kSizeEdit = 10, kScaleEdit = 18, kWidthEdit = 19;
-constexpr std::int32_t kAngleEdit = 20, kShapeSizeEdit = 28, kFontPreview = 29, kLayerEdit = 36, kSpecialList = 38;
-constexpr std::int32_t kLengthScaleEdit = 42, kArea1Box = 44, kArea2Box = 47, kArea3Box = 53, kFirstPicture = 65;
 constexpr std::int32_t kShapeCount = 4;
 constexpr float kStandardFontSize = 12.0F;
 
@@ -35,22 +33,22 @@ struct ListRow {
 };
 constexpr ListRow kLists[] = {
     {kShapeList, kArrowShapeStrings, 4, nullptr, nullptr, &PrefsRecord::flArType},
-    {6, kAccuracyStrings, 7, nullptr, nullptr, &PrefsRecord::flScFix},
-    {7, kUnitStrings, 5, "ポイント", "Points", &PrefsRecord::flArUnit},
+    {kAccuracyList, kAccuracyStrings, 7, nullptr, nullptr, &PrefsRecord::flScFix},
+    {kUnitList, kUnitStrings, 5, "ポイント", "Points", &PrefsRecord::flArUnit},
     {kSpecialList, kSpecialCharacterStrings, 3, nullptr, nullptr, &PrefsRecord::flArSpStr},
-    {40, kLengthUnitStrings, 5, "pt", "pt", &PrefsRecord::flArLenUnit},
-    {46, kAreaUnitStrings, 5, "pt2", "pt2", &PrefsRecord::flArDim1ConvUnit},
-    {52, kAreaUnitStrings, 5, "pt2", "pt2", &PrefsRecord::flArDim2ConvUnit},
-    {58, kAreaUnitStrings, 5, "pt2", "pt2", &PrefsRecord::flArDim3ConvUnit},
+    {kLengthUnitList, kLengthUnitStrings, 5, "pt", "pt", &PrefsRecord::flArLenUnit},
+    {kArea1UnitList, kAreaUnitStrings, 5, "pt2", "pt2", &PrefsRecord::flArDim1ConvUnit},
+    {kArea2FactorUnitList, kAreaUnitStrings, 5, "pt2", "pt2", &PrefsRecord::flArDim2ConvUnit},
+    {kArea3FactorUnitList, kAreaUnitStrings, 5, "pt2", "pt2", &PrefsRecord::flArDim3ConvUnit},
 };
 
 struct BoxRow {
     std::int32_t control;
     std::int16_t PrefsRecord::*setting;
 };
-constexpr BoxRow kBoxes[] = {{12, &PrefsRecord::flUseTani},
-                             {13, &PrefsRecord::flUseZero},
-                             {15, &PrefsRecord::flOutLayer},
+constexpr BoxRow kBoxes[] = {{kShowUnitBox, &PrefsRecord::flUseTani},
+                             {kKeepZerosBox, &PrefsRecord::flUseZero},
+                             {kOutLayerBox, &PrefsRecord::flOutLayer},
                              {kArea2Box, &PrefsRecord::flArDim2Show},
                              {kArea3Box, &PrefsRecord::flArDim3Show}};
 
@@ -59,16 +57,18 @@ struct AreaControls {
     std::int32_t box;
     std::int32_t controls[3];
 };
-constexpr AreaControls kAreaControls[] = {{kArea2Box, {49, 51, 52}}, {kArea3Box, {55, 57, 58}}};
+constexpr AreaControls kAreaControls[] = {{kArea2Box, {kArea2UnitEdit, kArea2FactorEdit, kArea2FactorUnitList}},
+                                          {kArea3Box, {kArea3UnitEdit, kArea3FactorEdit, kArea3FactorUnitList}}};
 
 // The lengths of a dimension, in the order of the checks; the shape's size is among them.
 struct LengthRow {
     std::int32_t control;
     float PrefsRecord::*setting;  // null: the size of the shape chosen
 };
-constexpr LengthRow kLengths[] = {{21, &PrefsRecord::flArLead}, {kShapeSizeEdit, nullptr},
-                                  {23, &PrefsRecord::flScOfst}, {25, &PrefsRecord::flScLead},
-                                  {22, &PrefsRecord::flOsLead}, {24, &PrefsRecord::flOsLimt}};
+constexpr LengthRow kLengths[] = {
+    {kExtensionRunEdit, &PrefsRecord::flArLead}, {kShapeSizeEdit, nullptr},
+    {kExtensionGapEdit, &PrefsRecord::flScOfst}, {kTextGapEdit, &PrefsRecord::flScLead},
+    {kStubLengthEdit, &PrefsRecord::flOsLead},   {kOutsideLimitEdit, &PrefsRecord::flOsLimt}};
 constexpr float PrefsRecord::*kShapeSizes[kShapeCount] = {&PrefsRecord::flArSize1, &PrefsRecord::flArSize2,
                                                           &PrefsRecord::flArSize3, &PrefsRecord::flArSize4};
 
@@ -147,7 +147,7 @@ void FillLists(const PluginGlobals* globals, WindowRef window) {
 
 void ShowShape(const PluginGlobals* globals, WindowRef window, std::int32_t shape) {
     ShowNumber(window, kShapeSizeEdit, globals->prefs.*ShapeSize(shape));
-    for (std::int32_t i = 0; i < kShapeCount; ++i) platform::ShowControl(window, kFirstPicture + i, i == shape);
+    for (std::int32_t i = 0; i < kShapeCount; ++i) platform::ShowControl(window, kFirstShapePicture + i, i == shape);
 }
 
 void EnableAreaControls(WindowRef window) {
@@ -160,10 +160,10 @@ void ShowTexts(const PrefsRecord& prefs, WindowRef window) {
     platform::SetControlText(window, kScaleEdit, prefs.flScaleText);
     platform::SetControlText(window, kLayerEdit, prefs.flOutLname);
     platform::SetControlText(window, kLengthScaleEdit, prefs.flArLenScaleText);
-    platform::SetControlText(window, 49, prefs.flArDim2UnitName);
-    platform::SetControlText(window, 51, prefs.flArDim2ConvText);
-    platform::SetControlText(window, 55, prefs.flArDim3UnitName);
-    platform::SetControlText(window, 57, prefs.flArDim3ConvText);
+    platform::SetControlText(window, kArea2UnitEdit, prefs.flArDim2UnitName);
+    platform::SetControlText(window, kArea2FactorEdit, prefs.flArDim2ConvText);
+    platform::SetControlText(window, kArea3UnitEdit, prefs.flArDim3UnitName);
+    platform::SetControlText(window, kArea3FactorEdit, prefs.flArDim3ConvText);
 }
 
 void ProvideScaleText(double scale, char* text, std::size_t size) {
@@ -231,10 +231,10 @@ void ReadTexts(WindowRef window, PrefsRecord* prefs) {
     ReadText(window, kScaleEdit, prefs->flScaleText);
     ReadText(window, kLayerEdit, prefs->flOutLname);
     ReadText(window, kLengthScaleEdit, prefs->flArLenScaleText);
-    ReadText(window, 49, prefs->flArDim2UnitName);
-    ReadText(window, 51, prefs->flArDim2ConvText);
-    ReadText(window, 55, prefs->flArDim3UnitName);
-    ReadText(window, 57, prefs->flArDim3ConvText);
+    ReadText(window, kArea2UnitEdit, prefs->flArDim2UnitName);
+    ReadText(window, kArea2FactorEdit, prefs->flArDim2ConvText);
+    ReadText(window, kArea3UnitEdit, prefs->flArDim3UnitName);
+    ReadText(window, kArea3FactorEdit, prefs->flArDim3ConvText);
     prefs->flScale = static_cast<float>(ParseScaleText(prefs->flScaleText));
     prefs->flArLenScale = static_cast<float>(ParseScaleText(prefs->flArLenScaleText));
     CopyBytes(prefs->flArFName, sizeof prefs->flArFName,

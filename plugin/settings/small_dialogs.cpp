@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "plugin/dimensioning/units.h"
+#include "plugin/resources/small_dialog_controls.h"
 #include "plugin/resources/strings.h"
 #include "plugin/settings/about_dialog.h"
 #include "plugin/settings/dialogs.h"
@@ -40,21 +41,21 @@ std::int16_t ReadInteger(WindowRef window, std::int32_t control) {
 }
 
 bool StoreComment(PluginGlobals* globals, WindowRef window) {
-    CopyBytes(globals->prefs.flMrkComment, sizeof globals->prefs.flMrkComment, ControlText(window, 5, 63));
+    CopyBytes(globals->prefs.flMrkComment, sizeof globals->prefs.flMrkComment, ControlText(window, kCommentEdit, 63));
     return true;
 }
 
 bool StoreObjectNumber(PluginGlobals* globals, WindowRef window) {
-    globals->prefs.flMrkItemNo = ReadInteger(window, 5);
-    globals->prefs.flMrkINStep = ReadInteger(window, 6);
+    globals->prefs.flMrkItemNo = ReadInteger(window, kStartNumberEdit);
+    globals->prefs.flMrkINStep = ReadInteger(window, kNumberStepEdit);
     return true;
 }
 
 bool StoreFilletRadius(PluginGlobals* globals, WindowRef window) {
     float points = 0;
-    ParsePointsWithUnit(ControlText(window, 5, kControlTextLimit).c_str(), &points);
+    ParsePointsWithUnit(ControlText(window, kFilletRadiusEdit, kControlTextLimit).c_str(), &points);
     if (!(points > 0) || !(points < kLargestFloat)) {
-        RefuseControl(window, 5);
+        RefuseControl(window, kFilletRadiusEdit);
         return false;
     }
     globals->prefs.flRadius = points;
@@ -62,8 +63,6 @@ bool StoreFilletRadius(PluginGlobals* globals, WindowRef window) {
 }
 
 // --- Radius and Diameter --------------------------------------------------------------------------------------------
-
-constexpr std::int32_t kCenterRadio = 5, kSurfaceRadio = 6, kPositionList = 7;
 
 template <std::int16_t PrefsRecord::*Mode>
 void OpenRound(WindowRef window, void* context) {
@@ -91,7 +90,7 @@ bool RunRoundDialog(PluginGlobals* globals, DialogId id) {
 void NameEvent(WindowRef window, std::int32_t control, void* context) {
     if (control == kCancelControl) platform::CloseWindow(window, kResultCancel);
     if (control != kOkControl) return;
-    *static_cast<std::string*>(context) = ControlText(window, 3, 255);
+    *static_cast<std::string*>(context) = ControlText(window, kPresetNameEdit, 255);
     platform::CloseWindow(window, kResultOk);
 }
 
@@ -99,15 +98,15 @@ void NameEvent(WindowRef window, std::int32_t control, void* context) {
 
 bool RunCommentDialog(PluginGlobals* globals) {
     return RunSimpleDialog<StoreComment>(globals, kCommentDialog, [](WindowRef window, void* context) {
-        platform::SetControlText(window, 5, static_cast<PluginGlobals*>(context)->prefs.flMrkComment);
+        platform::SetControlText(window, kCommentEdit, static_cast<PluginGlobals*>(context)->prefs.flMrkComment);
     });
 }
 
 bool RunObjectNumberDialog(PluginGlobals* globals) {
     return RunSimpleDialog<StoreObjectNumber>(globals, kObjectNumberDialog, [](WindowRef window, void* context) {
         const PrefsRecord& prefs = static_cast<PluginGlobals*>(context)->prefs;
-        ShowInteger(window, 5, prefs.flMrkItemNo);
-        ShowInteger(window, 6, prefs.flMrkINStep);
+        ShowInteger(window, kStartNumberEdit, prefs.flMrkItemNo);
+        ShowInteger(window, kNumberStepEdit, prefs.flMrkINStep);
     });
 }
 
@@ -115,7 +114,7 @@ bool FilletRadiusDialog(PluginGlobals* globals) {
     return RunSimpleDialog<StoreFilletRadius>(globals, kFilletDialog, [](WindowRef window, void* context) {
         char text[kValueTextSize];
         FormatPointsWithRulerUnit(static_cast<PluginGlobals*>(context)->prefs.flRadius, text);
-        platform::SetControlText(window, 5, text);
+        platform::SetControlText(window, kFilletRadiusEdit, text);
     });
 }
 
@@ -130,7 +129,7 @@ bool RunDiameterDialog(PluginGlobals* globals) {
 bool RunSaveAsDialog(PluginGlobals* globals, std::string* name) {
     platform::WindowLogic logic;
     logic.opening = [](WindowRef window, void* context) {
-        platform::SetControlText(window, 3, static_cast<std::string*>(context)->c_str());
+        platform::SetControlText(window, kPresetNameEdit, static_cast<std::string*>(context)->c_str());
     };
     logic.event = NameEvent;
     return RunPluginDialog(globals, kSaveAsDialog, logic, name) == kResultOk;
@@ -142,7 +141,7 @@ AIErr AboutBox() {
         const PluginGlobals* globals = static_cast<PluginGlobals*>(context);
         char text[160];
         std::snprintf(text, sizeof text, "%s %s", globals->productName, globals->productVersion);
-        platform::SetControlText(window, 6, text);
+        platform::SetControlText(window, kVersionText, text);
     };
     logic.event = [](WindowRef window, std::int32_t control, void*) {
         if (control == kOkControl || control == kCancelControl) platform::CloseWindow(window, control);

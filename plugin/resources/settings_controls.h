@@ -1,0 +1,65 @@
+// The Settings dialog's control numbers.
+#pragma once
+
+#include <cstdint>
+
+namespace quorvel {
+
+enum SettingsControl : std::int32_t {
+    kAccuracyLabel = 3,
+    kShapeLabel = 4,
+    kShapeList = 5,
+    kAccuracyList = 6,
+    kUnitList = 7,
+    kFontList = 8,
+    kSizeLabel = 9,
+    kSizeEdit = 10,
+    kShowUnitBox = 12,
+    kKeepZerosBox = 13,
+    kScaleLabel = 14,
+    kOutLayerBox = 15,
+    kWidthLabel = 16,
+    kAngleLabel = 17,
+    kScaleEdit = 18,
+    kWidthEdit = 19,
+    kAngleEdit = 20,
+    kExtensionRunEdit = 21,
+    kStubLengthEdit = 22,
+    kExtensionGapEdit = 23,
+    kOutsideLimitEdit = 24,
+    kTextGapEdit = 25,
+    kDimensionDiagram = 26,
+    kShapeSizeEdit = 28,
+    kFontPreview = 29,
+    kUnitLabel = 31,
+    kLayerLabel = 35,
+    kLayerEdit = 36,
+    kSpecialLabel = 37,
+    kSpecialList = 38,
+    kLengthUnitLabel = 39,
+    kLengthUnitList = 40,
+    kLengthScaleLabel = 41,
+    kLengthScaleEdit = 42,
+    kArea1Box = 44,
+    kArea1UnitLabel = 45,
+    kArea1UnitList = 46,
+    kArea2Box = 47,
+    kArea2UnitLabel = 48,
+    kArea2UnitEdit = 49,
+    kArea2FactorLabel = 50,
+    kArea2FactorEdit = 51,
+    kArea2FactorUnitList = 52,
+    kArea3Box = 53,
+    kArea3UnitLabel = 54,
+    kArea3UnitEdit = 55,
+    kArea3FactorLabel = 56,
+    kArea3FactorEdit = 57,
+    kArea3FactorUnitList = 58,
+    kSettingsFrame = 61,
+    kFontGroup = 62,
+    kDimensionGroup = 63,
+    kLengthAreaGroup = 64,
+    kFirstShapePicture = 65,  // and three more, one for each shape
+};
+
+}  // namespace quorvel
