@@ -8,6 +8,8 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QFileDialog>
+#include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
@@ -160,11 +162,17 @@ struct WindowRig {
         ASSERT_NE(name, nullptr) << "no file dialog";
         auto* list = dialog->findChild<QListView*>(QStringLiteral("listView"));
         ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount(list->rootIndex()) > 0; }));
-        // A list that arrives late selects the proposed name again: the typed one must stay for a while.
+        // A list that arrives late selects the proposed name again, in the field or in the list alone, and what is
+        // selected there goes before what is typed: neither may change for a while.
         int quietTurns = 0;
         ASSERT_TRUE(QTest::qWaitFor([&] {
-            quietTurns = name->text() == path ? quietTurns + 1 : 0;
-            if (quietTurns == 0) name->setText(path);
+            const QStringList files = dynamic_cast<QFileDialog&>(*dialog).selectedFiles();
+            const bool isTyped = name->text() == path && files.size() == 1 && files.front().startsWith(path);
+            quietTurns = isTyped ? quietTurns + 1 : 0;
+            if (!isTyped) {
+                list->selectionModel()->clear();
+                name->setText(path);
+            }
             return quietTurns > 10;
         }));
         QTest::keyClick(name, Qt::Key_Return);
