@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "app/headless_session.h"
+#include "app/profile.h"
 #include "host/host.h"
 #include "platform/headless/headless.h"
 
