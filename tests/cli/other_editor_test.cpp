@@ -3,7 +3,6 @@
 // Inkscape, driven from its command line; where it is not installed the tests are skipped.
 #include <cstdlib>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
 
@@ -13,8 +12,6 @@
 
 namespace quorvel::tests {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 namespace fs = std::filesystem;
 
@@ -63,9 +60,15 @@ class OtherEditor : public ProgramRun {
     std::set<std::string> shown(const std::string& file) {
         EXPECT_EQ(runProgram("list " + file + " --json"), 0) << err_;
         std::set<std::string> texts;
-        for (const Json& dimension : Json::parse(out_))
-            texts.insert(dimension["id"].get<std::string>() + " " + dimension["kind"].get<std::string>() + " \"" +
-                         dimension["texts"][0].get<std::string>() + "\"");
+        const auto bare = [&](const std::string& pointer) {
+            const std::string json = printed(pointer);
+            return json.substr(1, json.size() - 2);
+        };
+        for (int i = 0; printed("/" + std::to_string(i)) != "(absent)"; ++i) {
+            const std::string dimension = "/" + std::to_string(i);
+            texts.insert(bare(dimension + "/id") + " " + bare(dimension + "/kind") + " " +
+                         printed(dimension + "/texts/0"));
+        }
         return texts;
     }
 

@@ -9,6 +9,7 @@
 #include <random>
 
 #include "tests/support/drafting_table.h"
+#include "tests/support/sanitized.h"
 
 namespace quorvel::tests {
 namespace {
@@ -166,7 +167,7 @@ TEST(CurveChain, LengthIsThatOfThePathOnThePlacementsSide) {
     DraftingTable table;
     PathSource source(41);
     int checked = 0, reversed = 0, closed = 0, passing = 0, missing = 0;
-    for (int round = 0; round < 900; ++round) {
+    for (int round = 0; round < rounds(900); ++round) {
         const Sampled path = source.path();
         const doc::ArtId art = table.draw(path.segments, path.closed);
         table.inside([&] {

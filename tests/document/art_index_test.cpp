@@ -8,6 +8,7 @@
 
 #include "document/bounds.h"
 #include "tests/support/random_drawing.h"
+#include "tests/support/sanitized.h"
 
 namespace quorvel::doc {
 namespace {
@@ -66,9 +67,9 @@ void expectSame(const Document& document, ArtIndex& index, RandomDrawing& random
 }
 
 TEST(ArtIndex, EqualsAWalkUnderRandomEdits) {
-    for (unsigned seed = 0; seed < 25; ++seed) {
+    for (int seed = 0; seed < tests::rounds(25); ++seed) {
         SCOPED_TRACE(seed);
-        RandomDrawing random(seed);
+        RandomDrawing random(static_cast<unsigned>(seed));
         Document document(400, 400);
         ArtIndex index(document);
         random.load(document, 3, seed % 5 == 0 ? 300 : 40);

@@ -11,6 +11,7 @@
 
 #include "document/bounds.h"
 #include "tests/support/random_drawing.h"
+#include "tests/support/sanitized.h"
 
 namespace quorvel::doc {
 namespace {
@@ -90,9 +91,9 @@ void expectSound(const Document& document) {
 }
 
 TEST(Document, UndoAndRedoBringBackEveryNumber) {
-    for (unsigned seed = 0; seed < 40; ++seed) {
+    for (int seed = 0; seed < tests::rounds(40); ++seed) {
         SCOPED_TRACE(seed);
-        RandomDrawing random(seed);
+        RandomDrawing random(static_cast<unsigned>(seed));
         Document document(400, 400);
         random.load(document, 3, 25);
         expectSound(document);

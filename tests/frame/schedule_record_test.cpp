@@ -14,7 +14,7 @@ using doc::Document;
 
 constexpr char kTool[] = "Schedule Tool [bottom]";
 constexpr std::int32_t kDialog = 16259;
-constexpr std::int32_t kTitleEdit = 8, kCountEdit = 26, kPresetList = 106, kOk = 1, kCancel = 2;
+constexpr std::int32_t kTitleEdit = 8, kCountEdit = 26, kOk = 1, kCancel = 2;
 
 template <std::size_t Size>
 void Put(char (&field)[Size], const std::string& text) {

@@ -6,6 +6,7 @@
 
 #include "tests/geometry/shapes.h"
 #include "tests/support/plain_bezier.h"
+#include "tests/support/sanitized.h"
 
 namespace quorvel {
 namespace {
@@ -38,7 +39,7 @@ TEST(FastRoad, LineDistance) {
 
 TEST(FastRoad, Nearest) {
     CurveSource random(2);
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < tests::rounds(20000); ++i) {
         const Segment c = random.Next();
         if (!IsGeneral(c)) continue;
         for (int j = 0; j < 3; ++j) {
@@ -59,7 +60,7 @@ TEST(FastRoad, Nearest) {
 // Points of a lattice beside symmetric curves on the same lattice: several chords at one distance, the first must win.
 TEST(FastRoad, NearestOfMany) {
     CurveSource random(3);
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < tests::rounds(20000); ++i) {
         const auto near = [&] { return static_cast<float>(random.Pick(9) - 4); };
         const float h = near(), v = near(), w = near();
         const Segment c =
@@ -113,7 +114,7 @@ TEST(FastRoad, Snap) {
 
 TEST(FastRoad, OffsetAndFit) {
     CurveSource random(6);
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < tests::rounds(4000); ++i) {
         const Segment c = random.Next();
         if (!IsGeneral(c)) continue;
         const DoublePoint from = random.PointFor(c), to = random.PointFor(c);
@@ -142,7 +143,7 @@ TEST(FastRoad, NotFinite) {
     const float bad[] = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
                          -std::numeric_limits<float>::infinity(), 3e38F};
     CurveSource random(7);
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < tests::rounds(4000); ++i) {
         Segment c = random.Next();
         float* numbers[] = {&c.s.p.h, &c.s.out.v, &c.t.in.h, &c.t.p.v, &c.s.p.v, &c.t.p.h};
         *numbers[random.Pick(6)] = bad[random.Pick(4)];

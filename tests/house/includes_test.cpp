@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -20,17 +20,20 @@ struct Include {
 };
 
 std::vector<Include> includesBelow(const std::string& folder) {
-    static const std::regex line(R"re(^\s*#\s*include\s*([<"])([^>"]+)[>"])re");
+    static constexpr std::string_view kDirective = "#include ";
+    static constexpr std::size_t kName = kDirective.size() + 1;
     std::vector<Include> found;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fs::path(QUORVEL_SOURCE_DIR) / folder)) {
         const std::string extension = entry.path().extension().string();
         if (extension != ".h" && extension != ".cpp" && extension != ".inc") continue;
         std::ifstream in(entry.path());
-        std::string text;
-        std::smatch match;
-        while (std::getline(in, text))
-            if (std::regex_search(text, match, line))
-                found.push_back({fs::relative(entry.path(), QUORVEL_SOURCE_DIR).string(), match[2], match[1] == "<"});
+        const std::string file = fs::relative(entry.path(), QUORVEL_SOURCE_DIR).string();
+        for (std::string line; std::getline(in, line);) {
+            if (!line.starts_with(kDirective) || line.size() < kName) continue;
+            const char opening = line[kName - 1];  // else the name is a macro's
+            if (opening == '<' || opening == '"')
+                found.push_back({file, line.substr(kName, line.find_first_of(">\"", kName) - kName), opening == '<'});
+        }
     }
     return found;
 }

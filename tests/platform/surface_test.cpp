@@ -6,6 +6,7 @@
 #include <random>
 
 #include "platform/headless/headless.h"
+#include "tests/support/sanitized.h"
 
 namespace quorvel::platform {
 namespace {
@@ -86,7 +87,7 @@ TEST_F(SurfaceTest, LinesStayWithinHalfAPixelOfTheTrueLine) {
 TEST_F(SurfaceTest, WhateverIsDrawnTwiceIsGone) {
     std::mt19937 random(7);
     const std::int32_t reaches[] = {3, 500, 40000, 2000000000};
-    for (int round = 0; round < 120; ++round) {
+    for (int round = 0; round < tests::rounds(120); ++round) {
         std::uniform_int_distribution<std::int32_t> any(-reaches[round % 4], reaches[round % 4]);
         const auto point = [&] { return Pixel{any(random), any(random)}; };
         const Pixel p[] = {point(), point(), point(), point(), point()};

@@ -36,7 +36,7 @@ class SmallDialogs : public testing::TestWithParam<const char*> {
     static Step type(std::int32_t control, const std::string& typed) { return {Kind::setText, control, typed, 0}; }
     static Step press(std::int32_t control) { return {Kind::press, control, "", 0}; }
 
-    DraftingTable table{[this] {
+    DraftingTable table{[] {
         PluginHostOptions options;
         options.language = GetParam();
         return options;

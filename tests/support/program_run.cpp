@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/script_run.h"
 
@@ -31,6 +32,13 @@ int ProgramRun::runCommand(const std::string& command) {
 
 int ProgramRun::runProgram(const std::string& arguments) {
     return runCommand("timeout 60 '" QUORVEL_PROGRAM_FILE "' " + arguments + " --profile profile");
+}
+
+std::string ProgramRun::printed(const std::string& pointer) const {
+    using Json = nlohmann::ordered_json;
+    const Json all = Json::parse(out_, nullptr, false);
+    const Json::json_pointer place(pointer);
+    return all.contains(place) ? all[place].dump() : "(absent)";
 }
 
 }  // namespace quorvel::tests

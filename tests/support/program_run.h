@@ -19,6 +19,9 @@ class ProgramRun : public testing::Test {
     // The exit code, -1 for another end; what was printed is in out_ and err_.
     int runCommand(const std::string& command);
     int runProgram(const std::string& arguments);  // with a profile of its own
+    // A value of the JSON that was printed, by its pointer ("/searches/0/kind"), as JSON; "(absent)" when it is not
+    // there.
+    std::string printed(const std::string& pointer) const;
 
     std::filesystem::path folder_;
     std::string out_, err_;
