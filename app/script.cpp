@@ -18,13 +18,15 @@ struct VerbRow {
 };
 
 constexpr VerbRow kVerbs[] = {
-    {"new", 2, 2, "nn"},    {"open", 1, 1, ""},     {"save", 1, 1, ""},   {"set", 2, 2, ""},     {"tool", 1, 1, ""},
-    {"options", 1, 1, ""},  {"track", 2, 4, "nn"},  {"drag", 2, 4, "nn"}, {"down", 0, 2, ""},    {"up", 0, 2, ""},
-    {"answer", 1, 1, ""},   {"dialog", 1, -1, "i"}, {"file", 1, 1, ""},   {"select", 1, -1, ""}, {"move", 3, 3, ".nn"},
-    {"turn", 4, 4, ".nnn"}, {"copy", 2, 2, ""},     {"delete", 1, 1, ""}, {"layer", 2, 3, ""},   {"zoom", 1, 1, "n"},
-    {"ruler", 1, 1, ""},    {"action", 1, 1, ""},   {"notify", 1, 1, ""}, {"menu", 1, 1, ""},    {"flyout", 1, 1, "i"},
-    {"tick", 0, 1, "i"},    {"panel", 2, 3, ".i"},  {"undo", 0, 0, ""},   {"redo", 0, 0, ""},    {"expect", 1, 3, ""},
-    {"clip", 1, -1, ""},    {"paste", 2, 2, "nn"},
+    {"new", 2, 2, "nn"},   {"open", 1, 1, ""},    {"save", 1, 1, ""},     {"set", 2, 2, ""},
+    {"tool", 1, 1, ""},    {"options", 1, 1, ""}, {"track", 2, 4, "nn"},  {"drag", 2, 4, "nn"},
+    {"down", 0, 2, ""},    {"up", 0, 2, ""},      {"answer", 1, 1, ""},   {"dialog", 1, -1, "i"},
+    {"file", 1, 1, ""},    {"select", 1, -1, ""}, {"move", 3, 3, ".nn"},  {"turn", 4, 4, ".nnn"},
+    {"copy", 2, 2, ""},    {"delete", 1, 1, ""},  {"layer", 2, 3, ""},    {"zoom", 1, 1, "n"},
+    {"ruler", 1, 1, ""},   {"action", 1, 1, ""},  {"notify", 1, 1, ""},   {"menu", 1, 1, ""},
+    {"flyout", 1, 1, "i"}, {"tick", 0, 1, "i"},   {"panel", 2, 3, ".i"},  {"undo", 0, 0, ""},
+    {"redo", 0, 0, ""},    {"expect", 1, 3, ""},  {"clip", 1, -1, ""},    {"paste", 2, 2, "nn"},
+    {"press", 2, 4, "nn"}, {"click", 2, 4, "nn"}, {"pull", 4, 6, "nnnn"},
 };
 
 // Words of which one must stand at a place.
@@ -48,6 +50,12 @@ constexpr ChoiceRow kChoices[] = {
     {"down", 1, "alt shift"},
     {"up", 0, "alt shift"},
     {"up", 1, "alt shift"},
+    {"press", 2, "alt shift"},
+    {"press", 3, "alt shift"},
+    {"click", 2, "alt shift"},
+    {"click", 3, "alt shift"},
+    {"pull", 4, "alt shift"},
+    {"pull", 5, "alt shift"},
 };
 
 struct ExpectRow {

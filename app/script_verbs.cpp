@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 
 #include "platform/text.h"
 
@@ -90,20 +92,37 @@ VerbResult editOptions(RunState& run, const ScriptLine& line) {
     return sendToTool(run, line, [&](const host::ToolRecord& tool) { run.session.host().editOptions(tool); });
 }
 
-VerbResult sendMouse(RunState& run, const ScriptLine& line, const char* selector, std::size_t modifiersFrom) {
+struct MouseMessage {
+    const char* selector;
+    std::size_t place;  // of its point's first word; kWhereItIs to leave the cursor there
+};
+constexpr std::size_t kWhereItIs = SIZE_MAX;
+
+VerbResult sendMouse(RunState& run, const ScriptLine& line, std::size_t modifiersFrom,
+                     std::initializer_list<MouseMessage> messages) {
     if (run.session.host().selectedTool() == nullptr) return failure(ErrorCode::kNoToolSelected);
     std::uint16_t modifiers = 0;
     for (std::size_t i = modifiersFrom; i < line.words.size(); ++i)
         modifiers |= text(line, i) == "alt" ? kAltModifier : kShiftModifier;
-    if (modifiersFrom > 0) run.cursor = point(line, 0);
-    run.session.host().sendTool(selector, run.cursor, modifiers);
+    for (const MouseMessage& message : messages) {
+        if (message.place != kWhereItIs) run.cursor = point(line, message.place);
+        run.session.host().sendTool(message.selector, run.cursor, modifiers);
+    }
     return {};
 }
 
-VerbResult track(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorTrackCursor, 2); }
-VerbResult drag(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorMouseDrag, 2); }
-VerbResult down(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorMouseDown, 0); }
-VerbResult up(RunState& run, const ScriptLine& line) { return sendMouse(run, line, kSelectorMouseUp, 0); }
+constexpr MouseMessage kTrack{kSelectorTrackCursor, 0}, kDown{kSelectorMouseDown, kWhereItIs},
+    kDrag{kSelectorMouseDrag, 0}, kDragOn{kSelectorMouseDrag, 2}, kUp{kSelectorMouseUp, kWhereItIs};
+
+VerbResult track(RunState& run, const ScriptLine& line) { return sendMouse(run, line, 2, {kTrack}); }
+VerbResult drag(RunState& run, const ScriptLine& line) { return sendMouse(run, line, 2, {kDrag}); }
+VerbResult down(RunState& run, const ScriptLine& line) { return sendMouse(run, line, 0, {kDown}); }
+VerbResult up(RunState& run, const ScriptLine& line) { return sendMouse(run, line, 0, {kUp}); }
+VerbResult press(RunState& run, const ScriptLine& line) { return sendMouse(run, line, 2, {kTrack, kDown}); }
+VerbResult click(RunState& run, const ScriptLine& line) { return sendMouse(run, line, 2, {kTrack, kDown, kUp}); }
+VerbResult pull(RunState& run, const ScriptLine& line) {
+    return sendMouse(run, line, 4, {kTrack, kDown, kDragOn, kUp});
+}
 
 // --- replies -------------------------------------------------------------------------------------------------------
 
@@ -228,7 +247,8 @@ constexpr VerbRow kTable[] = {
     {"paste", paste, kEdits},     {"layer", layer, kEdits},        {"undo", undo, kEdits},
     {"redo", redo, kEdits},       {"action", action, kActs},       {"notify", notify, kActs},
     {"menu", menu, kActs},        {"flyout", flyout, kActs},       {"tick", tick, kActs},
-    {"panel", panel, kActs},
+    {"panel", panel, kActs},      {"press", press, kActs},         {"click", click, kActs},
+    {"pull", pull, kActs},
 };
 
 }  // namespace
