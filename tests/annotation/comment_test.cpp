@@ -413,6 +413,10 @@ TEST_F(Annotation, AreaOfTheSelection) {
     EXPECT_EQ(area(), "10400") << "a hole that touches the edge adds";
     compound({square(100, 100, 100, true), square(100.05F, 120, 20, true)});
     EXPECT_EQ(area(), "10400") << "or comes within a tenth of it";
+    hand.prefs().flScFix = 2;
+    compound({square(100, 100, 1, true), square(100.25F, 100.25F, 0.5F, true)});
+    EXPECT_EQ(area(), "0.75") << "a compound of one point's side has holes too";
+    hand.prefs().flScFix = 0;
     compound({square(100, 100, 50, true), square(160, 100, 50, true)});
     EXPECT_EQ(area(), "5000") << "side by side";
     square(100, 100, 100, true);

@@ -8,7 +8,6 @@
 #include <cstdlib>
 
 #include "host/host.h"
-#include "interchange/svg/source.h"
 #include "interchange/svg/svg.h"
 #include "render/export.h"
 #include "render/painter.h"
@@ -152,28 +151,6 @@ TEST_F(Painting, UsedArtLooksAsItsElementSays) {
     EXPECT_NEAR(at(60, 25)[0], 134, 4) << "10.5 of 20 in the place of use";
     EXPECT_EQ(at(52, 55), black);
     EXPECT_EQ(at(58, 55), paper);
-}
-
-// Nothing is ever written into what a use element refers to.
-TEST_F(Painting, ChangedUsesLeaveDefinitionsAlone) {
-    const std::string defs = "<defs><g id='d'><rect id='r' width='9' height='9' opacity='.5'/></g></defs>";
-    const Result<interchange::SvgDrawing> read = interchange::readSvg(
-        "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' width='100pt' "
-        "height='100pt'>" +
-        defs + "<use id='u' xlink:href='#d'/></svg>");
-    ASSERT_TRUE(read);
-    doc::Document& document = *read->document;
-    doc::ArtId leaf = document.findByName("u");
-    while (document.find(leaf)->firstChild != 0) leaf = document.find(leaf)->firstChild;
-    EXPECT_TRUE(interchange::svgSource(document)->element(document.find(leaf)->ref.index).isInstance);
-    document.begin();
-    ASSERT_TRUE(document.transform(leaf, {1, 0, 0, 1, 5, 5}, 1));
-    ASSERT_TRUE(document.setTag(leaf, "T", "1"));
-    ASSERT_NE(document.duplicateArt(leaf, "twin"), 0U);
-    ASSERT_TRUE(document.commit("Undo", "Redo"));
-    const std::string written = interchange::writeSvg(document);
-    EXPECT_NE(written.find(defs), std::string::npos) << written;
-    EXPECT_EQ(written.find("<use"), std::string::npos) << "a group of what it showed";
 }
 
 TEST_F(Painting, CopiesLookLikeTheirOriginals) {

@@ -133,62 +133,6 @@ TEST(Window, ScheduleDialogTurnsPagesAndOffersPresets) {
     }
 }
 
-TEST(Window, PresetsAreSavedChosenAndDeleted) {
-    for (const char* language : {"en", "ja"}) {
-        WindowRig rig({language, true, false});
-        const bool english = language[0] == 'e';
-        const QString title = QString::fromUtf8(english ? "Schedule Tool [bottom]" : "図面枠ツール [下に部品]");
-        desktop::ToolSlot* slot = rig.window->tools()->slotOf(title);
-        ASSERT_NE(slot, nullptr);
-        const auto open = [&] { QTest::mouseDClick(slot, Qt::LeftButton, {}, QPoint(8, 8)); };
-        const auto pick = [](QWidget* dialog, const QString& row) {
-            auto* list = WindowRig::control<platform::CommandList>(dialog, 106);
-            const int found = list->findText(row);
-            ASSERT_GE(found, 0) << row.toStdString();
-            list->setCurrentIndex(found);
-            emit list->activated(found);
-        };
-        // Answers whatever window comes over the dialog, and waits until it has gone.
-        const auto answering = [](QWidget* dialog, const std::function<void()>& gesture,
-                                  const std::function<void(QWidget*)>& answer) {
-            bool answered = false;
-            QTimer waiting;
-            QObject::connect(&waiting, &QTimer::timeout, [&] {
-                QWidget* over = QApplication::activeModalWidget();
-                if (over == nullptr || over == dialog || answered) return;
-                answered = true;
-                answer(over);
-            });
-            waiting.start(20);
-            gesture();
-            EXPECT_TRUE(QTest::qWaitFor([&] { return answered && QApplication::activeModalWidget() == dialog; }));
-        };
-        rig.inDialog(open, [&](QWidget* dialog) {
-            auto* drawing = rig.control<QLineEdit>(dialog, 8);
-            QTest::keyClicks(drawing, "Lever");
-            answering(
-                dialog, [&] { pick(dialog, QString::fromUtf8(english ? "Save As..." : "別名で保存...")); },
-                [&](QWidget* over) {
-                    auto* name = rig.control<QLineEdit>(over, 3);
-                    name->selectAll();
-                    QTest::keyClicks(name, "House");
-                    QTest::mouseClick(rig.control<QPushButton>(over, 1), Qt::LeftButton);
-                });
-            EXPECT_TRUE(QFile::exists(rig.home.filePath("Adobe/Illustrator/Prefs/Quorvel/House.ini")));
-            pick(dialog, QStringLiteral("Untitled"));
-            drawing->selectAll();
-            QTest::keyClicks(drawing, "Other");
-            pick(dialog, QStringLiteral("House"));
-            EXPECT_TRUE(QTest::qWaitFor([&] { return drawing->text() == "Lever"; }));
-            answering(
-                dialog, [&] { pick(dialog, QString::fromUtf8(english ? "Delete" : "削除")); },
-                [](QWidget* over) { QTest::keyClick(over, Qt::Key_Return); });
-            EXPECT_FALSE(QFile::exists(rig.home.filePath("Adobe/Illustrator/Prefs/Quorvel/House.ini")));
-            QTest::mouseClick(rig.control<QPushButton>(dialog, 2), Qt::LeftButton);
-        });
-    }
-}
-
 // Keys on the closed list would load one preset after the other over what has been typed.
 TEST(Window, KeysRunNoPresetUnseen) {
     WindowRig rig;
@@ -314,20 +258,6 @@ TEST(Window, AppearanceIsKeptAndFollowsTheDesktop) {
         EXPECT_EQ(rig.session->dark(), dark) << "what the user has chosen";
     }
     QSettings().clear();
-}
-
-TEST(Window, PanelTogglesAndItsMenuItem) {
-    WindowRig rig({"ja", true, false});
-    platform::ControlForm* form = rig.session->user().dialogs().panelForm();
-    ASSERT_NE(form, nullptr);
-    const bool lit = form->isChecked(12);
-    QTest::mouseClick(form->widget(12), Qt::LeftButton);
-    EXPECT_NE(form->isChecked(12), lit);
-    EXPECT_TRUE(rig.window->infoDock()->isVisible());
-    rig.window->menuGo("Orvane Info Group");
-    EXPECT_FALSE(rig.window->infoDock()->isVisible());
-    rig.window->menuGo("Orvane Info Group");
-    EXPECT_TRUE(rig.window->infoDock()->isVisible());
 }
 
 TEST(Window, FileThatAnotherProgramChangedIsAskedFor) {

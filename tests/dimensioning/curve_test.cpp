@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <tuple>
 
 #include "tests/support/drafting_table.h"
 #include "tests/support/sanitized.h"
@@ -360,6 +361,19 @@ TEST_F(Curve, ArcsStandTheTextOver) {
     expectPoint(art[2].segments.front().p, 200 + 70 * std::cos(kHalfTurn / 6), 235);
     EXPECT_EQ(measure(to, from, {200, 270}).back().text, u"104.72");
     EXPECT_EQ(measure(from, to, {200, 120}).back().text, u"209.44");
+}
+
+// Spaced from the path's nearest point, where an open path has none between its ends.
+TEST_F(Curve, SpacingIsMeasuredFromThePathItself) {
+    table.prefs().flUseFdis = 1;
+    table.prefs().flGrDistance = 10;
+    // 50.16 from the open path's end at (100, 300); 4 from the closing side of the other
+    for (const auto& [left, closed, place] :
+         {std::tuple{100.0F, false, "32000,0,149.841,303.987"}, {500.0F, true, "32000,0,550,300"}}) {
+        table.drawLines({{left, 300}, {left, 100}, {left + 200, 100}, {left + 200, 300}}, closed);
+        measure({left, 200}, {left + 100, 100}, {left + 50, 304});
+        EXPECT_EQ(table.tag(table.dimension(), "QUORVEL_ENDPOS"), place);
+    }
 }
 
 TEST_F(Curve, StopsOrTwoPathsMakeItOblique) {

@@ -1,6 +1,8 @@
 // A plug-in that is one function of the test: what a message does is said where it is sent.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <string>
 
@@ -65,5 +67,18 @@ inline AIArtHandle newPath(std::initializer_list<RealPoint> anchors = {}) {
     }
     return path;
 }
+
+class Suites : public testing::Test {
+  protected:
+    Suites() {
+        host.attachPlugin(FakePlugin::main, nullptr);
+        host.newDocument(400, 300);
+    }
+    void within(const std::function<void()>& code) {
+        FakePlugin::within(host, [&](SPMessageData*) { code(); });
+    }
+
+    Host host{HostOptions{.seed = 1}};
+};
 
 }  // namespace quorvel::host

@@ -134,6 +134,10 @@ TEST(Clones, UsesInACircleAreStillWritten) {
     const auto document =
         open(page("<g id='a'><path id='p' d='M0 0H1'/><use href='#b'/></g><g id='b'><use href='#a'/></g><use id='u' "
                   "href='#a'/>"));
+    // A tag of its own leaves it a use element.
+    document->setTag(art(*document, "u").id, "T", "1");
+    EXPECT_NE(writeSvg(*document).find("<use id='u' href='#a' quorvel:T=\"1\"/>"), std::string::npos)
+        << writeSvg(*document);
     moveOriginal(*document);
     document->setTag(document->find(member(*document, "u"))->lastChild, "T", "1");
     const Result<SvgDrawing> again = readSvg(writeSvg(*document));

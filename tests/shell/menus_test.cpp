@@ -184,21 +184,6 @@ TEST_F(MenusTest, JapaneseTextsButForThePanelsTitle) {
     EXPECT_EQ(panel.flyoutItems, (std::vector<std::pair<int, std::string>>{{1, "Quorvel 設定..."}}));
 }
 
-TEST_F(MenusTest, AFailedAdditionEndsTheStartUpWithOneAlert) {
-    for (const char* what : {"notifier", "menu", "timer"}) {
-        PluginHostOptions options;
-        options.host.failAdding = what;
-        PluginHost plugin(std::move(options));
-        EXPECT_EQ(plugin.start(), kRefusedErr) << what;
-        EXPECT_EQ(plugin.user().takeTranscript().size(), 1U) << what;
-        EXPECT_EQ(plugin.host().tools().size(), 19U) << what;
-        EXPECT_TRUE(plugin.host().actions().empty()) << what;
-        EXPECT_TRUE(plugin.host().panels().empty()) << what;
-        EXPECT_EQ(plugin.stop(), kNoErr);
-        EXPECT_EQ(plugin.host().suitesHeld(), 0);
-    }
-}
-
 TEST_F(MenusTest, WithoutAPanelTheRestGoesOn) {
     PluginHostOptions options;
     options.host.failAdding = "panel";

@@ -96,18 +96,5 @@ TEST_F(StartUpTest, TheSettingsComeBeforeTheTools) {
     EXPECT_EQ(globals_->workBufferA, nullptr);
 }
 
-TEST_F(StartUpTest, WithoutMemoryNoToolIsAdded) {
-    backend_.failAllocation(2);
-    EXPECT_EQ(StartUp(globals_.get(), nullptr), kOutOfMemoryErr);
-    EXPECT_TRUE(sFirstTool.empty());
-    EXPECT_NE(globals_->workBufferA, nullptr);
-    EXPECT_EQ(globals_->workBufferB, nullptr);
-    EXPECT_EQ(globals_->workBufferC, nullptr);
-    ContextBracket(globals_.get());
-    ShutDown(globals_.get());
-    EXPECT_EQ(globals_->workBufferA, nullptr);
-    EXPECT_TRUE(fs::exists(settings()));
-}
-
 }  // namespace
 }  // namespace quorvel

@@ -1,6 +1,8 @@
 // Random drawings and random edits of them, for tests that hold a fast road against a plain one.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <random>
 #include <string>
@@ -9,6 +11,13 @@
 #include "document/document.h"
 
 namespace quorvel::doc {
+
+inline void expectRect(const RealRect& got, const RealRect& want, const char* what = "") {
+    EXPECT_EQ(got.left, want.left) << what;
+    EXPECT_EQ(got.top, want.top) << what;
+    EXPECT_EQ(got.right, want.right) << what;
+    EXPECT_EQ(got.bottom, want.bottom) << what;
+}
 
 class RandomDrawing {
   public:
