@@ -33,15 +33,15 @@ class Converter {
   public:
     Converter(const char* to, const char* from) : handle_(iconv_open(to, from)) {}
     ~Converter() {
-        if (usable()) iconv_close(handle_);
+        if (IsUsable()) iconv_close(handle_);
     }
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    bool usable() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
-    void restart() { iconv(handle_, nullptr, nullptr, nullptr, nullptr); }
+    bool IsUsable() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+    void Restart() { iconv(handle_, nullptr, nullptr, nullptr, nullptr); }
     // Moves from input to output until the end (true) or a byte that cannot be converted (false).
-    bool run(std::string_view* input, std::string* output) {
+    bool Run(std::string_view* input, std::string* output) {
         while (true) {
             char buffer[512];
             char* in = const_cast<char*>(input->data());
@@ -84,13 +84,13 @@ std::string Convert(std::string_view input, const char* to, const char* from, st
                     std::size_t (*skipped)(std::string_view)) {
     std::string output;
     Converter& converter = ConverterFor(to, from);
-    if (!converter.usable()) return output;
-    converter.restart();
+    if (!converter.IsUsable()) return output;
+    converter.Restart();
     output.reserve(input.size() * 3 / 2);
-    while (!converter.run(&input, &output)) {
+    while (!converter.Run(&input, &output)) {
         output += substitute;
         input.remove_prefix(skipped(input));
-        converter.restart();
+        converter.Restart();
     }
     return output;
 }

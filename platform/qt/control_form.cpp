@@ -152,7 +152,7 @@ QWidget* ControlForm::make(const ControlRow& row, const QString& label) {
 }
 
 void ControlForm::place(QWidget* widget, const ControlRow& row) const {
-    const auto scaled = [this](std::int32_t value) { return static_cast<int>(value * scale_ + 0.5); };
+    const auto scaled = [this](std::int32_t value) { return qRound(value * scale_); };
     const QRect rect(QPoint(scaled(row.rect.left), scaled(row.rect.top)),
                      QPoint(scaled(row.rect.right) - 1, scaled(row.rect.bottom) - 1));
     widget->setGeometry(rect);

@@ -10,7 +10,7 @@
 #include <QTextStream>
 
 // The resource of a static library must be pulled in by name, from outside any namespace.
-static void InitResource() { Q_INIT_RESOURCE(pictures); }
+static void initResource() { Q_INIT_RESOURCE(pictures); }
 
 namespace quorvel::platform {
 
@@ -36,7 +36,7 @@ const QHash<std::int32_t, QPoint>& hotSpots() {
 
 }  // namespace
 
-void initPictures() { InitResource(); }
+void initPictures() { initResource(); }
 
 bool pictureExists(std::int32_t id) { return QFile::exists(pathOf(id)); }
 

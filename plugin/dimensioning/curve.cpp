@@ -25,11 +25,11 @@ struct MeasuredPath {
     std::vector<PathSegment> segments;
     bool closed = false;
 
-    int count() const { return static_cast<int>(segments.size()); }
-    int PreviousIndex(int i) const { return i > 0 ? i - 1 : (closed ? count() - 1 : 0); }
-    int NextIndex(int i) const { return i + 1 < count() ? i + 1 : (closed ? 0 : count() - 1); }
-    const PathSegment& start(int span) const { return segments[static_cast<std::size_t>(PreviousIndex(span))]; }
-    const PathSegment& end(int span) const { return segments[static_cast<std::size_t>(span)]; }
+    int Count() const { return static_cast<int>(segments.size()); }
+    int PreviousIndex(int i) const { return i > 0 ? i - 1 : (closed ? Count() - 1 : 0); }
+    int NextIndex(int i) const { return i + 1 < Count() ? i + 1 : (closed ? 0 : Count() - 1); }
+    const PathSegment& Start(int span) const { return segments[static_cast<std::size_t>(PreviousIndex(span))]; }
+    const PathSegment& End(int span) const { return segments[static_cast<std::size_t>(span)]; }
 };
 
 // The two ends of the measured part; an exchange acts on these copies.
@@ -39,7 +39,7 @@ struct ChainEnds {
     bool sameSpanBack = false;  // both on one span, the second before the first
     bool reversed = false;
 
-    void exchange() {
+    void Exchange() {
         std::swap(i, j);
         std::swap(from, to);
         reversed = true;
@@ -61,7 +61,7 @@ double LengthUpTo(const BezierBasisTables& tables, const PathSegment& s, const P
 }
 
 double SpanLengthUpTo(const BezierBasisTables& tables, const MeasuredPath& path, int span, const DoublePoint& stop) {
-    return LengthUpTo(tables, path.start(span), path.end(span), stop);
+    return LengthUpTo(tables, path.Start(span), path.End(span), stop);
 }
 
 // The span nearest to E, the closing one tried last, and how far along it the nearest point lies.
@@ -69,11 +69,11 @@ int NearestSpan(const BezierBasisTables& tables, const MeasuredPath& path, const
     double best = kNoDistance;
     int nearestSpan = 0;
     DoublePoint nearestPoint = ToDoublePoint(path.segments[0].p);
-    for (int k = 1; k <= path.count(); ++k) {
-        const int span = k % path.count();
+    for (int k = 1; k <= path.Count(); ++k) {
+        const int span = k % path.Count();
         DoublePoint nearest;
         std::int16_t side = 0;
-        const double distance = DistanceToSegment(tables, path.start(span), path.end(span), E, &nearest, &side);
+        const double distance = DistanceToSegment(tables, path.Start(span), path.End(span), E, &nearest, &side);
         if (!(distance < best)) continue;
         best = distance;
         nearestSpan = span;
@@ -102,7 +102,7 @@ ChainEnds OrderEnds(const BezierBasisTables& tables, const MeasuredPath& path, C
     ends.sameSpanBack = ends.i == ends.j && v < u;
     if (!path.closed) {
         if (ends.j < ends.i || ends.sameSpanBack) {
-            ends.exchange();
+            ends.Exchange();
             ends.sameSpanBack = false;
         }
         return ends;
@@ -110,7 +110,7 @@ ChainEnds OrderEnds(const BezierBasisTables& tables, const MeasuredPath& path, C
     double w = 0;
     const int e = NearestSpan(tables, path, E, &w);
     if (!RunPasses(path, ends, e, u, v, w)) {
-        ends.exchange();
+        ends.Exchange();
         ends.sameSpanBack = ends.i == ends.j && !ends.sameSpanBack;
     }
     return ends;
@@ -123,12 +123,12 @@ void AppendToChain(ChainBuffer* chain, const PathSegment& segment) {
 // The path's segments from the one before span i to the one that ends span j.
 void CollectChain(const MeasuredPath& path, const ChainEnds& ends, ChainBuffer* chain) {
     chain->count = 0;
-    AppendToChain(chain, path.start(ends.i));
+    AppendToChain(chain, path.Start(ends.i));
     int k = ends.i;
     for (int step = 0; step < kStepLimit; ++step) {
-        AppendToChain(chain, path.end(k));
+        AppendToChain(chain, path.End(k));
         const bool goesRound = ends.sameSpanBack && step == 0;
-        if ((k == ends.j && !goesRound) || (!path.closed && k == path.count() - 1)) break;
+        if ((k == ends.j && !goesRound) || (!path.closed && k == path.Count() - 1)) break;
         k = path.NextIndex(k);
     }
 }
@@ -308,12 +308,12 @@ bool BuildCurveChain(PluginGlobals* globals, const DoublePoint& E, bool showProg
     SnapCell fromCell, toCell;
     MeasuredPath path;
     if (!SharedPath(state, &fromCell, &toCell) || !ReadMeasuredPath(fromCell.art, &path)) return false;
-    const auto isAnchor = [&](int index) { return index >= 0 && index < path.count(); };
+    const auto isAnchor = [&](int index) { return index >= 0 && index < path.Count(); };
     if (!isAnchor(fromCell.index) || !isAnchor(toCell.index)) return false;
 
     ChainEnds ends{fromCell.index, toCell.index, ToDoublePoint(state.fromPoint), ToDoublePoint(state.toPoint)};
     ends = OrderEnds(tables, path, ends, E);
-    if (PointsEqual(ends.from, ToDoublePoint(path.end(ends.i).p))) {
+    if (PointsEqual(ends.from, ToDoublePoint(path.End(ends.i).p))) {
         // A first span of no length is dropped.
         ends.i = path.NextIndex(ends.i);
         ends.sameSpanBack = false;
