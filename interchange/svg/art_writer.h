@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "interchange/svg/clones/save_base.h"
 #include "interchange/svg/path_style.h"
 #include "interchange/svg/rules.h"
-#include "interchange/svg/save_base.h"
 #include "interchange/svg/source.h"
 #include "svg/markup/start_tag.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <string>
 
-#include "interchange/svg/save_base.h"
+#include "interchange/svg/clones/save_base.h"
 #include "interchange/svg/splicer.h"
 #include "interchange/svg/svg.h"
 #include "svg/markup/namespaces.h"

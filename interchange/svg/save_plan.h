@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "document/document.h"
-#include "interchange/svg/save_base.h"
+#include "interchange/svg/clones/save_base.h"
 #include "svg/markup/start_tag.h"
 
 namespace quorvel::interchange {

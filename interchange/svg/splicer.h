@@ -10,7 +10,7 @@
 
 #include "document/document.h"
 #include "interchange/svg/art_writer.h"
-#include "interchange/svg/save_base.h"
+#include "interchange/svg/clones/save_base.h"
 #include "interchange/svg/save_plan.h"
 #include "svg/markup/element_spans.h"
 #include "svg/markup/splice_buffer.h"

@@ -162,19 +162,4 @@ TEST(House, RoomsBelowTheShellDoNotReachIntoIt) {
     }
 }
 
-TEST(House, EveryFileOfOneSubjectStaysReadable) {
-    for (const char* folder : {"hostapi", "platform", "plugin", "svg", "fonts", "document", "interchange", "host",
-                               "app", "cli", "render", "desktop"}) {
-        for (const fs::directory_entry& entry :
-             fs::recursive_directory_iterator(fs::path(QUORVEL_SOURCE_DIR) / folder)) {
-            if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
-            std::ifstream in(entry.path());
-            std::string text;
-            int lines = 0;
-            while (std::getline(in, text)) ++lines;
-            EXPECT_LE(lines, 700) << entry.path();
-        }
-    }
-}
-
 }  // namespace

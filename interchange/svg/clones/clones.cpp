@@ -1,6 +1,6 @@
 // The maps along the way are built of the same factors as when the use element was read, so that the copy's coordinates
 // are the same to the last bit.
-#include "interchange/svg/clones.h"
+#include "interchange/svg/clones/clones.h"
 
 #include <algorithm>
 

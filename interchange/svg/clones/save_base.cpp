@@ -1,13 +1,13 @@
 // What is written out is read like any other part of a file, and the walk makes the same elements in the same order as
 // before, now with markup of their own. Nested clones follow round by round.
-#include "interchange/svg/save_base.h"
+#include "interchange/svg/clones/save_base.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "interchange/svg/art_hash.h"
-#include "interchange/svg/clones.h"
-#include "interchange/svg/parts.h"
+#include "interchange/svg/clones/clones.h"
+#include "interchange/svg/clones/reread.h"
 #include "interchange/svg/text.h"
 #include "svg/markup/element_spans.h"
 #include "svg/markup/start_tag.h"
@@ -332,7 +332,7 @@ bool SaveBase::apply(const svg::TextEdits& edits, std::span<const std::int32_t> 
     for (svg::Element& element : next.tree.elements) element.nameOffset = edits.map(element.nameOffset);
     if (next.namedViewOffset != 0) next.namedViewOffset = edits.map(next.namedViewOffset);
     edits_.push_back(edits);
-    if (!readParts(
+    if (!rereadElements(
             changed, [this](std::uint32_t offset) { return offsetNow(offset); }, &next)) {
         edits_.pop_back();
         return false;

@@ -1,5 +1,5 @@
-// All parts are read into one tree of their own, from which their elements take the places of those before.
-#include "interchange/svg/parts.h"
+// All are read into one tree of their own, from which they take the places of the elements before.
+#include "interchange/svg/clones/reread.h"
 
 #include <algorithm>
 #include <deque>
@@ -12,9 +12,9 @@
 namespace quorvel::interchange {
 namespace {
 
-class PartReader {
+class ElementReader {
   public:
-    PartReader(const std::function<std::uint32_t(std::uint32_t)>& offsetNow, SvgSource* source)
+    ElementReader(const std::function<std::uint32_t(std::uint32_t)>& offsetNow, SvgSource* source)
         : offsetNow_(offsetNow), source_(*source), file_(*source->tree.file), document_(1, 1) {
         file_.renewAllowance();
         read_.tree.file = source->tree.file;
@@ -36,7 +36,7 @@ class PartReader {
             const svg::TreeWalk::Place place{source_.element(element.parent).style, source_.tree.map(element.parent),
                                              source_.tree.viewportIn(element.parent), depthOf(number)};
             if (!walk.part(markup.root(), text, place) || !isSame(number, root)) return false;
-            parts_.push_back({number, root, element.nameOffset - 1});
+            elements_.push_back({number, root, element.nameOffset - 1});
         }
         return true;
     }
@@ -44,21 +44,21 @@ class PartReader {
     void takePlaces() {
         const auto ctms = static_cast<std::uint32_t>(source_.tree.ctms.size());
         const auto texts = static_cast<std::int32_t>(source_.texts.size());
-        for (const Part& part : parts_) {
-            const std::int32_t parent = source_.element(part.number).parent;
-            const std::int32_t end = static_cast<std::int32_t>(source_.tree.endOf(part.number));
-            for (std::int32_t i = part.number, from = part.root + 1; i < end; ++i, ++from) {
+        for (const ReadElement& read : elements_) {
+            const std::int32_t parent = source_.element(read.number).parent;
+            const std::int32_t end = static_cast<std::int32_t>(source_.tree.endOf(read.number));
+            for (std::int32_t i = read.number, from = read.root + 1; i < end; ++i, ++from) {
                 svg::Element element = read_.element(from);
-                element.parent = element.parent == part.root ? parent : moved(part, element.parent);
+                element.parent = element.parent == read.root ? parent : moved(read, element.parent);
                 element.ctm += ctms;
                 element.nameOffset =
-                    element.isInstance ? offsetNow_(element.nameOffset) : part.begin + element.nameOffset;
+                    element.isInstance ? offsetNow_(element.nameOffset) : read.begin + element.nameOffset;
                 source_.tree.elements[static_cast<std::size_t>(i)] = element;
                 SvgRecord record = read_.record(from);
                 if (record.text >= 0) record.text += texts;
                 source_.records[static_cast<std::size_t>(i)] = record;
             }
-            replaceLists(part, end);
+            replaceLists(read, end);
         }
         source_.tree.ctms.insert(source_.tree.ctms.end(), read_.tree.ctms.begin(), read_.tree.ctms.end());
         source_.texts.insert(source_.texts.end(), read_.texts.begin(), read_.texts.end());
@@ -68,13 +68,15 @@ class PartReader {
     }
 
   private:
-    struct Part {
+    struct ReadElement {
         std::int32_t number = 0;  // of the element in the source
         std::int32_t root = 0;    // before the element in what was read
         std::uint32_t begin = 0;  // of the element in the source's text
     };
 
-    static std::int32_t moved(const Part& part, std::int32_t number) { return part.number + (number - part.root - 1); }
+    static std::int32_t moved(const ReadElement& read, std::int32_t number) {
+        return read.number + (number - read.root - 1);
+    }
 
     int depthOf(std::int32_t number) const {
         int depth = 0;
@@ -93,21 +95,21 @@ class PartReader {
         return true;
     }
 
-    void replaceLists(const Part& part, std::int32_t end) {
-        const auto isIn = [&](std::int32_t element) { return element >= part.number && element < end; };
+    void replaceLists(const ReadElement& read, std::int32_t end) {
+        const auto isIn = [&](std::int32_t element) { return element >= read.number && element < end; };
         const auto isRead = [&](std::int32_t element) {
-            return element > part.root && element - part.root <= end - part.number;
+            return element > read.root && element - read.root <= end - read.number;
         };
         std::erase_if(source_.uses, [&](const SvgUse& use) { return isIn(use.element); });
         std::erase_if(source_.tree.viewports, [&](const auto& viewport) { return isIn(viewport.element); });
         for (SvgUse use : read_.uses) {
             if (!isRead(use.element)) continue;
-            use.element = moved(part, use.element);
+            use.element = moved(read, use.element);
             source_.uses.push_back(use);
         }
         for (svg::Tree::ElementViewport viewport : read_.tree.viewports) {
             if (!isRead(viewport.element)) continue;
-            viewport.element = moved(part, viewport.element);
+            viewport.element = moved(read, viewport.element);
             source_.tree.viewports.push_back(viewport);
         }
     }
@@ -115,17 +117,17 @@ class PartReader {
     const std::function<std::uint32_t(std::uint32_t)>& offsetNow_;
     SvgSource& source_;
     svg::File& file_;
-    doc::Document document_;  // art is made by the way
-    SvgSource read_;          // part by part: a root, then its elements
+    doc::Document document_;  // the loader needs one; its art is not used
+    SvgSource read_;          // for each element: a root, then what is read
     std::deque<svg::XmlFile> markups_;
-    std::vector<Part> parts_;
+    std::vector<ReadElement> elements_;
 };
 
 }  // namespace
 
-bool readParts(std::span<const std::int32_t> elements, const std::function<std::uint32_t(std::uint32_t)>& offsetNow,
-               SvgSource* source) {
-    PartReader reader(offsetNow, source);
+bool rereadElements(std::span<const std::int32_t> elements,
+                    const std::function<std::uint32_t(std::uint32_t)>& offsetNow, SvgSource* source) {
+    ElementReader reader(offsetNow, source);
     if (!reader.read(elements)) return false;
     reader.takePlaces();
     return true;
