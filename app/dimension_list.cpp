@@ -34,7 +34,7 @@ float number(const std::vector<std::string>& all, std::size_t index) {
     return index < all.size() ? static_cast<float>(std::atof(all[index].c_str())) : 0;
 }
 
-// The art that bears an object id.
+// The art that has an object id.
 using BearersByObject = std::map<std::string, std::vector<const doc::Art*>>;
 
 LinkedArt linkTo(const std::string& from, std::int32_t objectId, std::int32_t anchor, const BearersByObject& all) {

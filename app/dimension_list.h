@@ -12,7 +12,7 @@ struct LinkedArt {
     std::string from;  // "from", "to", "stop 1", ...
     std::int32_t objectId = 0;
     std::int32_t anchor = 0;
-    std::vector<std::string> names;  // of the art that bears the object id
+    std::vector<std::string> names;  // of the art that has the object id
     bool lost = true;                // none of it has such an anchor any more
 };
 

@@ -109,10 +109,10 @@ std::optional<Clipboard::Pasted> Clipboard::paste(doc::Document& document, RealP
     const doc::ArtId root = openRoot(document);
     Pasted pasted;
     for (auto copy = copies_.rbegin(); copy != copies_.rend(); ++copy) {
-        const bool stands = copy->drawing == document.number() && isEditable(document, copy->original);
-        if (!stands && root == 0) return std::nullopt;
-        const doc::ArtId made = stands ? document.insertCopy(*copy, kPlaceAbove, copy->original)
-                                       : document.insertCopy(*copy, kPlaceInsideOnTop, root);
+        const bool hasOriginal = copy->drawing == document.number() && isEditable(document, copy->original);
+        if (!hasOriginal && root == 0) return std::nullopt;
+        const doc::ArtId made = hasOriginal ? document.insertCopy(*copy, kPlaceAbove, copy->original)
+                                            : document.insertCopy(*copy, kPlaceInsideOnTop, root);
         pasted.left += leftOut(*copy, document);
         if (made == 0) continue;
         if (!document.transform(made, matrix, 1)) return std::nullopt;

@@ -37,16 +37,15 @@ class Clipboard {
     };
     bool empty() const { return copies_.empty(); }
     void take(const doc::Document& document, const std::vector<doc::ArtId>& arts);  // the top one first
-    // Each above its original while that stands where it may be changed; else on top of the current layer, or of the
-    // topmost that is open. Nothing when there is no such place or it would lie
-    // beyond all numbers; some may have been made then.
+    // Each above its original while that can be edited; else on top of the current layer, or of the topmost that can.
+    // Nothing when there is no such layer or a coordinate would overflow; some copies may have been made by then.
     std::optional<Pasted> paste(doc::Document& document, RealPoint by) const;
 
   private:
     std::vector<doc::ArtCopy> copies_;
 };
 
-// What a hand can take: neither the art nor anything around it is hidden or locked.
+// What the user can take: neither the art nor anything around it is hidden or locked.
 bool isEditable(const doc::Document& document, doc::ArtId art);
 
 // "all", "none" or ids; hidden and locked art too; groups and compound paths with all their members.

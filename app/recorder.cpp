@@ -1,5 +1,6 @@
-// A line is in the file before it is done. What it asks for must stand before it and comes while it runs, and a move
-// may turn out to be one of many: so the file's end is written anew until the next deed begins.
+// A line is written before its action runs. The replies that the action asks for must precede the line but are known
+// only while it runs, and a move may be the first of many: the end of the file is rewritten until the next action
+// begins.
 #include "app/recorder.h"
 
 #include <charconv>

@@ -28,8 +28,8 @@ class Recorder {
     // Everything is in the file at once; this says it to whoever reads the file meanwhile.
     void flush();
 
-    // To be called before the deed, so that the line of a deed that brings the program down is in the file. The replies
-    // that it asks for come ahead of it.
+    // To be called before the action, so that the file has the line of an action that crashes the program. The replies
+    // that the action asks for are written before the line.
     void line(const std::string& text);
     // The mouse is seen only where it ends: of a series of moves the last two are kept.
     void move(const char* verb, RealPoint point, std::uint16_t modifiers);
@@ -78,7 +78,7 @@ class Recorder {
     std::vector<std::size_t> openDialogs_;    // places among the replies, the outermost first
     std::vector<std::size_t> done_, undone_;  // script steps of each step of the drawing
     bool tickMatters_ = false;
-    bool tickUnsaid_ = false;  // the last deed was a tick that was not worth a line
+    bool tickUnsaid_ = false;  // the last action was a tick that was not worth a line
 };
 
 // The fewest digits that read back as the same number.

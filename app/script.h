@@ -1,4 +1,4 @@
-// Scripts: text files that drive the host as a hand would, one message a line. A script is read whole before any of it
+// Scripts: text files that drive the host as a user does, one message a line. A script is read whole before any of it
 // runs, so that a slip in its last line leaves nothing half done.
 #pragma once
 

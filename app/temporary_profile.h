@@ -1,5 +1,5 @@
 // A profile for one run with the settings of another: what the run makes of them (a parts list read in, the settings
-// that rebuilt dimensions carry) does not end up in the user's own, and no preset stands in its way.
+// that rebuilt dimensions carry) is not written into the user's own, and it has no presets.
 #pragma once
 
 #include <string>

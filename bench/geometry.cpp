@@ -59,9 +59,9 @@ void MakeCases(int count) {
     }
 }
 
-// Each road answers a case with one number that depends on the whole result. The plain reading sorts out the shape as
+// Each method answers a case with one number that depends on the whole result. The plain reading sorts out the shape as
 // the kernel's functions do.
-using Road = double (*)(const Case&);
+using Method = double (*)(const Case&);
 
 double PlainDistance(const Case& c, const DoublePoint& p) {
     DoublePoint nearest;
@@ -145,7 +145,7 @@ struct Question {
     const char* name;
     int cases;     // how many are asked in one turn
     double limit;  // the share of the plain reading's time that the kernel may take; 0 for no promise
-    Road plain, kernel, library;
+    Method plain, kernel, library;
 };
 
 const Question kQuestions[] = {
@@ -175,10 +175,10 @@ bool BitsAgree() {
     return true;
 }
 
-void Ask(benchmark::State& state, Road road, int count) {
+void Ask(benchmark::State& state, Method method, int count) {
     for (auto _ : state) {
         double sum = 0;
-        for (int i = 0; i < count; ++i) sum += road(cases[i]);
+        for (int i = 0; i < count; ++i) sum += method(cases[i]);
         benchmark::DoNotOptimize(sum);
     }
     state.counters["ns"] = benchmark::Counter(
@@ -207,7 +207,7 @@ bool PrintRatios(std::map<std::string, double>& seconds) {
                 "kernel / plain", "kernel / lib2geom");
     for (const Question& question : kQuestions) {
         const std::string name = question.name;
-        const auto time = [&](const char* road) { return seconds[name + '/' + road] / question.cases * 1e9; };
+        const auto time = [&](const char* method) { return seconds[name + '/' + method] / question.cases * 1e9; };
         const double ratio = time("kernel") / time("plain");
         std::printf("%-28s %12.0f %12.0f %12.0f %14.3f %16.3f", question.name, time("plain"), time("kernel"),
                     time("lib2geom"), ratio, time("kernel") / time("lib2geom"));
@@ -223,7 +223,7 @@ bool PrintRatios(std::map<std::string, double>& seconds) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // The roads take turns, so that a change of the machine's speed meets all of them.
+    // The methods take turns, so that a change of the machine's speed meets all of them.
     std::vector<char*> arguments(argv, argv + argc);
     char interleave[] = "--benchmark_enable_random_interleaving=true";
     arguments.insert(arguments.begin() + 1, interleave);
@@ -234,10 +234,10 @@ int main(int argc, char** argv) {
     if (!BitsAgree()) return 1;
     std::printf("The kernel's results are the plain reading's, to the last bit.\n");
     for (const Question& question : kQuestions) {
-        const std::pair<const char*, Road> roads[] = {
+        const std::pair<const char*, Method> methods[] = {
             {"plain", question.plain}, {"kernel", question.kernel}, {"lib2geom", question.library}};
-        for (const auto& [road, ask] : roads)
-            benchmark::RegisterBenchmark((std::string(question.name) + '/' + road).c_str(), Ask, ask, question.cases)
+        for (const auto& [method, ask] : methods)
+            benchmark::RegisterBenchmark((std::string(question.name) + '/' + method).c_str(), Ask, ask, question.cases)
                 ->Repetitions(12)
                 ->MinTime(0.02);
     }

@@ -1,7 +1,7 @@
 // What it costs to make all dimensions of a drawing true again: the recalculation by action, with the host's index and
-// without it, of a thousand and ten thousand dimensions in drawings of ten and a hundred thousand arts. Both roads must
-// leave the same drawing. The walking road rebuilds a selected tenth of the dimensions, which is then scaled. Run
-// bench_recalculate; it takes about five minutes, nearly all of them on the walking road.
+// without it, of a thousand and ten thousand dimensions in drawings of ten and a hundred thousand arts. Both must
+// leave the same drawing. The walked variant rebuilds a selected tenth of the dimensions, which is then scaled. Run
+// bench_recalculate; it takes about five minutes, nearly all of them in the walked variant.
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -20,7 +20,7 @@ using namespace quorvel;
 using namespace quorvel::bench;
 
 constexpr int kTurns = 3, kPasses = 5;
-constexpr int kShare = 10;  // the walking road rebuilds one dimension in so many
+constexpr int kShare = 10;  // the walked variant rebuilds one dimension in so many
 constexpr const char* kTools[] = {"Oblique Dimension Tool", "Straight Dimension Tool"};
 
 // --- drawings with dimensions ---------------------------------------------------------------------------------------
@@ -29,7 +29,7 @@ void send(host::Host& host, const char* selector, RealPoint cursor) {
     if (host.sendTool(selector, cursor, 0) != kNoErr) throw std::runtime_error("an event failed");
 }
 
-// The hand's way from anchor to anchor and aside. False when the tool beeps, since the two snap to one point.
+// Moves the cursor from anchor to anchor and aside. False when the tool beeps, since the two snap to one point.
 bool drawDimension(PluginRun& run, RealPoint from, RealPoint to) {
     host::Host& host = run.host();
     const std::size_t before = run.document().artCount();
@@ -192,7 +192,7 @@ bool sameLeft(const Share& indexed, const Share& walked) {
     if (indexed.left == walked.left) return true;
     std::size_t i = 0;
     while (i < indexed.left.size() && i < walked.left.size() && indexed.left[i] == walked.left[i]) ++i;
-    std::printf("FAIL  the two roads leave different drawings, first at art %zu of %zu and %zu\n", i,
+    std::printf("FAIL  the two variants leave different drawings, first at art %zu of %zu and %zu\n", i,
                 indexed.left.size(), walked.left.size());
     return false;
 }
@@ -228,7 +228,7 @@ int main() {
             std::fflush(stdout);
         }
     }
-    std::printf("Both roads left the same drawings.\n");
+    std::printf("Both variants left the same drawings.\n");
     promises.check("indexed / walked, 10000 dimensions in 100000 arts", ratio, 0.01);
     for (const auto& [what, growth] : growths) promises.check(what, growth, 12);
     return promises.exitCode();

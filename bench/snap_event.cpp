@@ -1,5 +1,5 @@
 // What one movement of the cursor costs: whole Track Cursor messages through the plug-in's entry, all searches on, with
-// the host's index and without it, on drawings of a thousand to a million paths. Both roads must find the same. Run
+// the host's index and without it, on drawings of a thousand to a million paths. Both must find the same. Run
 // bench_snap_event; it takes about a minute.
 #include <bit>
 #include <cstdio>
@@ -98,7 +98,7 @@ RoadResult measure(int paths, bool artQuery) {
 bool sameFound(int paths, const RoadResult& indexed, const RoadResult& walked) {
     for (std::size_t i = 0; i < walked.observations.size(); ++i) {
         if (indexed.observations[i].seen == walked.observations[i].seen) continue;
-        std::printf("FAIL  with %d paths the two roads differ at cursor %zu\n", paths, i);
+        std::printf("FAIL  with %d paths the two variants differ at cursor %zu\n", paths, i);
         return false;
     }
     return true;
@@ -130,7 +130,7 @@ int main() {
             before = indexed.secondsPerEvent;
         }
     }
-    std::printf("Both roads found the same at every compared cursor.\n");
+    std::printf("Both variants found the same at every compared cursor.\n");
     promises.check("indexed / walked, 100000 paths", middleOf(indexedToWalked), 1.0 / 300);
     promises.check("indexed, 1000000 paths / 100000 paths", middleOf(growth), 2);
     return promises.exitCode();

@@ -17,7 +17,7 @@ constexpr int kExitOk = 0;
 constexpr int kExitFault = 1;  // a script's expectation, a stale dimension
 constexpr int kExitBadInput = 2;
 
-// What stands on the command line. Each command reads what its row names.
+// The arguments of the command line. Each command reads what its row names.
 struct Options : app::SessionOptions {
     std::string file;                // of the commands over one file
     std::vector<std::string> files;  // of those over several
@@ -26,7 +26,7 @@ struct Options : app::SessionOptions {
     std::string at;                  // document points, parted by commas
     std::string tool;                // its title in the profile's language; empty: the first tool
     std::string parts;               // a parts list, CSV in the system code page
-    std::string mode = "bottom";     // where the parts table stands: "bottom" or "top"
+    std::string mode = "bottom";     // the end of the sheet that the parts table is at: "bottom" or "top"
     std::string format = "pdf";      // of what goes into the folder: "pdf" or "png"
     std::vector<std::string> ids;    // SVG ids
     std::vector<std::string> sets;   // KEY=TEXT: settings on top of the parts list's
@@ -46,7 +46,7 @@ struct OptionCheck {
 struct OptionRow {
     using Target = std::variant<std::string Options::*, std::vector<std::string> Options::*, bool Options::*,
                                 double Options::*, std::optional<std::uint64_t> Options::*>;
-    const char* names;  // "-o,--output"; "FILE" for what stands without a name
+    const char* names;  // "-o,--output"; "FILE" for arguments without a name
     const char* what;
     Target target;
     bool isRequired = false;

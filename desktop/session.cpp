@@ -107,7 +107,7 @@ void Session::shutdown() {
     recorder_.flush();
 }
 
-// The settings in force are a part of what is recorded: another machine has others.
+// The current settings are recorded too: another machine has others.
 void Session::recordSettings() {
     std::string bytes;
     if (!platform::ReadWholeFile(app::settingsFileBelow(user_->files().documentsFolder()), &bytes)) return;

@@ -1,4 +1,4 @@
-// What stands behind the window: the host with its plug-in, the backend that shows dialogs, the recorder, and the words
+// What the window works on: the host with its plug-in, the backend that shows dialogs, the recorder, and the words
 // in the language that the plug-in speaks.
 #pragma once
 
@@ -43,7 +43,7 @@ class Session : public QObject {
     // The panel and the icons follow.
     void setDark(bool dark, const QColor& background, const QColor& text);
     bool dark() const { return dark_; }
-    // The name under which the view's window stands; resizing opens it anew.
+    // Opens the view's window under the name; a resize opens it anew. Sizes in pixels.
     void openView(const QString& name, int width, int height);
     void closeView();
 

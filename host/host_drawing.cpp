@@ -55,7 +55,7 @@ std::string printedPicas(double points, int precision) {
     return sign + printed(picas, 0) + "p" + printed(rounded - picas * 12, precision);
 }
 
-// A pixel far outside any screen stands for what lies beyond the integers.
+// Clamps to a pixel far outside any screen, since a double may be beyond the integers.
 std::int32_t toPixel(double value) {
     constexpr double kFar = 1e9;
     return static_cast<std::int32_t>(std::lround(!(std::abs(value) <= kFar) ? std::copysign(kFar, value) : value));

@@ -110,8 +110,8 @@ const std::vector<PanelRecord>& Host::panels() const { return impl_->panels; }
 // A call back into the plug-in that is no message: it acquires no suites.
 bool Host::chooseFlyout(int item) {
     for (const PanelRecord& panel : impl_->panels) {
-        const auto bears = [item](const std::pair<int, std::string>& one) { return one.first == item; };
-        if (std::none_of(panel.flyoutItems.begin(), panel.flyoutItems.end(), bears)) continue;
+        const auto isItem = [item](const std::pair<int, std::string>& one) { return one.first == item; };
+        if (std::none_of(panel.flyoutItems.begin(), panel.flyoutItems.end(), isItem)) continue;
         const AIPanelFlyoutProc proc = panel.flyoutProc;
         if (proc != nullptr) impl_->invokeGuarded([proc, item, handle = panel.handle] { proc(handle, item); });
         return true;

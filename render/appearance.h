@@ -25,7 +25,7 @@ struct Appearance {
     double strokeWidth = 1;  // user units; for texts, whose pieces do not say it
     std::string_view clip, mask;
     std::array<std::string_view, 3> markers;  // on an outline's first, inner and last anchors
-    bool hasMarkers = false;                  // any of them, on an outline that bears them
+    bool hasMarkers = false;                  // any of them, on an outline that has them
 };
 
 // Must not outlive the document.
@@ -53,7 +53,7 @@ class AppearanceReader {
     const doc::Document& document_;
     const interchange::SvgSource* source_;
     bool hasForeign_ = false;
-    // By the number of the style, for outlines that bear no markers by their kind and for those that do.
+    // By the number of the style, for outlines whose kind has no markers and for those whose kind has.
     std::vector<std::optional<Appearance>> plain_, bearing_;
 };
 

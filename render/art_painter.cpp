@@ -57,7 +57,7 @@ QPen penOf(const AIPathStyle& style) {
     return pen;
 }
 
-// The paths of the art, whose anchors bear markers, the lowest first.
+// The paths of the art, whose anchors get markers, the lowest first.
 std::vector<const doc::PathData*> piecesOf(const doc::Document& document, const doc::Art& art) {
     std::vector<const doc::PathData*> pieces;
     if (art.path != nullptr) pieces.push_back(art.path.get());

@@ -1,4 +1,4 @@
-// Straight pieces stay straight lines, so that Qt draws them by its quick road.
+// Straight pieces stay straight lines, so that Qt draws them by its fast path.
 #include "render/outline.h"
 
 #include <algorithm>

@@ -220,7 +220,7 @@ void DocumentPainter::paintApart(const doc::Art& art, const Appearance& look) {
         state_.painter = below;
         if (!look.mask.empty()) maskPicture(art, look, toPicture, &apart);
     }
-    // From the picture's dots to the painter's own coordinates, whatever lies between those and the device.
+    // From the picture's dots to the painter's own coordinates, whatever the map from those to the device is.
     below->save();
     below->setTransform(toPicture.inverted(), true);
     below->setOpacity(below->opacity() * look.opacity);

@@ -1,5 +1,5 @@
-// Outlines of texts: each character stands where the host's measure puts it, so that a text is as wide on the canvas as
-// the plug-in has reckoned.
+// Outlines of texts: each character is placed by the host's measure, so that a text is as wide on the canvas as
+// the plug-in computed.
 #pragma once
 
 #include <QPainterPath>

@@ -170,8 +170,8 @@ void Canvas::drawGround(QPainter* painter, const CanvasCache::View& view, const 
     painter->drawRect(page.adjusted(-1, -1, 0, 0));
 }
 
-// Inverts exactly the pixels that are told. A pixel of the screen is of the one of the view that its middle lies in,
-// also where that is one and a half of them wide.
+// Inverts exactly the pixels of the preview. A pixel of the screen belongs to the view's pixel that contains its
+// middle, also where the view's pixels are one and a half of the screen's.
 void Canvas::invertPreview(QImage* image) const {
     const double ratio = image->devicePixelRatio();
     const auto edge = [ratio](std::int64_t pixel, int end) {
@@ -305,7 +305,7 @@ void Canvas::showCursor() {
         setCursor(tool_ != nullptr ? tool_->cursor() : QCursor());
 }
 
-// An alert in the middle of a press takes the release for itself: the hand gets it when the mouse comes back without
+// An alert that opens during a press receives the release: the tool gets its release when the mouse returns without
 // the button.
 void Canvas::endLostPress(const QMouseEvent& event) {
     if (panning() && !(event.buttons() & panButton_)) {

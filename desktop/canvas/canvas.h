@@ -1,5 +1,5 @@
-// The sheet on the desk: shows the drawing on its page and pasteboard, zooms at the mouse, pans, and lets the hand that
-// is in force draw. What is drawn is kept as a picture, of which only what has changed is drawn again.
+// The view of the drawing: shows it on its page and pasteboard, zooms at the mouse, pans, and sends the mouse to the
+// current tool. The picture is cached; only what has changed is drawn again.
 #pragma once
 
 #include <QImage>
@@ -45,7 +45,7 @@ class Canvas : public QWidget, private doc::DocumentObserver {
     QPointF toPixel(RealPoint point) const;
     QTransform toPixels() const;  // document points to the canvas's pixels
 
-    // What stands on the screen once the picture is sharp, and what a drawing of it from scratch looks like.
+    // The picture as the screen shows it once it is sharp, and the same drawn from scratch.
     QImage shown();
     QImage fresh();
     bool isSharp() const { return picture_.isSharp(); }

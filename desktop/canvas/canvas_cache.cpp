@@ -88,7 +88,7 @@ bool CanvasCache::setView(const View& view, const render::PaintOptions& options)
     return true;
 }
 
-// What was seen, where it lies now. A picture that has only moved is drawn sharp where it has uncovered something.
+// Shows the old picture, moved and scaled to the new view. After a plain scroll the uncovered strips are drawn sharp.
 void CanvasCache::standIn(const View& before) {
     QImage old = shown_;
     shown_ = emptyImage();
@@ -110,9 +110,9 @@ void CanvasCache::standIn(const View& before) {
     }
     shown_.setDevicePixelRatio(view_.ratio);
     if (!shifted) return;
-    const QRectF lies = moved.mapRect(QRectF(old.rect()));
-    const QPoint first(static_cast<int>(std::ceil(lies.left())), static_cast<int>(std::ceil(lies.top())));
-    const QPoint end(static_cast<int>(std::floor(lies.right())), static_cast<int>(std::floor(lies.bottom())));
+    const QRectF place = moved.mapRect(QRectF(old.rect()));
+    const QPoint first(static_cast<int>(std::ceil(place.left())), static_cast<int>(std::ceil(place.top())));
+    const QPoint end(static_cast<int>(std::floor(place.right())), static_cast<int>(std::floor(place.bottom())));
     const QRegion covered(QRect(first, end - QPoint(1, 1)));
     const QDeadlineTimer until(kUncovered);
     for (const QRect& strip : QRegion(whole()) - covered) {

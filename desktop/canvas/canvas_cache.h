@@ -26,7 +26,7 @@ class CanvasCache : public QObject {
         double ratio = 1;     // the screen's pixels for each of the widget's
         bool operator==(const View& other) const = default;
     };
-    // Draws what lies below the drawing: pasteboard and page. part: of the widget.
+    // Draws what is below the drawing: pasteboard and page. part: in pixels of the widget.
     using Ground = std::function<void(QPainter* painter, const View& view, const QRectF& part)>;
 
     explicit CanvasCache(Ground ground);
@@ -36,7 +36,7 @@ class CanvasCache : public QObject {
     // True when the view is another one, so that the picture is begun anew.
     bool setView(const View& view, const render::PaintOptions& options);
     void drawAnew();  // all has changed
-    // What lies in these pixels of the widget has changed. Little is drawn at once, much in slices.
+    // These pixels of the widget have changed. Small areas are drawn at once, large ones in slices.
     void draw(const QRect& part);
     const QImage& image() const { return shown_; }
     bool isSharp() const { return !drawing_; }
@@ -48,7 +48,7 @@ class CanvasCache : public QObject {
     void progressed(int done, int total);  // equal at the end
 
   private:
-    // Parts are in the screen's pixels here: a pixel of the widget may be one and a half of them.
+    // Rectangles are in the screen's pixels here: a pixel of the widget may be one and a half of them.
     QImage emptyImage() const;
     QRect whole() const;
     QRectF inWidget(const QRect& part) const;

@@ -1,5 +1,4 @@
-// What the mouse does on the canvas: one hand is in force at a time, that of the plug-in's tool or one of the window's
-// own.
+// What the mouse does on the canvas. One tool is current at a time: the plug-in's or one of the window's own.
 #pragma once
 
 #include <QCursor>
@@ -23,7 +22,7 @@ class CanvasTool {
     virtual void press(const ToolEvent& event) = 0;
     virtual void drag(const ToolEvent& event) = 0;
     virtual void release(const ToolEvent& event) = 0;
-    virtual void cancel() {}              // the hand is taken off the canvas
+    virtual void cancel() {}              // another tool becomes current
     virtual void abandon() { cancel(); }  // the Escape key
     virtual QCursor cursor() const = 0;
     // Over the drawing, in the canvas's pixels.

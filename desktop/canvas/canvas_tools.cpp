@@ -1,4 +1,4 @@
-// What each hand makes of presses, drags and releases.
+// What each tool does on presses, drags and releases.
 #include "desktop/canvas/canvas_tools.h"
 
 #include <algorithm>
@@ -103,13 +103,13 @@ void SelectTool::press(const ToolEvent& event) {
     const std::vector<doc::ArtId> selected = editing_->selection();
     if (!selected.empty() &&
         std::hypot(event.pixel.x() - handle().x(), event.pixel.y() - handle().y()) <= 2 * kHandleSize) {
-        deed_ = Gesture::turn;
+        gesture_ = Gesture::turn;
         return;
     }
     const double reach = kPickReach / session_->host().view().zoom;
     taken_ = event.keys & Qt::ControlModifier ? editing_->partAt(event.point, reach)
                                               : editing_->objectAt(event.point, reach);
-    deed_ = taken_ != 0 ? Gesture::click : Gesture::band;
+    gesture_ = taken_ != 0 ? Gesture::click : Gesture::band;
     const bool already = std::find(selected.begin(), selected.end(), taken_) != selected.end();
     if (taken_ == 0 || already) return;
     std::vector<doc::ArtId> now = event.keys & Qt::ShiftModifier ? selected : std::vector<doc::ArtId>();
@@ -120,7 +120,7 @@ void SelectTool::press(const ToolEvent& event) {
 
 void SelectTool::drag(const ToolEvent& event) {
     to_ = event;
-    if (deed_ == Gesture::click && !shaken(from_.pixel, to_.pixel)) deed_ = Gesture::move;
+    if (gesture_ == Gesture::click && !shaken(from_.pixel, to_.pixel)) gesture_ = Gesture::move;
     canvas_->update();
 }
 
@@ -140,17 +140,17 @@ double SelectTool::angle() const {
 void SelectTool::release(const ToolEvent& event) {
     drag(event);
     finish();
-    deed_ = Gesture::none;
+    gesture_ = Gesture::none;
     canvas_->update();
 }
 
-// Keys work while the button is held: what the deed began with may have been deleted, or the drawing exchanged.
+// Keys work while the button is held: the art that the gesture began on may have been deleted, or the drawing replaced.
 void SelectTool::finish() {
     const doc::Document* document = session_->document();
     if (document == nullptr || document->number() != drawing_) return;
     std::vector<doc::ArtId> selected = editing_->selection();
     const bool adds = to_.keys & Qt::ShiftModifier;
-    switch (deed_) {
+    switch (gesture_) {
         case Gesture::none:
             break;
         case Gesture::click:
@@ -181,23 +181,23 @@ void SelectTool::finish() {
 }
 
 void SelectTool::cancel() {
-    deed_ = Gesture::none;
+    gesture_ = Gesture::none;
     canvas_->update();
 }
 
 void SelectTool::paint(QPainter& painter) {
     const QColor color = canvas_->palette().color(QPalette::Highlight);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (deed_ == Gesture::band) return paintBand(painter, QRectF(from_.pixel, to_.pixel).normalized(), color);
+    if (gesture_ == Gesture::band) return paintBand(painter, QRectF(from_.pixel, to_.pixel).normalized(), color);
     if (session_->document() == nullptr || editing_->selection().empty()) return;
     QTransform moved;
-    if (deed_ == Gesture::move) moved = QTransform::fromTranslate(distance().h, distance().v);
-    if (deed_ == Gesture::turn)
+    if (gesture_ == Gesture::move) moved = QTransform::fromTranslate(distance().h, distance().v);
+    if (gesture_ == Gesture::turn)
         moved = render::toQt(Editing::turnMatrix(angle(), render::fromQt(editing_->selectionBox().center())));
     painter.setPen(QPen(color, 1, Qt::DashLine));
     painter.setBrush(Qt::NoBrush);
     painter.drawPolygon((moved * canvas_->toPixels()).map(QPolygonF(editing_->selectionBox())));
-    if (deed_ == Gesture::move || deed_ == Gesture::turn) {
+    if (gesture_ == Gesture::move || gesture_ == Gesture::turn) {
         painter.setPen(QPen(color, 1));
         painter.drawPath((moved * canvas_->toPixels()).map(editing_->selectionOutline()));
         return;

@@ -1,4 +1,4 @@
-// The three hands: the plug-in's tool, the window's select tool and its zoom tool.
+// The three tools: the plug-in's tool, the window's select tool and its zoom tool.
 #pragma once
 
 #include <QObject>
@@ -55,10 +55,10 @@ class SelectTool : public CanvasTool {
     Session* session_;
     Canvas* canvas_;
     Editing* editing_;
-    Gesture deed_ = Gesture::none;
+    Gesture gesture_ = Gesture::none;
     ToolEvent from_, to_;
     doc::ArtId taken_ = 0;
-    std::uint64_t drawing_ = 0;  // in which the deed has begun
+    std::uint64_t drawing_ = 0;  // in which the gesture began
 };
 
 class ZoomTool : public CanvasTool {

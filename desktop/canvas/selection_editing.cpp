@@ -255,7 +255,7 @@ void Editing::changeSelection(const host::StepName& name, Change change, const s
     if (any) sendTracking();
 }
 
-// What follows the art is a part of the same deed, and one undo takes both back.
+// What follows the art is part of the same step: one undo reverts both.
 void Editing::sendTracking() {
     session_->recorder().line(std::string("notify ") + kTrackNotifier);
     int steps = 0;
@@ -311,7 +311,7 @@ void Editing::cut() {
     removeAs(stepNameOf(*session_, "Cut", "カット"));
 }
 
-// Each paste lies beside the one before.
+// Each paste is placed beside the one before.
 void Editing::paste() {
     if (session_->document() == nullptr || clipboard_.empty()) return;
     const float away = kPasteOffset * static_cast<float>(pastes_ + 1);

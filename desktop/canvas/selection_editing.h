@@ -1,5 +1,5 @@
-// The window's own editing: what is selected is moved, turned, copied and deleted. An object is what lies directly in a
-// layer; a part of one is taken on demand. Each deed is one step, and one that can be recorded.
+// The window's own editing: what is selected is moved, turned, copied and deleted. An object is a direct child
+// of a layer; a member of a group is taken on demand. Each gesture is one undo step and can be recorded.
 #pragma once
 
 #include <QPainterPath>
@@ -24,7 +24,7 @@ class Editing {
 
     // Topmost object at the point that can be taken; 0 for none. tolerance in points.
     doc::ArtId objectAt(RealPoint point, double tolerance) const;
-    // The same, but of groups the member that lies there.
+    // The same, but of groups the member at the point.
     doc::ArtId partAt(RealPoint point, double tolerance) const;
     std::vector<doc::ArtId> objectsIn(const QRectF& box) const;  // wholly inside
     // Objects and parts that can be taken, the top one first. What is selected and has been hidden or locked since is

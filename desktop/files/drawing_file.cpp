@@ -308,7 +308,7 @@ QString DrawingFile::copiesFolder() {
     return folder;
 }
 
-// A name under which nothing lies that a crash has left, held as this process's from now on.
+// Chooses a name that no copy left by a crash has, and locks it for this process.
 bool DrawingFile::takeCopyName() {
     if (!copyPath_.isEmpty()) return true;
     const QString folder = copiesFolder();

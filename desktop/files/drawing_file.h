@@ -1,5 +1,5 @@
-// The file behind the drawing that is open, and what keeps the user's work: unsaved changes are asked for, a copy is
-// put aside while work goes on, and a file that another program has changed is not overwritten unasked.
+// The file of the open drawing, and what protects the user's work: a question before unsaved changes are discarded,
+// automatic copies, and a question before a file that another program has changed is overwritten.
 #pragma once
 
 #include <QDateTime>
@@ -17,7 +17,7 @@ class QWidget;
 namespace quorvel::desktop {
 
 // Asks where to save; empty when the user does not want to. A name without an ending gets the suffix ("svg") before it
-// is looked for on the disk, and what stands there is not replaced unasked.
+// is looked for on the disk, and an existing file is not replaced without a question.
 QString askSaveName(const Session& session, QWidget* window, const QString& title, const QString& proposed,
                     const QString& suffix);
 
@@ -74,7 +74,7 @@ class DrawingFile : public QObject {
     QDateTime onDisk_;
     qint64 sizeOnDisk_ = -1;
     QTimer copyTimer_;
-    QString copyPath_;  // empty while no copy lies aside
+    QString copyPath_;  // empty while there is no automatic copy
     QFile copyLock_;    // held as long as it does
     std::uint64_t copiedChange_ = 0;
     bool rescued_ = false;  // what is open has never been saved where it belongs

@@ -1,4 +1,4 @@
-// Quiet greys, so that the sheet is the brightest thing on the desk.
+// Quiet greys, so that the page is the brightest area of the window.
 #include "desktop/window/color_scheme.h"
 
 #include <QApplication>

@@ -98,7 +98,7 @@ void LayersPanel::layersChanged() {
     QTimer::singleShot(0, this, [this] { refresh(); });
 }
 
-bool LayersPanel::rowsStand() const {
+bool LayersPanel::rowsAreCurrent() const {
     const std::size_t count = observed_ != nullptr ? observed_->layers().size() : 0;
     if (static_cast<std::size_t>(list_->topLevelItemCount()) != count) return false;
     for (std::size_t row = 0; row < count; ++row)
@@ -113,7 +113,7 @@ doc::LayerId LayersPanel::layerOf(const QTreeWidgetItem& item) {
 void LayersPanel::refresh() {
     stale_ = false;
     filling_ = true;
-    const bool anew = !rowsStand();
+    const bool anew = !rowsAreCurrent();
     if (anew) list_->clear();
     for (int row = 0; observed_ != nullptr && row < static_cast<int>(observed_->layers().size()); ++row) {
         const doc::LayerId id = observed_->layers()[static_cast<std::size_t>(row)];
@@ -139,8 +139,7 @@ void LayersPanel::refresh() {
     filling_ = false;
 }
 
-// --- deeds
-// ------------------------------------------------------------------------------------------------------------
+// --- changes
 
 template <typename Change>
 void LayersPanel::change(const char* english, const char* japanese, const std::vector<std::string>& lines,
@@ -150,9 +149,9 @@ void LayersPanel::change(const char* english, const char* japanese, const std::v
     session_->recorder().step(done ? lines : std::vector<std::string>());
 }
 
-// A script takes the topmost layer of a title. Where others of the same title lie above the one that is meant, they
-// bear another meanwhile.
-std::vector<std::string> LayersPanel::linesFor(doc::LayerId id, const std::vector<std::string>& deeds,
+// A script takes the topmost layer of a title. Others of the same title above the one that is meant are
+// renamed for the time of the change.
+std::vector<std::string> LayersPanel::linesFor(doc::LayerId id, const std::vector<std::string>& actions,
                                                bool oneStep) const {
     const std::string title = observed_->layer(id)->title;
     std::vector<std::string> lines, others;
@@ -163,7 +162,7 @@ std::vector<std::string> LayersPanel::linesFor(doc::LayerId id, const std::vecto
         lines.push_back("layer " + app::quotedWord(title) + " title " + app::quotedWord(other));
         others.push_back(other);
     }
-    for (const std::string& gesture : deeds) lines.push_back("layer " + app::quotedWord(title) + ' ' + gesture);
+    for (const std::string& action : actions) lines.push_back("layer " + app::quotedWord(title) + ' ' + action);
     for (auto other = others.rbegin(); other != others.rend(); ++other)
         lines.push_back(oneStep ? "layer " + app::quotedWord(*other) + " title " + app::quotedWord(title) : "undo");
     return lines;
@@ -227,8 +226,8 @@ void LayersPanel::moveLayer(int from, int to) {
     const auto count = static_cast<int>(observed_->layers().size());
     if (from == to || from < 0 || from >= count || to < 0 || to >= count) return;
     const doc::LayerId id = observed_->layers()[static_cast<std::size_t>(from)];
-    const std::vector<std::string> deeds(static_cast<std::size_t>(std::abs(to - from)), to < from ? "up" : "down");
-    change("Move Layer", "レイヤーの移動", linesFor(id, deeds),
+    const std::vector<std::string> actions(static_cast<std::size_t>(std::abs(to - from)), to < from ? "up" : "down");
+    change("Move Layer", "レイヤーの移動", linesFor(id, actions),
            [&](doc::Document& d) { return d.moveLayer(id, static_cast<std::size_t>(to)); });
     layersChanged();
 }

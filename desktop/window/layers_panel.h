@@ -44,12 +44,12 @@ class LayersPanel : public QWidget, private doc::DocumentObserver {
     void renamed(QTreeWidgetItem* item, int column);
     void addLayer();
     void moveLayer(int from, int to);
-    bool rowsStand() const;
+    bool rowsAreCurrent() const;
     static doc::LayerId layerOf(const QTreeWidgetItem& item);
-    // Of the pattern's number and those above it, one that no layer bears.
+    // Of the pattern's number and those above it, one that no layer has.
     std::string freeTitle(const QString& pattern, std::size_t number) const;
     // The script's lines for what is done to the layer. What is no step of the drawing must leave none behind.
-    std::vector<std::string> linesFor(doc::LayerId id, const std::vector<std::string>& deeds,
+    std::vector<std::string> linesFor(doc::LayerId id, const std::vector<std::string>& actions,
                                       bool oneStep = true) const;
     template <typename Change>
     void change(const char* english, const char* japanese, const std::vector<std::string>& lines, Change change);

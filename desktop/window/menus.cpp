@@ -174,7 +174,7 @@ void MainWindow::refreshMenus() {
     const doc::Document* document = session_->document();
     const auto named = [&](QAction* action, const std::string* name, const char* english, const char* japanese) {
         action->setEnabled(name != nullptr);
-        // A step that nobody has named bears the host's English word.
+        // A step without a name of its own has the host's English word.
         const bool unnamed = name == nullptr || name->empty() || *name == english;
         action->setText(unnamed ? session_->say(english, japanese) : QString::fromStdString(*name));
     };

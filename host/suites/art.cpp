@@ -120,7 +120,7 @@ void requireStringTag(const char* name, const char* type) {
     require(name != nullptr && *name != 0 && type != nullptr && std::strcmp(type, kStringTag) == 0);
 }
 
-// A group that bears a record gets an id of its own, by which commands and other programs can speak of it.
+// A group with a record gets an id of its own, so that commands and other programs can name it.
 void nameTaggedGroup(doc::Document& document, const doc::Art& art) {
     if (art.kind != kGroupArt || !art.name.empty() || art.parent == 0) return;
     std::uint32_t& number = theHost().lastGroupNumber;

@@ -27,8 +27,8 @@ AIErr getCurrentLayer(AILayerHandle* layer) {
 AIErr getLayerByTitle(AIUnicodeStringRef title, AILayerHandle* layer) {
     const std::string wanted = utf8Of(title);
     const doc::Document& document = theDocument();
-    const auto bears = [&](doc::LayerId id) { return document.layer(id)->title == wanted; };
-    const auto found = std::find_if(document.layers().begin(), document.layers().end(), bears);
+    const auto hasTitle = [&](doc::LayerId id) { return document.layer(id)->title == wanted; };
+    const auto found = std::find_if(document.layers().begin(), document.layers().end(), hasTitle);
     deref(layer) = found == document.layers().end() ? nullptr : layerHandle(*found);
     return kNoErr;
 }

@@ -14,8 +14,8 @@ const doc::PathData& pathOf(AIArtHandle handle) {
     return *art.path;
 }
 
-// A count is 16 bits wide: what lies behind stays in the drawing and is not seen. A change of the part that is seen
-// would tear such a path, and is refused.
+// A count is 16 bits wide: later segments stay in the drawing but the plug-in cannot see them. Changing
+// such a path is refused, since it would tear it.
 bool wholeCount(AIArtHandle path) { return pathOf(path).segments.size() <= INT16_MAX; }
 
 AIErr getPathSegmentCount(AIArtHandle path, std::int16_t* count) {

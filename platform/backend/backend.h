@@ -1,5 +1,5 @@
-// What stands behind the platform's functions: one installed backend for the process, in five small interfaces. The
-// library that holds the functions is shared, so that the plug-in and the program that loads it meet the same backend.
+// What the platform's functions call: one installed backend for the process, in five small interfaces. The
+// library that holds the functions is shared, so that the plug-in and the program that loads it use the same backend.
 // Code pages and the reading and writing of files are the same everywhere and have no interface.
 #pragma once
 

@@ -1,6 +1,6 @@
 // Which pixels a line or an arc inverts. The same shape always gives the same pixels, also where it reaches far out of
-// the view, since drawing it a second time must take it off; what lies beyond the kept square is left out pixel by
-// pixel, never by bending the shape.
+// the view, since drawing it a second time must take it off; pixels outside the kept square are left out one by
+// one, never by bending the shape.
 #include "platform/backend/inverting_pen.h"
 
 #include <algorithm>
@@ -80,7 +80,7 @@ using PixelPlace = std::pair<std::int64_t, std::int64_t>;
 
 std::int64_t nearest(double value) { return static_cast<std::int64_t>(std::floor(value + 0.5)); }
 
-// The ellipse's outline as far as it lies within reach. Where it runs flat each column has one pixel above and one
+// The ellipse's outline as far as it is within reach. Where it runs flat each column has one pixel above and one
 // below, where it runs steep each row one left and one right: no holes, no doubled steps.
 std::vector<PixelPlace> ellipseOutline(double centreH, double centreV, double a, double b) {
     std::vector<PixelPlace> outline;
@@ -147,7 +147,7 @@ void InvertingPen::lineTo(Pixel point) {
 }
 
 void InvertingPen::drawArc(PixelRect box, Pixel start, Pixel end) {
-    // Twice the centre, which lies on whole or half pixels.
+    // Twice the centre: the centre is at whole or half pixels.
     const std::int64_t h2 = std::int64_t{box.left} + box.right, v2 = std::int64_t{box.top} + box.bottom;
     const Direction from = directionTo(std::int64_t{2} * start.h - h2, std::int64_t{2} * start.v - v2);
     const Direction to = directionTo(std::int64_t{2} * end.h - h2, std::int64_t{2} * end.v - v2);

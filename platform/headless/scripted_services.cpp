@@ -8,7 +8,7 @@ namespace {
 // The cursors that the plug-in's resources hold.
 constexpr std::int32_t kFirstCursor = 16101, kCursorCount = 10;
 
-// Only its address counts: each element stands for one cursor.
+// Only addresses are used: each element is the handle of one cursor.
 char cursorPlaces[kCursorCount];
 
 }  // namespace

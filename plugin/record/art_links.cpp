@@ -1,5 +1,5 @@
 // Object ids: how measured art is named, found again and counted. Where the host answers by tag, the cost is that of
-// the art that bears the id; elsewhere the usable layers are walked. Both roads give the same.
+// the art that has the id; elsewhere the usable layers are walked. Both give the same result.
 #include <cstdio>
 #include <cstring>
 

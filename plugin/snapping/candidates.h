@@ -1,5 +1,5 @@
 // Which art a search has to look at. A host with an index names it at once, any other host is walked; this is the one
-// place that knows which. Both roads visit in walk order, and what the index gives beyond the tests' reach is sorted
+// place that knows which. Both visit in walk order, and what the index gives beyond the tests' reach is sorted
 // out by the tests themselves, so that the result is the same to the last bit.
 #pragma once
 
