@@ -182,6 +182,35 @@ TEST(Steps, ADeedThatChangesNothingIsNone) {
     EXPECT_FALSE(rig.document().modified());
 }
 
+// One of many changes, to art that insertions before it have made. arts may hold art that is gone again.
+void changeAtRandom(doc::Document& document, std::vector<doc::ArtId>* arts, std::mt19937* random) {
+    const auto pick = [&](std::size_t count) { return std::size_t((*random)() % count); };
+    const doc::ArtId art = arts->empty() ? 0 : (*arts)[pick(arts->size())];
+    const doc::ArtId other = arts->empty() ? 0 : (*arts)[pick(arts->size())];
+    const float by = static_cast<float>(pick(100));
+    switch (pick(8)) {
+        case 0:
+        case 1: {
+            const doc::ArtId made = document.insertArt(pick(2) ? kPathArt : kGroupArt, kPlaceAboveAll, 0);
+            const PathSegment segment{{by, by}, {by, by}, {by, by}, 1};
+            document.setSegments(made, 0, {&segment, 1});
+            return arts->push_back(made);
+        }
+        case 2:
+            return void(document.removeArt(art));
+        case 3:
+            return void(document.transform(art, {1, 0, 0, 1, by, 1}, 1));
+        case 4:
+            return void(document.setTag(art, "t", std::to_string(by)));
+        case 5:
+            return void(document.moveArt(art, kPlaceInsideOnTop, other));
+        case 6:
+            return void(document.setLayerTitle(document.layers().front(), std::to_string(by)));
+        default:
+            return void(document.setName(art, "id" + std::to_string(by)));
+    }
+}
+
 // Random changes in two steps, joined: what undo and redo give is what stood before the first and behind the second.
 TEST(Steps, JoinedStepsAreUndoneAndRedoneAsOne) {
     std::mt19937 random(5);
@@ -189,32 +218,6 @@ TEST(Steps, JoinedStepsAreUndoneAndRedoneAsOne) {
     std::vector<doc::ArtId> arts;
     const auto dumped = [&] { return app::dumpDocument(document, "pt"); };
     const auto pick = [&](std::size_t count) { return std::size_t(random() % count); };
-    const auto change = [&] {
-        const doc::ArtId art = arts.empty() ? 0 : arts[pick(arts.size())];
-        const doc::ArtId other = arts.empty() ? 0 : arts[pick(arts.size())];
-        const float by = static_cast<float>(pick(100));
-        switch (pick(8)) {
-            case 0:
-            case 1: {
-                const doc::ArtId made = document.insertArt(pick(2) ? kPathArt : kGroupArt, kPlaceAboveAll, 0);
-                const PathSegment segment{{by, by}, {by, by}, {by, by}, 1};
-                document.setSegments(made, 0, {&segment, 1});
-                return arts.push_back(made);
-            }
-            case 2:
-                return void(document.removeArt(art));
-            case 3:
-                return void(document.transform(art, {1, 0, 0, 1, by, 1}, 1));
-            case 4:
-                return void(document.setTag(art, "t", std::to_string(by)));
-            case 5:
-                return void(document.moveArt(art, kPlaceInsideOnTop, other));
-            case 6:
-                return void(document.setLayerTitle(document.layers().front(), std::to_string(by)));
-            default:
-                return void(document.setName(art, "id" + std::to_string(by)));
-        }
-    };
     document.begin();
     document.insertLayer("L", 0);
     document.commit("Undo L", "Redo L");
@@ -225,7 +228,7 @@ TEST(Steps, JoinedStepsAreUndoneAndRedoneAsOne) {
         std::size_t steps = 0;
         for (const char* name : {"first", "second", "third"}) {
             document.begin();
-            for (std::size_t i = pick(6); i > 0; --i) change();
+            for (std::size_t i = pick(6); i > 0; --i) changeAtRandom(document, &arts, &random);
             steps += document.commit(name, name) ? 1 : 0;
         }
         const std::string after = dumped();

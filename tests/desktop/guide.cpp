@@ -101,6 +101,108 @@ class Guide : public ::testing::Test {
     }
     using Values = std::map<std::string, int>;
 
+    // The Schedule dialog's Import, with the file dialog over it.
+    void importParts(QWidget* dialog) {
+        bool chosen = false;
+        QTimer waiting;
+        QObject::connect(&waiting, &QTimer::timeout, [&] {
+            auto* files = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (files == nullptr || chosen) return;
+            chosen = true;
+            auto* name = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            name->setText(QStringLiteral(QUORVEL_SOURCE_DIR "/examples/bracket.csv"));
+            QTest::keyClick(name, Qt::Key_Return);
+        });
+        waiting.start(20);
+        pick(dialog, 106, "Import...");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return chosen && QApplication::activeModalWidget() == dialog; }));
+    }
+
+    void drawLinear() {
+        rig.window->tools()->choose("Straight Dimension Tool");
+        press(at(45, 140) + QPoint(-1, 1));
+        pull(at(165, 140) + QPoint(1, 1));
+        show("3-snap");
+        release(at(165, 140) + QPoint(1, 1));
+        place(at(105, 156));
+        EXPECT_EQ(values(), (Values{{"120", 1}}));
+
+        // One series over both holes: Alt at each stop.
+        press(at(45, 65));
+        for (const QPoint hole : {at(60, 56), at(150, 56)}) {
+            pull(hole, kAlt);
+            release(hole, kAlt);
+            mouse(QEvent::MouseButtonPress, hole, true, kAlt);
+        }
+        pull(at(165, 65));
+        release(at(165, 65));
+        place(at(105, 36));
+        EXPECT_EQ(values(), (Values{{"120", 1}, {"15", 2}, {"90", 1}}));
+        draw("Straight Dimension Tool", at(45, 140), at(60, 50));
+        place(at(27, 132));
+        EXPECT_EQ(values()["90"], 2);
+        show("4-linear");
+    }
+
+    void drawRound() {
+        const auto options = [&] {
+            QTest::mouseDClick(rig.window->tools()->slotOf("Diameter Tool"), Qt::LeftButton, {}, QPoint(8, 8));
+        };
+        rig.inDialog(options, [&](QWidget* dialog) {
+            WindowRig::picture(dialog, QStringLiteral("guide-5-diameter"));
+            ok(dialog);
+        });
+        draw("Diameter Tool", at(105 + 14 * std::sqrt(0.5), 88 - 14 * std::sqrt(0.5)), at(130, 66));
+        draw("Radius Tool", at(165 - 15 * (1 - std::sqrt(0.5)), 50 + 15 * (1 - std::sqrt(0.5))), at(176, 40));
+        EXPECT_EQ(values()["R15"], 1);
+        EXPECT_EQ(values()["ø28"], 1);
+        draw("Curve Dimension Tool", at(223, 140), at(205, 122));
+        place(at(206, 139));
+        EXPECT_EQ(values()["28.3"], 1);  // a quarter of a circle of 18
+        draw("Straight Dimension Tool", at(205, 122), at(265, 140));
+        place(at(235, 152));
+        EXPECT_EQ(values()["60"], 1);
+
+        draw("Object Number Tool", at(118, 112), at(180, 105));
+        draw("Object Number Tool", at(215, 60), at(235, 52));
+        show("6-round");
+    }
+
+    void drawSheet() {
+        rig.inDialog(
+            [&] {
+                QTest::mouseDClick(rig.window->tools()->slotOf("Schedule Tool [bottom]"), Qt::LeftButton, {}, {8, 8});
+            },
+            [&](QWidget* dialog) {
+                importParts(dialog);
+                EXPECT_EQ(rig.control<QLineEdit>(dialog, 8)->text(), "Mounting bracket");
+                EXPECT_EQ(rig.control<QLineEdit>(dialog, 35)->text(), "Bracket");
+                WindowRig::picture(dialog, QStringLiteral("guide-7-schedule"));
+                ok(dialog);
+            });
+        for (const doc::LayerId layer : rig.document().layers())
+            if (rig.document().layer(layer)->title == "Sheet") rig.document().setLayerVisible(layer, false);
+        draw("Schedule Tool [bottom]", at(10, 10), at(287, 200));
+        rig.window->tools()->choose("select");
+        show("8-sheet");
+    }
+
+    // Another program moves the right-hand hole and its centre lines by 10 mm.
+    void moveHole() {
+        QFile file(bracket());
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        QByteArray svg = file.readAll();
+        for (const auto& [before, after] :
+             {std::pair("cx=\"150\" cy=\"65\"", "cx=\"140\" cy=\"65\""), std::pair("M 150,56 V 74", "M 140,56 V 74"),
+              std::pair("M 141,65 H 159", "M 131,65 H 149")}) {
+            ASSERT_EQ(svg.count(before), 1) << before;
+            svg.replace(before, after);
+        }
+        file.seek(0);
+        file.write(svg);
+        file.close();
+    }
+
     WindowRig rig;
 };
 
@@ -115,97 +217,12 @@ TEST_F(Guide, FromADrawingToASheet) {
         WindowRig::picture(dialog, QStringLiteral("guide-2-settings"));
         ok(dialog);
     });
-
-    rig.window->tools()->choose("Straight Dimension Tool");
-    press(at(45, 140) + QPoint(-1, 1));
-    pull(at(165, 140) + QPoint(1, 1));
-    show("3-snap");
-    release(at(165, 140) + QPoint(1, 1));
-    place(at(105, 156));
-    EXPECT_EQ(values(), (Values{{"120", 1}}));
-
-    // One series over both holes: Alt at each stop.
-    press(at(45, 65));
-    for (const QPoint hole : {at(60, 56), at(150, 56)}) {
-        pull(hole, kAlt);
-        release(hole, kAlt);
-        mouse(QEvent::MouseButtonPress, hole, true, kAlt);
-    }
-    pull(at(165, 65));
-    release(at(165, 65));
-    place(at(105, 36));
-    EXPECT_EQ(values(), (Values{{"120", 1}, {"15", 2}, {"90", 1}}));
-    draw("Straight Dimension Tool", at(45, 140), at(60, 50));
-    place(at(27, 132));
-    EXPECT_EQ(values()["90"], 2);
-    show("4-linear");
-
-    const auto options = [&] {
-        QTest::mouseDClick(rig.window->tools()->slotOf("Diameter Tool"), Qt::LeftButton, {}, QPoint(8, 8));
-    };
-    rig.inDialog(options, [&](QWidget* dialog) {
-        WindowRig::picture(dialog, QStringLiteral("guide-5-diameter"));
-        ok(dialog);
-    });
-    draw("Diameter Tool", at(105 + 14 * std::sqrt(0.5), 88 - 14 * std::sqrt(0.5)), at(130, 66));
-    draw("Radius Tool", at(165 - 15 * (1 - std::sqrt(0.5)), 50 + 15 * (1 - std::sqrt(0.5))), at(176, 40));
-    EXPECT_EQ(values()["R15"], 1);
-    EXPECT_EQ(values()["ø28"], 1);
-    draw("Curve Dimension Tool", at(223, 140), at(205, 122));
-    place(at(206, 139));
-    EXPECT_EQ(values()["28.3"], 1);  // a quarter of a circle of 18
-    draw("Straight Dimension Tool", at(205, 122), at(265, 140));
-    place(at(235, 152));
-    EXPECT_EQ(values()["60"], 1);
-
-    draw("Object Number Tool", at(118, 112), at(180, 105));
-    draw("Object Number Tool", at(215, 60), at(235, 52));
-    show("6-round");
-
-    rig.inDialog(
-        [&] {
-            QTest::mouseDClick(rig.window->tools()->slotOf("Schedule Tool [bottom]"), Qt::LeftButton, {}, {8, 8});
-        },
-        [&](QWidget* dialog) {
-            bool chosen = false;
-            QTimer waiting;
-            QObject::connect(&waiting, &QTimer::timeout, [&] {
-                auto* files = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-                if (files == nullptr || chosen) return;
-                chosen = true;
-                auto* name = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-                name->setText(QStringLiteral(QUORVEL_SOURCE_DIR "/examples/bracket.csv"));
-                QTest::keyClick(name, Qt::Key_Return);
-            });
-            waiting.start(20);
-            pick(dialog, 106, "Import...");
-            EXPECT_TRUE(QTest::qWaitFor([&] { return chosen && QApplication::activeModalWidget() == dialog; }));
-            EXPECT_EQ(rig.control<QLineEdit>(dialog, 8)->text(), "Mounting bracket");
-            EXPECT_EQ(rig.control<QLineEdit>(dialog, 35)->text(), "Bracket");
-            WindowRig::picture(dialog, QStringLiteral("guide-7-schedule"));
-            ok(dialog);
-        });
-    for (const doc::LayerId layer : rig.document().layers())
-        if (rig.document().layer(layer)->title == "Sheet") rig.document().setLayerVisible(layer, false);
-    draw("Schedule Tool [bottom]", at(10, 10), at(287, 200));
-    rig.window->tools()->choose("select");
-    show("8-sheet");
+    drawLinear();
+    drawRound();
+    drawSheet();
     ASSERT_TRUE(rig.window->file().save());
-
-    // Another program moves the right-hand hole and its centre lines by 10 mm; one command makes the drawing true
-    // again.
-    QFile file(bracket());
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    QByteArray svg = file.readAll();
-    for (const auto& [before, after] :
-         {std::pair("cx=\"150\" cy=\"65\"", "cx=\"140\" cy=\"65\""), std::pair("M 150,56 V 74", "M 140,56 V 74"),
-          std::pair("M 141,65 H 159", "M 131,65 H 149")}) {
-        ASSERT_EQ(svg.count(before), 1) << before;
-        svg.replace(before, after);
-    }
-    file.seek(0);
-    file.write(svg);
-    file.close();
+    ASSERT_NO_FATAL_FAILURE(moveHole());
+    // One command makes the drawing true again.
     ASSERT_TRUE(rig.window->file().open(bracket()));
     rig.inDialog([&] { rig.session->host().playAction("Recalculate_Dimension_lines"); },
                  [&](QWidget* dialog) {
