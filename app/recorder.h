@@ -46,7 +46,7 @@ class Recorder {
     void lastStepsJoined();  // the last two are one
     void forgetSteps();      // another drawing
 
-    // Dialogs stand one in the other; the outer one asks first for its reply.
+    // Dialogs are nested; the outer one asks first for its reply.
     void dialogOpened();
     void dialogAnswered(const platform::DialogReply& reply);
     void boxAnswered(bool accepted);

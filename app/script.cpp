@@ -10,7 +10,7 @@ namespace quorvel::app {
 
 namespace {
 
-// What may stand behind a verb: how many words, and which of them are numbers from the first on.
+// What may follow a verb: how many words, and which of them are numbers from the first on.
 struct VerbRow {
     std::string_view verb;
     int fewest, most;     // most -1: any number
@@ -29,7 +29,7 @@ constexpr VerbRow kVerbs[] = {
     {"press", 2, 4, "nn"}, {"click", 2, 4, "nn"}, {"pull", 4, 6, "nnnn"},
 };
 
-// Words of which one must stand at a place.
+// Words of which one must be at a place.
 struct ChoiceRow {
     const char* verb;
     std::size_t place;

@@ -54,7 +54,7 @@ class MixedDrawing {
         }
     }
 
-    // A part of the drawing whose pieces stand together in the tree, though not on the page.
+    // A part of the drawing whose pieces are together in the tree, though not on the page.
     void fillGroup(doc::ArtId parent, int end, int depth) {
         const doc::ArtId group = document_->loadArt(kGroupArt, parent);
         const int count = 5 + static_cast<int>(random_() % 30);

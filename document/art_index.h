@@ -1,4 +1,4 @@
-// Finds the art under a point and the art that bears a tag, at a cost that does not grow with the drawing. The index is
+// Finds the art under a point and the art that has a tag, at a cost that does not grow with the drawing. The index is
 // filled at the first question, for tags at the first one for each name; from then on each change of the document costs
 // its own share at the next one.
 #pragma once
@@ -29,11 +29,11 @@ class ArtIndex : public DocumentObserver {
     //
     // The paths and text frames of the layer whose control bounds, grown by tolerance in 32-bit floats, hold the point,
     // bounds inclusive; a point text counts by its anchor, which must be within tolerance on each axis and may be out
-    // by the last bit. Art below a group or compound path that bears the tag excludeUnder (empty: none) is left out,
+    // by the last bit. Art below a group or compound path that has the tag excludeUnder (empty: none) is left out,
     // as is art that a walk through groups and compound paths does not reach.
     void findAtPoint(LayerId layer, RealPoint point, float tolerance, std::string_view excludeUnder,
                      std::vector<ArtId>* out);
-    // The art of all layers that bears the tag with this value, or with any. Of two tags of one name the first counts.
+    // The art of all layers that has the tag with this value, or with any. Of two tags of one name the first counts.
     void findByTag(std::string_view name, std::optional<std::string_view> value, std::vector<ArtId>* out);
 
     void artInserted(ArtId art) override;
@@ -70,7 +70,7 @@ class ArtIndex : public DocumentObserver {
     Document& document_;
     bool boxesFilled_ = false;
     ChangeList changedBoxes_, changedTags_;        // apart, since a question needs but one of them
-    std::vector<LayerId> layerIndexed_;            // by art: the layer in whose tree it stands, 0 for none
+    std::vector<LayerId> layerIndexed_;            // by art: the layer in whose tree it is, 0 for none
     std::vector<std::uint32_t> leafOf_;            // by art, for the trees
     std::vector<std::unique_ptr<BoxTree>> trees_;  // by layer
     std::vector<BoxTree::Item> candidates_;        // of the question that is asked

@@ -164,7 +164,7 @@ void ArtTree::release(ArtId top) {
 
 // --- SVG ids -------------------------------------------------------------------------------------------------------
 
-// Where the SVG id stands, or the free place where it would.
+// Where the SVG id is, or the free place where it would be.
 std::size_t ArtTree::namePlace(std::string_view name) const {
     const std::size_t mask = names_.size() - 1;
     std::size_t place = std::hash<std::string_view>()(name) & mask;
@@ -221,7 +221,7 @@ void ArtTree::removeName(ArtId id) {
     if (names_[place] == id) names_[place] = after;
 }
 
-// Moves up what stands behind the place, so that no search ends too early.
+// Moves up what follows the place, so that no search ends too early.
 void ArtTree::closeGap(std::size_t place) {
     const std::size_t mask = names_.size() - 1;
     for (std::size_t at = (place + 1) & mask; names_[at] != 0; at = (at + 1) & mask) {

@@ -1,4 +1,4 @@
-// All art of a document by name: where it stands, what it extends over, which of two comes first. Changing the tree
+// All art of a document by name: where it is, what it extends over, which of two comes first. Changing the tree
 // keeps these right; it knows nothing of undoing.
 #pragma once
 

@@ -71,7 +71,7 @@ struct Line {
     double advance = 0, ascent = 0, descent = 0, leading = 0;
 };
 
-// Finds the features in force at a place of the text; places are asked in rising order.
+// Finds the features in effect at a place of the text; places are asked in rising order.
 class RunReader {
   public:
     explicit RunReader(const std::vector<TextRun>& runs) : runs_(runs) {}

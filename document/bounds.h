@@ -17,7 +17,7 @@ RealRect pathBounds(std::span<const PathSegment> segments, bool closed);
 // Of all anchors and handles, also those that no curve uses.
 RealRect pathControlBounds(std::span<const PathSegment> segments);
 // The box of the text's advance, 0.8 em above the baseline and 0.2 em below, in the document. Lines end at \r, \n or
-// U+0003 and stand 1.2 em apart.
+// U+0003 and are 1.2 em apart.
 RealRect textBounds(const TextData& text);
 
 RealPoint transformPoint(const RealMatrix& matrix, RealPoint point);

@@ -95,7 +95,7 @@ std::uint32_t BoxTree::newNode(bool leaf) {
     return node;
 }
 
-// Tells the child where it now stands.
+// Tells the child where it is now.
 void BoxTree::adopt(std::uint32_t node, std::uint32_t child) {
     if (!nodes_[node].leaf) {
         nodes_[child].parent = node;

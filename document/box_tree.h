@@ -12,7 +12,7 @@
 namespace quorvel::doc {
 
 // R-trees, one for each class of size: a long box among short ones would widen every node on the way to it, and all
-// searches that cross it would pay. Boxes bear names, each at most once over all trees that share one table of leaves.
+// searches that cross it would pay. Boxes have names, each at most once over all trees that share one table of leaves.
 class BoxTree {
   public:
     using Name = std::uint32_t;
@@ -21,7 +21,7 @@ class BoxTree {
         Name name = 0;
     };
 
-    // leafOf: by name, where the box stands; grown as needed. It outlives the tree.
+    // leafOf: by name, where the box is; grown as needed. It outlives the tree.
     explicit BoxTree(std::vector<std::uint32_t>& leafOf) : leafOf_(leafOf) { roots_.fill(kNone); }
 
     // Packs many boxes at once into an empty tree (sort-tile-recursive: Leutenegger, Lopez, Edgington 1997).

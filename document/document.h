@@ -87,7 +87,7 @@ struct Art {
     std::string name;  // its own, for scripts; no two have the same, and most have none
     SourceRef ref;     // members of a compound path have none of their own
     // How it has been moved as a whole since it was read. Of foreign art it is on top of the element's own transform;
-    // paths and texts have it in their coordinates, and what stands beside them in the file may have to follow.
+    // paths and texts have it in their coordinates, and what is beside them in the file may have to follow.
     RealMatrix foreignMatrix;
     // 0 as read from the file; a new number at each change of what is written; an undo brings the old number back.
     std::uint64_t revision = 0;
@@ -135,7 +135,7 @@ class DocumentObserver {
 class DocumentSource {
   public:
     virtual ~DocumentSource() = default;
-    // Names that something other than art bears, so that no art may take them.
+    // Names that something other than art has, so that no art may take them.
     virtual std::unordered_set<std::string> reservedNames() const = 0;
     // Paints that AIColor cannot say have a text that any drawing understands, and in each drawing a number above 0.
     virtual std::string paintText(std::int32_t reference) const = 0;   // empty for no paint's number
@@ -215,7 +215,7 @@ class Document {
     void rollback();  // undoes what has changed since begin; the transaction goes on
     bool inTransaction() const;
     // The last two steps become one with the name of the first, for changes that have to be made one after the other
-    // and are one deed to the user. False when there are no two, or within a transaction.
+    // and are one action to the user. False when there are no two, or within a transaction.
     bool joinLastSteps();
     bool undo();
     bool redo();

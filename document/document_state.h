@@ -42,7 +42,7 @@ struct DocumentState {
     void tellTagChanged(ArtId art, const std::string& name);
     void tellLayersChanged();
 
-    // While a file is read, the lowest first: they stand in their order, and are told of, at the end.
+    // While a file is read, the lowest first: they are in their order, and are told of, at the end.
     void loadLayer(LayerId layer);
     void finishLoading();
 

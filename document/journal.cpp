@@ -1,4 +1,4 @@
-// Keeping what a change is about to overwrite, and exchanging it with what stands.
+// Keeping what a change is about to overwrite, and exchanging it with what is current.
 #include "document/journal.h"
 
 #include <cassert>
@@ -262,7 +262,7 @@ void Journal::play(Step& step, bool forward) {
     if (!step.layers.empty() || step.currentLayer != 0) drawing_.tellLayersChanged();
 }
 
-// Puts what is kept in force and keeps what was. Art that is dead on this side of the step is exchanged too: what it
+// Applies what is kept and keeps what was. Art that is dead on this side of the step is exchanged too: what it
 // was comes to light when an earlier step revives it.
 void Journal::exchangeContent(Step& step) {
     for (KeptShape& kept : step.shapes) exchangeShape(kept);

@@ -1,4 +1,4 @@
-// Entries in one array, linked both ways within their buckets, so that art leaves a value that a whole drawing bears as
+// Entries in one array, linked both ways within their buckets, so that art leaves a value that a whole drawing has as
 // fast as one of its own.
 #include "document/tag_index.h"
 

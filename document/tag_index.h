@@ -1,5 +1,5 @@
-// Which art bears which value in one tag: a question costs what is found, and a change costs the same however many arts
-// bear the value. Values themselves stay in the document; the index keeps their hashes.
+// Which art has which value in one tag: a question costs what is found, and a change costs the same however many arts
+// have the value. Values themselves stay in the document; the index keeps their hashes.
 #pragma once
 
 #include <cstddef>
@@ -14,11 +14,11 @@ namespace quorvel::doc {
 
 class TagIndex {
   public:
-    // Null: the art does not bear the tag, or no more.
+    // Null: the art does not have the tag, or no more.
     void put(ArtId art, const std::string* value);
-    // Adds all that bear the value, and perhaps others, which the caller sorts out.
+    // Adds all that have the value, and perhaps others, which the caller sorts out.
     void find(std::string_view value, std::vector<ArtId>* arts) const;
-    // Adds all that bear the tag.
+    // Adds all that have the tag.
     void all(std::vector<ArtId>* arts) const;
 
   private:

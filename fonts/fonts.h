@@ -20,7 +20,7 @@ struct Font {
 
 // The standard font ("DejaVu Sans", or the system's own sans) first, then all scalable fonts by full name, one of each.
 const std::vector<Font>& fonts();
-// Null when no font bears the full name.
+// Null when no font has the full name.
 const Font* findFont(std::string_view fullName);
 // By CSS family, weight and slant; the standard font when there is none.
 const Font& matchFont(std::string_view family, int weight, bool italic);

@@ -18,7 +18,7 @@ struct RulerUnit {
     const char* name;
     const char* suffix;
     double points;
-    bool splits = false;  // picas stand before the letter, points behind it
+    bool splits = false;  // picas are before the letter, points behind it
 };
 
 constexpr RulerUnit kRulerUnits[] = {

@@ -68,7 +68,7 @@ struct AIArtSuite {
     AIErr (*GetFirstArtOfLayer)(AILayerHandle layer, AIArtHandle* art);
     AIErr (*GetLayerOfArt)(AIArtHandle art, AILayerHandle* layer);
     AIErr (*GetArtType)(AIArtHandle art, std::int16_t* kind);
-    // The bits of AIArtUserAttr that stand under the mask.
+    // The bits of AIArtUserAttr that the mask selects.
     AIErr (*GetArtUserAttr)(AIArtHandle art, std::int32_t mask, std::int32_t* attributes);
     AIErr (*SetArtUserAttr)(AIArtHandle art, std::int32_t mask, std::int32_t attributes);
     // Top first; null at the end and for art that has no children.
@@ -85,7 +85,7 @@ struct AILayerSuite {
     // 0 is the top layer.
     AIErr (*GetNthLayer)(std::int32_t index, AILayerHandle* layer);
     AIErr (*GetCurrentLayer)(AILayerHandle* layer);
-    // Null, with success, when no layer bears the title.
+    // Null, with success, when no layer has the title.
     AIErr (*GetLayerByTitle)(AIUnicodeStringRef title, AILayerHandle* layer);
     AIErr (*InsertLayer)(AILayerHandle prep, std::int16_t placement, AILayerHandle* layer);
     AIErr (*SetLayerTitle)(AILayerHandle layer, AIUnicodeStringRef title);
@@ -129,7 +129,7 @@ struct AITextFrameSuite {
     AIErr (*NewPointText)(std::int16_t placement, AIArtHandle prep, std::int16_t orientation, RealPoint anchor,
                           AIArtHandle* frame);
     AIErr (*GetTextFrameType)(AIArtHandle frame, std::int32_t* type);
-    // Where the anchor of a point text stands in the document.
+    // Where the anchor of a point text is in the document.
     AIErr (*GetPointTextAnchor)(AIArtHandle frame, RealPoint* anchor);
     // The path of a text in or on a path.
     AIErr (*GetPathObject)(AIArtHandle frame, AIArtHandle* path);
@@ -332,11 +332,11 @@ struct AIArtQuerySuite {
     // The paths and text frames of the layer whose transform bounds (with controls), grown by tolerance on each side,
     // hold the point, bounds inclusive in 32-bit floats as AIRealRectInset and AIRealPointInRect compute them. A point
     // text counts by its anchor instead, which must be within tolerance of the point on each axis, wherever its letters
-    // stand. Art inside a group or compound path that bears the tag excludeUnder (null: none) is left out. The array
+    // stand. Art inside a group or compound path that has the tag excludeUnder (null: none) is left out. The array
     // lives until the message returns or the next query.
     AIErr (*FindArtAtPoint)(AILayerHandle layer, const RealPoint* point, float tolerance, const char* excludeUnder,
                             const AIArtHandle** arts, std::int32_t* count);
-    // The art of all layers that bears this value in this tag; a null value asks for any value.
+    // The art of all layers that has this value in this tag; a null value asks for any value.
     AIErr (*FindArtByTag)(const char* name, const char* value, const AIArtHandle** arts, std::int32_t* count);
     // The art that holds it; null for a layer's root group.
     AIErr (*GetArtParent)(AIArtHandle art, AIArtHandle* parent);

@@ -56,7 +56,7 @@ constexpr std::int32_t kOkControl = 1, kCancelControl = 2;
 
 // The logic of one window. A null function is passed over.
 struct WindowLogic {
-    // The controls stand; fill them.
+    // The controls exist; fill them.
     void (*opening)(WindowRef window, void* context) = nullptr;
     // A control was pressed, or its text or selection has changed.
     void (*event)(WindowRef window, std::int32_t control, void* context) = nullptr;

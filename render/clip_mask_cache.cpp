@@ -109,7 +109,7 @@ QImage ClipMaskCache::mask(std::string_view id, const QTransform& userToPixels, 
         QPainter painter(&image);
         content->paint(&painter, (mask->inBox ? boxTransform(box) : QTransform()) * userToPixels, image.rect(), {});
     }
-    // Luminance of the colours as they stand, times their opacity, which is in them already.
+    // Luminance of the colours as they are, times their opacity, which is in them already.
     const bool byAlpha = mask->type == svg::MaskType::kAlpha;
     for (int y = 0; y < image.height(); ++y) {
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));

@@ -1,4 +1,4 @@
-// Each element becomes art in its place, bears its id, marks and tags, and leaves in its record how it was read.
+// Each element becomes art in its place, has its id, marks and tags, and leaves in its record how it was read.
 #include "interchange/svg/art_loader.h"
 
 #include <algorithm>
@@ -94,7 +94,7 @@ doc::ArtId ArtLoader::parentArt() {
     return looseArt_ = document_.loadingLayer(id).root;
 }
 
-// Nothing is ever written into what a use element refers to: its copies bear no id and no tags.
+// Nothing is ever written into what a use element refers to: its copies have no id and no tags.
 doc::Art& ArtLoader::loadOwn(const Visit& visit, doc::ArtId id) {
     doc::Art& art = document_.loading(id);
     art.ref = {visit.element};
@@ -109,7 +109,7 @@ doc::Art& ArtLoader::loadOwn(const Visit& visit, doc::ArtId id) {
     return art;
 }
 
-// The member of a compound path that alone bears tags: when another editor has left but one piece, it is the one.
+// The member of a compound path that alone has tags: when another editor has left but one piece, it is the one.
 std::optional<int> ArtLoader::onlyMember(const Visit& visit) const {
     const std::string& prefix = source_.names().own;
     std::optional<int> only;

@@ -220,7 +220,7 @@ void SvgArtWriter::setOutline(svg::StartTag* tag, const doc::Art& art, const svg
            art.kind == kCompoundPathArt && pieces.size() < 2 ? std::to_string(pieces.size()) : "");
     const bool guide = !pieces.empty() && pieces.front()->path->guide;
     setOwn(tag, own_attribute::kGuide, guide ? "true" : "");
-    // Corners: the other editor's attribute where it stands, else ours where the handles do not tell.
+    // Corners: the other editor's attribute where it is, else ours where the handles do not tell.
     const std::string nodeTypes = source_.names().sodipodi + "nodetypes";
     std::string corners;
     if (tag->attribute(nodeTypes)) {

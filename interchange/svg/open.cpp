@@ -20,7 +20,7 @@ svg::XmlNode namedViewOf(const svg::File& file, const svg::XmlNode& root) {
     return found == children.end() ? svg::XmlNode() : *found;
 }
 
-// The layer whose element, or an element within it, bears the id.
+// The layer whose element, or an element within it, has the id.
 doc::LayerId layerById(std::string_view id, const ArtLoader& loader, const SvgSource& source) {
     for (svg::XmlNode node = source.tree.file->find(id); node.isElement(); node = node.parent()) {
         // Of several layers for one element, the topmost.

@@ -1,4 +1,4 @@
-// Tag names are bytes, attribute names are not: letters, digits and "_" stand as they are, other bytes as ".XX". "-" is
+// Tag names are bytes, attribute names are not: letters, digits and "_" are kept, other bytes as ".XX". "-" is
 // thereby free to part what we add: "t-" before a name that could not begin an attribute's, "m3-" for a member.
 #include "interchange/svg/own_attributes.h"
 

@@ -1,5 +1,5 @@
 // Widths and dashes are scaled between the element's user units and points; a property is written only where it differs
-// from what is in force.
+// from what is in effect.
 #include "interchange/svg/path_style.h"
 
 #include <algorithm>

@@ -44,7 +44,7 @@ struct StyleProperty {
     std::string_view name;
     std::string value;
 };
-// Properties in which the style differs from what is in force; all when there is nothing to compare with. The scale
+// Properties in which the style differs from what is in effect; all when there is nothing to compare with. The scale
 // is user units to points.
 std::vector<StyleProperty> styleProperties(const AIPathStyle& style, const AIPathStyle* inForce, double scale,
                                            const PaintSources& sources);

@@ -16,12 +16,12 @@ class SvgRules {
   public:
     explicit SvgRules(const SvgSource& source);
 
-    // The tag has its new name and id; what it said itself stands.
+    // The tag has its new name and id; what it said itself is kept.
     void preserveComputedStyle(svg::StartTag* tag, std::string_view wasType, std::string_view wasId) const;
     // The tag is of new art and says all that the host's styles can say.
     void blockInheritedStyle(svg::StartTag* tag) const;
 
-    // A clip path, a mask or a paint that stands elsewhere in the file, said by the element or by rules for it.
+    // A clip path, a mask or a paint that is elsewhere in the file, said by the element or by rules for it.
     bool refersToOthers(const svg::StartTag& tag) const;
 
   private:

@@ -119,7 +119,7 @@ class Collector {
     }
 
   private:
-    // Positions count until the first character stands; later ones move lines of the same text.
+    // Positions count until the first character is placed; later ones move lines of the same text.
     void place(const svg::XmlNode& element, const svg::ComputedStyle& style) {
         if (!result_.text.text.empty()) return;
         const auto first = [&](const char* name) -> std::optional<double> {
@@ -175,7 +175,7 @@ class Collector {
     double scale_;
     TextContext& context_;
     SvgText& result_;
-    std::optional<doc::CharFeatures> pending_;  // a blank that stands when a character follows
+    std::optional<doc::CharFeatures> pending_;  // a blank that counts when a character follows
     bool endsInBlank_ = false;
 };
 

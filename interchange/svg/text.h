@@ -18,7 +18,7 @@ namespace quorvel::interchange {
 
 struct SvgText {
     doc::TextData text;
-    double x = 0, y = 0;  // where the first character stands in the element's space
+    double x = 0, y = 0;  // where the first character is in the element's space
 };
 
 // Full names of fonts by family list, weight and slant, as they were found.
@@ -38,7 +38,7 @@ struct TextContext {
 [[nodiscard]] bool readText(const svg::XmlNode& element, const svg::Affine& toDocument, const svg::ComputedStyle& style,
                             TextContext* context, SvgText* result);
 
-// The matrix of a text whose element's space is mapped so and whose first character stands at (x, y) in it.
+// The matrix of a text whose element's space is mapped so and whose first character is at (x, y) in it.
 RealMatrix textMatrix(const svg::Affine& toDocument, double x, double y);
 
 // What a text element says for a text, to be set into its start tag.
@@ -54,7 +54,7 @@ struct SvgTextParts {
 SvgTextParts formatText(const doc::TextData& text, const svg::Affine& toDocument, const svg::SvgNames& names,
                         const std::vector<StyleProperty>& reset, const PaintSources& sources);
 
-// The transform that makes an element mapped by `was` stand where `motion` takes it, below a container mapped so; for
+// The transform that makes an element mapped by `was` be where `motion` takes it, below a container mapped so; for
 // texts that are only moved and for elements that are kept as they are. Empty when the container is flat.
 svg::Affine concat(const RealMatrix& motion, const svg::Affine& was);
 std::string formatMatrix(const svg::Affine& matrix);

@@ -72,7 +72,7 @@ ControlForm::ControlForm(QWidget* page, const WindowContent& content, double sca
         connectControl(control);
         controls_.push_back(std::move(control));
     }
-    // Frames stand behind what they surround.
+    // Frames are behind what they surround.
     for (const Control& control : controls_)
         if (control.row.kind == ControlKind::group || control.row.kind == ControlKind::frame) control.widget->lower();
 }

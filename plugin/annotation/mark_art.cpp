@@ -148,7 +148,7 @@ bool TakeSuperscript(std::string* text) {
     return true;
 }
 
-// How far the text must be narrowed to stand on the line; never above 1.
+// How far the text must be narrowed to fit on the line; never above 1.
 double SqueezeScale(const PluginGlobals* globals, const DoublePoint& p1, const DoublePoint& p2, const char* text) {
     if (!(DistanceBetweenPoints(p1, p2) > kSmallestSpan)) return 1.0;
     const double width = MeasureTextUnitWidth(globals, text) * globals->prefs.flArFSize;

@@ -17,7 +17,7 @@ namespace quorvel {
 
 namespace {
 
-constexpr double kGuideParts = 256.0;    // a guide point stands this part of a unit from where the arc starts
+constexpr double kGuideParts = 256.0;    // a guide point is this part of a unit from where the arc starts
 constexpr double kLevelRadius = 0.0001;  // a radius less high than this has an upright tangent
 constexpr int kArcAnchors = 5;
 
@@ -28,7 +28,7 @@ bool SolveRunningArc(std::int16_t mode, ToolState* state, const RealPoint& third
 }
 
 // Placing the end: the chain, then Shift about the centre of the arc to the cursor, and the way of the cursor from
-// where it stood last. Shift takes only a look at the arc, since the cursor does not stand there in the end.
+// where it was last. Shift takes only a look at the arc, since the cursor is not there in the end.
 std::int16_t SnapArcEnd(PluginGlobals* globals) {
     ToolState& live = globals->liveState;
     const std::int16_t mode = globals->prefs.flArcMode;
@@ -138,7 +138,7 @@ void FollowCursor(const DoublePoint& a, const DoublePoint& b, const DoublePoint&
     if (!bothUpright && (unknown || CrossedStartRay(a, b, c, *previousCursor))) {
         double w = AbsOf(AngleBetweenPoints(a, c) - AngleBetweenPoints(a, b));
         if (w > kPi) w = kTwoPi - w;
-        // A cursor that still stands on the start has no way yet.
+        // A cursor that is still on the start has no way yet.
         if (w < kHalfPiWide && !PointsEqual(b, c)) *sweepDirection = AngleBetweenPoints(a, GuidePoint(b, c));
     }
     *previousCursor = c;

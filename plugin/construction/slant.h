@@ -12,7 +12,7 @@ AIErr SlantDown(const AIToolMessage* message);
 AIErr SlantUp(const AIToolMessage* message);
 
 // About fromPoint by the opposite of the direction to toPoint, in all layers, hidden and locked ones too. Always true;
-// a host error ends it where it stands.
+// a host error ends it where it is.
 bool LevelSelection();
 // The selected art below and at art; dimensions stay where they are. Radians: the angle that becomes level.
 AIErr TurnArt(AIArtHandle art, const DoublePoint& pivot, double angle);

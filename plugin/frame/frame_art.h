@@ -9,7 +9,7 @@ namespace quorvel {
 // Makes the frame of liveState's two points on the current layer. 0 when that is hidden or locked, else 1.
 std::int32_t BuildSchedule();
 
-// mode: 0 the table stands on the title block, 1 it hangs from the frame's top edge.
+// mode: 0 the table is on the title block, 1 it hangs from the frame's top edge.
 void DrawTitleBlock(AIArtHandle group, const DoublePoint& from, const DoublePoint& to);
 void DrawPartsTable(AIArtHandle group, const DoublePoint& from, const DoublePoint& to, std::int16_t mode);
 void AddFrameRect(AIArtHandle group, double x, double y, double w, double h);  // h may be negative

@@ -1,4 +1,4 @@
-// The two Schedule tools: drag a rectangle, and the drawing sheet's frame stands in it.
+// The two Schedule tools: drag a rectangle, and the drawing sheet's frame is in it.
 #pragma once
 
 #include "hostapi/messages.h"

@@ -48,7 +48,7 @@ void OffsetLine(const CurveControls& c, const DoublePoint* from, const DoublePoi
 }
 
 // Crossing of the tangents of a circle at a and b, by the slopes of the normals. A level normal makes its tangent
-// vertical. Parallel tangents do not cross: b stands in, or, when both are vertical, a's place across at height 0.
+// vertical. Parallel tangents do not cross: b is taken, or, when both are vertical, a's place across at height 0.
 DoublePoint TangentCrossing(const DoublePoint& centre, const DoublePoint& a, const DoublePoint& b) {
     const bool verticalA = NearlyEqual(a.v, centre.v), verticalB = NearlyEqual(b.v, centre.v);
     double slopeA = 0, interceptA = 0, slopeB = 0, interceptB = 0;
@@ -150,7 +150,7 @@ void OffsetPolyline(Polyline* line, double normal, double distance) {
     }
 }
 
-// Every second point as a corner; the last record bears the final point, whichever point fell to it.
+// Every second point as a corner; the last record has the final point, whichever point fell to it.
 void WritePolyline(const Polyline& line, SegmentList* out) {
     out->count = 0;
     for (int i = 0; i < line.count; i += 2) {

@@ -1,5 +1,5 @@
 // One chord of a curve: the distance to it and the snap onto it, written for the inner loops of this room. The public
-// functions of vector.h and bezier.h of the same meaning are these. What rejects a chord early stands here too, because
+// functions of vector.h and bezier.h of the same meaning are these. What rejects a chord early is here too, because
 // it is true only of these very computations.
 #pragma once
 

@@ -62,7 +62,7 @@ struct BlockBoxes {
     double lowH[kBlocks], highH[kBlocks], lowV[kBlocks], highV[kBlocks];
 };
 
-// How far the samples of a block can stand outside the box of its two end samples: a curve leaves the chord over a
+// How far the samples of a block can be outside the box of its two end samples: a curve leaves the chord over a
 // stretch w of its parameter by at most w^2 / 8 times its second derivative, which is at most 6 times the larger second
 // difference of its controls; 9 / 256 is the longest stretch. The rounding of basis and sums is less than fifty units
 // in the last place of the largest control.

@@ -13,7 +13,7 @@ struct DoublePoint {
     double h = 0, v = 0;
 };
 
-// Short decimals, used as they stand: the wrap-around arithmetic of the tools depends on these very values.
+// Short decimals, used as they are: the wrap-around arithmetic of the tools depends on these very values.
 constexpr double kPi = 3.141593;
 constexpr double kTwoPi = 6.283186;
 constexpr double kHalfPi = 1.570796;            // left or right normal of a direction

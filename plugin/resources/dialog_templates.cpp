@@ -19,7 +19,7 @@ platform::DialogTemplate MakeTemplate(const DialogSource& source, platform::Lang
             static_cast<std::int32_t>(rows.size())};
 }
 
-// One dialog may stand over another, so each template has a place of its own.
+// One dialog may be open over another, so each template has a place of its own.
 std::vector<platform::DialogTemplate> MakeTemplates() {
     std::vector<platform::DialogTemplate> templates;
     for (const std::span<const DialogSource> sources :

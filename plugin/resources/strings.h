@@ -1,5 +1,5 @@
 // The texts of the lists that dialogs and the panel show, by resource id, in Japanese and in English. The English text
-// of a row bears the Japanese id plus 100.
+// of a row has the Japanese id plus 100.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ constexpr std::int32_t kLengthUnitStrings = 16211;        // 5 rows
 constexpr std::int32_t kAreaUnitStrings = 16216;          // 5 rows
 constexpr std::int32_t kScaleStrings = 16221;             // 13 rows
 
-// UTF-8; null for an id that no string bears. Pictures are numbered apart, so that one number may name a string and a
+// UTF-8; null for an id that no string has. Pictures are numbered apart, so that one number may name a string and a
 // picture.
 const char* FindResourceString(std::int32_t id);
 

@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-// Modal, in the language in force.
+// Modal, in the current language.
 AIErr AboutBox();
 
 }  // namespace quorvel

@@ -1,5 +1,5 @@
-// What all dialogs share: running the template of the language in force, numbers and texts in controls, and the refusal
-// of a value.
+// What all dialogs share: running the template of the current language, numbers and texts in controls, and the
+// refusal of a value.
 #pragma once
 
 #include <cstdint>

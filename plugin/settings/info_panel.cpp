@@ -75,7 +75,7 @@ std::int16_t ReadThemeValue(const PluginGlobals* globals, AIPlatformWindow windo
 // The colour that is seen has eight bits, cut and not rounded.
 float CutToEightBits(float channel) { return std::floor(255.0F * channel) / 255.0F; }
 
-// A host that gives no colours leaves the last ones in force; the icons follow its theme all the same.
+// A host that gives no colours leaves the last ones in effect; the icons follow its theme all the same.
 void ApplyTheme(PluginGlobals* globals) {
     ReadThemeColors(globals);
     platform::PanelTheme theme;
@@ -146,7 +146,7 @@ void ShowGridFields(const PluginGlobals* globals) {
     }
 }
 
-// Half-typed values count as they stand; what is no step keeps the old one.
+// Half-typed values count as they are; what is no step keeps the old one.
 void ReadGridFields(PluginGlobals* globals) {
     for (const GridField& grid : kGridFields) {
         float points = 0;

@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-// Modal, in the language in force. True when it was left by OK; Cancel stores nothing.
+// Modal, in the current language. True when it was left by OK; Cancel stores nothing.
 bool RunSettingsDialog(PluginGlobals* globals);
 
 }  // namespace quorvel

@@ -35,7 +35,7 @@ double ViewZoom();
 // One screen pixel in points: 1 / zoom, or the negated zoom when that is not above 0.
 double PixelSize();
 
-// A text of our own tables (UTF-8) in the language in force, as bytes of the system code page.
+// A text of our own tables (UTF-8) in the current language, as bytes of the system code page.
 std::string ChooseText(const char* japanese, const char* english);
 // A host string from bytes of the system code page; lives until the message returns.
 AIUnicodeStringRef HostString(std::string_view bytes);

@@ -104,7 +104,7 @@ AIErr StartUp(PluginGlobals* globals, SPPluginRef self) {
     InitProduct(globals);
     if (const AIErr result = AllocateChainBuffers(globals); result != kNoErr) return result;
     BuildBezierBasisTables(&globals->bezierTables);
-    // Brings the language in force, so everything that bears a text comes after it. A missing file is the first run.
+    // Brings the language in effect, so everything that has a text comes after it. A missing file is the first run.
     ReadPrefsFile(globals, nullptr);
     for (AIErr (*add)() : {AddTools, AddNotifiers, AddMenus, AddTimer, AddAction}) {
         if (const AIErr result = add(); result != kNoErr) return result;

@@ -1,5 +1,5 @@
 // The host's suites as the plug-in holds them: one pointer each, acquired around every message. The table of all rows
-// stands in suites.cpp.
+// is in suites.cpp.
 #pragma once
 
 #include "hostapi/dimensions.h"

@@ -22,7 +22,7 @@ void CommitDrawnState(PluginGlobals* globals);
 
 platform::Pixel ViewPixel(const PreviewPen& pen, const RealPoint& point);
 platform::Pixel ViewPixel(const PreviewPen& pen, const DoublePoint& point);
-// MoveTo a, LineTo a, LineTo b; a single pixel when both stand on one.
+// MoveTo a, LineTo a, LineTo b; a single pixel when both are on one.
 void DrawPreviewLine(const PreviewPen& pen, const RealPoint& a, const RealPoint& b);
 void DrawPreviewLine(const PreviewPen& pen, const DoublePoint& a, const DoublePoint& b);
 // The segment as 32 chords, pieces below one pixel left out.

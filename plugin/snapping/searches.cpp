@@ -120,7 +120,7 @@ AIErr VisitPath(ArtSearch* search, AIArtHandle path) {
     return kNoErr;
 }
 
-// Caught by its anchor, wherever its letters stand.
+// Caught by its anchor, wherever its letters are.
 AIErr VisitPointText(ArtSearch* search, AIArtHandle frame) {
     RealPoint anchor, hit = *search->point;
     const AIErr error = sAITextFrame->GetPointTextAnchor(frame, &anchor);

@@ -54,7 +54,7 @@ struct ChainRow {
     std::uint8_t steps;                           // bit n: runs at toolStep n
     std::int8_t cells;                            // how many cells it may fill; 0 leaves them empty
     std::int16_t PrefsRecord::*setting;           // runs while this is nonzero; null: always
-    std::int16_t PrefsRecord::*unless = nullptr;  // stands back while this is nonzero; null: never
+    std::int16_t PrefsRecord::*unless = nullptr;  // does not run while this is nonzero; null: never
 };
 extern const ChainRow kSnapChains[];
 extern const int kSnapChainRowCount;

@@ -94,7 +94,7 @@ EntryRuns FindEntryRuns() {
     return runs;
 }
 
-// What stands right already is not written, so that art which the host will not change is no obstacle.
+// What is right already is not written, so that art which the host will not change is no obstacle.
 AIErr RestorePath(AIArtHandle path, const SelectionEntry* entry, const SelectionEntry* end) {
     const int count = SegmentCount(path);
     for (int i = 0; i < count; ++i) {

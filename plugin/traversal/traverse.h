@@ -12,7 +12,7 @@ double PickTolerance();
 // Is the point inside the rectangle grown by the tolerance, a PickTolerance that a search has read once?
 bool PointInPickRect(const RealPoint& point, RealRect rect, double tolerance);
 
-// Does the art bear the tag QUORVEL_TOOLCNF? Searches never descend into such a group.
+// Does the art have the tag QUORVEL_TOOLCNF? Searches never descend into such a group.
 bool IsToolGroup(AIArtHandle art);
 bool LayerIsBlocked(AILayerHandle layer);  // hidden or not editable
 bool ArtLayerIsBlocked(AIArtHandle art);

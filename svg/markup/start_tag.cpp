@@ -65,7 +65,7 @@ void StartTag::set(std::string_view name, std::string_view value) {
     std::string escaped = escapeXml(value);
     const auto found = std::ranges::find(attributes_, name, &Attribute::name);
     if (found == attributes_.end()) {
-        // A first attribute has no neighbour to stand like.
+        // A first attribute has no neighbour whose spacing it could take.
         const std::string before = attributes_.empty() ? " " : attributes_.back().before;
         attributes_.push_back({before, std::string(name), "=\"" + escaped + "\""});
         return;

@@ -31,7 +31,7 @@ class StartTag {
     struct Attribute {
         std::string before;  // blanks
         std::string name;
-        std::string raw;  // as it stands, with "=", quotes and escapes
+        std::string raw;  // as it is, with "=", quotes and escapes
         std::string_view value() const;
     };
     const Attribute* find(std::string_view name) const;

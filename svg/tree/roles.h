@@ -11,7 +11,7 @@ namespace quorvel::svg {
 
 struct ElementKind {
     std::string_view name;
-    std::optional<Role> role;  // nothing: it is not drawn where it stands
+    std::optional<Role> role;  // nothing: it is not drawn where it is
 };
 
 // By the name without prefix; null for a name that SVG does not have.

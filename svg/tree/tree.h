@@ -1,5 +1,5 @@
 // The resolved tree: every element that is drawn, in the order of drawing, with the style that was computed for it and
-// its place on the page. What a use element makes stands in it as instances behind the use element.
+// its place on the page. What a use element makes is in it as instances behind the use element.
 #pragma once
 
 #include <cstddef>
@@ -54,7 +54,7 @@ struct Tree {
     const Element& operator[](std::int32_t number) const { return elements[static_cast<std::size_t>(number)]; }
     std::size_t size() const { return elements.size(); }
     const Affine& map(std::int32_t number) const { return ctms[(*this)[number].ctm]; }
-    // The viewport that what is in the element stands in.
+    // The viewport that what is in the element belongs to.
     const Viewport& viewportIn(std::int32_t number) const;
     // Behind the last element in this one.
     std::int32_t endOf(std::int32_t number) const;

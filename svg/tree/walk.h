@@ -31,7 +31,7 @@ struct Visit {
     bool isInstance = false;
     ComputedStyle style;
     Affine map;         // of its content, with its own transform
-    Viewport viewport;  // that it stands in
+    Viewport viewport;  // that it belongs to
     UsePlace use;       // of a use element
 };
 

@@ -70,7 +70,7 @@ class CopiedText {
         return svg::StartTag(text_.substr(span.begin, span.tagEnd - span.begin), &source_.entities());
     }
 
-    // The blanks before it, with the line end, when nothing else stands on the line.
+    // The blanks before it, with the line end, when nothing else is on the line.
     std::size_t lineBegin(std::size_t at) const {
         const std::size_t blanks = text_.find_last_not_of(" \t", at - 1);
         if (blanks == std::string_view::npos || text_[blanks] != '\n') return at;
@@ -92,7 +92,7 @@ class CopiedText {
         if (!id.empty()) rules_.preserveComputedStyle(tag, localPart(tag->name()), id);
     }
 
-    // The copy may stand outside the elements that declare its prefixes.
+    // The copy may be outside the elements that declare its prefixes.
     void declareNamespaces() {
         const std::size_t rootEnd =
             source_.element(0).nameOffset + svg::startTagText(*source_.text, source_.element(0).nameOffset).size();

@@ -182,7 +182,7 @@ svg::Affine withoutNoise(svg::Affine map) {
     return map;
 }
 
-// Finds the outermost elements that refer to others, stand where they stood and have moved as a whole. Clones that are
+// Finds the outermost elements that refer to others, are where they were and have moved as a whole. Clones that are
 // written out are among them: what they show may refer to anything.
 class FollowerSearch {
   public:
