@@ -224,10 +224,10 @@ TEST(CurveChain, LengthIsThatOfThePathOnThePlacementsSide) {
         });
         table.change([&](doc::Document& document) { return document.removeArt(art); });
     }
-    EXPECT_GT(checked, 2000);
-    EXPECT_GT(reversed, 600);
-    EXPECT_GT(closed, 800);
-    EXPECT_GT(passing, 800);
+    EXPECT_GT(checked, rounds(2000));
+    EXPECT_GT(reversed, rounds(600));
+    EXPECT_GT(closed, rounds(800));
+    EXPECT_GT(passing, rounds(800));
     EXPECT_LT(missing, passing / 100);  // beyond the tip of a hairpin a copy does not reach
 }
 
