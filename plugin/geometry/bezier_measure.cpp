@@ -12,9 +12,6 @@ namespace quorvel {
 
 namespace {
 
-// A stop counts as lying on a chord within this distance, document points.
-constexpr double kStopTolerance = 0.0001;
-
 // The angle between two directions, at most half a turn.
 double AngleBetweenDirections(double a0, double a1) {
     const double difference = AbsOf(a1 - a0);
@@ -180,14 +177,29 @@ double CurveLength(const BezierBasisTables& tables, const CurveControls& c, Doub
     if (stop == nullptr) return WholeCurveLength(tables, c);
     FineCurve curve;
     SampleBetweenAnchors(tables, c, &curve);
-    // The walk ends with a look at the last sample alone and not at the last chord: a stop on that chord measures to
-    // the end.
-    for (int k = 1; k <= kFineSteps; ++k) {
-        const DoublePoint from = curve.Point(k - 1), to = curve.Point(k < kFineSteps ? k : k - 1);
-        if (SnapToChord(stop, from, to, kStopTolerance))
+    const double tolerance = ChordTolerance(c, *stop);
+    for (int k = 1; k < kFineSteps; ++k) {
+        const DoublePoint from = curve.Point(k - 1);
+        if (SnapToChord(stop, from, curve.Point(k), tolerance))
             return AddChords(curve, 1, k - 1, 0) + DistanceBetweenPoints(from, *stop);
     }
-    return AddChords(curve, 1, kFineSteps, 0);
+    // A stop on the last chord or beside the curve: where it is nearest.
+    int nearest = 1;
+    ChordDistance best = MeasureChord(curve.Point(0), curve.Point(1), *stop);
+    for (int k = 2; k <= kFineSteps; ++k) {
+        const ChordDistance found = MeasureChord(curve.Point(k - 1), curve.Point(k), *stop);
+        if (!(best.distance > found.distance)) continue;
+        best = found;
+        nearest = k;
+    }
+    *stop = best.nearest;
+    return AddChords(curve, 1, nearest - 1, 0) + DistanceBetweenPoints(curve.Point(nearest - 1), *stop);
+}
+
+double LineLength(const CurveControls& c, DoublePoint* stop) {
+    if (stop == nullptr) return DistanceBetweenPoints(c.p0, c.p3);
+    if (!SnapToChord(stop, c.p0, c.p3, ChordTolerance(c, *stop))) *stop = MeasureChord(c.p0, c.p3, *stop).nearest;
+    return DistanceBetweenPoints(c.p0, *stop);
 }
 
 bool PointAtCurveLength(const BezierBasisTables& tables, const CurveControls& c, double length, DoublePoint* point,
@@ -244,10 +256,7 @@ double DistanceToSegment(const BezierBasisTables& tables, const PathSegment& s, 
 
 double SegmentLength(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t, DoublePoint* stop) {
     const CurveControls c = ControlsOf(s, t);
-    if (IsStraightSegment(s, t)) {
-        const bool stops = stop != nullptr && SnapToChord(stop, c.p0, c.p3, kStopTolerance);
-        return DistanceBetweenPoints(c.p0, stops ? *stop : c.p3);
-    }
+    if (IsStraightSegment(s, t)) return LineLength(c, stop);
     ArcCircle circle;
     if (IsCircularArc(s, t, &circle.centre, &circle.radius)) {
         const DoublePoint& end = stop != nullptr ? *stop : c.p3;

@@ -8,8 +8,6 @@ namespace quorvel {
 
 namespace {
 
-// A cut counts as lying on a chord within this distance, document points.
-constexpr double kCutTolerance = 0.0001;
 // A sample nearer than this to a cut would give a chord without a trustworthy direction.
 constexpr double kCutClearance = 0.01;
 
@@ -21,9 +19,9 @@ struct Polyline {
     void Add(const DoublePoint& p) { points[count++] = p; }
 };
 
-bool LiesOnChord(const DoublePoint& p, const DoublePoint& a, const DoublePoint& b) {
+bool LiesOnChord(const DoublePoint& p, const DoublePoint& a, const DoublePoint& b, double tolerance) {
     DoublePoint copy = p;
-    return SnapToChord(&copy, a, b, kCutTolerance);
+    return SnapToChord(&copy, a, b, tolerance);
 }
 
 void SetRecord(PathSegment* record, const DoublePoint& in, const DoublePoint& p, const DoublePoint& out) {
@@ -36,8 +34,8 @@ void SetRecord(PathSegment* record, const DoublePoint& in, const DoublePoint& p,
 void OffsetLine(const CurveControls& c, const DoublePoint* from, const DoublePoint* to, double normal, double distance,
                 SegmentList* out) {
     DoublePoint a = c.p0, b = c.p3;
-    if (from != nullptr && LiesOnChord(*from, a, b)) a = *from;
-    if (to != nullptr && LiesOnChord(*to, a, b)) b = *to;
+    if (from != nullptr && LiesOnChord(*from, a, b, ChordTolerance(c, *from))) a = *from;
+    if (to != nullptr && LiesOnChord(*to, a, b, ChordTolerance(c, *to))) b = *to;
     if (distance != 0) {
         const double direction = AngleBetweenPoints(a, b);
         a = PolarPoint(a, distance, direction - normal);
@@ -101,10 +99,11 @@ void OffsetArc(const CurveControls& c, const DoublePoint& centre, const DoublePo
 }
 
 // The index of the sample that ends the first chord on which the cut lies; 0 when it lies on none.
-int ChordOfCut(const FineCurve& curve, const DoublePoint* cut) {
+int ChordOfCut(const CurveControls& c, const FineCurve& curve, const DoublePoint* cut) {
     if (cut == nullptr) return 0;
+    const double tolerance = ChordTolerance(c, *cut);
     for (int k = 1; k <= kFineSteps; ++k)
-        if (LiesOnChord(*cut, curve.Point(k - 1), curve.Point(k))) return k;
+        if (LiesOnChord(*cut, curve.Point(k - 1), curve.Point(k), tolerance)) return k;
     return 0;
 }
 
@@ -114,7 +113,7 @@ void CutPolyline(const BezierBasisTables& tables, const CurveControls& c, const 
     SampleFine(tables, c, 1, kFineSteps, &curve);
     curve.h[0] = c.p0.h;
     curve.v[0] = c.p0.v;
-    const int fromChord = ChordOfCut(curve, from), toChord = ChordOfCut(curve, to);
+    const int fromChord = ChordOfCut(c, curve, from), toChord = ChordOfCut(c, curve, to);
     const int start = fromChord != 0 ? fromChord : 1;
     const int end = toChord != 0 ? toChord : 255;  // so a curve that is not cut leaves out its last sample
     line->Add(fromChord != 0 ? *from : c.p0);

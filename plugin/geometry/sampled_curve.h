@@ -3,6 +3,8 @@
 // the last bit.
 #pragma once
 
+#include <initializer_list>
+
 #include "plugin/geometry/bezier.h"
 #include "plugin/geometry/chord.h"
 
@@ -14,6 +16,18 @@ struct CurveControls {
 
 inline CurveControls ControlsOf(const PathSegment& s, const PathSegment& t) {
     return {{s.p.h, s.p.v}, {s.out.h, s.out.v}, {t.in.h, t.in.v}, {t.p.h, t.p.v}};
+}
+
+// How near a chord a stop or a cut has to be to lie on it, document points. Points are kept as 32-bit floats: from
+// 1,024 on, where their spacing comes near the tolerance, it is twice that spacing at the largest coordinate.
+inline double ChordTolerance(const CurveControls& c, const DoublePoint& point) {
+    constexpr double kTolerance = 0.0001, kFineTo = 1024.0;
+    double largest = GreaterOf(std::fabs(point.h), std::fabs(point.v));
+    for (const DoublePoint& p : {c.p0, c.p1, c.p2, c.p3})
+        largest = GreaterOf(largest, GreaterOf(std::fabs(p.h), std::fabs(p.v)));
+    if (!(largest >= kFineTo) || !std::isfinite(largest)) return kTolerance;
+    constexpr int kFloatDigits = 24;
+    return 2.0 * std::ldexp(1.0, std::ilogb(largest) + 1 - kFloatDigits);
 }
 
 constexpr int kFineSteps = 256;

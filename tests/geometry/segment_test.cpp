@@ -190,8 +190,10 @@ TEST(Measure, LengthsAndStops) {
     EXPECT_EQ(SegmentLength(Tables(), line.s, line.t, nullptr), 50);
     EXPECT_NEAR(SegmentLength(Tables(), line.s, line.t, &stop), 5, 1e-4);
     EXPECT_NEAR(stop.v * 3, stop.h * 4, 1e-12);  // it has been moved onto the line
-    stop = {3, 5};
-    EXPECT_EQ(SegmentLength(Tables(), line.s, line.t, &stop), 50);
+    stop = {3, 5};                               // off the line: at its foot, (3 * 30 + 5 * 40) / 50 along
+    EXPECT_NEAR(SegmentLength(Tables(), line.s, line.t, &stop), 5.8, 1e-12);
+    stop = {-1, -1};
+    EXPECT_EQ(SegmentLength(Tables(), line.s, line.t, &stop), 0);
 
     // 200 degrees measure as their complement of 160; only a small arc of that size passes as one.
     const double turn = 200 * pi / 180;
@@ -206,8 +208,10 @@ TEST(Measure, LengthsAndStops) {
     EXPECT_NEAR(SegmentLength(Tables(), even.s, even.t, nullptr), 120, 1e-9);
     stop = {45, 0};
     EXPECT_NEAR(SegmentLength(Tables(), even.s, even.t, &stop), 45, 1e-9);
-    stop = {119.9, 0};  // on the last 1/256: the end
-    EXPECT_NEAR(SegmentLength(Tables(), even.s, even.t, &stop), 120, 1e-9);
+    for (const double v : {0.0, 3.0}) {  // on the last chord, and beside the curve
+        stop = {119.9, v};
+        EXPECT_NEAR(SegmentLength(Tables(), even.s, even.t, &stop), 119.9, 1e-9);
+    }
 }
 
 TEST(Measure, PointAtLengthInvertsSegmentLength) {

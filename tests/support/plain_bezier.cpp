@@ -132,18 +132,42 @@ double DistanceToCurve(const BezierBasisTables& tables, const PathSegment& s, co
     return distance;
 }
 
+namespace {
+
+double Tolerance(const PathSegment& s, const PathSegment& t, const DoublePoint& point) {
+    double largest = std::fmax(std::fabs(point.h), std::fabs(point.v));
+    for (const RealPoint& p : {s.p, s.out, t.in, t.p})
+        largest = std::fmax(largest, std::fmax(std::fabs(p.h), std::fabs(p.v)));
+    if (!(largest >= 1024) || std::isinf(largest)) return 0.0001;
+    // The spacing at and above the largest float that is not above it.
+    float below = static_cast<float>(largest);
+    if (below > largest) below = std::nextafter(below, 0.0F);
+    return 2 * (static_cast<double>(std::nextafter(below, INFINITY)) - below);
+}
+
+}  // namespace
+
 double CurveLength(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t, DoublePoint* stop) {
     const Curve curve(tables, s, t);
-    DoublePoint previous = curve.p0;
-    double length = 0;
-    for (int k = 1; k <= 255; ++k) {
-        const DoublePoint current = curve.Sample(k);
-        if (stop != nullptr && SnapToChord(stop, previous, current, 0.0001)) return length + Distance(previous, *stop);
+    DoublePoint previous = curve.p0, nearest;
+    double length = 0, best = -1, lengthToNearest = 0;
+    for (int k = 1; k <= 256; ++k) {
+        const DoublePoint current = k < 256 ? curve.Sample(k) : curve.p3;
+        if (stop != nullptr && k < 256 && SnapToChord(stop, previous, current, Tolerance(s, t, *stop)))
+            return length + Distance(previous, *stop);
+        DoublePoint foot = previous;
+        const double distance = stop == nullptr ? 0 : LineDistance(previous, current, *stop, &foot);
+        if (best < 0 || best > distance) {
+            best = distance;
+            nearest = foot;
+            lengthToNearest = length + Distance(previous, foot);
+        }
         length += Distance(previous, current);
         previous = current;
     }
-    if (stop != nullptr && SnapToChord(stop, previous, previous, 0.0001)) return length;
-    return length + Distance(previous, curve.p3);
+    if (stop == nullptr) return length;
+    *stop = nearest;
+    return lengthToNearest;
 }
 
 bool PointAtCurveLength(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t, double length,
@@ -175,8 +199,11 @@ std::vector<DoublePoint> OffsetCurve(const BezierBasisTables& tables, const Path
     for (int k = 1; k <= 256; ++k) {
         const DoublePoint current = curve.Sample(k);
         DoublePoint copy;
-        if (from != nullptr && start == 0 && SnapToChord(&(copy = *from), previous, current, 0.0001)) start = k;
-        if (to != nullptr && end == 0 && SnapToChord(&(copy = *to), previous, current, 0.0001)) end = k;
+        const auto holds = [&](const DoublePoint& cut) {
+            return SnapToChord(&(copy = cut), previous, current, Tolerance(s, t, cut));
+        };
+        if (from != nullptr && start == 0 && holds(*from)) start = k;
+        if (to != nullptr && end == 0 && holds(*to)) end = k;
         previous = current;
     }
     std::vector<DoublePoint> points{start != 0 ? *from : curve.p0};
