@@ -215,7 +215,7 @@ void ArtIndex::findByTag(std::string_view name, std::optional<std::string_view> 
         index.find(*value, out);
         std::erase_if(*out, [&](ArtId art) {
             const std::string* borne = document_.tag(art, name);
-            return borne == nullptr || *borne != *value;
+            return borne == nullptr || tagKey(*borne) != tagKey(*value);
         });
     } else {
         index.all(out);

@@ -7,13 +7,20 @@
 
 namespace quorvel::doc {
 
+std::string_view tagKey(std::string_view value) {
+    const std::size_t digits = value.find_first_not_of('0');
+    if (value.empty() || value[0] != '0' || value.find_first_not_of("0123456789") != std::string_view::npos)
+        return value;
+    return value.substr(std::min(digits, value.size() - 1));
+}
+
 void TagIndex::put(ArtId art, const std::string* value) {
     const std::uint32_t known = art < entryOf_.size() ? entryOf_[art] : kNone;
     if (value == nullptr) {
         if (known != kNone) remove(known);
         return;
     }
-    const std::size_t hash = std::hash<std::string_view>()(*value);
+    const std::size_t hash = std::hash<std::string_view>()(tagKey(*value));
     if (known == kNone) {
         add(art, hash);
     } else if (entries_[known].hash != hash) {
@@ -69,7 +76,7 @@ void TagIndex::grow() {
 
 void TagIndex::find(std::string_view value, std::vector<ArtId>* arts) const {
     if (buckets_.empty()) return;
-    const std::size_t hash = std::hash<std::string_view>()(value);
+    const std::size_t hash = std::hash<std::string_view>()(tagKey(value));
     for (std::uint32_t at = buckets_[bucketOf(hash)]; at != kNone; at = entries_[at].after) {
         if (entries_[at].hash == hash) arts->push_back(entries_[at].art);
     }

@@ -12,6 +12,9 @@
 
 namespace quorvel::doc {
 
+// What a value is found by: of a whole number its digits without zeros ahead, of other texts the text.
+std::string_view tagKey(std::string_view value);
+
 class TagIndex {
   public:
     // Null: the art does not have the tag, or no more.

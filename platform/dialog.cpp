@@ -50,7 +50,7 @@ std::int32_t GetControlText(WindowRef window, std::int32_t control, char* text, 
 }
 
 void SetControlText(WindowRef window, std::int32_t control, const char* text) {
-    if (ControlWindow* found = living(window)) found->setText(control, FromSystem(text));
+    if (ControlWindow* found = living(window)) found->setText(control, FieldFromSystem(text));
 }
 
 std::int32_t CountRows(WindowRef window, std::int32_t control) {
@@ -61,7 +61,7 @@ std::int32_t CountRows(WindowRef window, std::int32_t control) {
 void AddRow(WindowRef window, std::int32_t control, const char* text) { InsertRow(window, control, -1, text); }
 
 void InsertRow(WindowRef window, std::int32_t control, std::int32_t row, const char* text) {
-    if (ControlWindow* found = living(window)) found->insertRow(control, row, FromSystem(text));
+    if (ControlWindow* found = living(window)) found->insertRow(control, row, FieldFromSystem(text));
 }
 
 void RemoveRow(WindowRef window, std::int32_t control, std::int32_t row) {

@@ -10,6 +10,10 @@ namespace quorvel::platform {
 
 std::string FromSystem(const char* bytes) { return bytes == nullptr ? "" : ToUtf8(bytes, kCodePageJapanese); }
 
+std::string FieldFromSystem(const char* bytes) {
+    return bytes == nullptr ? "" : ToUtf8AndBack(bytes, kCodePageJapanese);
+}
+
 std::int32_t CopyToSystem(const std::string& utf8, char* text, std::int32_t size) {
     if (text == nullptr || size <= 0) return 0;
     const std::string bytes = FromUtf8(utf8, kCodePageJapanese);

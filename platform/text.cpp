@@ -80,15 +80,34 @@ std::size_t OneUtf8Character(std::string_view text) {
     return length;
 }
 
-std::string Convert(std::string_view input, const char* to, const char* from, std::string_view substitute,
-                    std::size_t (*skipped)(std::string_view)) {
+std::string Replacement(std::string_view) { return std::string(kReplacement); }
+
+// U+F780 to U+F7FF stand for the bytes 0x80 to 0xFF: no code page has characters there.
+constexpr char kPrivateLead = '\xEF';
+constexpr unsigned kPrivateSecond = 0x9E;
+
+std::string PrivateCharacter(std::string_view text) {
+    const auto byte = static_cast<std::uint8_t>(text[0]);
+    if (byte < 0x80) return Replacement(text);
+    return {kPrivateLead, static_cast<char>(kPrivateSecond + (byte >> 6 & 1)), static_cast<char>(0x80 | (byte & 0x3F))};
+}
+
+std::string PrivateByte(std::string_view character) {
+    if (character.size() < 3 || character[0] != kPrivateLead) return "?";
+    const unsigned second = static_cast<std::uint8_t>(character[1]) - kPrivateSecond;
+    if (second > 1) return "?";
+    return {static_cast<char>(0x80 | second << 6 | (static_cast<std::uint8_t>(character[2]) & 0x3F))};
+}
+
+std::string Convert(std::string_view input, const char* to, const char* from,
+                    std::string (*substitute)(std::string_view), std::size_t (*skipped)(std::string_view)) {
     std::string output;
     Converter& converter = ConverterFor(to, from);
     if (!converter.IsUsable()) return output;
     converter.Restart();
     output.reserve(input.size() * 3 / 2);
     while (!converter.Run(&input, &output)) {
-        output += substitute;
+        output += substitute(input);
         input.remove_prefix(skipped(input));
         converter.Restart();
     }
@@ -112,11 +131,15 @@ constexpr std::uint16_t kMacRoman[128] = {
 }  // namespace
 
 std::string ToUtf8(std::string_view bytes, std::int32_t codePage) {
-    return Convert(bytes, "UTF-8", CharsetName(codePage), kReplacement, OneByte);
+    return Convert(bytes, "UTF-8", CharsetName(codePage), Replacement, OneByte);
+}
+
+std::string ToUtf8AndBack(std::string_view bytes, std::int32_t codePage) {
+    return Convert(bytes, "UTF-8", CharsetName(codePage), PrivateCharacter, OneByte);
 }
 
 std::string FromUtf8(std::string_view utf8, std::int32_t codePage) {
-    return Convert(utf8, CharsetName(codePage), "UTF-8", "?", OneUtf8Character);
+    return Convert(utf8, CharsetName(codePage), "UTF-8", PrivateByte, OneUtf8Character);
 }
 
 std::uint16_t MacRomanToUnicode(std::uint8_t byte) { return byte < 0x80 ? byte : kMacRoman[byte - 0x80]; }

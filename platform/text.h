@@ -13,6 +13,9 @@ constexpr std::int32_t kCodePageUtf8 = 65001;
 
 // A byte that is no character of the code page becomes U+FFFD.
 std::string ToUtf8(std::string_view bytes, std::int32_t codePage);
+// The same for a text that comes back: a byte that is no character, such as half of one, becomes a private one that
+// FromUtf8 turns into the byte again.
+std::string ToUtf8AndBack(std::string_view bytes, std::int32_t codePage);
 // A character that the code page lacks becomes "?".
 std::string FromUtf8(std::string_view utf8, std::int32_t codePage);
 // The published Mac OS Roman table for bytes 0x80 to 0xFF (0xDB is U+20AC, 0xF0 is U+F8FF); below 0x80 the byte itself.

@@ -34,6 +34,8 @@ TEST(CodePages, BrokenBytesAndLackingCharactersShow) {
     EXPECT_EQ(ToUtf8("a\xFFz", kCodePageJapanese), "a\uFFFDz");
     EXPECT_EQ(ToUtf8("a\x95", kCodePageJapanese), "a\uFFFD") << "cut in the middle of a character";
     EXPECT_EQ(ToUtf8("\x95 b", kCodePageJapanese), "\uFFFD b");
+    for (const char* broken : {"a\xFFz", "a\x95", "\x95 b", "\x80\x8A"})
+        EXPECT_EQ(FromUtf8(ToUtf8AndBack(broken, kCodePageJapanese), kCodePageJapanese), broken);
     EXPECT_EQ(ToUtf8("a\xE8\xA1", kCodePageUtf8), "a\uFFFD\uFFFD");
     EXPECT_EQ(FromUtf8("a가z", kCodePageJapanese), "a?z");
     EXPECT_EQ(FromUtf8("😀", kCodePageJapanese), "?");
@@ -46,7 +48,10 @@ TEST(CodePages, AnyBytesGiveValidTextAndWholeTextsReturn) {
     for (int round = 0; round < 200; ++round) {
         std::string bytes(static_cast<std::size_t>(length(random)), '\0');
         for (char& c : bytes) c = static_cast<char>(byte(random));
-        const std::string utf8 = ToUtf8(bytes, kCodePageJapanese);
+        const std::string utf8 = ToUtf8(bytes, kCodePageJapanese), kept = ToUtf8AndBack(bytes, kCodePageJapanese);
+        EXPECT_EQ(ToUtf8(kept, kCodePageUtf8), kept);
+        // Of the doubled rows one remains; broken bytes all do.
+        EXPECT_EQ(FromUtf8(kept, kCodePageJapanese).size(), bytes.size());
         EXPECT_EQ(ToUtf8(utf8, kCodePageUtf8), utf8);
         // Doubled rows (NEC and IBM) and the replaced bytes settle after one way back and forth.
         const std::string settled = FromUtf8(utf8, kCodePageJapanese);
