@@ -38,14 +38,10 @@ float number(const std::vector<std::string>& all, std::size_t index) {
 using BearersByObject = std::map<std::string, std::vector<const doc::Art*>>;
 
 LinkedArt linkTo(const std::string& from, std::int32_t objectId, std::int32_t anchor, const BearersByObject& all) {
-    LinkedArt link{from, objectId, anchor, {}, true};
+    LinkedArt link{from, objectId, anchor, {}};
     const auto bearers = all.find(std::to_string(objectId));
     if (bearers == all.end()) return link;
-    for (const doc::Art* art : bearers->second) {
-        link.names.push_back(art->name.empty() ? "(no id)" : art->name);
-        const std::size_t anchors = art->path != nullptr ? art->path->segments.size() : 1;
-        if (anchor >= 0 && static_cast<std::size_t>(anchor) < anchors) link.lost = false;
-    }
+    for (const doc::Art* art : bearers->second) link.names.push_back(art->name.empty() ? "(no id)" : art->name);
     return link;
 }
 
@@ -146,6 +142,29 @@ std::string shortText(float value) {
 
 }  // namespace
 
+std::string endName(const DimensionEnd& end) {
+    if (end.place == kFromEnd) return "from";
+    return end.place == kToEnd ? "to" : "stop " + std::to_string(end.place);
+}
+
+const char* linkWord(LinkState state) {
+    static constexpr const char* kWords[kLinkStateCount] = {"held",         "free", "deleted",     "unpainted", "layer",
+                                                            "segment gone", "copy", "no crossing", "no arc"};
+    return kWords[state];
+}
+
+Error unheldPoint(const DimensionEnd& end) {
+    const int row = static_cast<int>(ErrorCode::kPointFree) + end.state - kLinkFree;
+    return makeError(static_cast<ErrorCode>(row), {endName(end)});
+}
+
+void examineEnds(host::Host& host, std::vector<RecordedDimension>* dimensions) {
+    std::vector<doc::ArtId> groups;
+    for (const RecordedDimension& dimension : *dimensions) groups.push_back(dimension.group);
+    const std::vector<std::vector<DimensionEnd>> ends = host.examineDimensions(groups);
+    for (std::size_t i = 0; i < groups.size(); ++i) (*dimensions)[i].ends = ends[i];
+}
+
 std::vector<RecordedDimension> listDimensions(const doc::Document& document) { return Lister(document).list(); }
 
 std::string listText(const std::vector<RecordedDimension>& dimensions) {
@@ -165,6 +184,8 @@ std::string listText(const std::vector<RecordedDimension>& dimensions) {
             if (link.names.empty()) out += "lost art";
             out += " anchor " + std::to_string(link.anchor) + " (object " + std::to_string(link.objectId) + ")\n";
         }
+        for (const DimensionEnd& end : dimension.ends)
+            if (end.state != kLinkHeld) out += "    " + endName(end) + ": " + linkWord(end.state) + '\n';
     }
     return out;
 }

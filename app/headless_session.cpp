@@ -5,7 +5,9 @@
 #include <iterator>
 #include <utility>
 
+#include "app/dimension_list.h"
 #include "interchange/svg/svg.h"
+#include "platform/system.h"
 
 namespace quorvel::app {
 
@@ -33,6 +35,10 @@ void HeadlessSession::connectHost() {
         user_->screen().setTitle(viewName_ + " @ " + std::to_string(static_cast<int>(host().view().zoom * 100)) + "%");
         user_->screen().repainted();
     };
+    calls.rangeRefused = [] { platform::MessageBeep(0); };
+    calls.pointsUnheld = [this](const std::vector<DimensionEnd>& ends) {
+        for (const DimensionEnd& end : ends) warnings_.push_back(unheldPoint(end));
+    };
     calls.stepMade = [this](const std::string& name) { steps_.push_back(name); };
 }
 
@@ -49,7 +55,7 @@ void HeadlessSession::viewOpened(const std::string& name) {
 Status HeadlessSession::openDrawing(const std::string& path) {
     Result<interchange::SvgDrawing> drawing = interchange::readSvgFile(path);
     if (!drawing) return drawing.error();
-    warnings_ = std::move(drawing->warnings);
+    warnings_.insert(warnings_.end(), drawing->warnings.begin(), drawing->warnings.end());
     host().setDocument(std::move(drawing->document), drawing->rulerUnit);
     viewOpened(std::filesystem::path(path).filename().string());
     return {};

@@ -33,7 +33,7 @@ class HeadlessSession {
     platform::HeadlessBackend& user() { return *user_; }
     doc::Document* document() { return host().document(); }
     Language language() const { return language_; }
-    // What the file that was opened last leaves to be said, once.
+    // What opened files and new dimensions leave to be said, once.
     std::vector<Error> takeWarnings();
     // Names of the undo steps made since the last call.
     std::vector<std::string> takeSteps();

@@ -3,9 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <unordered_map>
-
-#include "app/dimension_list.h"
 
 namespace quorvel::app {
 
@@ -30,10 +29,20 @@ std::vector<DimensionSnapshot> dimensionSnapshots(const doc::Document& document)
     std::vector<DimensionSnapshot> all;
     for (RecordedDimension& dimension : listDimensions(document)) {
         if (dimension.kind == "frame") continue;
-        DimensionSnapshot portrait{std::move(dimension), {}};
-        collectPoints(document, portrait.record.group, &portrait.points);
-        all.push_back(std::move(portrait));
+        DimensionSnapshot snapshot{std::move(dimension), {}};
+        collectPoints(document, snapshot.record.group, &snapshot.points);
+        all.push_back(std::move(snapshot));
     }
+    return all;
+}
+
+// With the state of their ends.
+std::vector<DimensionSnapshot> dimensionSnapshots(host::Host& host) {
+    std::vector<DimensionSnapshot> all = dimensionSnapshots(*host.document());
+    std::vector<doc::ArtId> groups;
+    for (const DimensionSnapshot& dimension : all) groups.push_back(dimension.record.group);
+    std::vector<std::vector<DimensionEnd>> ends = host.examineDimensions(groups);
+    for (std::size_t i = 0; i < all.size(); ++i) all[i].record.ends = std::move(ends[i]);
     return all;
 }
 
@@ -91,64 +100,87 @@ double farthestMove(const std::vector<RealPoint>& before, const std::vector<Real
     return farthest;
 }
 
-int lostLinks(const RecordedDimension& dimension) {
-    return static_cast<int>(
-        std::count_if(dimension.links.begin(), dimension.links.end(), [](const LinkedArt& link) { return link.lost; }));
+Truth truthOf(const DimensionCheck& check, bool strict) {
+    const auto isLost = [](const DimensionEnd& end) { return end.state != kLinkHeld && end.state != kLinkFree; };
+    const auto isFree = [](const DimensionEnd& end) { return end.state == kLinkFree; };
+    if (std::ranges::any_of(check.ends, isLost)) return Truth::lost;
+    if (check.shownText != check.rebuiltText) return Truth::value;
+    if (check.moved > (strict ? 0 : kMovedLimit)) return Truth::moved;
+    return std::ranges::any_of(check.ends, isFree) ? Truth::free : Truth::isTrue;
 }
 
-DimensionCheck compare(const DimensionSnapshot& before, const DimensionSnapshot* after) {
+// after: null when nothing was rebuilt.
+DimensionCheck compare(const DimensionSnapshot& before, const DimensionSnapshot* after, bool strict) {
     DimensionCheck check;
     check.group = before.record.group;
     check.name = before.record.name;
     check.kind = before.record.kind;
     check.shownText = joinedTexts(before.record);
-    check.rebuilt = after != nullptr;
     check.rebuiltText = after == nullptr ? check.shownText : joinedTexts(after->record);
     check.moved = after == nullptr ? 0 : farthestMove(before.points, after->points);
-    check.lostLinks = lostLinks(before.record);
+    check.ends = before.record.ends;
+    check.truth = truthOf(check, strict);
     return check;
+}
+
+std::string movedText(double moved) {
+    if (!std::isfinite(moved)) return ", redrawn";
+    char text[40];
+    std::snprintf(text, sizeof text, ", moved %g", moved);
+    return text;
 }
 
 }  // namespace
 
-std::vector<DimensionCheck> checkDimensions(HeadlessSession& session) {
-    const doc::Document& document = *session.document();
-    const std::vector<DimensionSnapshot> before = dimensionSnapshots(document);
-    std::vector<DimensionCheck> checks;
-    if (before.empty()) return checks;
-    const ScopedUnlockedLayers open(session);
-    const std::uint64_t countBefore = document.changeCount();
+const char* truthWord(Truth truth) {
+    static constexpr const char* kWords[] = {"lost", "value", "moved", "free", "true"};
+    return kWords[static_cast<int>(truth)];
+}
+
+std::optional<std::vector<DimensionCheck>> tryCheck(host::Host& host, bool strict) {
+    const std::vector<DimensionSnapshot> before = dimensionSnapshots(host);
+    if (before.empty()) return std::vector<DimensionCheck>();
+    std::optional<std::vector<DimensionCheck>> checks;
     std::vector<doc::ArtId> groups;
     for (const DimensionSnapshot& dimension : before) groups.push_back(dimension.record.group);
-    const std::vector<doc::ArtId> rebuilt = session.host().rebuildDimensions(groups);
-    std::unordered_map<doc::ArtId, DimensionSnapshot> after;
-    for (DimensionSnapshot& dimension : dimensionSnapshots(document))
-        after.emplace(dimension.record.group, std::move(dimension));
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        const auto made = after.find(rebuilt[i]);
-        checks.push_back(compare(before[i], made == after.end() ? nullptr : &made->second));
-    }
-    if (document.changeCount() != countBefore && document.undoName() != nullptr) session.host().undo();
+    host.tryRebuild(groups, strict ? 0 : kCoordinateTolerance, [&](const std::vector<doc::ArtId>& rebuilt) {
+        std::unordered_map<doc::ArtId, DimensionSnapshot> after;
+        for (DimensionSnapshot& dimension : dimensionSnapshots(*host.document()))
+            after.emplace(dimension.record.group, std::move(dimension));
+        checks.emplace();
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            const auto made = after.find(rebuilt[i]);
+            checks->push_back(compare(before[i], made == after.end() ? nullptr : &made->second, strict));
+        }
+    });
     return checks;
+}
+
+std::vector<DimensionCheck> checkDimensions(host::Host& host, bool strict) {
+    return tryCheck(host, strict).value_or(std::vector<DimensionCheck>());
 }
 
 int rebuildDimensions(HeadlessSession& session, const std::vector<doc::ArtId>& groups) {
     if (groups.empty()) return 0;
     const ScopedUnlockedLayers open(session);
-    const std::vector<doc::ArtId> rebuilt = session.host().rebuildDimensions(groups);
+    const std::vector<doc::ArtId> rebuilt = session.host().rebuildDimensions(groups, kCoordinateTolerance);
     return static_cast<int>(std::count_if(rebuilt.begin(), rebuilt.end(), [](doc::ArtId group) { return group != 0; }));
+}
+
+std::string checkLine(const DimensionCheck& check) {
+    std::string line = (check.name.empty() ? "(no id)" : check.name) + " " + check.kind + " " + truthWord(check.truth) +
+                       " \"" + check.shownText + "\"";
+    if (check.rebuiltText != check.shownText) line += " -> \"" + check.rebuiltText + "\"";
+    if (check.moved > kMovedLimit || check.truth == Truth::moved) line += movedText(check.moved);
+    for (const DimensionEnd& end : check.ends)
+        if (end.state != kLinkHeld) line += ", " + endName(end) + ": " + linkWord(end.state);
+    return line;
 }
 
 std::string checkText(const std::string& file, const std::vector<DimensionCheck>& checks) {
     std::string out;
-    for (const DimensionCheck& check : checks) {
-        if (!check.stale()) continue;
-        out += file + ": " + (check.name.empty() ? "(no id)" : check.name) + " " + check.kind + " \"" +
-               check.shownText + "\" -> \"" + check.rebuiltText + "\"";
-        if (check.moved > kMovedLimit) out += ", moved";
-        if (check.lostLinks > 0) out += ", " + std::to_string(check.lostLinks) + " links lost";
-        out += '\n';
-    }
+    for (const DimensionCheck& check : checks)
+        if (check.truth != Truth::isTrue) out += file + ": " + checkLine(check) + '\n';
     return out;
 }
 

@@ -1,34 +1,54 @@
-// Which dimensions of a drawing no longer say what their art measures, and their rebuilding: the plug-in's own action,
-// run on the open drawing, compared with what stood there before.
+// Which dimensions of a drawing no longer say what their art measures, and their rebuilding: the plug-in rebuilds each,
+// and what it makes is compared with what the drawing shows.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "app/dimension_list.h"
 #include "app/headless_session.h"
 
 namespace quorvel::app {
 
-constexpr double kMovedLimit = 0.01;  // points: a rebuild that moves less says the same
+// Points: a rebuild that moves less than this says the same.
+constexpr double kMovedLimit = 0.05;
+// Points: how far the coordinates of measured art may be off without making a text untrue. Half the third decimal of a
+// millimetre, rounded up: as an optimiser leaves them that writes three decimals.
+constexpr double kCoordinateTolerance = 0.0015;
+
+// Gravest first; a dimension has the first one that is the case.
+enum class Truth {
+    lost,   // a point cannot follow its art
+    value,  // a rebuild shows another text
+    moved,  // a rebuild moves a point
+    free,   // true, and a point follows no art
+    isTrue,
+};
+const char* truthWord(Truth truth);  // "lost", "value", "moved", "free", "true"
 
 struct DimensionCheck {
     doc::ArtId group = 0;
     std::string name, kind;
     std::string shownText, rebuiltText;
-    double moved = 0;     // how far a rebuild would move the farthest of its points
-    int lostLinks = 0;    // links to art that is no longer there
-    bool rebuilt = true;  // false: a rebuild leaves it as it is, its art being gone
+    double moved = 0;  // points: how far a rebuild would move the farthest of its points; infinite when it redraws them
+    std::vector<DimensionEnd> ends;
+    Truth truth = Truth::isTrue;
 
-    bool stale() const { return shownText != rebuiltText || moved > kMovedLimit || lostLinks > 0; }
+    bool untrue() const { return truth != Truth::isTrue && truth != Truth::free; }
 };
 
-// A dry run on the session's drawing, which is as before when it returns. Art on hidden and locked layers counts as all
-// other: what is locked against the mouse is measured all the same.
-std::vector<DimensionCheck> checkDimensions(HeadlessSession& session);
+// A trial on the open drawing, which is as before when it returns. Art on hidden and locked layers counts as all other:
+// what is locked against the mouse is measured all the same. strict: any difference counts. tryCheck gives nothing
+// while a tool runs, checkDimensions an empty list.
+std::optional<std::vector<DimensionCheck>> tryCheck(host::Host& host, bool strict);
+std::vector<DimensionCheck> checkDimensions(host::Host& host, bool strict);
 // Rebuilds these dimensions, on hidden and locked layers too; they keep their SVG ids. Gives how many.
 int rebuildDimensions(HeadlessSession& session, const std::vector<doc::ArtId>& groups);
 
-// A line for each stale dimension.
+// "quorvel-1 straight value "50" -> "60", moved 28.3465, to: deleted"
+std::string checkLine(const DimensionCheck& check);
+// A line for each dimension that is not true, the file's name before it.
 std::string checkText(const std::string& file, const std::vector<DimensionCheck>& checks);
 
 }  // namespace quorvel::app

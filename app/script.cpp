@@ -26,7 +26,7 @@ constexpr VerbRow kVerbs[] = {
     {"ruler", 1, 1, ""},   {"action", 1, 1, ""},  {"notify", 1, 1, ""},   {"menu", 1, 1, ""},
     {"flyout", 1, 1, "i"}, {"tick", 0, 1, "i"},   {"panel", 2, 3, ".i"},  {"undo", 0, 0, ""},
     {"redo", 0, 0, ""},    {"expect", 1, 3, ""},  {"clip", 1, -1, ""},    {"paste", 2, 2, "nn"},
-    {"press", 2, 4, "nn"}, {"click", 2, 4, "nn"}, {"pull", 4, 6, "nnnn"},
+    {"press", 2, 4, "nn"}, {"click", 2, 4, "nn"}, {"pull", 4, 6, "nnnn"}, {"follow", 0, 0, ""},
 };
 
 // Words of which one must be at a place.

@@ -208,6 +208,11 @@ VerbResult notify(RunState& run, const ScriptLine& line) {
     return {};
 }
 
+VerbResult follow(RunState& run, const ScriptLine&) {
+    run.session.host().followSelection();
+    return {};
+}
+
 VerbResult menu(RunState& run, const ScriptLine& line) {
     const auto& items = run.session.host().menuItems();
     const auto item = std::ranges::find(items, text(line, 0), &host::MenuItemRecord::name);
@@ -248,7 +253,7 @@ constexpr VerbRow kTable[] = {
     {"redo", redo, kEdits},       {"action", action, kActs},       {"notify", notify, kActs},
     {"menu", menu, kActs},        {"flyout", flyout, kActs},       {"tick", tick, kActs},
     {"panel", panel, kActs},      {"press", press, kActs},         {"click", click, kActs},
-    {"pull", pull, kActs},
+    {"pull", pull, kActs},        {"follow", follow, kActs},
 };
 
 }  // namespace

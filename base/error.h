@@ -174,6 +174,15 @@ enum class ErrorCode : std::uint16_t {
     kNoScheduleTools,
     kLayerClosed,
     kNoDimension,  // 1: the id
+    // Why a measured point cannot follow, in the order of LinkState; 1: the point
+    kPointFree,
+    kPointDeleted,
+    kPointUnpainted,
+    kPointLayer,
+    kPointSegment,
+    kPointCopy,
+    kPointNoCrossing,
+    kPointNoArc,
     kNoSnapReport,
     kNoPainter,  // 1: the program
     kNotRunnable,

@@ -1,5 +1,5 @@
 // Checks many drawings at once, one process each, as many at a time as there are cores. Results come in the order of
-// the files. Exit status: 0 nothing stale, 1 something is, 2 a file could not be read.
+// the files. Exit status: 0 all are true or free, 1 some are not, 2 a file could not be read.
 #include <algorithm>
 #include <iostream>
 
@@ -25,9 +25,10 @@ WorkerVerdict verdictOn(const std::string& file, const Options& options) {
         if (options.isJson) return {kExitBadInput, errorJson(file, app::sentence(drawing.error(), language))};
         return {kExitBadInput, sentenceFor(file, drawing.error(), language) + '\n'};
     }
-    const std::vector<app::DimensionCheck> checks = app::checkDimensions((*drawing)->session());
-    const bool stale = std::ranges::any_of(checks, [](const auto& check) { return check.stale(); });
-    return {stale ? kExitFault : kExitOk, options.isJson ? checkJson(file, checks) : app::checkText(file, checks)};
+    const std::vector<app::DimensionCheck> checks =
+        app::checkDimensions((*drawing)->session().host(), options.isStrict);
+    const bool untrue = std::ranges::any_of(checks, [](const auto& check) { return check.untrue(); });
+    return {untrue ? kExitFault : kExitOk, options.isJson ? checkJson(file, checks) : app::checkText(file, checks)};
 }
 
 }  // namespace
@@ -39,7 +40,7 @@ Result<int> checkDrawings(const Options& options) {
                                       [&](std::size_t file, int) { return verdictOn(files[file], options); }});
     if (!verdicts) return verdicts.error();
     int status = kExitOk;
-    if (json) std::cout << "[\n";
+    if (json) std::cout << checkJsonHead();
     for (std::size_t i = 0; i < files.size(); ++i) {
         const WorkerVerdict& verdict = (*verdicts)[i];
         const bool unreadable = verdict.status == kExitBadInput;
@@ -48,7 +49,7 @@ Result<int> checkDrawings(const Options& options) {
             << (json && i + 1 < files.size() ? ",\n" : "");
         status = std::max(status, verdict.status);
     }
-    if (json) std::cout << "\n]\n";
+    if (json) std::cout << "\n]}\n";
     return status;
 }
 

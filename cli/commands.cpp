@@ -45,11 +45,16 @@ constexpr OptionRow kSnap[] = {
 };
 constexpr OptionRow kRecalc[] = {
     kDrawing,
-    required("-o,--output", "where the drawing goes", &Options::output),
+    {"-o,--output", "where the drawing goes", &Options::output},
     {"--ids", "only these, by SVG id, parted by commas", &Options::ids, false, {}, ','},
     {"--all", "also those that are true already", &Options::isForAll},
+    {"--dry-run", "only say what would change, and why", &Options::isDryRun},
 };
-constexpr OptionRow kCheck[] = {kDrawings, kJson};
+constexpr OptionRow kCheck[] = {
+    kDrawings,
+    kJson,
+    {"--strict", "any difference counts, however small", &Options::isStrict},
+};
 constexpr OptionRow kFrame[] = {
     kDrawings,
     required("--parts", "the parts list, CSV in code page 932", &Options::parts),

@@ -32,7 +32,7 @@ struct Options : app::SessionOptions {
     std::vector<std::string> sets;   // KEY=TEXT: settings on top of the parts list's
     double zoom = 1;                 // pixels per point
     double dotsPerInch = 0;          // of PNG; 0: the painter's own choice
-    bool isJson = false, isForAll = false;
+    bool isJson = false, isForAll = false, isStrict = false, isDryRun = false;
 };
 
 // What the text of an option must be.

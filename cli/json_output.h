@@ -10,6 +10,10 @@
 namespace quorvel::cli {
 
 std::string listJson(const std::vector<app::RecordedDimension>& dimensions);
+// "{"version": 1, "drawings": [", before the drawings; each is from checkJson or errorJson, and "]}" ends them. The
+// version grows when something that was there has changed or gone.
+constexpr int kCheckJsonVersion = 1;
+std::string checkJsonHead();
 std::string checkJson(const std::string& file, const std::vector<app::DimensionCheck>& checks);
 std::string errorJson(const std::string& file, const std::string& cause);
 

@@ -9,9 +9,11 @@
 namespace quorvel::cli {
 
 Result<int> listDrawing(const Options& options) {
-    const auto drawing = DrawingInput::read(options);
+    const auto drawing = DrawingSession::open(options, options.file);
     if (!drawing) return drawing.error();
-    const std::vector<app::RecordedDimension> dimensions = app::listDimensions((*drawing)->document());
+    host::Host& host = (*drawing)->session().host();
+    std::vector<app::RecordedDimension> dimensions = app::listDimensions(*host.document());
+    app::examineEnds(host, &dimensions);
     if (options.isJson)
         std::cout << listJson(dimensions) << '\n';
     else

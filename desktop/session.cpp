@@ -9,10 +9,12 @@
 #include <regex>
 #include <sstream>
 
+#include "app/dimension_list.h"
 #include "app/profile.h"
 #include "app/script.h"
 #include "hostapi/names.h"
 #include "platform/file.h"
+#include "platform/system.h"
 #include "platform/text.h"
 
 namespace quorvel::desktop {
@@ -65,6 +67,12 @@ void Session::connectHost() {
         user_->screen().setTitle(viewTitle());
         user_->screen().repainted();
         emit viewRepainted();
+    };
+    calls.rangeRefused = [] { platform::MessageBeep(0); };
+    calls.pointsUnheld = [this](const std::vector<DimensionEnd>& ends) {
+        QStringList causes;
+        for (const DimensionEnd& end : ends) causes << say(app::unheldPoint(end));
+        emit pointsUnheld(causes.join(QStringLiteral(" · ")));
     };
     calls.stepMade = [this](const std::string& name) {
         recorder_.stepMade();

@@ -54,6 +54,7 @@ class Session : public QObject {
     void surfaceDrawn();
     void cursorChosen(const QCursor& cursor);
     void beeped();
+    void pointsUnheld(const QString& causes);  // a new dimension has points that cannot follow
     void stepMade(const QString& name);
     void panelShown(bool shown);
     void progressed(int current, int maximum);

@@ -26,9 +26,22 @@ bool sameStyle(const AIPathStyle& a, const AIPathStyle& b) {
            std::equal(a.dashes, a.dashes + 6, b.dashes);
 }
 
+// Not for what is no number.
+bool isInRange(float coordinate) { return std::fabs(coordinate) <= kLargestCoordinate; }
+bool isInRange(const RealPoint& point) { return isInRange(point.h) && isInRange(point.v); }
+bool isInRange(const RealRect& rect) {
+    return isInRange(rect.left) && isInRange(rect.top) && isInRange(rect.right) && isInRange(rect.bottom);
+}
+
 bool isSound(const PathSegment& segment) {
-    auto isPoint = [](RealPoint point) { return std::isfinite(point.h) && std::isfinite(point.v); };
-    return isPoint(segment.p) && isPoint(segment.in) && isPoint(segment.out);
+    return isInRange(segment.p) && isInRange(segment.in) && isInRange(segment.out);
+}
+
+bool isSound(const RealMatrix& matrix) { return isFinite(matrix) && isInRange(matrix.tx) && isInRange(matrix.ty); }
+
+bool isSound(const AIPathStyle& style) {
+    return isInRange(style.strokeWidth) && isInRange(style.dashOffset) &&
+           std::all_of(style.dashes, style.dashes + 6, [](float dash) { return isInRange(dash); });
 }
 
 // The count of runs and units agree, and nothing in it is not a number.
@@ -36,13 +49,13 @@ bool isSound(const TextData& text) {
     std::int64_t units = 0;
     for (const TextRun& run : text.runs) {
         const CharFeatures& f = run.features;
-        if (run.length < 0 || !std::isfinite(f.size) || !std::isfinite(f.horizontalScale)) return false;
+        if (run.length < 0 || !isInRange(f.size) || !std::isfinite(f.horizontalScale)) return false;
         if (!std::isfinite(f.verticalScale) || !std::isfinite(f.baselineShift) || !std::isfinite(f.miterLimit)) {
             return false;
         }
         units += run.length;
     }
-    return !text.runs.empty() && units == std::int64_t(text.text.size()) && isFinite(text.matrix) &&
+    return !text.runs.empty() && units == std::int64_t(text.text.size()) && isSound(text.matrix) &&
            std::isfinite(text.firstLineIndent) && std::isfinite(text.startIndent);
 }
 
@@ -72,7 +85,7 @@ bool Document::setSegments(ArtId id, std::size_t first, std::span<const PathSegm
     Slot* slot = impl_->drawing.tree.living(id);
     if (slot == nullptr || !slot->art.path || first > slot->art.path->segments.size()) return false;
     for (const PathSegment& segment : segments) {
-        if (!isSound(segment)) return false;
+        if (!isSound(segment)) return impl_->refuseRange();
     }
     PathData& path = *slot->art.path;
     const bool grows = first + segments.size() > path.segments.size();
@@ -118,6 +131,7 @@ StylePtr Document::Impl::shared(const AIPathStyle& style) {
 bool Document::setStyle(ArtId id, const AIPathStyle& style) {
     Slot* slot = impl_->drawing.tree.living(id);
     if (slot == nullptr || !slot->art.path) return false;
+    if (!isSound(style)) return impl_->refuseRange();
     StylePtr& current = slot->art.path->style;
     if (current && sameStyle(*current, style)) return true;
     impl_->journal.keep(*slot, kMarkAspect | kShapeAspect);
@@ -128,22 +142,23 @@ bool Document::setStyle(ArtId id, const AIPathStyle& style) {
 
 bool Document::setText(ArtId id, const TextData& text) {
     Slot* slot = impl_->drawing.tree.living(id);
-    if (slot == nullptr || !slot->art.text || !isSound(text)) return false;
+    if (slot == nullptr || !slot->art.text) return false;
+    if (!isSound(text)) return impl_->refuseRange();
     impl_->journal.keep(*slot, kMarkAspect | kShapeAspect);
     *slot->art.text = text;
     impl_->done(*slot, kMarkAspect | kShapeAspect);
     return true;
 }
 
-// What is moved beyond the largest float could not be written.
+// What is moved too far could not be read again.
 bool Document::Impl::canTransform(ArtId top, const RealMatrix& matrix) const {
     for (ArtId id = top; id != 0; id = drawing.tree.next(id, top)) {
         const Art& art = drawing.tree.slot(id).art;
-        if (art.text && !isFinite(concatMatrix(art.text->matrix, matrix))) return false;
+        if (art.text && !isSound(concatMatrix(art.text->matrix, matrix))) return false;
         if (art.kind == kForeignArt && !isFinite(concatMatrix(art.foreignMatrix, matrix))) return false;
         if (!art.path) continue;
         const RealRect box = drawing.tree.withBounds(id).controlBounds;
-        if (!isEmpty(box) && !isFinite(transformRect(matrix, box))) return false;
+        if (!isEmpty(box) && !isInRange(transformRect(matrix, box))) return false;
     }
     return true;
 }
@@ -166,8 +181,8 @@ void Document::Impl::transformShape(Slot& slot, const RealMatrix& matrix, float 
 
 bool Document::transform(ArtId id, const RealMatrix& matrix, float lineScale) {
     ArtTree& tree = impl_->drawing.tree;
-    if (tree.living(id) == nullptr || !isFinite(matrix) || !std::isfinite(lineScale)) return false;
-    if (!impl_->canTransform(id, matrix)) return false;
+    if (tree.living(id) == nullptr) return false;
+    if (!isFinite(matrix) || !std::isfinite(lineScale) || !impl_->canTransform(id, matrix)) return impl_->refuseRange();
     if (isIdentity(matrix) && lineScale == 1) return true;
     for (ArtId below = id; below != 0; below = tree.next(below, id)) {
         Slot& slot = tree.slot(below);

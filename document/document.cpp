@@ -202,11 +202,18 @@ bool Document::moveArt(ArtId id, AIPaintOrder placement, ArtId prep) {
 
 // --- steps ---------------------------------------------------------------------------------------------------------
 
-void Document::begin() { impl_->journal.begin(); }
+void Document::begin() {
+    impl_->refusedRange = false;
+    impl_->journal.begin();
+}
+bool Document::hasRefusedRange() const { return impl_->refusedRange; }
 bool Document::commit(const std::string& undoName, const std::string& redoName) {
     return impl_->journal.commit(undoName, redoName);
 }
-void Document::rollback() { impl_->journal.rollback(); }
+void Document::rollback() {
+    impl_->refusedRange = false;
+    impl_->journal.rollback();
+}
 bool Document::joinLastSteps() { return impl_->journal.joinLast(); }
 bool Document::inTransaction() const { return impl_->journal.open(); }
 bool Document::undo() { return impl_->journal.undo(); }

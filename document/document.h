@@ -174,10 +174,10 @@ class Document {
     void markSaved();
 
     // --- changing: each goes into the journal; false or 0 when it is refused ---------------------------------------
-    // Refused are stale ids, numbers that are not finite, parents that cannot hold the art and names that are taken;
-    // whether a layer is locked or hidden is the caller's business. A change outside a transaction can't be undone and
-    // drops the steps before it, unless it is one of selection or current layer. kPlaceAboveAll is the top of the
-    // current layer.
+    // Refused are stale ids, coordinates beyond kLargestCoordinate, numbers that are not finite, parents that cannot
+    // hold the art and names that are taken; whether a layer is locked or hidden is the caller's business. A change
+    // outside a transaction can't be undone and drops the steps before it, unless it is one of selection or current
+    // layer. kPlaceAboveAll is the top of the current layer.
     ArtId insertArt(AIArtType kind, AIPaintOrder placement, ArtId prep);
     bool removeArt(ArtId id);
     // Moves the art within the tree (the host's own editing).
@@ -214,6 +214,8 @@ class Document {
     bool commit(const std::string& undoName, const std::string& redoName);
     void rollback();  // undoes what has changed since begin; the transaction goes on
     bool inTransaction() const;
+    // Was a change of this transaction refused because a coordinate is beyond kLargestCoordinate, or no number?
+    bool hasRefusedRange() const;
     // The last two steps become one with the name of the first, for changes that have to be made one after the other
     // and are one action to the user. False when there are no two, or within a transaction.
     bool joinLastSteps();

@@ -31,6 +31,11 @@ struct Document::Impl {
     void insertNew(ArtId art, Place place);
     void done(Slot& slot, unsigned aspects);
     StylePtr shared(const AIPathStyle& style);
+    bool refusedRange = false;  // since the transaction began
+    bool refuseRange() {
+        refusedRange = true;
+        return false;
+    }
     bool canTransform(ArtId id, const RealMatrix& matrix) const;
     void transformShape(Slot& slot, const RealMatrix& matrix, float lineScale);
     bool isNameTaken(std::string_view name) const;

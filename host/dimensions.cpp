@@ -3,17 +3,52 @@
 
 namespace quorvel::host {
 
-std::vector<doc::ArtId> Host::rebuildDimensions(const std::vector<doc::ArtId>& groups) {
+std::vector<doc::ArtId> HostState::sendRebuild(const std::vector<doc::ArtId>& groups, double tolerance, bool isTrial,
+                                               bool* isDone) {
     std::vector<AIArtHandle> handles, rebuilt(groups.size());
     for (const doc::ArtId group : groups) handles.push_back(artHandle(group));
     QuorvelRebuildMessage message;
     message.groups = handles.data();
     message.count = static_cast<std::int32_t>(handles.size());
+    message.tolerance = tolerance;
+    message.isTrial = isTrial;
     message.rebuilt = rebuilt.data();
-    send(kCallerDimensions, kSelectorRebuild, &message.d);
+    host.send(kCallerDimensions, kSelectorRebuild, &message.d);
+    if (isDone != nullptr) *isDone = message.isDone;
     std::vector<doc::ArtId> made;
-    for (const AIArtHandle group : rebuilt) made.push_back(artOfHandle(group));
+    for (const AIArtHandle group : rebuilt) made.push_back(host.artOfHandle(group));
     return made;
+}
+
+std::vector<doc::ArtId> Host::rebuildDimensions(const std::vector<doc::ArtId>& groups, double tolerance) {
+    return impl_->sendRebuild(groups, tolerance, false, nullptr);
+}
+
+void Host::tryRebuild(const std::vector<doc::ArtId>& groups, double tolerance,
+                      const std::function<void(const std::vector<doc::ArtId>& rebuilt)>& look) {
+    impl_->tryOut([&] {
+        bool isDone = false;
+        const std::vector<doc::ArtId> rebuilt = impl_->sendRebuild(groups, tolerance, true, &isDone);
+        if (isDone) look(rebuilt);
+    });
+}
+
+void Host::followSelection() {
+    SPMessageData message;
+    send(kCallerDimensions, kSelectorFollow, &message);
+}
+
+std::vector<std::vector<DimensionEnd>> Host::examineDimensions(const std::vector<doc::ArtId>& groups) {
+    std::vector<std::vector<DimensionEnd>> all(groups.size());
+    impl_->tryOut([&] {
+        for (std::size_t i = 0; i < groups.size(); ++i) {
+            QuorvelExamineMessage message;
+            message.group = artHandle(groups[i]);
+            send(kCallerDimensions, kSelectorExamine, &message.d);
+            all[i].assign(message.ends, message.ends + message.count);
+        }
+    });
+    return all;
 }
 
 }  // namespace quorvel::host

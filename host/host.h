@@ -79,6 +79,9 @@ struct HostCallbacks {
     std::function<void(const PanelRecord& panel)> panelShown;  // shown or hidden
     std::function<void()> viewRepainted;                       // zoom, scroll, a tool was selected, another document
     std::function<void(const std::string& undoName)> stepMade;
+    std::function<void()> rangeRefused;  // a message drew beyond kLargestCoordinate and is undone
+    // A tool has made a dimension; these of its points cannot follow any art.
+    std::function<void(const std::vector<DimensionEnd>& ends)> pointsUnheld;
 };
 
 // What undo and redo of a step are called to the user, UTF-8.
@@ -160,8 +163,17 @@ class Host {
     std::unique_ptr<QuorvelSnapMessage> snapReport(const ToolRecord& tool, RealPoint cursor);
     // The art that a handle names, 0 when it is gone.
     doc::ArtId artOfHandle(AIArtHandle handle) const;
-    // Rebuilds dimension groups without a question. The new group of each, in their order; 0 where none was made.
-    std::vector<doc::ArtId> rebuildDimensions(const std::vector<doc::ArtId>& groups);
+    // Rebuilds dimension groups without a question. tolerance: as in QuorvelRebuildMessage. The new group of each, in
+    // their order; 0 where none was made.
+    std::vector<doc::ArtId> rebuildDimensions(const std::vector<doc::ArtId>& groups, double tolerance);
+    // The same on all layers, hidden and locked ones too, and undone again when look has seen it. The drawing, its
+    // steps and the settings are as before. Nothing is done, and look not called, while a message or a tool runs.
+    void tryRebuild(const std::vector<doc::ArtId>& groups, double tolerance,
+                    const std::function<void(const std::vector<doc::ArtId>& rebuilt)>& look);
+    // The host has moved the selection: dimensions of all kinds follow it, as one step.
+    void followSelection();
+    // The measured points of each group, with hidden and locked layers taken for others.
+    std::vector<std::vector<DimensionEnd>> examineDimensions(const std::vector<doc::ArtId>& groups);
     // A message of our own making, as one transaction.
     AIErr send(const char* caller, const char* selector, SPMessageData* message);
 

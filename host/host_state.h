@@ -80,6 +80,9 @@ struct HostState {
     // Runs the plug-in's function once. When it throws, the message's changes are dropped.
     AIErr callPlugin(const char* caller, const char* selector, SPMessageData* message);
     void beginMessage();
+    void tryOut(const std::function<void()>& body);  // with all layers open; its changes are undone at its end
+    std::vector<doc::ArtId> sendRebuild(const std::vector<doc::ArtId>& groups, double tolerance, bool isTrial,
+                                        bool* isDone);
     void finishMessage();
     void sendQueued();
     AIErr sendNotification(const std::string& type);

@@ -90,11 +90,35 @@ void HostState::beginMessage() {
 
 void HostState::finishMessage() {
     const std::string undo = undoName.empty() ? "Undo" : undoName, redo = redoName.empty() ? "Redo" : redoName;
+    // Half of what was drawn helps nobody.
+    if (document != nullptr && document->inTransaction() && document->hasRefusedRange()) {
+        document->rollback();
+        if (host.callbacks.rangeRefused) host.callbacks.rangeRefused();
+    }
     const bool stepped = document != nullptr && document->inTransaction() && document->commit(undo, redo);
     arena.clear();
     queueArtChange();
     if (stepped && host.callbacks.stepMade) host.callbacks.stepMade(undo);
     sendQueued();
+}
+
+// What the body has changed is taken back before anybody is told of it.
+void HostState::tryOut(const std::function<void()>& body) {
+    if (entry == nullptr || document == nullptr || document->inTransaction() || sending > 0) return;
+    const std::string lastName = lastUndoName;
+    beginMessage();
+    for (const doc::LayerId layer : document->layers()) {
+        document->setLayerVisible(layer, true);
+        document->setLayerEditable(layer, true);
+    }
+    {
+        const Raised deeper(depth);
+        body();
+    }
+    document->rollback();
+    notifiedChange = document->changeCount();
+    finishMessage();
+    lastUndoName = lastName;
 }
 
 // Changes that are made in answer to a notification are not told again, or two who answer would never end.
@@ -167,6 +191,7 @@ bool Host::edit(const StepName& name, const std::function<bool(doc::Document&)>&
         document->commit({}, {});
         throw;
     }
+    if (document->hasRefusedRange()) done = false;
     if (!done) document->rollback();
     const bool stepped = document->commit(name.undo, name.redo);
     impl_->lastUndoName = stepped ? name.undo : std::string();

@@ -336,7 +336,8 @@ struct AIArtQuerySuite {
     // lives until the message returns or the next query.
     AIErr (*FindArtAtPoint)(AILayerHandle layer, const RealPoint* point, float tolerance, const char* excludeUnder,
                             const AIArtHandle** arts, std::int32_t* count);
-    // The art of all layers that has this value in this tag; a null value asks for any value.
+    // The art of all layers that has this value in this tag; a null value asks for any value. Whole numbers are equal
+    // when their values are, whatever zeros are ahead of them.
     AIErr (*FindArtByTag)(const char* name, const char* value, const AIArtHandle** arts, std::int32_t* count);
     // The art that holds it; null for a layer's root group.
     AIErr (*GetArtParent)(AIArtHandle art, AIArtHandle* parent);

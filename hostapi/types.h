@@ -143,6 +143,9 @@ enum AITextFrameType : std::int32_t { kPointTextType = 0, kInPathTextType = 1, k
 enum AITextOrientation : std::int16_t { kHorizontalText = 0, kVerticalText = 1 };
 enum ATEJustification : std::int32_t { kJustifyLeft = 0, kJustifyRight = 1, kJustifyCenter = 2 };
 
+// Points. Nothing farther from the origin can be read from a file, so nothing farther is drawn.
+constexpr float kLargestCoordinate = 1e9F;
+
 // Flags of TransformArt.
 enum AITransformArtOption : std::int32_t { kTransformObjects = 1 };
 

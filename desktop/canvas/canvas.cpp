@@ -209,8 +209,29 @@ void Canvas::paintEvent(QPaintEvent* event) {
         invertPreview(&image);
         painter.drawImage(QPoint(), image);
     }
+    paintMarks(painter);
     if (tool_ != nullptr) tool_->paint(painter);
     event->accept();
+}
+
+void Canvas::paintMarks(QPainter& painter) const {
+    const doc::Document* document = session_->document();
+    if (document == nullptr) return;
+    constexpr double kFrame = 3;  // pixels round the art
+    painter.setPen(QPen(QColor(0xD0, 0x20, 0x20), 2));
+    painter.setBrush(QColor(0xD0, 0x20, 0x20, 40));
+    for (const doc::ArtId art : marked_) {
+        if (document->find(art) == nullptr) continue;
+        const RealRect box = document->bounds(art);
+        if (box.left > box.right) continue;
+        const QRectF frame(toPixel({box.left, box.top}), toPixel({box.right, box.bottom}));
+        painter.drawRect(frame.normalized().adjusted(-kFrame, -kFrame, kFrame, kFrame));
+    }
+}
+
+void Canvas::setMarked(std::vector<doc::ArtId> arts) {
+    marked_ = std::move(arts);
+    update();
 }
 
 void Canvas::resizeEvent(QResizeEvent*) {

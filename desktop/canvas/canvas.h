@@ -39,6 +39,7 @@ class Canvas : public QWidget, private doc::DocumentObserver {
     // By whole pixels of the screen, so that the picture stays sharp; gives how far, in the canvas's pixels.
     QPointF scrollBy(QPointF pixels);
     void setGuidesShown(bool shown);
+    void setMarked(std::vector<doc::ArtId> arts);  // each in a coloured frame
     bool guidesShown() const { return options_.guides; }
 
     RealPoint toArtwork(QPointF pixel) const;
@@ -86,6 +87,7 @@ class Canvas : public QWidget, private doc::DocumentObserver {
     void refresh();  // the kept picture is up to date afterwards, or on its way
     void drawGround(QPainter* painter, const CanvasCache::View& view, const QRectF& part) const;
     void invertPreview(QImage* image) const;
+    void paintMarks(QPainter& painter) const;
     ToolEvent toolEvent(const QMouseEvent& event) const;
     void endLostPress(const QMouseEvent& event);
     void showCursor();
@@ -93,6 +95,7 @@ class Canvas : public QWidget, private doc::DocumentObserver {
 
     Session* session_;
     CanvasTool* tool_ = nullptr;
+    std::vector<doc::ArtId> marked_;
     std::unique_ptr<render::DocumentPainter> painter_;
     doc::Document* observed_ = nullptr;
     render::PaintOptions options_;

@@ -257,10 +257,10 @@ void Editing::changeSelection(const host::StepName& name, Change change, const s
 
 // What follows the art is part of the same step: one undo reverts both.
 void Editing::sendTracking() {
-    session_->recorder().line(std::string("notify ") + kTrackNotifier);
+    session_->recorder().line("follow");
     int steps = 0;
     const auto counting = QObject::connect(session_, &Session::stepMade, [&steps] { ++steps; });
-    session_->host().notify(kTrackNotifier);
+    session_->host().followSelection();
     QObject::disconnect(counting);
     const bool joins = steps > 0;
     for (; steps > 0 && session_->document()->joinLastSteps(); --steps) session_->recorder().lastStepsJoined();

@@ -22,11 +22,11 @@ namespace {
 
 constexpr int kTickPeriod = 200;  // milliseconds: five times a second
 constexpr char kGeometryKey[] = "window/geometry", kStateKey[] = "window/state";
-constexpr int kBeepShown = 1200;
+constexpr int kBeepShown = 1200, kCausesShown = 8000;
 
 }  // namespace
 
-MainWindow::MainWindow(Session* session) : session_(session), file_(session, this), editing_(session) {
+MainWindow::MainWindow(Session* session) : session_(session), file_(session, this), editing_(session), truth_(session) {
     setObjectName(QStringLiteral("mainWindow"));
     setDockOptions(QMainWindow::AnimatedDocks | QMainWindow::AllowTabbedDocks);
     session_->user().dialogs().parent = this;
@@ -141,7 +141,9 @@ void MainWindow::buildStatusLine() {
     progress_->setMaximumWidth(180);
     progress_->hide();
     statusBar()->addWidget(hint_, 1);
-    for (QWidget* part : std::initializer_list<QWidget*>{progress_, point_, unit_, zoom_})
+    untrue_ = new QLabel(this);
+    untrue_->setObjectName(QStringLiteral("untrue"));
+    for (QWidget* part : std::initializer_list<QWidget*>{untrue_, progress_, point_, unit_, zoom_})
         statusBar()->addPermanentWidget(part);
 }
 
@@ -180,6 +182,9 @@ void MainWindow::connectAll() {
         refreshTitle();
         refreshMenus();
     });
+    connect(session_, &Session::pointsUnheld, this,
+            [this](const QString& causes) { statusBar()->showMessage(causes, kCausesShown); });
+    connect(&truth_, &TruthWatch::counted, this, &MainWindow::showTruth);
     connect(session_, &Session::panelShown, this, [this](bool shown) {
         if (infoDock_ != nullptr) infoDock_->setVisible(shown);
     });
@@ -265,6 +270,12 @@ void MainWindow::tick() {
     if (QApplication::activeModalWidget() != nullptr || session_->host().busy()) return;
     session_->recorder().tick();
     session_->host().tick();
+    truth_.tick();
+}
+
+void MainWindow::showTruth() {
+    untrue_->setText(truth_.text());
+    canvas_->setMarked(markUntrue_->isChecked() ? truth_.untrue() : std::vector<doc::ArtId>());
 }
 
 void MainWindow::showPoint(RealPoint point) {

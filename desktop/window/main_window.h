@@ -19,6 +19,7 @@
 #include "desktop/window/layers_panel.h"
 #include "desktop/window/rulers.h"
 #include "desktop/window/tool_palette.h"
+#include "desktop/window/truth_watch.h"
 
 namespace quorvel::desktop {
 
@@ -33,6 +34,7 @@ class MainWindow : public QMainWindow {
     ToolPalette* tools() const { return tools_; }
     DrawingFile& file() { return file_; }
     Editing& editing() { return editing_; }
+    TruthWatch& truth() { return truth_; }
     QDockWidget* infoDock() const { return infoDock_; }
     void setColorScheme(ColorScheme scheme);  // and keeps it for the next time
     // One tick of the plug-in's timer, as the clock gives five times a second.
@@ -71,10 +73,12 @@ class MainWindow : public QMainWindow {
     void print();
     void showProgress(int current, int maximum);
     void showPoint(RealPoint point);
+    void showTruth();
 
     Session* session_;
     DrawingFile file_;
     Editing editing_;
+    TruthWatch truth_;
     Canvas* canvas_ = nullptr;
     ToolPalette* tools_ = nullptr;
     LayersPanel* layers_ = nullptr;
@@ -82,11 +86,12 @@ class MainWindow : public QMainWindow {
     std::unique_ptr<PluginTool> pluginHand_;
     std::unique_ptr<SelectTool> selectHand_;
     std::unique_ptr<ZoomTool> zoomHand_;
-    QLabel *hint_ = nullptr, *point_ = nullptr, *zoom_ = nullptr;
+    QLabel *hint_ = nullptr, *point_ = nullptr, *zoom_ = nullptr, *untrue_ = nullptr;
     QComboBox* unit_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QTimer clock_;
     QMenu* recent_ = nullptr;
+    QAction* markUntrue_ = nullptr;
     QAction *undo_ = nullptr, *redo_ = nullptr;
     std::vector<std::pair<QAction*, std::string>> pluginItems_;
     std::vector<QAction*> needDrawing_;

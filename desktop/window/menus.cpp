@@ -106,6 +106,10 @@ void MainWindow::buildViewMenu() {
     guides->setCheckable(true);
     guides->setChecked(true);
     connect(guides, &QAction::toggled, canvas_, &Canvas::setGuidesShown);
+    markUntrue_ = menu->addAction(session_->say("Mark &Untrue Dimensions", "正しくない寸法を表示(&U)"));
+    markUntrue_->setObjectName(QStringLiteral("markUntrue"));
+    markUntrue_->setCheckable(true);
+    connect(markUntrue_, &QAction::toggled, this, &MainWindow::showTruth);
     menu->addSeparator();
     QAction* select = add(menu, session_->say("Select Tool", "選択ツール"), QKeySequence(Qt::Key_V),
                           [this] { tools_->choose(QStringLiteral("select")); });

@@ -208,7 +208,6 @@ AIErr getArtParent(AIArtHandle art, AIArtHandle* parent) {
 }
 
 // --- dimensions
-// ------------------------------------------------------------------------------------------------------------
 
 AIErr replaceGroup(AIArtHandle former, AIArtHandle replacement) {
     const doc::ArtId old = artOf(former).id, made = artOf(replacement).id;
@@ -217,6 +216,25 @@ AIErr replaceGroup(AIArtHandle former, AIArtHandle replacement) {
     require(changeDocument([&](doc::Document& document) {
         return document.removeArt(old) && (name.empty() || document.setName(made, name));
     }));
+    return kNoErr;
+}
+
+AIErr getText(AIArtHandle frame, const std::uint16_t** units, std::int32_t* count) {
+    require(units != nullptr && count != nullptr);
+    const doc::Art& art = artOf(frame);
+    require(art.text != nullptr);
+    std::deque<std::vector<std::uint16_t>>& kept = theHost().arena.strings;
+    kept.emplace_back(art.text->text.begin(), art.text->text.end());
+    *units = kept.back().data();
+    *count = static_cast<std::int32_t>(kept.back().size());
+    return kNoErr;
+}
+
+AIErr reportEnds(AIArtHandle group, const DimensionEnd* ends, std::int32_t count) {
+    require(ends != nullptr && count >= 0);
+    artOf(group);
+    const auto& told = theHost().host.callbacks.pointsUnheld;
+    if (told) told({ends, ends + count});
     return kNoErr;
 }
 
@@ -283,6 +301,8 @@ SuiteRecord dimensionSuite() {
     static const AIDimensionSuite suite = [] {
         auto s = refusingSuite<AIDimensionSuite>();
         s.ReplaceGroup = slot<replaceGroup>;
+        s.GetText = slot<getText>;
+        s.ReportEnds = slot<reportEnds>;
         return s;
     }();
     return recordOf(suite);

@@ -2,9 +2,11 @@
 // the click makes.
 #include "plugin/dimensioning/angle.h"
 
+#include <cmath>
 #include <utility>
 
 #include "plugin/dimensioning/graphics.h"
+#include "plugin/dimensioning/shown_text.h"
 #include "plugin/dimensioning/units.h"
 #include "plugin/record/dimension_record.h"
 #include "plugin/settings/info_panel.h"
@@ -67,6 +69,14 @@ bool CrossLegs(const LegLine& first, const LegLine& second, DoublePoint* centre)
     return true;
 }
 
+constexpr double kAtCorner = 0.05;  // points
+
+// A pick at the corner itself has no direction; its leg has.
+DoublePoint AimOf(const LegLine& leg, const DoublePoint& centre, const DoublePoint& pick) {
+    if (DistanceBetweenPoints(centre, pick) > kAtCorner) return pick;
+    return DistanceBetweenPoints(centre, leg.a) > DistanceBetweenPoints(centre, leg.b) ? leg.a : leg.b;
+}
+
 struct AngleArc {
     double radius = 0, start = 0, end = 0;
     DoublePoint centre;
@@ -78,10 +88,14 @@ bool SolveAngle(const ToolState& state, const DoublePoint& placement, const Doub
     if (!ReadLegLine(state.fromCells[0], &first) || !ReadLegLine(state.toCells[0], &second)) return false;
     if (!CrossLegs(first, second, &arc->centre)) return false;
     arc->radius = DistanceBetweenPoints(arc->centre, placement);
-    double a = AngleBetweenPoints(arc->centre, from), b = AngleBetweenPoints(arc->centre, to);
+    double a = AngleBetweenPoints(arc->centre, AimOf(first, arc->centre, from));
+    double b = AngleBetweenPoints(arc->centre, AimOf(second, arc->centre, to));
     const double c = AngleBetweenPoints(arc->centre, placement);
     if (b < a) std::swap(a, b);
-    if (c < a || c > b) a += kTwoPi;
+    bool outer = c < a || c > b;
+    if (state.choices.sector != AngleSector::placed)
+        outer = (b - a > kPi) != (state.choices.sector == AngleSector::reflex);
+    if (outer) a += kTwoPi;
     arc->start = a;
     arc->end = b;
     return true;
@@ -146,14 +160,39 @@ std::int32_t AngleGeometry(const DoublePoint& placement, const DoublePoint& from
     return 1;
 }
 
+namespace {
+
+// A placement that a rebuild has brought over a leg goes to the middle of the sector that is shown.
+void KeepInSector(const AngleArc& arc, ToolState* live) {
+    const double direction = AngleBetweenPoints(arc.centre, ToDoublePoint(live->endPoint));
+    const double middle = (arc.start + arc.end) / 2, half = AbsOf(arc.end - arc.start) / 2;
+    const double off = AbsOf(std::remainder(direction - middle, kTwoPi));
+    if (off * arc.radius > half * arc.radius + kClearMargin)
+        live->endPoint = ToRealPoint(PolarPoint(arc.centre, arc.radius, middle));
+}
+
+// How far the angle may be off when the anchors of its legs are: radians.
+double AngleSlack(const ToolState& live) {
+    double slack = 0;
+    for (const SnapCell& cell : {live.fromCells[0], live.toCells[0]}) {
+        LegLine leg;
+        if (ReadLegLine(cell, &leg)) slack += 2 * ShownTextTolerance() / DistanceBetweenPoints(leg.a, leg.b);
+    }
+    return slack;
+}
+
+}  // namespace
+
 std::int32_t BuildAngleDimension(AIArtHandle oldGroup) {
     PluginGlobals* globals = gGlobals;
     const PrefsRecord& prefs = globals->prefs;
-    const ToolState& live = globals->liveState;
+    ToolState& live = globals->liveState;
     AngleArc arc;
     if (!SolveAngle(live, ToDoublePoint(live.endPoint), ToDoublePoint(live.fromPoint), ToDoublePoint(live.toPoint),
                     &arc))
         return 0;
+    if (live.fromRecord && live.choices.sector != AngleSector::placed) KeepInSector(arc, &live);
+    live.choices.sector = AbsOf(arc.end - arc.start) > kPi ? AngleSector::reflex : AngleSector::minor;
     const double a = arc.start, b = arc.end, middle = a + (b - a) * 0.5;
     const double inward = b > a ? kHalfPiWide : -kHalfPiWide;  // along the circle, from the start into the arc
     const DoublePoint A = PolarPoint(arc.centre, arc.radius, a), B = PolarPoint(arc.centre, arc.radius, b);
@@ -166,7 +205,7 @@ std::int32_t BuildAngleDimension(AIArtHandle oldGroup) {
     AddArrowMark(group, A, a + inward, wings);
     AddArrowMark(group, B, b - inward, wings);
     char text[kValueTextSize];
-    FormatAngle(globals, AbsOf(b - a), text);
+    FormatAngleShown(globals, AbsOf(b - a), AngleSlack(live), text);
     AddDimensionText(group, PolarPoint(P, kTextHalfLength, middle + kHalfPiWide),
                      PolarPoint(P, kTextHalfLength, middle - kHalfPiWide), text);
     WriteDimensionRecord(group, kAngleTool, prefs.flAngleMode);

@@ -3,10 +3,12 @@
 #include "plugin/dimensioning/curve.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
 #include "plugin/dimensioning/graphics.h"
+#include "plugin/dimensioning/shown_text.h"
 #include "plugin/dimensioning/units.h"
 #include "plugin/record/dimension_record.h"
 #include "plugin/shell/suites.h"
@@ -95,8 +97,10 @@ bool RunPasses(const MeasuredPath& path, const ChainEnds& ends, int e, double u,
     return !(e == ends.i && w < u) && !(e == ends.j && w > v);
 }
 
-// Orders the ends along the path, on a closed one so that the part on E's side is measured.
-ChainEnds OrderEnds(const BezierBasisTables& tables, const MeasuredPath& path, ChainEnds ends, const DoublePoint& E) {
+// Orders the ends along the path, on a closed one so that the part on E's side is measured, or the part that the record
+// names.
+ChainEnds OrderEnds(const BezierBasisTables& tables, const MeasuredPath& path, ChainEnds ends, const DoublePoint& E,
+                    CurveWay way) {
     const double u = SpanLengthUpTo(tables, path, ends.i, ends.from);
     const double v = SpanLengthUpTo(tables, path, ends.j, ends.to);
     ends.sameSpanBack = ends.i == ends.j && v < u;
@@ -108,8 +112,9 @@ ChainEnds OrderEnds(const BezierBasisTables& tables, const MeasuredPath& path, C
         return ends;
     }
     double w = 0;
-    const int e = NearestSpan(tables, path, E, &w);
-    if (!RunPasses(path, ends, e, u, v, w)) {
+    const int e = way == CurveWay::nearest ? NearestSpan(tables, path, E, &w) : 0;
+    const bool forward = way == CurveWay::nearest ? RunPasses(path, ends, e, u, v, w) : way == CurveWay::forward;
+    if (!forward) {
         ends.Exchange();
         ends.sameSpanBack = ends.i == ends.j && !ends.sameSpanBack;
     }
@@ -242,7 +247,8 @@ void AddChainLine(AIArtHandle group, const ChainBuffer& chain, const DoublePoint
     AddStyledPath(group, style, line.data(), static_cast<int>(line.size()), false);
 }
 
-void AddChainArt(PluginGlobals* globals, AIArtHandle group, std::int16_t side) {
+// measuredSpans: of the path; each adds what its own coordinates are off.
+void AddChainArt(PluginGlobals* globals, AIArtHandle group, std::int16_t side, int measuredSpans) {
     const PrefsRecord& prefs = globals->prefs;
     const BezierBasisTables& tables = globals->bezierTables;
     const ChainBuffer& chain = *globals->workBufferA;
@@ -262,8 +268,7 @@ void AddChainArt(PluginGlobals* globals, AIArtHandle group, std::int16_t side) {
     angle -= turn;
     const DoublePoint base = PolarPoint(M, prefs.flScLead, angle + kHalfPiWide);
 
-    const bool hasHeads = prefs.flArType == kArrowOpen || prefs.flArType == kArrowTriangular;
-    const bool outside = hasHeads && total < prefs.flOsLimt;
+    const bool outside = HeadsAreOutside(globals, total, 0);
     const DoublePoint startStub = PolarPoint(A, prefs.flOsLead, g), endStub = PolarPoint(B, prefs.flOsLead, f);
 
     AddLine2(group, first.start, first.end);
@@ -273,7 +278,8 @@ void AddChainArt(PluginGlobals* globals, AIArtHandle group, std::int16_t side) {
     AddArrowMark(group, A, f, wingAngle, ArrowWingLength(prefs, false));
     AddArrowMark(group, B, g, wingAngle, ArrowWingLength(prefs, false));
     char text[kValueTextSize];
-    FormatLength(globals, chain.length, LengthKind::plain, text);
+    const double slack = 2 * ShownTextTolerance() * std::sqrt(static_cast<double>(measuredSpans));
+    FormatLengthShown(globals, 0, chain.length, LengthKind::plain, slack, text);
     AddDimensionText(group, PolarPoint(base, kTextHalfLength, angle + kPi), PolarPoint(base, kTextHalfLength, angle),
                      text);
 }
@@ -298,7 +304,15 @@ bool CurveCaseHolds(const ToolState& state) {
     return state.stopCount == 0 && SharedPath(state, &from, &to);
 }
 
-bool BuildCurveChain(PluginGlobals* globals, const DoublePoint& E, bool showProgress, std::int16_t* side) {
+namespace {
+
+struct MeasuredPart {
+    bool closed = false;  // of a closed path
+    int spans = 1;
+};
+
+bool BuildChain(PluginGlobals* globals, const DoublePoint& E, bool showProgress, std::int16_t* side,
+                MeasuredPart* measured) {
     const ToolState& state = globals->liveState;
     const BezierBasisTables& tables = globals->bezierTables;
     ChainBuffer* chain = globals->workBufferA;
@@ -312,7 +326,7 @@ bool BuildCurveChain(PluginGlobals* globals, const DoublePoint& E, bool showProg
     if (!isAnchor(fromCell.index) || !isAnchor(toCell.index)) return false;
 
     ChainEnds ends{fromCell.index, toCell.index, ToDoublePoint(state.fromPoint), ToDoublePoint(state.toPoint)};
-    ends = OrderEnds(tables, path, ends, E);
+    ends = OrderEnds(tables, path, ends, E, state.choices.way);
     if (PointsEqual(ends.from, ToDoublePoint(path.End(ends.i).p))) {
         // A first span of no length is dropped.
         ends.i = path.NextIndex(ends.i);
@@ -321,9 +335,16 @@ bool BuildCurveChain(PluginGlobals* globals, const DoublePoint& E, bool showProg
     CollectChain(path, ends, chain);
     chain->reversed = ends.reversed ? 1 : 0;
     chain->length = MeasureChain(tables, *chain, ends);
+    if (measured != nullptr) *measured = {path.closed, chain->count - 1};
     const double distance = DistanceToChain(tables, *chain, E, side);
     OffsetChain(globals, ends, distance, *side, showProgress);
     return chain->count >= 2;
+}
+
+}  // namespace
+
+bool BuildCurveChain(PluginGlobals* globals, const DoublePoint& E, bool showProgress, std::int16_t* side) {
+    return BuildChain(globals, E, showProgress, side, nullptr);
 }
 
 void PaintCurvePreview(const PreviewPen& pen, PluginGlobals* globals, ToolState* state, bool isDrawn) {
@@ -350,7 +371,11 @@ std::int32_t BuildCurveDimension(AIArtHandle oldGroup) {
     AIArtHandle group = BeginDimensionGroup(oldGroup);
     if (group == nullptr) return 0;
     std::int16_t side = 0;
-    if (BuildCurveChain(globals, ToDoublePoint(state->endPoint), true, &side)) AddChainArt(globals, group, side);
+    MeasuredPart measured;
+    if (BuildChain(globals, ToDoublePoint(state->endPoint), true, &side, &measured)) {
+        if (measured.closed) state->choices.way = globals->workBufferA->reversed ? CurveWay::back : CurveWay::forward;
+        AddChainArt(globals, group, side, measured.spans);
+    }
     WriteDimensionRecord(group, kCurveTool, kCurveMode);
     EndDimensionGroup(oldGroup, group);
     return 1;

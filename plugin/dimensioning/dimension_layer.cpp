@@ -1,6 +1,7 @@
 // Where a dimension goes: the current layer, the layer of the dimension that it replaces, or a layer of its own that is
 // made when the drawing has none of that name.
 #include "plugin/dimensioning/graphics.h"
+#include "plugin/record/examine.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
 #include "plugin/traversal/traverse.h"
@@ -52,7 +53,7 @@ AIArtHandle BeginDimensionGroup(AIArtHandle oldGroup) {
 
 void EndDimensionGroup(AIArtHandle oldGroup, AIArtHandle group) {
     gGlobals->builtGroup = group;
-    if (oldGroup == nullptr) return;
+    if (oldGroup == nullptr) return ReportUnheldEnds(group);
     if (sDimension == nullptr || sDimension->ReplaceGroup(oldGroup, group) != kNoErr) sAIArt->DisposeArt(oldGroup);
 }
 

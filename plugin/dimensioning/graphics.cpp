@@ -166,6 +166,21 @@ double ArrowWingLength(const PrefsRecord& prefs, bool truncated) {
     return truncated ? std::trunc(length) : length;
 }
 
+bool HeadsAreOutside(PluginGlobals* globals, double length, std::int32_t span) {
+    const std::int16_t shape = globals->prefs.flArType;
+    if (shape != kArrowOpen && shape != kArrowTriangular) return false;
+    const double limit = static_cast<double>(globals->prefs.flOsLimt);
+    ToolState& live = globals->liveState;
+    char& choice = live.choices.heads[span];
+    bool outside = length < limit;
+    const bool isKnown = live.fromRecord && (choice == kHeadsInside || choice == kHeadsOutside);
+    if (isKnown && std::fabs(length - limit) <= 2 * kClearMargin) outside = choice == kHeadsOutside;
+    choice = kHeadsByLength;
+    if (std::fabs(length - limit) <= kClearMargin || outside != (length < limit))
+        choice = outside ? kHeadsOutside : kHeadsInside;
+    return outside;
+}
+
 void ArrowWings(const DoublePoint& tip, double d, double wingAngle, std::int16_t shape, double length,
                 DoublePoint* wing1, DoublePoint* wing2) {
     if (shape == kArrowOpen || shape == kArrowTriangular) {

@@ -48,6 +48,11 @@ void ArrowWings(const DoublePoint& tip, double d, double wingAngle, std::int16_t
                 DoublePoint* wing1, DoublePoint* wing2);
 double ArrowWingAngle(const PrefsRecord& prefs);  // flArAngle in radians
 double ArrowWingLength(const PrefsRecord& prefs, bool truncated);
+// Are the heads of this span of the dimension outside, because it is shorter than flOsLimt? A length near the limit
+// keeps the choice that the record has for it; the choice goes into liveState.
+bool HeadsAreOutside(PluginGlobals* globals, double length, std::int32_t span);
+// How far a measured length may drift, points, without another decision about how the dimension is drawn.
+constexpr double kClearMargin = 0.05;
 // The mark of flArType at the tip: wings or a dot.
 void AddArrowMark(AIArtHandle group, const DoublePoint& tip, double d, double length);
 void AddArrowMark(AIArtHandle group, const DoublePoint& tip, double d, double wingAngle, double length);

@@ -116,6 +116,7 @@ void AddStop(ToolState* state) {
     if (LastStopIsAt(*state, state->toPoint)) return;
     StopRecord& stop = state->stops[state->stopCount];
     stop.point = state->toPoint;
+    stop.kind = state->toKind;
     CopyCells(state->toCells, stop.cells);
     ++state->stopCount;
 }

@@ -6,6 +6,7 @@
 #include "plugin/dimensioning/curve.h"
 #include "plugin/dimensioning/graphics.h"
 #include "plugin/dimensioning/linear.h"
+#include "plugin/dimensioning/shown_text.h"
 #include "plugin/dimensioning/units.h"
 #include "plugin/record/dimension_record.h"
 #include "plugin/shell/services.h"
@@ -30,6 +31,34 @@ std::int16_t AxisTowards(const DoublePoint& reference, const DoublePoint& E) {
     return quadrant == 2.0 || quadrant == 4.0 ? kUprightLine : kLevelLine;
 }
 
+// Points on one level or one upright, to within a pixel, have but one distance to show; others show the chosen axis.
+std::int16_t AxisBetween(const DoublePoint& P1, const DoublePoint& P2, double pixel, std::int16_t chosen) {
+    if (std::fabs(P2.h - P1.h) <= pixel) return kUprightLine;
+    return std::fabs(P2.v - P1.v) <= pixel ? kLevelLine : chosen;
+}
+
+// A rebuild decides by the pixel with which the dimension was made, at whatever zoom: that of a zoom of 1 where none is
+// recorded.
+constexpr double kPlainPixel = 1.0;
+
+double AxisPixel(const ToolState& live) {
+    if (!live.fromRecord) return PixelSize();
+    return live.choices.pixel > 0 ? live.choices.pixel : kPlainPixel;
+}
+
+// The pixel to record so that a rebuild finds the same axis by a clear margin; 0 where it does without.
+double PixelToRecord(const DoublePoint& P1, const DoublePoint& P2, double pixel, std::int16_t chosen) {
+    const std::int16_t axis = AxisBetween(P1, P2, pixel, chosen);
+    const auto isClear = [&](double tried) {
+        return AxisBetween(P1, P2, tried - kClearMargin, chosen) == axis &&
+               AxisBetween(P1, P2, tried + kClearMargin, chosen) == axis;
+    };
+    if (isClear(kPlainPixel)) return 0;
+    for (const double tried : {pixel, pixel + 2 * kClearMargin, pixel - 2 * kClearMargin})
+        if (tried > 0 && isClear(tried)) return tried;
+    return pixel;
+}
+
 }  // namespace
 
 // An axis once chosen stands until the hand has left its neighbourhood, so that it doesn't flicker at the diagonal.
@@ -42,10 +71,7 @@ std::int16_t StraightAxis(const DoublePoint& E, const DoublePoint& P1, const Dou
         *tmpPos = E;
         *axisWord = axis;
     }
-    // Points on one level or one upright have but one distance to show.
-    if (std::fabs(P2.v - P1.v) <= pixel) axis = kLevelLine;
-    if (std::fabs(P2.h - P1.h) <= pixel) axis = kUprightLine;
-    return axis;
+    return AxisBetween(P1, P2, pixel, axis);
 }
 
 namespace {
@@ -117,6 +143,7 @@ std::int32_t BuildLinearDimension(AIArtHandle oldGroup) {
     if (mode == kCurveMode && CurveCaseHolds(live)) return BuildCurveDimension(oldGroup);
     const AIArtHandle group = BeginDimensionGroup(oldGroup);
     if (group == nullptr) return 0;
+    if (mode == kStraightMode) live.choices.pixel = PixelToRecord(P1, P2, AxisPixel(live), live.axisWord);
     AddSpans(group, P1, P2, A, B, live.stopCount, S);
     WriteDimensionRecord(group, RecordKind(mode), mode);
     EndDimensionGroup(oldGroup, group);
@@ -128,7 +155,7 @@ std::int32_t ProjectFeet(const DoublePoint& E, const DoublePoint& P1, const Doub
                          std::int16_t* axisWord) {
     if (PointsEqual(P1, P2)) return 0;
     std::int16_t axis = gGlobals->prefs.flDistanceMode;
-    if (axis == kStraightMode) axis = StraightAxis(E, P1, P2, PixelSize(), tmpPos, axisWord);
+    if (axis == kStraightMode) axis = StraightAxis(E, P1, P2, AxisPixel(gGlobals->liveState), tmpPos, axisWord);
     if (axis == kCurveMode) axis = kParallelLine;
     *A = FootOf(P1, E, P1, P2, axis);
     *B = FootOf(P2, E, P1, P2, axis);
@@ -151,8 +178,7 @@ void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A,
     if (index == 0) *lineStart = A;
     *lineEnd = B;
     double wingAngle = ArrowWingAngle(prefs);
-    const bool hasHeads = prefs.flArType == kArrowOpen || prefs.flArType == kArrowTriangular;
-    if (hasHeads && DistanceBetweenPoints(A, B) < static_cast<double>(prefs.flOsLimt)) {
+    if (HeadsAreOutside(gGlobals, DistanceBetweenPoints(A, B), index)) {
         // Too narrow for heads inside: they stand outside, on leads.
         wingAngle += kPi;
         const double lead = static_cast<double>(prefs.flOsLead);
@@ -166,7 +192,8 @@ void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A,
     AddArrowMark(group, A, f, wingAngle, wingLength);
     AddArrowMark(group, B, g, wingAngle, wingLength);
     char text[kValueTextSize];
-    FormatLength(gGlobals, DistanceBetweenPoints(T1, T2), LengthKind::plain, text);
+    FormatLengthShown(gGlobals, index, DistanceBetweenPoints(T1, T2), LengthKind::plain, 2 * ShownTextTolerance(),
+                      text);
     AddDimensionText(group, T1, T2, text);
 }
 

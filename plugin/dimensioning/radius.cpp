@@ -3,6 +3,7 @@
 #include "plugin/dimensioning/radius.h"
 
 #include "plugin/dimensioning/graphics.h"
+#include "plugin/dimensioning/shown_text.h"
 #include "plugin/record/dimension_record.h"
 #include "plugin/settings/info_panel.h"
 #include "plugin/settings/small_dialogs.h"
@@ -74,6 +75,26 @@ LabelLine PlaceLabel(const PluginGlobals* globals, const RoundLeader& leader, co
     const DoublePoint far{shelfStart.h + (prefs.flRdSpos == 1 ? -reach : reach), above.v};
     const DoublePoint shelfEnd{far.h, shelfStart.v};
     return prefs.flRdSpos == 1 ? LabelLine{far, above, shelfEnd} : LabelLine{above, far, shelfEnd};
+}
+
+// How far the radius may be off when the anchors and handles of its segment are.
+double RadiusSlack(const SnapCell& cell) {
+    const double tolerance = ShownTextTolerance();
+    PathSegment previous, segment;
+    DoublePoint centre;
+    double radius = 0, slack = 0;
+    if (tolerance <= 0 || !ReadSegmentPair(cell.art, cell.index, &previous, &segment) ||
+        CircleFromTangents(previous, segment, &centre, &radius) != 1)
+        return 0;
+    for (float* coordinate : {&previous.p.h, &previous.p.v, &previous.out.h, &previous.out.v, &segment.in.h,
+                              &segment.in.v, &segment.p.h, &segment.p.v}) {
+        const float kept = *coordinate;
+        double moved = 0;
+        *coordinate = kept + static_cast<float>(tolerance);
+        if (CircleFromTangents(previous, segment, &centre, &moved) == 1) slack += AbsOf(moved - radius);
+        *coordinate = kept;
+    }
+    return slack;
 }
 
 // The record links both ends of the picked segment; the second link stands in toCells for the write alone.
@@ -197,7 +218,7 @@ std::int32_t BuildRound(const RoundTool& tool, AIArtHandle oldGroup) {
     const DoublePoint &left = outerIsLeft ? T : otherEnd, &right = outerIsLeft ? otherEnd : T;
     const DoublePoint& trailing = inside || mode == 0 ? P0 : T;
     char text[kValueTextSize];
-    FormatLength(globals, leader.radius, tool.length, text);
+    FormatLengthShown(globals, 0, leader.radius, tool.length, RadiusSlack(live.fromCells[0]), text);
     const LabelLine label = PlaceLabel(globals, leader, left, right, surface ? P0 : T, text);
 
     AIArtHandle group = BeginDimensionGroup(oldGroup);

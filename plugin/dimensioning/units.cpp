@@ -84,10 +84,17 @@ void StripTrailingZeros(char* text, int digits) {
     if (length > 0 && text[length - 1] == '.') text[length - 1] = 0;
 }
 
+double LengthInUnit(const PluginGlobals* globals, double length, LengthKind kind) {
+    const PrefsRecord& prefs = globals->prefs;
+    return ConvertLength(length, kind, UnitIndex(prefs.flArUnit), static_cast<double>(prefs.flScale));
+}
+
+int AngleDigits(const PluginGlobals* globals) { return std::clamp<int>(globals->prefs.flScFix, 0, kMaxAngleDigits); }
+
 void FormatLength(const PluginGlobals* globals, double length, LengthKind kind, char* text) {
     const PrefsRecord& prefs = globals->prefs;
     const int unit = UnitIndex(prefs.flArUnit);
-    const double value = ConvertLength(length, kind, unit, static_cast<double>(prefs.flScale));
+    const double value = LengthInUnit(globals, length, kind);
     std::snprintf(text, kValueTextSize, "%s%1.*f", LengthPrefix(globals, kind), prefs.flScFix, value);
     if (prefs.flScFix > 0 && prefs.flUseZero == 0) StripTrailingZeros(text, prefs.flScFix);
     if (prefs.flUseTani != 0) AppendToValue(text, kLengthUnits[unit].suffix);
@@ -95,7 +102,7 @@ void FormatLength(const PluginGlobals* globals, double length, LengthKind kind, 
 
 void FormatAngle(const PluginGlobals* globals, double radians, char* text) {
     const PrefsRecord& prefs = globals->prefs;
-    const int digits = std::clamp<int>(prefs.flScFix, 0, kMaxAngleDigits);
+    const int digits = AngleDigits(globals);
     const double degrees = radians / kPi * 180.0;
     std::snprintf(text, kValueTextSize, " %1.*f", digits, degrees);
     if (digits > 0 && prefs.flUseZero == 0) StripTrailingZeros(text, digits);

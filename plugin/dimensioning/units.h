@@ -28,6 +28,9 @@ struct LengthUnit {
 };
 extern const LengthUnit kLengthUnits[kUnitCount];
 
+// The number of a dimension's text before it is rounded, and how many digits an angle has.
+double LengthInUnit(const PluginGlobals* globals, double length, LengthKind kind);
+int AngleDigits(const PluginGlobals* globals);
 // For diameter the length is the radius.
 void FormatLength(const PluginGlobals* globals, double length, LengthKind kind, char* text);
 void FormatAngle(const PluginGlobals* globals, double radians, char* text);

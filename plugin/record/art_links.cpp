@@ -1,5 +1,6 @@
 // Object ids: how measured art is named, found again and counted. Where the host answers by tag, the cost is that of
 // the art that has the id; elsewhere the usable layers are walked. Both give the same result.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -18,10 +19,13 @@ std::int16_t ArtType(AIArtHandle art) {
     return sAIArt->GetArtType(art, &kind) == kNoErr ? kind : static_cast<std::int16_t>(kUnknownArt);
 }
 
-bool TagEquals(AIArtHandle art, const char* name, const char* value) {
-    const void* text = nullptr;
-    return sAITag->GetTag(art, name, kStringTag, &text) == kNoErr && text != nullptr &&
-           std::strcmp(static_cast<const char*>(text), value) == 0;
+// As the index compares them: zeros ahead of a number do not count.
+bool BearsObjectId(AIArtHandle art, const char* id) {
+    const void* tag = nullptr;
+    if (sAITag->GetTag(art, kObjectIdTag, kStringTag, &tag) != kNoErr || tag == nullptr) return false;
+    const char* text = static_cast<const char*>(tag);
+    while (text[0] == '0' && text[1] != 0) ++text;
+    return std::strcmp(text, id) == 0;
 }
 
 // A path that is painted and no guide, or a text frame.
@@ -42,34 +46,53 @@ AIArtHandle ParentOf(AIArtHandle art) {
     return sArtQuery->GetArtParent(art, &parent) == kNoErr ? parent : nullptr;
 }
 
-// Is every art above it a plain group? stopAtTools: and none of them a dimension?
-bool StandsInGroups(AIArtHandle art, bool stopAtTools) {
-    for (AIArtHandle parent = ParentOf(art); parent != nullptr; parent = ParentOf(parent))
-        if (ArtType(parent) != kGroupArt || (stopAtTools && IsDimensionGroup(parent))) return false;
+// Is every art above it a group or a compound path? A search enters no other art.
+bool CanBeReached(AIArtHandle art) {
+    for (AIArtHandle parent = ParentOf(art); parent != nullptr; parent = ParentOf(parent)) {
+        const std::int16_t kind = ArtType(parent);
+        if (kind != kGroupArt && kind != kCompoundPathArt) return false;
+    }
     return true;
 }
 
+// Is every art above it a plain group, and none of them a dimension?
+bool StandsInPlainGroups(AIArtHandle art) {
+    for (AIArtHandle parent = ParentOf(art); parent != nullptr; parent = ParentOf(parent))
+        if (ArtType(parent) != kGroupArt || IsDimensionGroup(parent)) return false;
+    return true;
+}
+
+// visit(root, usable) for each layer.
 template <typename Visit>
-void WalkUsableRoots(Visit visit) {
+void WalkRoots(Visit visit) {
     std::int32_t count = 0;
     sAILayer->CountLayers(&count);
     for (std::int32_t i = 0; i < count; ++i) {
         AILayerHandle layer = nullptr;
         AIArtHandle root = nullptr;
-        if (sAILayer->GetNthLayer(i, &layer) != kNoErr || !LayerIsUsable(layer)) continue;
-        if (sAIArt->GetFirstArtOfLayer(layer, &root) == kNoErr && root != nullptr) visit(root);
+        if (sAILayer->GetNthLayer(i, &layer) != kNoErr) continue;
+        if (sAIArt->GetFirstArtOfLayer(layer, &root) == kNoErr && root != nullptr) visit(root, LayerIsUsable(layer));
     }
 }
 
 constexpr auto kNeverStop = [] { return false; };
 
+bool IsHidden(AIArtHandle art) {
+    std::int32_t attributes = 0;
+    return sAIArt->GetArtUserAttr(art, kArtHidden, &attributes) == kNoErr && (attributes & kArtHidden) != 0;
+}
+
+// visit(art, hidden) for paths and text frames, whether they can be measured or not. hidden: as a member of a hidden
+// compound path.
 template <typename Visit>
-AIErr WalkMeasurable(AIArtHandle art, const Visit& visit) {
+AIErr WalkReachable(AIArtHandle art, bool hidden, const Visit& visit) {
     const std::int16_t kind = ArtType(art);
-    if (kind == kGroupArt)
+    if (kind == kGroupArt || kind == kCompoundPathArt) {
+        const bool below = kind == kCompoundPathArt && IsHidden(art);
         return WalkChildren(
-            art, [&](AIArtHandle child) { return WalkMeasurable(child, visit); }, kNeverStop);
-    if (CanBeMeasured(art, kind)) visit(art);
+            art, [&](AIArtHandle child) { return WalkReachable(child, below, visit); }, kNeverStop);
+    }
+    if (kind == kPathArt || kind == kTextFrameArt) visit(art, hidden);
     return kNoErr;
 }
 
@@ -83,24 +106,44 @@ AIErr WalkDimensions(AIArtHandle art, std::vector<AIArtHandle>* groups) {
         art, [&](AIArtHandle child) { return WalkDimensions(child, groups); }, kNeverStop);
 }
 
-// Calls visit on each art of the usable layers that bears the id, in walk order.
-template <typename Visit>
-void ForEachBearer(std::int32_t id, Visit visit) {
+// An art that bears an object id, and why it cannot be measured: kLinkHeld when it can.
+struct Bearer {
+    AIArtHandle art;
+    LinkState state;
+};
+
+LinkState MeasurableState(AIArtHandle art, bool hidden, bool usable) {
+    if (hidden || !CanBeMeasured(art, ArtType(art))) return kLinkUnpainted;
+    return usable ? kLinkHeld : kLinkLayer;
+}
+
+bool IsInHiddenCompound(AIArtHandle art) {
+    const AIArtHandle parent = ParentOf(art);
+    return parent != nullptr && ArtType(parent) == kCompoundPathArt && IsHidden(parent);
+}
+
+// In walk order.
+std::vector<Bearer> FindBearers(std::int32_t id) {
+    std::vector<Bearer> bearers;
     char value[16];
     std::snprintf(value, sizeof value, "%d", id);
-    const AIArtHandle* bearers = nullptr;
+    const AIArtHandle* arts = nullptr;
     std::int32_t count = 0;
-    if (sArtQuery != nullptr && sArtQuery->FindArtByTag(kObjectIdTag, value, &bearers, &count) == kNoErr) {
-        const std::vector<AIArtHandle> found(bearers, bearers + count);
-        for (AIArtHandle art : found)
-            if (ArtIsOnUsableLayer(art) && CanBeMeasured(art, ArtType(art)) && StandsInGroups(art, false)) visit(art);
-        return;
+    if (sArtQuery != nullptr && sArtQuery->FindArtByTag(kObjectIdTag, value, &arts, &count) == kNoErr) {
+        const std::vector<AIArtHandle> found(arts, arts + count);
+        for (AIArtHandle art : found) {
+            const std::int16_t kind = ArtType(art);
+            if ((kind == kPathArt || kind == kTextFrameArt) && CanBeReached(art))
+                bearers.push_back({art, MeasurableState(art, IsInHiddenCompound(art), ArtIsOnUsableLayer(art))});
+        }
+        return bearers;
     }
-    WalkUsableRoots([&](AIArtHandle root) {
-        WalkMeasurable(root, [&](AIArtHandle art) {
-            if (TagEquals(art, kObjectIdTag, value)) visit(art);
+    WalkRoots([&](AIArtHandle root, bool usable) {
+        WalkReachable(root, false, [&](AIArtHandle art, bool hidden) {
+            if (BearsObjectId(art, value)) bearers.push_back({art, MeasurableState(art, hidden, usable)});
         });
     });
+    return bearers;
 }
 
 RealPoint CentreOfBounds(AIArtHandle art) {
@@ -135,24 +178,37 @@ bool IsPaintedVisible(AIArtHandle path) {
     return style.fillPaint || style.strokePaint;
 }
 
-AIArtHandle FindArtById(std::int32_t id, std::int32_t index, const RealPoint& near) {
+FoundArt FindLinkedArt(std::int32_t id, std::int32_t index, const RealPoint& near) {
     float best = kFarthest;
     AIArtHandle winner = nullptr;
-    ForEachBearer(id, [&](AIArtHandle art) {
-        const RealPoint centre = CentreOfBounds(art);
+    LinkState cause = kLinkDeleted;
+    bool anotherHasIt = false;
+    for (const Bearer& bearer : FindBearers(id)) {
+        if (bearer.state != kLinkHeld) {
+            if (cause == kLinkDeleted) cause = bearer.state;
+            continue;
+        }
+        anotherHasIt = anotherHasIt || HasAnchor(bearer.art, index);
+        const RealPoint centre = CentreOfBounds(bearer.art);
         const float distance = sAIRealMath->AIRealPointLength(&centre, &near);
         if (distance < best) {
             best = distance;
-            winner = art;
+            winner = bearer.art;
         }
-    });
-    return winner != nullptr && HasAnchor(winner, index) ? winner : nullptr;
+    }
+    if (winner == nullptr) return {nullptr, cause};
+    if (HasAnchor(winner, index)) return {winner, kLinkHeld};
+    return {nullptr, anotherHasIt ? kLinkCopy : kLinkSegment};
+}
+
+AIArtHandle FindArtById(std::int32_t id, std::int32_t index, const RealPoint& near) {
+    return FindLinkedArt(id, index, near).art;
 }
 
 std::int32_t CountArtWithId(std::int32_t id) {
-    std::int32_t count = 0;
-    ForEachBearer(id, [&](AIArtHandle) { ++count; });
-    return count;
+    const std::vector<Bearer> bearers = FindBearers(id);
+    return static_cast<std::int32_t>(
+        std::count_if(bearers.begin(), bearers.end(), [](const Bearer& bearer) { return bearer.state == kLinkHeld; }));
 }
 
 std::vector<AIArtHandle> CollectDimensionGroups() {
@@ -168,13 +224,15 @@ std::vector<AIArtHandle> CollectDimensionGroups() {
             if (ArtType(art) != kGroupArt) continue;
             const AIArtHandle parent = ParentOf(art);
             if (parent == nullptr || parent != sharedParent)
-                reached = ArtIsOnUsableLayer(art) && StandsInGroups(art, true);
+                reached = ArtIsOnUsableLayer(art) && StandsInPlainGroups(art);
             sharedParent = parent;
             if (reached) groups.push_back(art);
         }
         return groups;
     }
-    WalkUsableRoots([&](AIArtHandle root) { WalkDimensions(root, &groups); });
+    WalkRoots([&](AIArtHandle root, bool usable) {
+        if (usable) WalkDimensions(root, &groups);
+    });
     return groups;
 }
 

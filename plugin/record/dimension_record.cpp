@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "hostapi/record_additions.h"
+#include "plugin/record/record_additions.h"
 #include "plugin/settings/prefs_keys.h"
 #include "plugin/shell/suites.h"
 #include "plugin/traversal/traverse.h"
@@ -60,6 +62,15 @@ RealPoint PointIn(std::string_view text, int index) {
     return {static_cast<float>(NumberIn(text, index)), static_cast<float>(NumberIn(text, index + 1))};
 }
 
+// The tag beside a list of links that says how its point lies.
+const char* HoldTagOf(std::string_view listTag) {
+    if (listTag == kFromCellTag) return kFromHoldTag;
+    if (listTag == kToCellTag) return kToHoldTag;
+    int number = 1;
+    while (number < kStopLimit && listTag != StopTag(number)) ++number;
+    return StopHoldTag(number);
+}
+
 // --- writing ------------------------------------------------------------------------------------------------------
 
 std::string PositionText(double tangent, int kind, const RealPoint& point) {
@@ -103,6 +114,17 @@ std::vector<std::pair<int, int>> ReadPairs(std::string_view text) {
     return pairs;
 }
 
+// The coordinates at the end of a list, which is about to lose them.
+void KeepAnchor(AIArtHandle group, const char* tagName, const std::string& list) {
+    const char* holdTag = HoldTagOf(tagName);
+    const LinkList links = ReadLinkList(list);
+    if (!links.hasEnd) return;
+    HoldRecord record = ReadHold(group, holdTag);
+    record.hasAnchor = true;
+    record.anchor = links.end;
+    WriteHold(group, holdTag, record);
+}
+
 // Dimensions that measure this art by its old id, through the tag of this name, are pointed at its new one. Their lists
 // end with the last pair then.
 void RepointDimensions(AIArtHandle art, const char* tagName, std::int32_t oldId, std::int32_t newId) {
@@ -125,7 +147,9 @@ void RepointDimensions(AIArtHandle art, const char* tagName, std::int32_t oldId,
             }
             rebuilt += Print("%s%d,%d", rebuilt.empty() ? "" : ",", id, index);
         }
-        if (changed) WriteTag(group, tagName, rebuilt);
+        if (!changed) continue;
+        KeepAnchor(group, tagName, text);
+        WriteTag(group, tagName, rebuilt);
     }
 }
 
@@ -216,23 +240,49 @@ void ReadSettings(AIArtHandle group, PluginGlobals* globals) {
     }
 }
 
-// Found art fills the cells without a gap. end: the coordinates behind the id 0, when there are any.
-void ReadCellList(const std::string& text, const RealPoint& near, SnapCell* cells, DoublePoint* end) {
+// Found art fills the cells without a gap. hold: which of the links its point is at, and then of the cells.
+void FillCells(const LinkList& list, SnapCell* cells, PointHold* hold = nullptr) {
     int filled = 0;
-    std::string field, second;
-    for (int i = 0; i < kCellPairsRead; ++i) {
-        if (!SplitField(text, 2 * i, &field) || field.empty()) return;
-        const int id = std::atoi(field.c_str());
-        if (id == 0) {
-            if (SplitField(text, 2 * i + 1, &field) && SplitField(text, 2 * i + 2, &second) && !field.empty() &&
-                !second.empty())
-                *end = {std::atof(field.c_str()), std::atof(second.c_str())};
-            return;
-        }
-        if (!SplitField(text, 2 * i + 1, &field) || field.empty()) return;
-        const int index = std::atoi(field.c_str());
-        AIArtHandle art = FindArtById(id, index, near);
-        if (art != nullptr && filled < kSnapCellCount) cells[filled++] = {art, static_cast<std::int16_t>(index)};
+    unsigned used = 0;
+    for (int i = 0; i < list.count && filled < kSnapCellCount; ++i) {
+        const RecordedLink& link = list.links[i];
+        if (link.found.art == nullptr) continue;
+        if (hold != nullptr && hold->UsesLink(i)) used |= 1U << filled;
+        cells[filled++] = {link.found.art, static_cast<std::int16_t>(link.index)};
+    }
+    if (hold == nullptr || hold->links == 0) return;
+    hold->links = static_cast<std::uint8_t>(used);
+    if (used == 0) ClearSnapCells(cells, kSnapCellCount);
+}
+
+RecordedPoint ReadRecordedPoint(AIArtHandle group, const char* listTag, const RealPoint& near) {
+    RecordedPoint point;
+    std::string text;
+    if (ReadTag(group, listTag, &text)) point.links = ReadLinkList(text);
+    for (int i = 0; i < point.links.count; ++i) {
+        RecordedLink& link = point.links.links[i];
+        link.found = FindLinkedArt(link.id, link.index, near);
+    }
+    return point;
+}
+
+// The axis was decided at the placement, which is known better than it.
+void KeepPlacedPoint(ToolState* state) {
+    const auto printed = [](double value) { return std::atof(Print("%g", value).c_str()); };
+    if (printed(state->endPoint.h) == state->tmpPos.h && printed(state->endPoint.v) == state->tmpPos.v)
+        state->tmpPos = ToDoublePoint(state->endPoint);
+}
+
+void ReadStops(AIArtHandle group, const RealPoint& near, ToolState* state, std::vector<RecordedPoint>* stops) {
+    std::string text;
+    for (int i = 1; i <= kStopLimit; ++i) {
+        if (!ReadTag(group, StopTag(i).c_str(), &text)) continue;
+        StopRecord* stop = &state->stops[state->stopCount++];
+        RecordedPoint point = ReadRecordedPoint(group, StopTag(i).c_str(), near);
+        point.number = i;
+        if (point.links.hasEnd) stop->point = ToRealPoint(point.links.end);
+        FillCells(point.links, stop->cells);
+        stops->push_back(point);
     }
 }
 
@@ -283,8 +333,27 @@ std::string JoinTagPieces(AIArtHandle art, const char* namePrefix) {
     return joined;
 }
 
+LinkList ReadLinkList(std::string_view text) {
+    LinkList list;
+    std::string field, second;
+    for (int i = 0; i < kCellPairsRead; ++i) {
+        if (!SplitField(text, 2 * i, &field) || field.empty()) break;
+        const int id = std::atoi(field.c_str());
+        if (id == 0) {
+            list.hasEnd = SplitField(text, 2 * i + 1, &field) && SplitField(text, 2 * i + 2, &second) &&
+                          !field.empty() && !second.empty();
+            if (list.hasEnd) list.end = {std::atof(field.c_str()), std::atof(second.c_str())};
+            break;
+        }
+        if (!SplitField(text, 2 * i + 1, &field) || field.empty()) break;
+        list.links[list.count++] = {id, std::atoi(field.c_str()), {}};
+    }
+    return list;
+}
+
 void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mode) {
     PluginGlobals* globals = gGlobals;
+    FindHolds(globals, kind);
     const ToolState& state = globals->liveState;
     gNewIds.clear();
     gDimensions.clear();
@@ -295,29 +364,76 @@ void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mod
     for (int i = 0; i < state.stopCount; ++i) WriteStopList(group, i + 1, state.stops[i]);
     WriteCellList(group, kToCellTag, state.toCells);
     for (const NewId& row : gNewIds) WriteTag(row.art, kObjectIdTag, Print("%d", row.id));
+    WriteAdditions(globals, group, kind);
+}
+
+namespace {
+
+// The format proper.
+DimensionRecord ReadFormat(AIArtHandle group, const RealPoint& near) {
+    DimensionRecord record;
+    ToolState* state = &gGlobals->liveState;
+    ReadStateTags(group, &record.kind, &record.mode, state);
+    ReadSettings(group, gGlobals);
+    record.from = ReadRecordedPoint(group, kFromCellTag, near);
+    record.to = ReadRecordedPoint(group, kToCellTag, near);
+    FillCells(record.from.links, state->fromCells);
+    FillCells(record.to.links, state->toCells);
+    ReadStops(group, near, state, &record.stops);
+    return record;
+}
+
+void ReadPointAdditions(AIArtHandle group, const char* holdTag, RecordedPoint* recorded, RealPoint* point,
+                        PointHold* hold, SnapCell* cells) {
+    recorded->hold = ReadHold(group, holdTag);
+    *point = ExactPoint(recorded->hold, *point);
+    *hold = recorded->hold.hold;
+    FillCells(recorded->links, cells, hold);
+}
+
+void ReadAdditions(AIArtHandle group, DimensionRecord* record) {
+    ToolState* state = &gGlobals->liveState;
+    ReadExactSettings(group, gGlobals);
+    ReadPointAdditions(group, kFromHoldTag, &record->from, &state->fromPoint, &state->fromHold, state->fromCells);
+    ReadPointAdditions(group, kToHoldTag, &record->to, &state->toPoint, &state->toHold, state->toCells);
+    for (int i = 0; i < state->stopCount; ++i) {
+        RecordedPoint& recorded = record->stops[static_cast<std::size_t>(i)];
+        StopRecord& stop = state->stops[i];
+        ReadPointAdditions(group, StopHoldTag(recorded.number), &recorded, &stop.point, &stop.hold, stop.cells);
+        if (!recorded.links.hasEnd && recorded.hold.hasAnchor) stop.point = ToRealPoint(recorded.hold.anchor);
+    }
+    state->endPoint = ExactPoint(ReadHold(group, kEndHoldTag), state->endPoint);
+    record->language = ReadChoices(group, &state->choices);
+    const bool isPicked = state->fromHold.kind == HoldKind::segment;
+    if (record->kind == kAngleTool && isPicked && state->choices.sector == AngleSector::placed)
+        state->choices.sector = AngleSector::minor;
+    KeepPlacedPoint(state);
+    state->fromRecord = true;
+}
+
+RealPoint CentreOfGroup(AIArtHandle group) {
+    RealRect bounds;
+    sAIArt->GetArtBounds(group, &bounds);
+    return {(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};
+}
+
+}  // namespace
+
+DimensionRecord ReadDimension(AIArtHandle group) {
+    ContextBracket(gGlobals);
+    DimensionRecord record = ReadFormat(group, CentreOfGroup(group));
+    ReadAdditions(group, &record);
+    return record;
 }
 
 void ReadDimensionRecord(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, DoublePoint* fromAnchor,
                          DoublePoint* toAnchor) {
-    PluginGlobals* globals = gGlobals;
-    RealRect bounds;
-    sAIArt->GetArtBounds(group, &bounds);
-    const RealPoint near{(bounds.left + bounds.right) / 2, (bounds.top + bounds.bottom) / 2};
-    *fromAnchor = *toAnchor = {};
-    ContextBracket(globals);
-    ToolState* state = &globals->liveState;
-    ReadStateTags(group, kind, mode, state);
-    ReadSettings(group, globals);
-    std::string text;
-    if (ReadTag(group, kFromCellTag, &text)) ReadCellList(text, near, state->fromCells, fromAnchor);
-    if (ReadTag(group, kToCellTag, &text)) ReadCellList(text, near, state->toCells, toAnchor);
-    for (int i = 1; i <= kStopLimit; ++i) {
-        if (!ReadTag(group, StopTag(i).c_str(), &text)) continue;
-        StopRecord* stop = &state->stops[state->stopCount++];
-        DoublePoint point = ToDoublePoint(stop->point);
-        ReadCellList(text, near, stop->cells, &point);
-        stop->point = ToRealPoint(point);
-    }
+    ContextBracket(gGlobals);
+    const DimensionRecord record = ReadFormat(group, CentreOfGroup(group));
+    *kind = record.kind;
+    *mode = record.mode;
+    *fromAnchor = record.from.links.end;
+    *toAnchor = record.to.links.end;
 }
 
 }  // namespace quorvel

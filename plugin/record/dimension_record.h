@@ -7,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "hostapi/dimensions.h"
 #include "hostapi/records.h"
+#include "plugin/record/point_hold.h"
 #include "plugin/shell/globals.h"
 
 namespace quorvel {
@@ -15,13 +17,49 @@ namespace quorvel {
 bool IsDimensionGroup(AIArtHandle art);
 // Writes all tags from liveState and the settings, and gives the measured art object ids.
 void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mode);
-// Fills liveState and the settings. The anchors are the stored positions of the from and to lists, (0, 0) when missing.
+// The art that bears the id, the nearest to near when several do, and why there is none.
+struct FoundArt {
+    AIArtHandle art = nullptr;
+    LinkState state = kLinkDeleted;
+};
+FoundArt FindLinkedArt(std::int32_t id, std::int32_t index, const RealPoint& near);
+
+// One link of a list: an object id, an anchor index, and the art that they lead to now.
+struct RecordedLink {
+    std::int32_t id = 0, index = 0;
+    FoundArt found;
+};
+constexpr int kLinkCapacity = 6;
+struct LinkList {
+    int count = 0;
+    RecordedLink links[kLinkCapacity];
+    bool hasEnd = false;
+    DoublePoint end;  // the coordinates behind the id 0; (0, 0) when missing
+};
+LinkList ReadLinkList(std::string_view text);  // the art is not looked for
+
+// A measured point as the record links it.
+struct RecordedPoint {
+    LinkList links;
+    HoldRecord hold;
+    int number = 0;  // of a stop's tag
+};
+struct DimensionRecord {
+    std::int16_t kind = 0, mode = 0;
+    RecordedPoint from, to;
+    std::vector<RecordedPoint> stops;  // of the stops of liveState, in their order
+    int language = -1;                 // of its signs; -1: the one in force
+};
+// Fills liveState and the settings, from the format proper and from the additions to it.
+DimensionRecord ReadDimension(AIArtHandle group);
+// Fills them from the format proper alone, which keeps six digits of a number. The anchors are the stored positions of
+// the from and to lists, (0, 0) when missing.
 void ReadDimensionRecord(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, DoublePoint* fromAnchor,
                          DoublePoint* toAnchor);
 // Field number index of a comma-separated text; quotes are dropped and guard commas. 0 with an empty field behind the
 // end.
 std::int32_t SplitField(std::string_view text, int index, std::string* field);
-// The art that bears the id, the nearest to near when several do; null when it lacks the anchor index.
+// FindLinkedArt without the cause; null when the art lacks the anchor index.
 AIArtHandle FindArtById(std::int32_t id, std::int32_t index, const RealPoint& near);
 // On the usable layers.
 std::int32_t CountArtWithId(std::int32_t id);

@@ -1,15 +1,20 @@
-// The recalculation and the tracking pass: each reads a dimension's record, moves the stored points to where the
-// measured anchors now stand, keeps the placement's distance and relative angle, and has the family's builder replace
-// the group.
+// The recalculation and the tracking pass: each reads a dimension's record, moves the stored points to where the art
+// has them now, and has the family's builder replace the group.
 #include "plugin/record/recalculate.h"
 
+#include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <vector>
 
 #include "plugin/dimensioning/angle.h"
 #include "plugin/dimensioning/diameter.h"
 #include "plugin/dimensioning/linear.h"
 #include "plugin/dimensioning/radius.h"
-#include "plugin/record/dimension_record.h"
+#include "plugin/dimensioning/shown_text.h"
+#include "plugin/record/examine.h"
+#include "plugin/record/follow.h"
+#include "plugin/record/record_additions.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
 #include "plugin/traversal/traverse.h"
@@ -17,29 +22,6 @@
 namespace quorvel {
 
 namespace {
-
-// A placement point relative to its base: how far from the base's middle, and turned by how much from the base's
-// direction.
-struct Placement {
-    double placeDistance = 0, placeAngle = 0;
-};
-
-// The middle in 32-bit floats, with the division in doubles.
-DoublePoint MiddleInFloats(const RealPoint& a, const RealPoint& b) {
-    const RealPoint middle{static_cast<float>((a.h + b.h) / 2.0), static_cast<float>((a.v + b.v) / 2.0)};
-    return ToDoublePoint(middle);
-}
-
-Placement PlacementAbout(const DoublePoint& middle, const DoublePoint& base, const RealPoint& end) {
-    const DoublePoint placed = ToDoublePoint(end);
-    return {DistanceBetweenPoints(middle, placed),
-            AngleBetweenPoints(middle, placed) - AngleBetweenPoints(middle, base)};
-}
-
-RealPoint PlaceAgain(const Placement& placement, const DoublePoint& middle, const DoublePoint& base) {
-    const double angle = placement.placeAngle + AngleBetweenPoints(middle, base);
-    return ToRealPoint(PolarPoint(middle, placement.placeDistance, angle));
-}
 
 bool ViewIsOpen() {
     AIDocumentViewHandle view = nullptr;
@@ -52,141 +34,84 @@ bool IsSelected(AIArtHandle art) {
            (attributes & kArtSelected) != 0;
 }
 
-// --- linear dimensions --------------------------------------------------------------------------------------------
+// Builds what liveState says in the place of the group. A builder that fails leaves the old group; the pass goes on.
+void Build(AIArtHandle group, std::int16_t kind) {
+    if (IsLinearKind(kind)) static_cast<void>(BuildLinearDimension(group));
+    if (kind == kAngleTool) static_cast<void>(BuildAngleDimension(group));
+    if (kind == kRadiusTool) static_cast<void>(BuildRadiusDimension(group));
+    if (kind == kDiameterTool) static_cast<void>(BuildDiameterDimension(group));
+}
 
-// The point goes to its cell's anchor; the other one moves along when it has no art of its own.
-void MovePoint(const SnapCell& cell, const SnapCell& otherCell, RealPoint* point, RealPoint* other) {
-    RealPoint anchor;
-    if (cell.art == nullptr || !CellAnchor(cell, &anchor)) return;
-    if (otherCell.art == nullptr) {
-        other->h = anchor.h + (other->h - point->h);
-        other->v = anchor.v + (other->v - point->v);
+// While it lives the signs are those of a record's language.
+class RecordedLanguage {
+  public:
+    RecordedLanguage(PluginGlobals* globals, int language) : globals_(globals), inForce_(globals->language) {
+        if (language != kLanguageInForce) globals->language = static_cast<std::uint16_t>(language);
     }
-    *point = anchor;
-}
+    ~RecordedLanguage() { globals_->language = inForce_; }
+    RecordedLanguage(const RecordedLanguage&) = delete;
+    RecordedLanguage& operator=(const RecordedLanguage&) = delete;
 
-void MoveStops(ToolState* state, const RealPoint& oldFrom, double baseAngle) {
-    const DoublePoint from = ToDoublePoint(state->fromPoint), old = ToDoublePoint(oldFrom);
-    const double newAngle = AngleBetweenPoints(from, ToDoublePoint(state->toPoint));
-    for (int i = 0; i < state->stopCount; ++i) {
-        StopRecord* stop = &state->stops[i];
-        if (stop->cells[0].art != nullptr) {
-            RealPoint anchor;
-            if (CellAnchor(stop->cells[0], &anchor)) stop->point = anchor;
-            continue;
-        }
-        const DoublePoint point = ToDoublePoint(stop->point);
-        const double angle = AngleBetweenPoints(old, point) - baseAngle + newAngle;
-        stop->point = ToRealPoint(PolarPoint(from, DistanceBetweenPoints(old, point), angle));
-    }
-}
-
-// By rising distance from where the first point was; at equal distance the earlier one stays ahead.
-void SortStops(ToolState* state, const RealPoint& oldFrom) {
-    const DoublePoint origin = ToDoublePoint(oldFrom);
-    std::vector<StopRecord> sorted;
-    for (int i = 0; i < state->stopCount; ++i) {
-        const double distance = DistanceBetweenPoints(origin, ToDoublePoint(state->stops[i].point));
-        auto place = sorted.begin();
-        while (place != sorted.end() && !(DistanceBetweenPoints(origin, ToDoublePoint(place->point)) > distance))
-            ++place;
-        sorted.insert(place, state->stops[i]);
-    }
-    for (int i = 0; i < state->stopCount; ++i) state->stops[i] = sorted[static_cast<std::size_t>(i)];
-}
-
-// Moves the measured points and the stops; gives where the placement was.
-Placement MoveLinearPoints(ToolState* state) {
-    const RealPoint oldFrom = state->fromPoint;
-    const DoublePoint middle = MiddleInFloats(state->fromPoint, state->toPoint);
-    const DoublePoint to = ToDoublePoint(state->toPoint);
-    const Placement placement = PlacementAbout(middle, to, state->endPoint);
-    const double baseAngle = AngleBetweenPoints(middle, to);
-    MovePoint(state->fromCells[0], state->toCells[0], &state->fromPoint, &state->toPoint);
-    MovePoint(state->toCells[0], state->fromCells[0], &state->toPoint, &state->fromPoint);
-    MoveStops(state, oldFrom, baseAngle);
-    SortStops(state, oldFrom);
-    return placement;
-}
-
-void RebuildLinear(PluginGlobals* globals, AIArtHandle group, const Placement& placement) {
-    ToolState* state = &globals->liveState;
-    state->endPoint =
-        PlaceAgain(placement, MiddleInFloats(state->fromPoint, state->toPoint), ToDoublePoint(state->toPoint));
-    // A builder that fails leaves the old group; the pass goes on.
-    static_cast<void>(BuildLinearDimension(group));
-    ContextBracket(globals);
-}
-
-// --- angles, radii, diameters -------------------------------------------------------------------------------------
-
-struct Leg {
-    DoublePoint corner;
-    double direction = 0;  // from the corner to the anchor before it
+  private:
+    PluginGlobals* globals_;
+    std::uint16_t inForce_;
 };
 
-bool ReadLeg(const SnapCell& cell, Leg* leg) {
-    PathSegment previous, segment;
-    if (!ReadSegmentPair(cell.art, cell.index, &previous, &segment)) return false;
-    leg->corner = ToDoublePoint(segment.p);
-    leg->direction = AngleBetweenPoints(leg->corner, ToDoublePoint(previous.p));
-    return true;
+// How far the coordinates of a dimension's art may be off: transforming them rounds each to a 32-bit float.
+double PrecisionOf(const ToolState& state) {
+    constexpr double kRoundings = 4.0;
+    double largest = 256;
+    for (const RealPoint& point : {state.fromPoint, state.toPoint, state.endPoint})
+        largest = MaxOf(largest, MaxOf(AbsOf(point.h), AbsOf(point.v)));
+    return kRoundings * std::ldexp(1.0, std::ilogb(largest) - 23);
 }
 
-// Each point keeps its distance from the corner anchor of its leg.
-void RebuildAngle(PluginGlobals* globals, AIArtHandle group, const DoublePoint& from, const DoublePoint& to) {
-    ToolState* state = &globals->liveState;
-    Leg first, second;
-    if (!ReadLeg(state->fromCells[0], &first) || !ReadLeg(state->toCells[0], &second)) return ContextBracket(globals);
-    const double firstDistance = DistanceBetweenPoints(ToDoublePoint(state->fromPoint), from);
-    const double secondDistance = DistanceBetweenPoints(ToDoublePoint(state->toPoint), to);
-    const Placement placement = PlacementAbout(MiddleInFloats(state->fromPoint, state->toPoint),
-                                               ToDoublePoint(state->toPoint), state->endPoint);
-    state->fromPoint = ToRealPoint(PolarPoint(first.corner, firstDistance, first.direction));
-    state->toPoint = ToRealPoint(PolarPoint(second.corner, secondDistance, second.direction));
-    state->endPoint =
-        PlaceAgain(placement, MiddleInFloats(state->fromPoint, state->toPoint), ToDoublePoint(state->toPoint));
-    static_cast<void>(BuildAngleDimension(group));
+bool IsInRange(const RealPoint& point) {
+    return std::fabs(point.h) <= kLargestCoordinate && std::fabs(point.v) <= kLargestCoordinate;
+}
+
+// A damaged record draws nothing that cannot be read again, and does not keep the others of its pass from being drawn.
+bool CanBeDrawn(const PluginGlobals* globals) {
+    const ToolState& state = globals->liveState;
+    const auto isStopInRange = [](const StopRecord& stop) { return IsInRange(stop.point); };
+    const PrefsRecord& prefs = globals->prefs;
+    const float lengths[] = {prefs.flScLead,  prefs.flScOfst,  prefs.flOsLead,  prefs.flArSize1,
+                             prefs.flArSize2, prefs.flArSize3, prefs.flArSize4, prefs.flArLead,
+                             prefs.flArThick, prefs.flArFSize, prefs.flArAngle};
+    return IsInRange(state.fromPoint) && IsInRange(state.toPoint) && IsInRange(state.endPoint) &&
+           std::all_of(state.stops, state.stops + state.stopCount, isStopInRange) &&
+           std::all_of(std::begin(lengths), std::end(lengths), [](float length) {
+               constexpr float kLargestLength = kLargestCoordinate / 100;
+               return std::fabs(length) <= kLargestLength;
+           });
+}
+
+void RebuildGroup(PluginGlobals* globals, AIArtHandle group, const DimensionRecord& record, double tolerance) {
+    if (!CanBeDrawn(globals)) return ContextBracket(globals);
+    const RecordedLanguage language(globals, record.language);
+    if (tolerance != 0) tolerance = MaxOf(tolerance, PrecisionOf(globals->liveState));
+    const ShownTexts shown(group, tolerance);
+    Build(group, record.kind);
     ContextBracket(globals);
 }
 
-DoublePoint Middle(const DoublePoint& a, const DoublePoint& b) { return {(a.h + b.h) / 2.0, (a.v + b.v) / 2.0}; }
+constexpr double kByPrecision = -1;
 
-bool ReadAnchor(const SnapCell& cell, RealPoint* anchor) {
-    PathSegment segment;
-    if (!ReadSegment(cell.art, cell.index, &segment)) return false;
-    *anchor = segment.p;
-    return true;
+void RecalculateGroup(PluginGlobals* globals, AIArtHandle group, double tolerance) {
+    const DimensionRecord record = ReadDimension(group);
+    if (FollowArt(globals, record)) RebuildGroup(globals, group, record, tolerance);
 }
 
-void RebuildRound(PluginGlobals* globals, AIArtHandle group, std::int16_t kind, const DoublePoint& from,
-                  const DoublePoint& to) {
-    ToolState* state = &globals->liveState;
-    RealPoint first, second;
-    if (!ReadAnchor(state->fromCells[0], &first) || !ReadAnchor(state->toCells[0], &second))
-        return ContextBracket(globals);
-    const Placement placement = PlacementAbout(Middle(from, to), from, state->endPoint);
-    const DoublePoint newFirst = ToDoublePoint(first);
-    state->endPoint = PlaceAgain(placement, Middle(newFirst, ToDoublePoint(second)), newFirst);
-    static_cast<void>(kind == kRadiusTool ? BuildRadiusDimension(group) : BuildDiameterDimension(group));
-    ContextBracket(globals);
+bool MeasuresSelected(const RecordedPoint& point) {
+    const RecordedLink* links = point.links.links;
+    return std::any_of(links, links + point.links.count,
+                       [](const RecordedLink& link) { return IsSelected(link.found.art); });
 }
 
-bool IsLinearKind(std::int16_t kind) { return kind == kObliqueTool || kind == kStraightTool || kind == kCurveTool; }
-
-void RecalculateGroup(PluginGlobals* globals, AIArtHandle group) {
-    std::int16_t kind = 0, mode = 0;
-    DoublePoint from, to;
-    ReadDimensionRecord(group, &kind, &mode, &from, &to);
-    ToolState* state = &globals->liveState;
-    if (IsLinearKind(kind)) {
-        globals->prefs.flDistanceMode = mode;
-        RebuildLinear(globals, group, MoveLinearPoints(state));
-        return;
-    }
-    if (state->fromCells[0].art == nullptr || state->toCells[0].art == nullptr) return;
-    if (kind == kAngleTool) RebuildAngle(globals, group, from, to);
-    if (kind == kRadiusTool || kind == kDiameterTool) RebuildRound(globals, group, kind, from, to);
+bool MeasuresSelected(const DimensionRecord& record) {
+    return MeasuresSelected(record.from) || MeasuresSelected(record.to) ||
+           std::any_of(record.stops.begin(), record.stops.end(),
+                       [](const RecordedPoint& stop) { return MeasuresSelected(stop); });
 }
 
 bool UserAgrees(bool selectedOnly) {
@@ -208,30 +133,36 @@ void RecalculateDimensions() {
     for (AIArtHandle group : groups) selectedOnly = selectedOnly || IsSelected(group);
     if (!UserAgrees(selectedOnly)) return;
     for (AIArtHandle group : groups)
-        if (!selectedOnly || IsSelected(group)) RecalculateGroup(globals, group);
+        if (!selectedOnly || IsSelected(group)) RecalculateGroup(globals, group, kByPrecision);
 }
 
-AIArtHandle RebuildDimension(AIArtHandle group) {
+AIArtHandle RebuildDimension(AIArtHandle group, double tolerance) {
     PluginGlobals* globals = gGlobals;
     if (!IsDimensionGroup(group)) return nullptr;
     globals->builtGroup = nullptr;
-    RecalculateGroup(globals, group);
+    RecalculateGroup(globals, group, tolerance);
     return globals->builtGroup;
+}
+
+void FollowSelectedArt() {
+    PluginGlobals* globals = gGlobals;
+    const KeptState kept(globals);
+    for (AIArtHandle group : CollectDimensionGroups()) {
+        const DimensionRecord record = ReadDimension(group);
+        if (MeasuresSelected(record) && FollowArt(globals, record)) RebuildGroup(globals, group, record, kByPrecision);
+    }
 }
 
 void TrackMovedArt() {
     PluginGlobals* globals = gGlobals;
     if (!ViewIsOpen()) return;
     for (AIArtHandle group : CollectDimensionGroups()) {
-        std::int16_t kind = 0, mode = 0;
-        DoublePoint from, to;
-        ReadDimensionRecord(group, &kind, &mode, &from, &to);
-        if (!IsLinearKind(kind)) continue;
-        ToolState* state = &globals->liveState;
-        globals->prefs.flDistanceMode = mode;
-        const Placement placement = MoveLinearPoints(state);
-        if (IsSelected(state->fromCells[0].art) || IsSelected(state->toCells[0].art))
-            RebuildLinear(globals, group, placement);
+        const DimensionRecord record = ReadDimension(group);
+        if (!IsLinearKind(record.kind)) continue;
+        const ToolState& state = globals->liveState;
+        const bool selected = IsSelected(state.fromCells[0].art) || IsSelected(state.toCells[0].art);
+        FollowArt(globals, record);
+        if (selected) RebuildGroup(globals, group, record, kByPrecision);
     }
 }
 

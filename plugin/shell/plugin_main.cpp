@@ -1,9 +1,12 @@
 // The one door: every message of the host comes in here, with a caller and a selector that name it. The suites are held
 // around it, one table says who handles it, and a failure becomes one alert. No exception gets out.
+#include <algorithm>
 #include <exception>
 #include <new>
+#include <optional>
 
 #include "hostapi/dimensions.h"
+#include "plugin/record/examine.h"
 #include "plugin/record/recalculate.h"
 #include "plugin/settings/about_dialog.h"
 #include "plugin/settings/prefs_file.h"
@@ -62,8 +65,26 @@ AIErr SetFieldStep(void* message) {
 AIErr SnapReportStep(void* message) { return SnapReport(static_cast<QuorvelSnapMessage*>(message)); }
 
 AIErr RebuildStep(void* message) {
-    const QuorvelRebuildMessage* rebuild = static_cast<QuorvelRebuildMessage*>(message);
-    for (std::int32_t i = 0; i < rebuild->count; ++i) rebuild->rebuilt[i] = RebuildDimension(rebuild->groups[i]);
+    QuorvelRebuildMessage* rebuild = static_cast<QuorvelRebuildMessage*>(message);
+    std::optional<KeptState> kept;
+    if (rebuild->isTrial && gGlobals->liveState.toolStep != 0) return kNoErr;
+    if (rebuild->isTrial) kept.emplace(gGlobals);
+    rebuild->isDone = true;
+    for (std::int32_t i = 0; i < rebuild->count; ++i)
+        rebuild->rebuilt[i] = RebuildDimension(rebuild->groups[i], rebuild->tolerance);
+    return kNoErr;
+}
+
+AIErr FollowStep(void*) {
+    FollowSelectedArt();
+    return kNoErr;
+}
+
+AIErr ExamineStep(void* message) {
+    QuorvelExamineMessage* examine = static_cast<QuorvelExamineMessage*>(message);
+    const std::vector<DimensionEnd> ends = ExamineDimension(examine->group);
+    examine->count = static_cast<std::int32_t>(ends.size());
+    std::copy(ends.begin(), ends.end(), examine->ends);
     return kNoErr;
 }
 
@@ -101,6 +122,8 @@ const Route kRoutes[] = {
     {kCallerSettings, kSelectorSetField, SetFieldStep},
     {kCallerSnap, kSelectorSnapReport, SnapReportStep},
     {kCallerDimensions, kSelectorRebuild, RebuildStep},
+    {kCallerDimensions, kSelectorFollow, FollowStep},
+    {kCallerDimensions, kSelectorExamine, ExamineStep},
 };
 
 // A message that nobody knows is no error: hosts send more than any plug-in reads.

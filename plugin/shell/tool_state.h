@@ -19,9 +19,34 @@ struct SnapCell {
     std::int16_t index = kNoAnchorIndex;
 };
 
+// How a measured point lies on the art of its cells when it is not at an anchor; hostapi/record_additions.h says what
+// the segment and the numbers mean.
+enum class HoldKind : std::uint8_t { anchor, segment, crossing, centre, bounds, offset };
+struct PointHold {
+    HoldKind kind = HoldKind::anchor;
+    std::int16_t segment = kNoAnchorIndex;
+    double numbers[4] = {};
+    std::uint8_t links = 0;  // of a point at an anchor: a bit for each cell whose anchor it is at, the first the lowest
+
+    bool UsesLink(int link) const { return links == 0 || (links >> link & 1) != 0; }
+};
+
 struct StopRecord {
     RealPoint point;
+    std::int16_t kind = kSnapNothing;
     SnapCell cells[kSnapCellCount];
+    PointHold hold;
+};
+
+// What a builder has decided, or has to decide as the record says.
+constexpr char kHeadsInside = 'i', kHeadsOutside = 'o', kHeadsByLength = '-';
+enum class CurveWay : std::uint8_t { nearest, forward, back };
+enum class AngleSector : std::uint8_t { placed, minor, reflex };
+struct BuildChoices {
+    double pixel = 0;                 // 0: none is recorded
+    char heads[kStopLimit + 2] = {};  // by span, closed by a zero
+    CurveWay way = CurveWay::nearest;
+    AngleSector sector = AngleSector::placed;
 };
 
 struct ToolState {
@@ -45,6 +70,9 @@ struct ToolState {
     SnapCell toCells[kSnapCellCount];
     std::int16_t stopCount = 0;
     StopRecord stops[kStopCapacity];
+    PointHold fromHold, toHold;
+    BuildChoices choices;
+    bool fromRecord = false;  // read from a dimension's record: holds and choices are known
 };
 
 void ClearSnapCells(SnapCell* cells, int count);

@@ -10,7 +10,6 @@
 namespace quorvel::svg {
 namespace {
 
-constexpr double kLargestCoordinate = 1e9;
 // A quarter turn of rounded coordinates may come out a trifle more than a quarter.
 constexpr double kQuarterSlack = 1e-5;
 

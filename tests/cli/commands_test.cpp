@@ -85,7 +85,7 @@ TEST_F(Commands, ErrorsAreInTheLanguageAskedFor) {
     EXPECT_EQ(runProgram("run ja.script"), 1);
     EXPECT_EQ(err_, "ja.script:3: there is nothing to undo\n");
     EXPECT_EQ(runProgram("check bad.svg --json --language ja"), 2);
-    EXPECT_EQ(printed("/0/error"),
+    EXPECT_EQ(printed("/drawings/0/error"),
               R"("bad.svg: 2 行目: path \"p\": パスデータの 5 文字目の数値が正しくありません: \"x\"")");
 }
 

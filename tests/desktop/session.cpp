@@ -54,6 +54,30 @@ TEST(Window, MovedArtTakesItsDimensionAlong) {
     EXPECT_GT(dimension.right, 300 + 20 / zoom);
 }
 
+TEST(Window, CountsTheDimensionsThatAreNoLongerTrue) {
+    WindowRig rig;
+    const auto* shown = rig.window->findChild<QLabel*>(QStringLiteral("untrue"));
+    ASSERT_NE(shown, nullptr);
+    rig.dimensionEdge();
+    rig.window->truth().countNow();
+    EXPECT_EQ(shown->text(), "");
+    rig.session->host().edit("Shift", [](doc::Document& document) {
+        return document.transform(document.findByName("plate"), {1, 0, 0, 1, 10, 10}, 1);
+    });
+    const std::string before = rig.dump();
+    rig.window->truth().countNow();
+    EXPECT_EQ(shown->text(), "1 dimension is no longer true - Ctrl+R");
+    EXPECT_EQ(rig.dump(), before) << "counting changes nothing";
+    EXPECT_EQ(*rig.document().undoName(), "Undo Shift");
+    const QImage plain = rig.canvas().grab().toImage();
+    rig.window->findChild<QAction*>(QStringLiteral("markUntrue"))->setChecked(true);
+    EXPECT_NE(rig.canvas().grab().toImage(), plain);
+    rig.window->undo();
+    rig.window->truth().countNow();
+    EXPECT_EQ(shown->text(), "");
+    EXPECT_NE(rig.document().redoName(), nullptr);
+}
+
 TEST(Window, RadiusOptionsByDoubleClick) {
     WindowRig rig;
     desktop::ToolSlot* slot = rig.window->tools()->slotOf("Radius Tool");

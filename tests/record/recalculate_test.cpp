@@ -151,20 +151,22 @@ TEST_F(Recalculate, StopsFollowTheirArtOrKeepTheirPolarPlace) {
     // Clicked from right to left; the first stands on the mark, the second on nothing.
     oblique({100, 100}, {300, 100}, {200, 50}, {{250, 100}, {150, 100}});
     EXPECT_EQ(texts(table.dimension()), (Texts{u"150", u"100", u"150"}));
-    // A rebuild sorts them from the first point on.
     recalculate();
-    EXPECT_EQ(texts(table.dimension()), (Texts{u"50", u"100", u"50"}));
-    EXPECT_EQ(table.tag(table.dimension(), "QUORVEL_STOPCELL01"), "0,150,100");
-    EXPECT_EQ(table.tag(table.dimension(), "QUORVEL_STOPCELL02"),
-              table.tag(mark, "quorvel_object_id") + ",0,0,250,100");
+    EXPECT_EQ(texts(table.dimension()), (Texts{u"150", u"100", u"150"})) << "in the order in which they were clicked";
     // Turned and moved: the free stop stays 50 from the first point, the other stays on its mark.
     turn(line, {100, 100});
     table.move(line, 0, 10);
     table.move(mark, -150, 140);
     recalculate();
     expectLine(table.dimension(), {150, 110}, {150, 310});
-    EXPECT_EQ(texts(table.dimension()), (Texts{u"50", u"80", u"70"}));
-    EXPECT_EQ(table.tag(table.dimension(), "QUORVEL_STOPCELL01"), "0,100,160");
+    EXPECT_EQ(texts(table.dimension()), (Texts{u"130", u"80", u"150"}));
+    EXPECT_EQ(table.tag(table.dimension(), "QUORVEL_STOPCELL02"), "0,100,160");
+    // The mark passes the free stop: they are put in order from the first point on.
+    table.move(mark, 0, -110);
+    recalculate();
+    EXPECT_EQ(texts(table.dimension()), (Texts{u"20", u"30", u"150"}));
+    EXPECT_EQ(table.tag(table.dimension(), "QUORVEL_STOPCELL01"),
+              table.tag(mark, "quorvel_object_id") + ",0,0,100,130");
 }
 
 TEST_F(Recalculate, CurveKindsStayCurves) {

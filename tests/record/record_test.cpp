@@ -376,8 +376,12 @@ TEST_P(Record, FindsTheNearestOfWhatCanBeMeasured) {
         const PathSegment anchors[] = {Corner({0, 0}), Corner({1, 1})};
         return document.setSegments(member, 0, anchors) && document.setStyle(member, *document.find(near)->path->style);
     });
-    for (ArtId art : {near, far, compound, member}) setTag(art, kObjectIdTag, "5");
-    EXPECT_EQ(count(5), 2);
+    for (ArtId art : {far, compound, member}) setTag(art, kObjectIdTag, "5");
+    setTag(near, kObjectIdTag, "005");
+    EXPECT_EQ(count(5), 3) << "members of a compound path count, the compound path itself does not";
+    EXPECT_EQ(find(5, 1, {0, 0}), member);
+    table.change([&](Document& document) { return document.setHidden(compound, true); });
+    EXPECT_EQ(count(5), 2) << "hidden with all its members";
     EXPECT_EQ(find(5, 0, {0, 0}), near);
     EXPECT_EQ(find(5, 1, {320, 100}), far);
     // The nearest decides, then its anchors do.
@@ -443,17 +447,21 @@ class PlainWalk {
   private:
     void walk(ArtId id, bool inDimension) {
         const Art& art = *document_.find(id);
-        if (art.kind == kGroupArt) {
-            const bool dimension = document_.tag(id, "QUORVEL_TOOLCNF") != nullptr;
+        if (art.kind == kGroupArt || art.kind == kCompoundPathArt) {
+            const bool dimension = art.kind == kGroupArt && document_.tag(id, "QUORVEL_TOOLCNF") != nullptr;
             if (dimension && !inDimension) dimensions.push_back(id);
             for (ArtId child = art.firstChild; child != 0; child = document_.find(child)->below)
-                walk(child, inDimension || dimension);
+                walk(child, inDimension || dimension || art.kind == kCompoundPathArt);
         } else if (art.kind == kTextFrameArt) {
             measurable.push_back(id);
-        } else if (art.path && !art.hidden && !art.path->guide && art.path->style != nullptr &&
-                   (art.path->style->fillPaint || art.path->style->strokePaint)) {
+        } else if (art.path && !art.hidden && !isInHiddenCompound(art) && !art.path->guide &&
+                   art.path->style != nullptr && (art.path->style->fillPaint || art.path->style->strokePaint)) {
             measurable.push_back(id);
         }
+    }
+    bool isInHiddenCompound(const Art& art) const {
+        const Art& parent = *document_.find(art.parent);
+        return parent.kind == kCompoundPathArt && parent.hidden;
     }
     const Document& document_;
 };
