@@ -4,7 +4,6 @@
 #include "app/recorder.h"
 
 #include <charconv>
-#include <filesystem>
 #include <utility>
 
 #include "app/script.h"
@@ -55,17 +54,25 @@ std::string stepText(const platform::DialogStep& step) {
 std::string shortestText(double value) { return printed(value); }
 std::string shortestText(float value) { return printed(value); }
 
-Recorder::~Recorder() { flush(); }
+Recorder::~Recorder() {
+    if (file_) static_cast<void>(file_->finish());  // nobody is left to tell
+}
 
-bool Recorder::open(const std::string& path, std::optional<std::uint64_t> seed) {
+Status Recorder::open(const std::string& path, std::optional<std::uint64_t> seed) {
+    Result<files::GrowingFile> file = files::GrowingFile::create(path);
+    if (!file) return std::move(file.error()).inFile(path);
     path_ = path;
-    out_.open(path, std::ios::binary | std::ios::trunc);
+    file_ = std::move(*file);
     tail_.lines = {"# Recorded by quorvel-desktop.",
                    seed ? "# Replay it with --seed " + std::to_string(*seed) + ", so that object ids are the same."
                         : "# The random numbers were the system's: object ids differ in each replay."};
+    std::optional<Error> failure;
+    const auto told = std::exchange(writeFailed, [&failure](const Error& error) { failure = error; });
     write();
+    writeFailed = told;
+    if (failure) return *failure;
     settle();
-    return out_.is_open() && out_.good();
+    return {};
 }
 
 void Recorder::settle() {
@@ -80,16 +87,11 @@ void Recorder::write() {
     for (const auto* part : {&tail_.replies, &tail_.lines, &tail_.expectations})
         for (const std::string& line : *part)
             if (!line.empty()) text += line + '\n';
-    out_.seekp(static_cast<std::streamoff>(settled_));
-    out_ << text;
-    out_.flush();
-    const std::uintmax_t former = std::exchange(end_, settled_ + text.size());
-    std::error_code failed;  // a file that can't be cut keeps lines too many; the stream's own failure is told by open
-    if (end_ < former) std::filesystem::resize_file(path_, end_, failed);
-}
-
-void Recorder::flush() {
-    if (on()) out_.flush();
+    end_ = settled_ + text.size();
+    const Status written = file_->rewriteEnd(settled_, text);
+    if (written) return;
+    file_.reset();
+    if (writeFailed) writeFailed(Error(written.error()).inFile(path_));
 }
 
 void Recorder::line(const std::string& text) {

@@ -3,12 +3,14 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/result.h"
+#include "files/growing_file.h"
 #include "hostapi/types.h"
 #include "platform/headless/headless.h"
 
@@ -21,12 +23,12 @@ class Recorder {
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
-    // False when the file cannot be written. seed: of the random numbers, which a replay must have too; none: they were
-    // the system's, and the file says what that means.
-    bool open(const std::string& path, std::optional<std::uint64_t> seed);
-    bool on() const { return out_.is_open(); }
-    // Everything is in the file at once; this says it to whoever reads the file meanwhile.
-    void flush();
+    // seed: of the random numbers, which a replay must have too; none: they were the system's, and the file says what
+    // that means.
+    [[nodiscard]] Status open(const std::string& path, std::optional<std::uint64_t> seed);
+    bool on() const { return file_.has_value(); }
+    // Called when the file can no longer be written, once. The recording ends there.
+    std::function<void(const Error&)> writeFailed;
 
     // To be called before the action, so that the file has the line of an action that crashes the program. The replies
     // that the action asks for are written before the line.
@@ -71,9 +73,9 @@ class Recorder {
     void reply(const std::string& text);
     void sayTick();
 
-    std::ofstream out_;
+    std::optional<files::GrowingFile> file_;
     std::string path_;
-    std::uintmax_t settled_ = 0, end_ = 0;  // bytes of the file: ahead of the tail, in all
+    std::uint64_t settled_ = 0, end_ = 0;  // bytes of the file: ahead of the tail, in all
     Tail tail_;
     std::vector<std::size_t> openDialogs_;    // places among the replies, the outermost first
     std::vector<std::size_t> done_, undone_;  // script steps of each step of the drawing

@@ -97,7 +97,8 @@ void Session::connectUser() {
 Status Session::start() {
     if (const Status prepared = plugin_->prepare(); !prepared) return prepared;
     if (!recordFile_.empty()) {
-        if (!recorder_.open(recordFile_, options_.seed)) return makeError(ErrorCode::kNotWritable).inFile(recordFile_);
+        if (const Status opened = recorder_.open(recordFile_, options_.seed); !opened) return opened;
+        recorder_.writeFailed = [this](const Error& failure) { emit recordingFailed(failure); };
         recordSettings();
     }
     host().setRulerUnit(kFirstUnit);
@@ -112,7 +113,6 @@ Status Session::start() {
 void Session::shutdown() {
     if (!plugin_->started()) return;
     plugin_->shutdown();
-    recorder_.flush();
 }
 
 // The current settings are recorded too: another machine has others.

@@ -58,6 +58,7 @@ class Session : public QObject {
     void stepMade(const QString& name);
     void panelShown(bool shown);
     void progressed(int current, int maximum);
+    void recordingFailed(const Error& error);
 
   private:
     void connectHost();

@@ -3,7 +3,10 @@
 
 #include <unistd.h>
 
+#include <string_view>
 #include <utility>
+
+#include "base/result.h"
 
 namespace quorvel::files {
 
@@ -31,5 +34,8 @@ class Descriptor {
   private:
     int number_;
 };
+
+// All bytes, however many calls it takes.
+[[nodiscard]] Status writeAll(int descriptor, std::string_view bytes);
 
 }  // namespace quorvel::files

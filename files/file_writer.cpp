@@ -26,16 +26,6 @@ class FileWriter::Method {
 
 namespace {
 
-Status writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t put = ::write(descriptor, bytes.data(), bytes.size());
-        if (put < 0 && errno == EINTR) continue;
-        if (put < 0) return systemError(errno);
-        bytes.remove_prefix(static_cast<std::size_t>(put));
-    }
-    return {};
-}
-
 Status synchronize(int descriptor) {
     // A file system that cannot synchronize this kind of file says EINVAL; there is nothing to wait for then.
     if (::fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS) return {};

@@ -24,12 +24,13 @@ Result<std::string> stateFolder(std::string_view below) {
     } else {
         return systemError(ENOENT);
     }
-    folder /= "quorvel";
-    folder /= below;
     std::error_code error;
-    fs::create_directories(folder.parent_path(), error);
+    fs::create_directories(folder, error);
     if (error) return systemError(error.value());
-    if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) return systemError(errno);
+    for (const fs::path& name : fs::path("quorvel") / below) {
+        folder /= name;
+        if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) return systemError(errno);
+    }
     return folder.string();
 }
 

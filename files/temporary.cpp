@@ -43,14 +43,18 @@ bool isUnlocked(int folder, const char* name) {
 }  // namespace
 
 Result<Temporary> Temporary::make(int folder, const std::string& targetName, unsigned mode) {
-    const int unnamed = ::openat(folder, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode);
-    if (unnamed >= 0) return Temporary(Descriptor(unnamed), "");
+    // A lock that the file system cannot give is no reason to refuse.
+    Descriptor unnamed(::openat(folder, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode));
+    if (unnamed.isOpen()) {
+        ::flock(unnamed.get(), LOCK_EX | LOCK_NB);
+        return Temporary(std::move(unnamed), "");
+    }
     constexpr int kAttempts = 100;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         std::string name = newName(targetName);
         Descriptor file(::openat(folder, name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, mode));
         if (file.isOpen()) {
-            ::flock(file.get(), LOCK_EX | LOCK_NB);  // no file system without locks is a reason to refuse
+            ::flock(file.get(), LOCK_EX | LOCK_NB);
             return Temporary(std::move(file), std::move(name));
         }
         if (errno != EEXIST) return systemError(errno);

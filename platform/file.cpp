@@ -2,17 +2,28 @@
 // folder, or waits on something that is no plain file: a pipe or a device in a file's place counts as no file.
 #include "platform/file.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <system_error>
+#include <utility>
+
+#include "files/descriptor.h"
+#include "files/file_reader.h"
+#include "files/file_writer.h"
+#include "files/folder_lock.h"
 
 #include "platform/backend/backend.h"
 
 namespace quorvel::platform {
 
+// A new file, or one that is appended to.
 struct OpenFile {
-    std::FILE* stream;
+    std::optional<files::FileWriter> writer;
+    files::Descriptor appended;
+    bool isWhole = true;  // every write has succeeded
 };
 
 namespace {
@@ -27,7 +38,8 @@ fs::path SystemPath(std::string_view text) {
     if (text.find('\0') != std::string_view::npos) return {};
     std::string mapped(text);
     std::replace(mapped.begin(), mapped.end(), '\\', '/');
-    return fs::path(std::u8string(mapped.begin(), mapped.end())).make_preferred();
+    const fs::path path(std::u8string(mapped.begin(), mapped.end()));
+    return path == "-" ? fs::path("./-") : path;  // here it is a name, not the standard output
 }
 
 bool IsPlainFile(const fs::path& path) {
@@ -39,16 +51,6 @@ bool IsPlainFileOrAbsent(const fs::path& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     return !path.empty() && (fs::is_regular_file(status) || status.type() == fs::file_type::not_found);
-}
-
-FileRef OpenStream(const std::string& path, const char* mode) {
-    const fs::path target = SystemPath(path);
-    if (!IsPlainFileOrAbsent(target)) return nullptr;
-    std::FILE* stream = std::fopen(target.string().c_str(), mode);
-    if (stream == nullptr) return nullptr;
-    // Unbuffered, so that a full disk shows in the write that meets it and not in a close that tells nobody.
-    std::setvbuf(stream, nullptr, _IONBF, 0);
-    return new OpenFile{stream};
 }
 
 }  // namespace
@@ -82,26 +84,15 @@ bool CreateFolder(const std::string& path) {
 bool FileCanBeOpened(const std::string& path) {
     const fs::path target = SystemPath(path);
     if (!IsPlainFile(target)) return false;
-    std::FILE* stream = std::fopen(target.string().c_str(), "rb");
-    if (stream == nullptr) return false;
-    std::fclose(stream);
-    return true;
+    return files::Descriptor(::open(target.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)).isOpen();
 }
 
 bool ReadWholeFile(const std::string& path, std::string* bytes) {
     const fs::path target = SystemPath(path);
     if (!IsPlainFile(target)) return false;
-    std::FILE* stream = std::fopen(target.string().c_str(), "rb");
-    if (stream == nullptr) return false;
-    std::string content;
-    char buffer[65536];
-    std::size_t count;
-    while ((count = std::fread(buffer, 1, sizeof buffer, stream)) > 0 && content.size() + count <= kLargestFile)
-        content.append(buffer, count);
-    const bool whole = count == 0 && std::ferror(stream) == 0;
-    std::fclose(stream);
-    if (whole) bytes->swap(content);
-    return whole;
+    Result<std::string> content = files::readFile(target.string(), kLargestFile);
+    if (content) bytes->swap(*content);
+    return static_cast<bool>(content);
 }
 
 bool DeleteFile(const std::string& path) {
@@ -124,19 +115,43 @@ std::vector<std::string> FileNames(const std::string& folder) {
     return names;
 }
 
-FileRef CreateNewFile(const std::string& path) { return OpenStream(path, "wb"); }
+FileRef CreateNewFile(const std::string& path) {
+    const fs::path target = SystemPath(path);
+    if (!IsPlainFileOrAbsent(target)) return nullptr;
+    Result<files::FileWriter> writer = files::FileWriter::open(target.string());
+    if (!writer) return nullptr;
+    return new OpenFile{std::move(*writer), files::Descriptor()};
+}
 
-FileRef OpenForAppending(const std::string& path) { return OpenStream(path, "ab"); }
+FileRef OpenForAppending(const std::string& path) {
+    const fs::path target = SystemPath(path);
+    if (!IsPlainFileOrAbsent(target)) return nullptr;
+    files::Descriptor file(::open(target.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
+    if (!file.isOpen()) return nullptr;
+    return new OpenFile{std::nullopt, std::move(file)};
+}
 
 bool WriteToFile(FileRef file, std::string_view bytes) {
     if (file == nullptr) return false;
-    return std::fwrite(bytes.data(), 1, bytes.size(), file->stream) == bytes.size();
+    const Status written = file->writer ? file->writer->write(bytes) : files::writeAll(file->appended.get(), bytes);
+    file->isWhole &= static_cast<bool>(written);
+    return static_cast<bool>(written);
 }
 
-void CloseFile(FileRef file) {
-    if (file == nullptr) return;
-    std::fclose(file->stream);
+bool CloseFile(FileRef file) {
+    if (file == nullptr) return false;
+    bool isKept = file->isWhole;
+    if (file->writer && isKept) isKept = static_cast<bool>(file->writer->commit());
+    if (!file->writer) isKept &= file->appended.close();
     delete file;
+    return isKept;
 }
+
+struct FolderLock::Held {
+    files::FolderLock lock;
+};
+
+FolderLock::FolderLock(const std::string& folder) : held_(new Held{files::FolderLock(SystemPath(folder).string())}) {}
+FolderLock::~FolderLock() { delete held_; }
 
 }  // namespace quorvel::platform

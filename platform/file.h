@@ -2,7 +2,6 @@
 // to the system's own. An empty path makes every operation fail.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,12 +24,27 @@ bool DeleteFile(const std::string& path);
 std::vector<std::string> FileNames(const std::string& folder);
 
 using FileRef = struct OpenFile*;
-// Null when it cannot be created; an existing file is emptied.
+// What is written takes the place of a file that is there when it is closed, if all of it could be written; else that
+// file stays. Null when it cannot be created.
 FileRef CreateNewFile(const std::string& path);
 // Opens for writing behind the end, creating the file when there is none. Null when neither works.
 FileRef OpenForAppending(const std::string& path);
 bool WriteToFile(FileRef file, std::string_view bytes);
-// Null is passed over.
-void CloseFile(FileRef file);
+// True when all that was written is on the disk. Null is passed over.
+bool CloseFile(FileRef file);
+
+// One writer at a time in a folder, among all programs: for who reads a file, changes it and writes it back. Held until
+// it is destroyed; not to be nested. Where the system cannot lock, the work goes on without it.
+class FolderLock {
+  public:
+    explicit FolderLock(const std::string& folder);
+    ~FolderLock();
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+  private:
+    struct Held;
+    Held* held_;
+};
 
 }  // namespace quorvel::platform

@@ -23,6 +23,7 @@
 #include <QStandardPaths>
 
 #include "app/script.h"
+#include "files/file_writer.h"
 #include "interchange/svg/svg.h"
 
 namespace quorvel::desktop {
@@ -339,8 +340,9 @@ void DrawingFile::autosave() {
 }
 
 void DrawingFile::noteOrigin() {
-    QFile origin(copyPath_ + QLatin1String(kOriginEnding));
-    if (origin.open(QIODevice::WriteOnly)) origin.write((path_.isEmpty() ? origin_ : path_).toUtf8());
+    const std::string path = QFile::encodeName(copyPath_ + QLatin1String(kOriginEnding)).toStdString();
+    // A copy without it is offered as one of an unsaved drawing.
+    static_cast<void>(files::writeFile(path, (path_.isEmpty() ? origin_ : path_).toStdString()));
 }
 
 void DrawingFile::dropCopy() {

@@ -198,6 +198,13 @@ void MainWindow::connectAll() {
     connect(&file_, &DrawingFile::warned, this, [this](const QStringList& warnings) {
         statusBar()->showMessage(warnings.join(QStringLiteral(" · ")), 8000);
     });
+    // Later: what is being recorded may be in the middle of a gesture.
+    const auto tellRecordingEnds = [this](const Error& error) {
+        const QString cause = QString::fromStdString(app::sentence(error, session_->language()));
+        QMessageBox::warning(this, QStringLiteral("Quorvel"),
+                             session_->say("The recording ends here. %1", "記録はここで終わります。%1").arg(cause));
+    };
+    connect(session_, &Session::recordingFailed, this, tellRecordingEnds, Qt::QueuedConnection);
     if (infoDock_ == nullptr) return;
     // The dock's own cross must tell the plug-in, which keeps its menu item by what the host says of the panel.
     connect(infoDock_, &QDockWidget::visibilityChanged, this, [this] {

@@ -7,15 +7,19 @@
 #include <vector>
 
 #include "plugin/dimensioning/units.h"
+#include "plugin/settings/prefs_file.h"
 #include "plugin/shell/services.h"
 
 namespace quorvel {
 
-std::int32_t RunPluginDialog(const PluginGlobals* globals, DialogId id, const platform::WindowLogic& logic,
-                             void* context) {
+std::int32_t RunPluginDialog(PluginGlobals* globals, DialogId id, const platform::WindowLogic& logic, void* context) {
     const std::int32_t offset = globals->language != kJapanese ? kEnglishDialogOffset : 0;
     const platform::DialogTemplate* dialog = FindDialogTemplate(id + offset);
-    return dialog == nullptr ? kResultCancel : platform::RunDialog(*dialog, logic, context);
+    if (dialog == nullptr) return kResultCancel;
+    const std::int32_t result = platform::RunDialog(*dialog, logic, context);
+    // A preset's name is only part of what the dialog around it confirms.
+    if (result == kResultOk && id != kSaveAsDialog) SaveConfirmedSettings(globals);
+    return result;
 }
 
 std::string ControlText(platform::WindowRef window, std::int32_t control, int limit) {

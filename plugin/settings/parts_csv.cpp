@@ -39,12 +39,10 @@ std::string CsvText(const PluginGlobals* globals) {
 }  // namespace
 
 std::int32_t WritePartsCsv(const PluginGlobals* globals, const std::string& path) {
-    platform::DeleteFile(path);
     platform::FileRef file = platform::CreateNewFile(path);
     if (file == nullptr) return 0;
-    const bool written = platform::WriteToFile(file, CsvText(globals));
-    platform::CloseFile(file);
-    return written ? 1 : 0;
+    static_cast<void>(platform::WriteToFile(file, CsvText(globals)));  // closing tells of a failure
+    return platform::CloseFile(file) ? 1 : 0;
 }
 
 std::int32_t ReadPartsCsv(PluginGlobals* globals, const std::string& path) {

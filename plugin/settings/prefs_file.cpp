@@ -2,14 +2,14 @@
 // holds every key; presets and the factory file hold the title block and the parts list.
 #include "plugin/settings/prefs_file.h"
 
-#include <cctype>
-#include <cstdio>
 #include <cstring>
 
 #include "hostapi/names.h"
 #include "platform/file.h"
+#include "platform/system.h"
 #include "platform/text.h"
 #include "plugin/settings/prefs_keys.h"
+#include "plugin/settings/prefs_merge.h"
 #include "plugin/shell/services.h"
 
 namespace quorvel {
@@ -59,34 +59,15 @@ void AppendPartRows(const PrefsRecord& prefs, std::string* text) {
     for (int i = 0; i < kPartRowCount; ++i) {
         const ZwkPartRow& row = prefs.flZwkParts[i];
         if (PartRowIsEmpty(row)) continue;
-        char digits[16];
-        std::snprintf(digits, sizeof digits, "%2.2d", i);
-        for (const PartColumn& column : kPartColumns) {
-            *text += FileLine(std::string(column.key) + digits, Quoted(PartText(row, column)));
-        }
+        for (const PartColumn& column : kPartColumns)
+            *text += FileLine(PartKeyName(i, column), Quoted(PartText(row, column)));
     }
 }
 
-// The row that a key's last two digits name; -1 when they are no digits.
-int PartRowOfKey(std::string_view key) {
-    if (key.size() < 2) return -1;
-    const unsigned char tens = static_cast<unsigned char>(key[key.size() - 2]);
-    const unsigned char ones = static_cast<unsigned char>(key[key.size() - 1]);
-    if (!std::isdigit(tens) || !std::isdigit(ones)) return -1;
-    return (tens - '0') * 10 + (ones - '0');
-}
-
-// The stem of a row key may be shortened: the first column that begins with it takes the value.
 bool StorePartField(PrefsRecord* prefs, std::string_view key, std::string_view value) {
-    const int row = PartRowOfKey(key);
-    if (row < 0) return false;
-    const std::string_view stem = key.substr(0, key.size() - 2);
-    for (const PartColumn& column : kPartColumns) {
-        if (!column.key.starts_with(stem)) continue;
-        StorePartText(&prefs->flZwkParts[row], column, value);
-        return true;
-    }
-    return false;
+    const PartKey part = FindPartKey(key);
+    if (part.column != nullptr) StorePartText(&prefs->flZwkParts[part.row], *part.column, value);
+    return part.column != nullptr;
 }
 
 bool StoreByKey(PluginGlobals* globals, std::string_view name, std::string_view value, bool mainFile) {
@@ -97,7 +78,24 @@ bool StoreByKey(PluginGlobals* globals, std::string_view name, std::string_view 
     return true;
 }
 
+bool WriteText(const std::string& path, std::string_view text) {
+    const platform::FileRef file = platform::CreateNewFile(path);
+    static_cast<void>(platform::WriteToFile(file, text));  // closing tells of a failure
+    return platform::CloseFile(file);
+}
+
+void NoteSettingsOnFile(PluginGlobals* globals, const std::string& text) {
+    ForgetSettingsOnFile(globals);
+    globals->settingsOnFile = static_cast<char*>(platform::AllocateZeroed(text.size() + 1));
+    if (globals->settingsOnFile != nullptr) std::memcpy(globals->settingsOnFile, text.c_str(), text.size());
+}
+
 }  // namespace
+
+void ForgetSettingsOnFile(PluginGlobals* globals) {
+    if (globals->settingsOnFile != nullptr) platform::FreeZeroed(globals->settingsOnFile);
+    globals->settingsOnFile = nullptr;
+}
 
 void StoreDefaults(PluginGlobals* globals) {
     for (const PrefsKey& key : PrefsKeys()) StorePrefsDefault(globals, key);
@@ -133,20 +131,28 @@ std::string PresetPath(const char* name) {
 
 std::int32_t ReadPrefsFile(PluginGlobals* globals, const char* name) {
     std::string text;
-    if (!platform::ReadWholeFile(FilePath(name, true), &text)) return 0;
-    ParsePrefsText(globals, text, name == nullptr);
-    return 1;
+    const bool isRead = platform::ReadWholeFile(FilePath(name, true), &text);
+    if (isRead) ParsePrefsText(globals, text, name == nullptr);
+    if (name == nullptr) NoteSettingsOnFile(globals, ComposePrefsText(globals, true));
+    return isRead ? 1 : 0;
 }
 
 std::int32_t WritePrefsFile(PluginGlobals* globals, const char* name) {
     if (IsUntitled(name)) return 1;
     const std::string path = FilePath(name, false);
-    platform::DeleteFile(path);
-    const platform::FileRef file = platform::CreateNewFile(path);
-    if (file == nullptr) return 0;
-    const bool written = platform::WriteToFile(file, ComposePrefsText(globals, name == nullptr));
-    platform::CloseFile(file);
-    return written ? 1 : 0;
+    if (name != nullptr) return WriteText(path, ComposePrefsText(globals, false)) ? 1 : 0;
+    const platform::FolderLock lock(PrefsFolderPath());
+    const std::string text = ComposePrefsText(globals, true);
+    std::string onFile;
+    const bool isMerged = globals->settingsOnFile != nullptr && platform::ReadWholeFile(path, &onFile);
+    if (!WriteText(path, isMerged ? MergeSettings(*globals, globals->settingsOnFile, onFile) : text)) return 0;
+    NoteSettingsOnFile(globals, text);
+    return 1;
+}
+
+void SaveConfirmedSettings(PluginGlobals* globals) {
+    if (globals->settingsOnFile != nullptr && ComposePrefsText(globals, true) == globals->settingsOnFile) return;
+    static_cast<void>(WritePrefsFile(globals, nullptr));  // tried again at shutdown
 }
 
 std::string ComposePrefsText(const PluginGlobals* globals, bool mainFile) {
@@ -171,10 +177,7 @@ void ParsePrefsText(PluginGlobals* globals, std::string_view text, bool mainFile
     }
 }
 
-bool SettingIsKnown(std::string_view key) {
-    PrefsRecord scratch{};
-    return FindPrefsKey(key) != nullptr || StorePartField(&scratch, key, {});
-}
+bool SettingIsKnown(std::string_view key) { return FindPrefsKey(key) != nullptr || FindPartKey(key).column != nullptr; }
 
 bool SetFieldByKey(PluginGlobals* globals, std::string_view key, std::string_view value) {
     const PrefsKey* row = FindPrefsKey(key);

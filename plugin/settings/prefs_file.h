@@ -21,7 +21,13 @@ constexpr char kUntitledPreset[] = "Untitled";
 // name: null for the main file, else a preset's name in the system code page ("Untitled" reads the factory file and
 // writes nothing). 1 on success, 0 when the file cannot be opened or created.
 std::int32_t ReadPrefsFile(PluginGlobals* globals, const char* name);
+// The main file is read again and only what has changed here since it was read or written last is changed in it, so
+// that programs with one profile keep each other's settings.
 std::int32_t WritePrefsFile(PluginGlobals* globals, const char* name);
+// Writes the main file when a setting has changed, as the OK of a dialog does.
+void SaveConfirmedSettings(PluginGlobals* globals);
+// At shutdown, behind the last write.
+void ForgetSettingsOnFile(PluginGlobals* globals);
 // The path of a preset's file; empty when the name is no file name.
 std::string PresetPath(const char* name);
 std::string PresetFolder();

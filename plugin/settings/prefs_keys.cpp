@@ -2,6 +2,7 @@
 #include "plugin/settings/prefs_keys.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -244,5 +245,18 @@ const char* PartText(const ZwkPartRow& row, const PartColumn& column) {
 void StorePartText(ZwkPartRow* row, const PartColumn& column, std::string_view text) {
     CopyCut(reinterpret_cast<char*>(row) + column.offset, column.size, text);
 }
+
+PartKey FindPartKey(std::string_view key) {
+    if (key.size() < 2) return {};
+    const unsigned char tens = static_cast<unsigned char>(key[key.size() - 2]);
+    const unsigned char ones = static_cast<unsigned char>(key[key.size() - 1]);
+    if (!std::isdigit(tens) || !std::isdigit(ones)) return {};
+    const std::string_view stem = key.substr(0, key.size() - 2);
+    for (const PartColumn& column : kPartColumns)
+        if (column.key.starts_with(stem)) return {(tens - '0') * 10 + (ones - '0'), &column};
+    return {};
+}
+
+std::string PartKeyName(int row, const PartColumn& column) { return std::string(column.key) + Print("%2.2d", row); }
 
 }  // namespace quorvel

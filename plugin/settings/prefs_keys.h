@@ -57,4 +57,12 @@ extern const PartColumn kPartColumns[kPartColumnCount];
 const char* PartText(const ZwkPartRow& row, const PartColumn& column);
 void StorePartText(ZwkPartRow* row, const PartColumn& column, std::string_view text);
 
+struct PartKey {
+    int row = 0;
+    const PartColumn* column = nullptr;  // null: the key is none of a row
+};
+// The last two characters are the row. What is in front of them may be shortened: the first column that begins with it.
+PartKey FindPartKey(std::string_view key);
+std::string PartKeyName(int row, const PartColumn& column);
+
 }  // namespace quorvel

@@ -64,6 +64,7 @@ struct PluginGlobals {
     double pressWords[2];       // zeroed at every Mouse Down
 
     std::uint16_t oldmode, language;
+    char* settingsOnFile;  // the main preference file's text as it was read or written last; null before
     char productName[64];
     char productVersion[64];
 };

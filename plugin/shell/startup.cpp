@@ -116,6 +116,7 @@ void ShutDown(PluginGlobals* globals) {
     FreeChainBuffers(globals);
     // There is nobody left to tell when it cannot be written.
     WritePrefsFile(globals, nullptr);
+    ForgetSettingsOnFile(globals);
     TakeDownPanel(globals);
 }
 

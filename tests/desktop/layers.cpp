@@ -157,7 +157,6 @@ TEST_F(Layers, ScriptMeansTheLayerThatWasClicked) {
     EXPECT_EQ(rig->document().currentLayer(), rig->document().layers()[1]);
     rig->window->undo();
     click(2, kTitle);
-    rig->session->recorder().flush();
     const std::string dump = rig->dump(), name = rig->home.path().toStdString() + "/recorded.script";
     std::ostringstream script;
     script << std::ifstream(name).rdbuf();

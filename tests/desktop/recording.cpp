@@ -1,5 +1,11 @@
 // What is recorded at the window makes the same drawing without one.
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QTreeWidget>
+#include <csignal>
 #include <fstream>
 #include <sstream>
 
@@ -211,6 +217,39 @@ TEST_F(RecorderFile, HoldsALineBeforeItIsDone) {
     app::Recorder unseeded;
     ASSERT_TRUE(unseeded.open(path(), std::nullopt));
     EXPECT_NE(ReadText(path()).find("ids differ"), std::string::npos);
+}
+
+TEST_F(RecorderFile, EndsWithOneWordWhenTheDiskIsFull) {
+    std::vector<Error> told;
+    recorder.writeFailed = [&told](const Error& error) { told.push_back(error); };
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{200, before.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    for (int i = 0; i < 20; ++i) recorder.line("tool \"Straight\"");
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told[0].file, path());
+    EXPECT_FALSE(recorder.on());
+}
+
+// A pipe has no end that could be written anew: it gets what is settled.
+TEST_F(RecorderFile, GoesThroughAPipeInOrder) {
+    const std::string pipe = folder.filePath("pipe").toStdString();
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    {
+        app::Recorder piped;
+        ASSERT_TRUE(piped.open(pipe, 7));
+        for (const float h : {1.0F, 2.0F, 3.0F}) piped.move("track", {h, 1}, 0);
+        piped.button("down", 0);
+    }
+    std::string text(1000, '\0');
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(::read(reader, text.data(), text.size()), 0)));
+    ::close(reader);
+    EXPECT_EQ(text.substr(text.find("track")), "track 2 1\ntrack 3 1\ndown\n");
 }
 
 TEST_F(RecorderFile, PutsRepliesAheadAndAlertsBehindTheirLine) {

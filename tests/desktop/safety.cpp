@@ -27,7 +27,11 @@ QByteArray BytesOf(const QString& path) {
     return file.readAll();
 }
 
-QDir RescueFolder() { return QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/rescue"); }
+QDir RescueFolder() {
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/rescue");
+    folder.mkpath(".");
+    return folder;
+}
 
 TEST(Safety, UnsavedChangesAreAskedFor) {
     WindowRig rig;

@@ -73,13 +73,13 @@ const std::vector<Rule>& rules() {
         {"svg/css", {"base/", "svg/css/", "svg/markup/", "svg/values/", "hostapi/"}},
         {"fonts", {"base/", "fonts/"}},
         {"document", {"base/", "document/", "hostapi/"}},
-        {"interchange", {"base/", "interchange/", "document/", "svg/", "fonts/", "hostapi/"}},
+        {"interchange", {"base/", "files/", "interchange/", "document/", "svg/", "fonts/", "hostapi/"}},
         {"host", {"base/", "host/", "interchange/", "document/", "fonts/", "hostapi/"}},
-        {"app", {"base/", "app/", "host/", "interchange/", "document/", "hostapi/", "platform/"}},
-        {"cli", {"base/", "cli/", "app/", "host/", "interchange/", "document/", "hostapi/", "platform/"}},
+        {"app", {"base/", "files/", "app/", "host/", "interchange/", "document/", "hostapi/", "platform/"}},
+        {"cli", {"base/", "files/", "cli/", "app/", "host/", "interchange/", "document/", "hostapi/", "platform/"}},
         {"render", {"base/", "files/", "render/", "app/", "interchange/", "document/", "svg/", "fonts/", "hostapi/"}},
         {"desktop",
-         {"base/", "desktop/", "render/", "app/", "host/", "interchange/", "document/", "fonts/", "hostapi/",
+         {"base/", "files/", "desktop/", "render/", "app/", "host/", "interchange/", "document/", "fonts/", "hostapi/",
           "platform/"}},
     };
     return all;

@@ -1,9 +1,11 @@
 #include "platform/file.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 
 #include "platform/text.h"
@@ -27,7 +29,7 @@ class FileTest : public testing::Test {
         const FileRef file = CreateNewFile(path);
         ASSERT_NE(file, nullptr) << path;
         EXPECT_TRUE(WriteToFile(file, bytes));
-        CloseFile(file);
+        EXPECT_TRUE(CloseFile(file));
     }
     std::string read(const std::string& path) {
         std::string bytes = "untouched";
@@ -63,6 +65,27 @@ TEST_F(FileTest, BytesComeBackWholeAndAppendingGoesBehindTheEnd) {
     EXPECT_TRUE(DeleteFile(path));
     EXPECT_FALSE(DeleteFile(path));
     EXPECT_FALSE(FileCanBeOpened(path));
+}
+
+TEST_F(FileTest, AFileStaysUntilItsSuccessorIsWhole) {
+    const std::string path = JoinPath(folder_, "kept");
+    write(path, "old");
+    const FileRef file = CreateNewFile(path);
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(WriteToFile(file, "new"));
+    EXPECT_EQ(read(path), "old");
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{2, before.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_FALSE(WriteToFile(file, "er"));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_TRUE(WriteToFile(file, "est")) << "the disk has room again, but a piece is missing";
+    EXPECT_FALSE(CloseFile(file));
+    EXPECT_EQ(read(path), "old");
+    EXPECT_EQ(FileNames(folder_), std::vector<std::string>{"kept"});
 }
 
 // The second byte of these characters in the system code page is a backslash; as a part of a name it separates nothing.
@@ -109,7 +132,7 @@ TEST_F(FileTest, WhatIsNoPlainFileIsRefusedWithoutWaiting) {
     }
     EXPECT_FALSE(CreateFolder(""));
     EXPECT_FALSE(WriteToFile(nullptr, "x"));
-    CloseFile(nullptr);
+    EXPECT_FALSE(CloseFile(nullptr));
 }
 
 }  // namespace

@@ -241,6 +241,11 @@ class PrefsFiles : public testing::Test {
         fs::create_directories(path.parent_path());
         std::ofstream(path, std::ios::binary) << text;
     }
+    std::string mainFile() const {
+        std::stringstream text;
+        text << std::ifstream(prefs() / "Quorvel.ini", std::ios::binary).rdbuf();
+        return text.str();
+    }
     int fileCount() const {
         int count = 0;
         for (const auto& entry : fs::recursive_directory_iterator(documents_)) count += entry.is_regular_file();
@@ -251,16 +256,58 @@ class PrefsFiles : public testing::Test {
     platform::HeadlessBackend backend_;
 };
 
-TEST_F(PrefsFiles, TheMainFileIsReplacedWhole) {
+TEST_F(PrefsFiles, TheMainFileIsWrittenInItsOrderAndKeepsForeignLines) {
     auto globals = Defaults();
     EXPECT_EQ(ReadPrefsFile(globals.get(), nullptr), 0) << "the first run";
-    write(prefs() / "Quorvel.ini", "flScFix = 2\nmine = 1\n");
+    EXPECT_EQ(WritePrefsFile(globals.get(), nullptr), 1);
+    EXPECT_EQ(mainFile(), ComposePrefsText(globals.get(), true));
+    write(prefs() / "Quorvel.ini", "' by hand\nflUseFlng = 0\nmine = 1\nflUseFcnt = 1\nflScFix = 2\nflScale=2.0");
     EXPECT_EQ(ReadPrefsFile(globals.get(), nullptr), 1);
     EXPECT_EQ(globals->prefs.flScFix, 2);
-    EXPECT_EQ(WritePrefsFile(globals.get(), nullptr), 1);
-    std::stringstream text;
-    text << std::ifstream(prefs() / "Quorvel.ini", std::ios::binary).rdbuf();
-    EXPECT_EQ(text.str(), ComposePrefsText(globals.get(), true));
+    globals->prefs.flUseFcnt = 0;  // never saved
+    for (int again = 0; again < 2; ++again) {
+        EXPECT_EQ(WritePrefsFile(globals.get(), nullptr), 1);
+        std::string expected = ComposePrefsText(globals.get(), true);
+        const std::string twice = "flUseFlng = 0\r\nflUseFlng = 0\r\n";
+        expected.insert(expected.find(twice) + twice.size(), "mine = 1\r\nflUseFcnt = 1\r\n");
+        EXPECT_EQ(mainFile(), "' by hand\r\n" + expected);
+    }
+}
+
+// Two programs with one profile: each has read the file, then both change it.
+TEST_F(PrefsFiles, ProgramsKeepEachOthersSettings) {
+    auto first = Defaults(), second = Defaults();
+    const auto set = [](const std::unique_ptr<PluginGlobals>& globals, const char* key, const char* value) {
+        ASSERT_TRUE(SetFieldByKey(globals.get(), key, value));
+    };
+    set(first, "flArDim2UnitName", "tsubo");
+    set(first, "flZwkPartsName03", "bolt");
+    set(first, "flZwkPartsName05", "nut");
+    ASSERT_EQ(WritePrefsFile(first.get(), nullptr), 1);
+    ASSERT_EQ(ReadPrefsFile(first.get(), nullptr), 1);
+    ASSERT_EQ(ReadPrefsFile(second.get(), nullptr), 1);
+
+    set(first, "flScale", "0.5");
+    set(first, "flArDim2UnitName", "");
+    set(first, "flZwkPartsName03", "");
+    set(first, "flZwkPartsWeight05", "2 kg");
+    ASSERT_EQ(WritePrefsFile(first.get(), nullptr), 1);
+    set(second, "flScFix", "3");
+    set(second, "flZwkPartsName07", "washer");
+    ASSERT_EQ(WritePrefsFile(second.get(), nullptr), 1);
+    ASSERT_EQ(WritePrefsFile(second.get(), nullptr), 1) << "what the other one has set is still the other one's";
+
+    auto wanted = Defaults();
+    for (const auto& [key, value] :
+         {std::pair("flScale", "0.5"), std::pair("flScFix", "3"), std::pair("flZwkPartsName05", "nut"),
+          std::pair("flZwkPartsWeight05", "2 kg"), std::pair("flZwkPartsName07", "washer")})
+        set(wanted, key, value);
+    EXPECT_EQ(mainFile(), ComposePrefsText(wanted.get(), true));
+    // Of one key that both change, the later one counts.
+    set(first, "flScFix", "1");
+    ASSERT_EQ(WritePrefsFile(first.get(), nullptr), 1);
+    set(wanted, "flScFix", "1");
+    EXPECT_EQ(mainFile(), ComposePrefsText(wanted.get(), true));
 }
 
 TEST_F(PrefsFiles, PresetsHoldTheTitleBlockAlone) {

@@ -5,8 +5,10 @@
 #include <cmath>
 
 #include "fonts/fonts.h"
+#include "plugin/settings/prefs_file.h"
 #include "plugin/settings/prefs_keys.h"
 #include "tests/support/drawing_hand.h"
+#include "tests/support/script_run.h"
 
 namespace quorvel::tests {
 namespace {
@@ -37,6 +39,8 @@ struct SettingsDialog : testing::TestWithParam<Language> {
         for (const PrefsKey& key : PrefsKeys()) all += FormatPrefsField(&hand.plugin->globals(), key) + '\n';
         return all;
     }
+
+    std::string onFile() { return readBytes(hand.plugin->settingsPath()); }
 
     DrawingHand hand;
 };
@@ -166,6 +170,7 @@ TEST_P(SettingsDialog, OkStoresEachField) {
          Type(25, "3pt"),    Type(28, "7"),   Type(18, "1 / 50"), Type(42, "1/0"),  Type(49, "tsubo" + longText),
          Type(51, "0.3025"), Pick(52, 0),     Type(55, "are"),    Type(57, "0.01"), Pick(58, 1),
          Press(kOk)});
+    EXPECT_EQ(onFile(), ComposePrefsText(&hand.plugin->globals(), true)) << "already before the shutdown";
     const PrefsRecord& p = hand.prefs();
     const std::pair<std::int16_t, std::int16_t> words[] = {
         {p.flArType, 1},         {p.flScFix, 4},      {p.flArUnit, 2},     {p.flArSpStr, 1},
@@ -196,9 +201,11 @@ TEST_P(SettingsDialog, OkStoresEachField) {
 
 TEST_P(SettingsDialog, CancelStoresNothing) {
     std::string before;
+    const std::string file = onFile();
     hand.spy->opened = [&] { before = snapshot(); };
     run({Pick(5, 3), Tick(12), Type(10, "30"), Type(36, "layer"), Type(18, "1/7"), Press(kCancel)});
     EXPECT_EQ(snapshot(), before);
+    EXPECT_EQ(onFile(), file);
 }
 
 TEST_P(SettingsDialog, RefusedValuesAreShownOneAfterTheOther) {
