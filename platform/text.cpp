@@ -142,6 +142,15 @@ std::string FromUtf8(std::string_view utf8, std::int32_t codePage) {
     return Convert(utf8, CharsetName(codePage), "UTF-8", PrivateByte, OneUtf8Character);
 }
 
+std::size_t FindUnwritable(std::string_view utf8, std::int32_t codePage) {
+    Converter& converter = ConverterFor(CharsetName(codePage), "UTF-8");
+    if (!converter.IsUsable()) return 0;
+    converter.Restart();
+    std::string_view rest = utf8;
+    std::string output;
+    return converter.Run(&rest, &output) ? std::string_view::npos : utf8.size() - rest.size();
+}
+
 std::uint16_t MacRomanToUnicode(std::uint8_t byte) { return byte < 0x80 ? byte : kMacRoman[byte - 0x80]; }
 
 }  // namespace quorvel::platform

@@ -18,6 +18,8 @@ std::string ToUtf8(std::string_view bytes, std::int32_t codePage);
 std::string ToUtf8AndBack(std::string_view bytes, std::int32_t codePage);
 // A character that the code page lacks becomes "?".
 std::string FromUtf8(std::string_view utf8, std::int32_t codePage);
+// The offset of the first character that the code page lacks, or of a byte that is no UTF-8; npos when there is none.
+std::size_t FindUnwritable(std::string_view utf8, std::int32_t codePage);
 // The published Mac OS Roman table for bytes 0x80 to 0xFF (0xDB is U+20AC, 0xF0 is U+F8FF); below 0x80 the byte itself.
 std::uint16_t MacRomanToUnicode(std::uint8_t byte);
 

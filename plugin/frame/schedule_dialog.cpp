@@ -243,10 +243,23 @@ void ExportParts(WindowRef window, ScheduleDialogState* state) {
     static_cast<void>(WritePartsCsv(state->globals, path));  // a failure is not told
 }
 
+bool AskToReplace(const UnwritableCharacter& unwritable) {
+    char text[256];
+    const std::string format =
+        ChooseText("%d 行 %d 列の文字 U+%04X はコードページ 932 にありません。\r\"?\" に置き換えて読み込みますか？",
+                   "Row %d, column %d: code page 932 has no character U+%04X.\rRead the list with \"?\" in its place?");
+    std::snprintf(text, sizeof text, format.c_str(), unwritable.row, unwritable.column,
+                  static_cast<unsigned>(unwritable.codePoint));
+    return platform::ShowMessageBox(text, "Quorvel", platform::MessageButtons::okCancel,
+                                    platform::MessageIcon::question);
+}
+
 void ImportParts(WindowRef window, ScheduleDialogState* state) {
     std::string path;
     if (!platform::AskOpenFile(kCsvFilter, kProposedCsv, &path)) return;
-    static_cast<void>(ReadPartsCsv(state->globals, path));
+    UnwritableCharacter unwritable;
+    if (ReadPartsCsv(state->globals, path, false, &unwritable) == 0 && unwritable.row > 0 && AskToReplace(unwritable))
+        static_cast<void>(ReadPartsCsv(state->globals, path, true, &unwritable));
     Refill(window, state);
 }
 

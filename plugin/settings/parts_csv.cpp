@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-constexpr std::size_t kCsvLineLimit = 512, kCsvTokenLimit = 127;
+constexpr std::size_t kCsvLineLimit = 512, kCsvTokenLimit = 127 + 1;  // an apostrophe
 constexpr char kCommentMark = '\'';
 
 std::vector<const PrefsKey*> HeaderKeys() {
@@ -24,15 +24,18 @@ std::vector<const PrefsKey*> HeaderKeys() {
 
 std::string CsvText(const PluginGlobals* globals) {
     std::string text;
+    const auto field = [globals](const std::string& value) {
+        return globals->flCsvRaw != 0 ? '"' + value + '"' : QuotedCsvField(value);
+    };
     for (const PrefsKey* key : HeaderKeys()) {
         const std::string value = FormatPrefsField(globals, *key);
-        text += key->type == FieldType::text ? '"' + value + "\"\r\n" : value + "\r\n";
+        text += (key->type == FieldType::text ? field(value) : value) + "\r\n";
     }
     const int rows = std::min<int>(globals->prefs.flZwkNumOfParts, kPartRowCount);
     for (int row = 0; row < rows; ++row)
         for (int i = 0; i < kPartColumnCount; ++i)
-            text += '"' + std::string(PartText(globals->prefs.flZwkParts[row], kPartColumns[i])) +
-                    (i + 1 < kPartColumnCount ? "\"," : "\"\r\n");
+            text += field(PartText(globals->prefs.flZwkParts[row], kPartColumns[i])) +
+                    (i + 1 < kPartColumnCount ? "," : "\r\n");
     return text;
 }
 
@@ -45,9 +48,15 @@ std::int32_t WritePartsCsv(const PluginGlobals* globals, const std::string& path
     return platform::CloseFile(file) ? 1 : 0;
 }
 
-std::int32_t ReadPartsCsv(PluginGlobals* globals, const std::string& path) {
+std::int32_t ReadPartsCsv(PluginGlobals* globals, const std::string& path, bool replaces,
+                          UnwritableCharacter* unwritable) {
     std::string text;
     if (!platform::ReadWholeFile(path, &text)) return 0;
+    if (CsvIsUtf8(text)) {
+        const std::optional<UnwritableCharacter> found = CsvFromUtf8(&text);
+        if (found) *unwritable = *found;
+        if (found && !replaces) return 0;
+    }
     ParsePartsCsv(globals, text);
     return 1;
 }
@@ -66,9 +75,9 @@ void ParsePartsCsv(PluginGlobals* globals, std::string_view text) {
         if (count >= 2) {
             if (nextRow >= kPartRowCount) continue;
             ZwkPartRow* row = &globals->prefs.flZwkParts[nextRow++];
-            for (int i = 0; i < kPartColumnCount; ++i) StorePartText(row, kPartColumns[i], tokens[i]);
+            for (int i = 0; i < kPartColumnCount; ++i) StorePartText(row, kPartColumns[i], PlainCsvField(tokens[i]));
         } else if (nextHeader < header.size()) {
-            StorePrefsField(globals, *header[nextHeader++], tokens[0]);
+            StorePrefsField(globals, *header[nextHeader++], PlainCsvField(tokens[0]));
         }
     }
 }

@@ -20,20 +20,20 @@ namespace {
     { #field, FieldType::real, KeyGroup::general, 1, IN_PREFS(field), initial, "" }
 #define TEXT(field, initial) \
     { #field, FieldType::text, KeyGroup::general, 1, IN_PREFS(field), 0, initial }
-// The switch that a file may set and that is never saved, and the one that is saved twice: files have always been so.
+// Switches that a file may set and that are never saved, and the one that is saved twice: files have always been so.
 #define INTEGER_LINES(field, initial, lines) \
     { #field, FieldType::integer, KeyGroup::general, lines, IN_PREFS(field), initial, "" }
 #define SCHEDULE_INTEGER(field) \
     { #field, FieldType::integer, KeyGroup::schedule, 1, IN_PREFS(field), 0, "" }
 #define SCHEDULE_TEXT(field) \
     { #field, FieldType::text, KeyGroup::schedule, 1, IN_PREFS(field), 0, "" }
-#define GLOBAL_WORD(field, type, group) \
-    { #field, type, group, 1, IN_GLOBALS(field), 0, "" }
+#define GLOBAL_WORD(field, type, group, lines) \
+    { #field, type, group, lines, IN_GLOBALS(field), 0, "" }
 
 constexpr double kFiveMillimetres = 14.17323;
 
 constexpr PrefsKey kKeys[] = {
-    GLOBAL_WORD(toolMode, FieldType::integer, KeyGroup::general),
+    GLOBAL_WORD(toolMode, FieldType::integer, KeyGroup::general, 1),
     TEXT(zwk_prefspath, ""),
     INTEGER(flOutLayer, 0),
     TEXT(flOutLname, "<<dimension lines>>"),
@@ -108,8 +108,9 @@ constexpr PrefsKey kKeys[] = {
     SCHEDULE_TEXT(flZwkComm2),
     SCHEDULE_TEXT(flZwkComm3),
     SCHEDULE_INTEGER(flZwkNumOfParts),
-    GLOBAL_WORD(oldmode, FieldType::integer, KeyGroup::closing),
-    GLOBAL_WORD(language, FieldType::language, KeyGroup::closing),
+    GLOBAL_WORD(oldmode, FieldType::integer, KeyGroup::closing, 1),
+    GLOBAL_WORD(language, FieldType::language, KeyGroup::closing, 1),
+    GLOBAL_WORD(flCsvRaw, FieldType::integer, KeyGroup::closing, 0),
 };
 
 #undef IN_PREFS

@@ -64,7 +64,8 @@ struct PluginGlobals {
     double pressWords[2];       // zeroed at every Mouse Down
 
     std::uint16_t oldmode, language;
-    char* settingsOnFile;  // the main preference file's text as it was read or written last; null before
+    std::int16_t flCsvRaw;  // nonzero: parts lists are written without a guard against formulas
+    char* settingsOnFile;   // the main preference file's text as it was read or written last; null before
     char productName[64];
     char productVersion[64];
 };

@@ -392,6 +392,14 @@ TEST_P(ScheduleDialog, PartsListsGoOutAndIn) {
          Look(34, "1"), Look(35, "bolt"), Look(42, "nut"), Look(43, "brass"), Look(kCount, "1"), Press(kCancel)});
     EXPECT_EQ(preset(), "one") << "a later Save goes to the current preset";
     EXPECT_STREQ(hand.prefs().flZwkParts[1].Source, "brass");
+    // A character that the code page lacks is asked about.
+    std::ofstream(path) << "2\n\"Überplatte\"\n";
+    for (const bool replaces : {false, true}) {
+        hand.spy->queueFile(path);
+        hand.spy->queueAnswer(replaces);
+        run({Pick(kPresets, kImport), Look(kTitle, replaces ? "?berplatte" : "out"), Press(kCancel)});
+    }
+    Put(hand.prefs().flZwkTitle, "out");
     // Refused, unreadable and unwritable files change nothing and say nothing.
     hand.spy->queueFileRefusal();
     hand.spy->queueFileRefusal();

@@ -13,6 +13,7 @@
 #include <random>
 #include <sstream>
 
+#include "platform/text.h"
 #include "plugin/settings/prefs_file.h"
 
 namespace quorvel {
@@ -52,6 +53,7 @@ struct PartsCsv : testing::Test {
 
     fs::path folder = fs::path(testing::TempDir()) / ("parts_csv_" + std::to_string(getpid()));
     std::unique_ptr<PluginGlobals> globals = std::make_unique<PluginGlobals>();
+    UnwritableCharacter unwritable;
 };
 
 constexpr char kHeader[] =
@@ -198,14 +200,89 @@ TEST_F(PartsCsv, HostileFiles) {
     }
 }
 
+// A spreadsheet runs what begins with a sign, also behind blanks, in wide characters, or behind a quote that ends a
+// field.
+TEST_F(PartsCsv, NoFieldIsAFormula) {
+    struct {
+        const char *field, *written;
+    } const kRows[] = {
+        {"=1+1", "'=1+1"},
+        {"@SUM(A1)", "'@SUM(A1)"},
+        {"+5V rail", "'+5V rail"},
+        {"-2 mm", "'-2 mm"},
+        {"  =A1", "'  =A1"},
+        {"\x81\x81\x82\x60", "'\x81\x81\x82\x60"},  // wide "=A"
+        {"'=1", "''=1"},
+        {"-2.5", "-2.5"},
+        {"+1e3", "+1e3"},
+        {"-", "-"},
+        {"\x81\x7C", "\x81\x7C"},  // wide "-"
+        {"'quoted'", "'quoted'"},
+        {"a=b", "a=b"},
+        {"1-2", "1-2"},
+    };
+    for (const auto& row : kRows) {
+        PrefsRecord& p = read(kHeader);
+        std::snprintf(p.flZwkTitle, sizeof p.flZwkTitle, "%s", row.field);
+        std::snprintf(p.flZwkParts[0].Weight, sizeof p.flZwkParts[0].Weight, "%s", row.field);
+        const std::string text = written();
+        EXPECT_EQ(text.find("1\r\n\"" + std::string(row.written) + "\"\r\n"), 0U) << text;
+        EXPECT_NE(text.find(",\"" + std::string(row.written) + "\","), std::string::npos) << text;
+        read(text);
+        EXPECT_STREQ(p.flZwkTitle, row.field);
+        EXPECT_STREQ(p.flZwkParts[0].Weight, row.field);
+    }
+    PrefsRecord& p = read(kHeader);
+    const std::string longest = "=" + std::string(126, 'x');
+    std::snprintf(p.flZwkTitle, sizeof p.flZwkTitle, "%s", longest.c_str());
+    read(written());
+    EXPECT_EQ(p.flZwkTitle, longest);
+    std::snprintf(p.flZwkTitle, sizeof p.flZwkTitle, "x\",\"=1+1");
+    EXPECT_NE(written().find("\r\n\"x\"\",\"\"=1+1\"\r\n"), std::string::npos) << "one field of quotes and all";
+    ASSERT_TRUE(SetFieldByKey(globals.get(), "flCsvRaw", "1"));
+    EXPECT_NE(written().find("\r\n\"x\",\"=1+1\"\r\n"), std::string::npos);
+}
+
+TEST_F(PartsCsv, ListsInUtf8AreRecognised) {
+    const auto readFile = [&](const std::string& text, bool replaces = false) {
+        const std::string path = (folder / "in.csv").string();
+        std::ofstream(path, std::ios::binary) << text;
+        unwritable = {};
+        return ReadPartsCsv(globals.get(), path, replaces, &unwritable);
+    };
+    const std::string plate = platform::FromUtf8("底板", 932);
+    const PrefsRecord& p = globals->prefs;
+    EXPECT_EQ(readFile("0\n底板\n"), 1);
+    EXPECT_EQ(p.flZwkTitle, plate);
+    EXPECT_EQ(readFile("\xEF\xBB\xBF"
+                       "0\nplain\n"),
+              1);
+    EXPECT_STREQ(p.flZwkTitle, "plain") << "the mark is none of the first line";
+    EXPECT_EQ(readFile("0\n" + plate + "\n"), 1);
+    EXPECT_EQ(p.flZwkTitle, plate) << "in the code page";
+    // 0xE9 is no character of its own in either; the list is not UTF-8, so that it is taken as it is.
+    EXPECT_EQ(readFile("0\ncaf\xE9\n"), 1);
+
+    const std::string foreign = "0\n\"底, 板\"\nbolt,\"x, y\",Überzug 𝄞\n";
+    EXPECT_EQ(readFile("0\n\"kept\"\n"), 1);
+    EXPECT_EQ(readFile(foreign), 0);
+    EXPECT_STREQ(p.flZwkTitle, "kept");
+    EXPECT_EQ(unwritable.row, 3);
+    EXPECT_EQ(unwritable.column, 3);
+    EXPECT_EQ(unwritable.codePoint, 0xDCU);
+    EXPECT_EQ(readFile(foreign, true), 1);
+    EXPECT_EQ(p.flZwkTitle, platform::FromUtf8("底, 板", 932));
+    EXPECT_STREQ(p.flZwkParts[0].Quantity, "?berzug?") << "unquoted, so that the blank goes";
+}
+
 TEST_F(PartsCsv, AFileThatCannotBeReachedChangesNothing) {
     read(kHeader);
-    EXPECT_EQ(ReadPartsCsv(globals.get(), (folder / "none.csv").string()), 0);
+    EXPECT_EQ(ReadPartsCsv(globals.get(), (folder / "none.csv").string(), false, &unwritable), 0);
     EXPECT_STREQ(globals->prefs.flZwkTitle, "title");
-    EXPECT_EQ(ReadPartsCsv(globals.get(), folder.string()), 0) << "a folder is no file";
+    EXPECT_EQ(ReadPartsCsv(globals.get(), folder.string(), false, &unwritable), 0) << "a folder is no file";
     EXPECT_EQ(WritePartsCsv(globals.get(), (folder / "none" / "out.csv").string()), 0);
     std::ofstream(folder / "empty.csv");
-    EXPECT_EQ(ReadPartsCsv(globals.get(), (folder / "empty.csv").string()), 1);
+    EXPECT_EQ(ReadPartsCsv(globals.get(), (folder / "empty.csv").string(), false, &unwritable), 1);
     EXPECT_STREQ(globals->prefs.flZwkTitle, "");
 }
 
