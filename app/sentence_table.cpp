@@ -90,6 +90,8 @@ constexpr SentenceRow kTable[] = {
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------
     {kPageNotWritable, 0, "the page cannot be written", "用紙を書き出せません"},
+    {kNotReadBack, 1, "what would be saved cannot be read again (line {1}); the file is left as it was",
+     "保存する内容を読み直せません ({1} 行目)。ファイルは元のままです"},
 
     // --- the profile and the plug-in ---------------------------------------------------------------------------------
     {kNotCreatable, 0, "cannot be created", "作成できません"},

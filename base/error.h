@@ -74,6 +74,7 @@ enum class ErrorCode : std::uint16_t {
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------
     kPageNotWritable,
+    kNotReadBack,  // 1: the line of the new text, 0 when it has none
 
     // --- the profile and the plug-in ---------------------------------------------------------------------------------
     kNotCreatable,

@@ -22,6 +22,7 @@ class FileWriter::Method {
     virtual ~Method() = default;
     virtual Status write(std::string_view bytes) = 0;
     virtual Status commit() = 0;
+    virtual bool isStream() const { return false; }
 };
 
 namespace {
@@ -132,6 +133,7 @@ class FileWriter::Stream : public Method {
     explicit Stream(Descriptor file) : file_(std::move(file)) {}
     Status write(std::string_view bytes) override { return writeAll(file_.get(), bytes); }
     Status commit() override { return file_.close() ? Status{} : Status{systemError(errno)}; }
+    bool isStream() const override { return true; }
 
   private:
     Descriptor file_;
@@ -201,6 +203,8 @@ Result<FileWriter> FileWriter::open(const std::string& path, const WriteOptions&
     if (!file) return file.error();
     return FileWriter(std::make_unique<Overwriting>(std::move(*file), target->folder + "/" + target->name));
 }
+
+bool FileWriter::isStream() const { return method_->isStream(); }
 
 Status FileWriter::write(std::string_view bytes) { return method_->write(bytes); }
 

@@ -26,6 +26,7 @@ class FileWriter {
     FileWriter& operator=(FileWriter&&) noexcept;
     ~FileWriter();  // without commit the target stays as it was
 
+    bool isStream() const;  // nothing of it can be taken back
     [[nodiscard]] Status write(std::string_view bytes);
     // The file is on the disk under its name afterwards.
     [[nodiscard]] Status commit();

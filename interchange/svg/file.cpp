@@ -1,10 +1,48 @@
 // Drawings on disk.
 #include "files/file_reader.h"
 #include "files/file_writer.h"
+#include "interchange/svg/source.h"
 #include "interchange/svg/svg.h"
 #include "svg/markup/xml_file.h"
 
 namespace quorvel::interchange {
+namespace {
+
+// A text of up to this size is read as a drawing, a larger one as markup: reading back must stay cheaper than opening.
+constexpr std::size_t kReadBackWhole = std::size_t{1} << 20;
+
+Status readBack(std::string text) {
+    Error error;
+    if (text.size() > kReadBackWhole) {
+        const Status checked = svg::checkMarkup(&text);
+        if (checked) return {};
+        error = checked.error();
+    } else {
+        const Result<SvgDrawing> read = readSvg(std::move(text));
+        if (read) return {};
+        error = read.error();
+    }
+    return makeError(ErrorCode::kNotReadBack, {std::to_string(error.line)});
+}
+
+Status save(const doc::Document& document, const std::string& path, std::string_view rulerUnit,
+            const SaveOptions& options) {
+    std::string text = writeSvg(document, rulerUnit);
+    if (text.empty()) return makeError(ErrorCode::kPageNotWritable);
+    Result<files::FileWriter> writer = files::FileWriter::open(path, {options.replacesReadOnly});
+    if (!writer) return writer.error();
+    const SvgSource* source = svgSource(document);
+    const bool isChanged = source == nullptr || *source->text != text;
+    // A stream has no old content that could be kept: it gets nothing that cannot be read.
+    if (isChanged && writer->isStream())
+        if (Status read = readBack(text); !read) return read;
+    if (Status written = writer->write(text); !written) return written;
+    if (isChanged && !writer->isStream())
+        if (Status read = readBack(std::move(text)); !read) return read;
+    return writer->commit();
+}
+
+}  // namespace
 
 Result<SvgDrawing> readSvgFile(const std::string& path) {
     Result<std::string> text = files::readFile(path, svg::kLargestFile);
@@ -15,11 +53,10 @@ Result<SvgDrawing> readSvgFile(const std::string& path) {
     return drawing;
 }
 
-Status saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit) {
-    const std::string text = writeSvg(document, rulerUnit);
-    if (text.empty()) return makeError(ErrorCode::kPageNotWritable).inFile(path);
-    const Status written = files::writeFile(path, text);
-    return written ? written : Error(written.error()).inFile(path);
+Status saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit,
+                   const SaveOptions& options) {
+    const Status saved = save(document, path, rulerUnit, options);
+    return saved ? saved : Error(saved.error()).inFile(path);
 }
 
 }  // namespace quorvel::interchange

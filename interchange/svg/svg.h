@@ -32,7 +32,12 @@ const std::vector<std::string>& paintTexts(const doc::Document& document);
 // The whole file with the document's changes spliced in; the text itself when nothing has changed. A document without a
 // source is written anew. An empty unit is the one that was read, or "pt".
 std::string writeSvg(const doc::Document& document, std::string_view rulerUnit = "");
-// Beside the target, then renamed over it. An error names the path, and the target is as it was.
-Status saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit);
+struct SaveOptions {
+    bool replacesReadOnly = false;  // else kReadOnlyFile
+};
+// Beside the target, read back when it was changed, then renamed over the target. An error names the path, and the
+// target is as it was.
+Status saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit,
+                   const SaveOptions& options = {});
 
 }  // namespace quorvel::interchange

@@ -93,6 +93,17 @@ XmlNode expandAttributes(pugi::xml_node root, const XmlEntities& entities, std::
 
 Error tooLargeFile() { return makeError(ErrorCode::kFileTooLarge, {std::to_string(kLargestFile >> 20)}); }
 
+Status checkMarkup(std::string* text) {
+    if (Status encoding = checkEncoding(*text); !encoding) return encoding;
+    pugi::xml_document document;
+    const std::size_t size = text->size();
+    // Nothing is rewritten, so that the lines can still be counted, but for the zero bytes behind names and values.
+    const pugi::xml_parse_result result =
+        document.load_buffer_inplace(text->data(), size, pugi::parse_minimal, pugi::encoding_utf8);
+    if (result) return {};
+    return atLine(*text, static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)), codeOf(result.status));
+}
+
 Status XmlFile::parse(std::string_view text) {
     if (text.size() > kLargestFile) return tooLargeFile();
     if (Status encoding = checkEncoding(text); !encoding) return encoding;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "base/result.h"
@@ -13,6 +14,10 @@ namespace quorvel::svg {
 
 constexpr std::size_t kLargestFile = std::size_t{512} << 20;
 Error tooLargeFile();
+
+// Whether the text is well-formed XML in UTF-8, with the line where it is not. Overwrites the text, so that no second
+// one is needed.
+Status checkMarkup(std::string* text);
 
 class XmlFile {
   public:

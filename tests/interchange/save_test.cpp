@@ -1,6 +1,11 @@
 // What saving changes in a file's text: nothing where nothing has changed, else the least. Expected texts are written
 // out by hand.
+#include <unistd.h>
+
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "tests/interchange/svg_support.h"
 
@@ -434,6 +439,30 @@ TEST(SvgWrite, TheRulerIsSaidOnlyWhenItChanged) {
     EXPECT_EQ(writeSvg(*document, "pt"), page(""));
     const Result<SvgDrawing> again = readSvg(writeSvg(*document, "mm"));
     EXPECT_EQ(again->rulerUnit, "mm");
+}
+
+// A drawing that could not be opened again does not take the place of one that can.
+TEST(SvgWrite, WhatCannotBeReadBackIsNotSaved) {
+    const std::string target = testing::TempDir() + "read_back-" + std::to_string(getpid()) + ".svg";
+    std::ofstream(target) << page("");
+    const auto document = open(page(""));
+    const doc::ArtId path = document->insertArt(kPathArt, kPlaceAboveAll, 0);
+    const auto put = [&](float far) {
+        const PathSegment ends[] = {{{0, 0}, {0, 0}, {0, 0}, 1}, {{far, 0}, {far, 0}, {far, 0}, 1}};
+        document->setSegments(path, 0, ends);
+        return saveSvgFile(*document, target, "");
+    };
+    const auto textOfTarget = [&] {
+        std::ifstream in(target);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    const Status saved = put(3e9F);
+    ASSERT_FALSE(saved);
+    EXPECT_EQ(saved.error().code, ErrorCode::kNotReadBack);
+    EXPECT_EQ(textOfTarget(), page(""));
+    ASSERT_TRUE(put(3e6F));
+    EXPECT_NE(textOfTarget(), page(""));
+    std::filesystem::remove(target);
 }
 
 TEST(SvgWrite, AFailureNamesTheFile) {
