@@ -1,18 +1,11 @@
-// Dimensions that follow their art: by hand what a moved, turned or deleted path does to each kind, and over random
-// dimensions that a rebuild changes nothing by itself and that all moves together.
+// Dimensions that follow their art: by hand what a moved, turned or deleted path does to each kind.
 #include "plugin/record/recalculate.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <random>
 
-#include "plugin/dimensioning/angle.h"
-#include "plugin/dimensioning/diameter.h"
-#include "plugin/dimensioning/linear.h"
-#include "plugin/dimensioning/radius.h"
 #include "tests/support/drafting_table.h"
 #include "tests/support/errors.h"
 
@@ -42,23 +35,12 @@ class Recalculate : public testing::Test {
         prefs.flArSpStr = 1;
     }
     ArtId linear(const char* tool, RealPoint from, RealPoint to, RealPoint placement,
-                 std::vector<RealPoint> stops = {}) {
-        table.choose(tool);
-        table.track(from);
-        table.down();
-        for (const RealPoint& stop : stops) {
-            table.drag(stop);
-            table.down(kAltModifier);
-            table.up(kAltModifier);
-        }
-        table.drag(to);
-        table.up();
-        table.track(placement);
-        table.down();
+                 const std::vector<RealPoint>& stops = {}) {
+        table.measure(tool, from, to, placement, stops);
         return table.dimensions().front();
     }
-    ArtId oblique(RealPoint from, RealPoint to, RealPoint placement, std::vector<RealPoint> stops = {}) {
-        return linear("Oblique Dimension Tool", from, to, placement, std::move(stops));
+    ArtId oblique(RealPoint from, RealPoint to, RealPoint placement, const std::vector<RealPoint>& stops = {}) {
+        return linear("Oblique Dimension Tool", from, to, placement, stops);
     }
     // By the action, agreeing.
     void recalculate() {
@@ -191,13 +173,7 @@ TEST_F(Recalculate, CurveKindsStayCurves) {
 TEST_F(Recalculate, AngleKeepsItsPointsOnTheLegs) {
     const ArtId level = table.drawLines({{100, 100}, {300, 100}}, false);
     const ArtId upright = table.drawLines({{100, 100}, {100, 300}}, false);
-    table.choose("Angle Tool");
-    table.track({250, 100});
-    table.down();
-    table.drag({100, 250});
-    table.up();
-    table.track({205, 215});
-    table.down();
+    table.measure("Angle Tool", {250, 100}, {100, 250}, {205, 215});
     table.move(level, 0, 30);
     recalculate();
     // The press points now are (250, 130) and (100, 250); the placement stood 50 off their middle in the direction
@@ -218,13 +194,7 @@ TEST_F(Recalculate, AngleKeepsItsPointsOnTheLegs) {
 TEST_F(Recalculate, RoundLabelsFollowTheCircle) {
     table.prefs().flUseFcur = 0;
     const ArtId circle = table.drawCircle({200, 200}, 50);
-    for (const char* tool : {"Radius Tool", "Diameter Tool"}) {
-        table.choose(tool);
-        table.track({235.35534F, 235.35534F});
-        table.down();
-        table.drag({260, 280});
-        table.up();
-    }
+    for (const char* tool : {"Radius Tool", "Diameter Tool"}) table.pull(tool, {235.35534F, 235.35534F}, {260, 280});
     table.change([&](Document& document) { return document.transform(circle, {2, 0, 0, 2, -200, -200}, 1); });
     recalculate();
     // The placement stays (35, 55) off the middle of the segment's ends, which went from (225, 225) to (250, 250).
@@ -306,13 +276,7 @@ TEST(RecalculateInJapanese, AsksInJapanese) {
     options.language = "JAPANESE";
     DraftingTable table(std::move(options));
     table.drawLines({{100, 100}, {300, 100}}, false);
-    table.choose("斜め寸法線ツール");
-    table.track({100, 100});
-    table.down();
-    table.drag({300, 100});
-    table.up();
-    table.track({200, 50});
-    table.down();
+    table.measure("斜め寸法線ツール", {100, 100}, {300, 100}, {200, 50});
     for (const char* question : {"question \"全ての寸法線を再計算します。\\rよろしいですか？\" yes",
                                  "question \"選択された寸法線を再計算します。\\rよろしいですか？\" yes"}) {
         table.user().queueAnswer(true);
@@ -328,11 +292,7 @@ TEST_F(Recalculate, TrackingRebuildsLinearDimensionsOfSelectedArt) {
     const ArtId mark = table.drawLines({{200, 100}, {200, 160}}, false);
     const ArtId circle = table.drawCircle({500, 500}, 50);
     oblique({100, 100}, {300, 100}, {210, 50}, {{200, 100}});
-    table.choose("Radius Tool");
-    table.track({535.35534F, 535.35534F});
-    table.down();
-    table.drag({600, 600});
-    table.up();
+    table.pull("Radius Tool", {535.35534F, 535.35534F}, {600, 600});
     const std::vector<ArtId> made = table.dimensions();
     for (ArtId art : {box, circle, mark}) table.move(art, 10, 0);
     // A selected stop's art does not count, nor does a round label's.
@@ -350,221 +310,6 @@ TEST_F(Recalculate, TrackingRebuildsLinearDimensionsOfSelectedArt) {
     EXPECT_EQ(std::count(now.begin(), now.end(), made[0]), 1);
     EXPECT_EQ(std::count(now.begin(), now.end(), made[1]), 0);
     expectLine(now[0] == made[0] ? now[1] : now[0], {110, 50}, {310, 50});
-}
-
-// --- properties
-// -----------------------------------------------------------------------------------------------------------
-
-// A record keeps six digits of a coordinate, and all that are recorded here lie below 1,000: each is off by up to
-// 0.0005. The placement is kept as a distance and a turn from the middle of the measured points, so it comes back with
-// its own rounding, with the middle's, and with that of the direction between the points, several times over where it
-// lies farther from the middle than they do: all in all ten roundings. What is drawn stands as far off as the
-// placement; what is measured from anchors alone is right to the last digit of a float.
-constexpr double kSixDigits = 0.005;
-// Lines are measured between anchors, and so their texts turn with them; a label's turns with its placement, which is
-// 30 or more from the centre.
-constexpr double kTurnOfSixDigits = kSixDigits / 30;
-
-// A piece with all that a rebuild may not change.
-struct Drawn {
-    Piece piece;
-    AIPathStyle style;
-    doc::TextData text;
-};
-
-class RandomDimensions : public Recalculate {
-  protected:
-    double uniform(double low, double high) { return std::uniform_real_distribution<double>(low, high)(random); }
-    int below(int end) { return static_cast<int>(random() % static_cast<unsigned>(end)); }
-    double eitherWay(double low, double high) {
-        const double size = uniform(low, high);
-        return below(2) == 0 ? size : -size;
-    }
-    RealPoint point() { return {float(uniform(350, 520)), float(uniform(350, 520))}; }
-
-    // An open path of two lines and an arc between them. (The copy of a curve of another kind is fitted anew each time,
-    // and the last digit of a coordinate may decide where it is cut.) It neither runs straight on nor folds back, and
-    // the arc is no line: its anchors are 60 or more from each other, and no digit decides to which side it bulges.
-    ArtId drawPath() {
-        std::vector<PathSegment> segments{Corner(point())};
-        const double half = eitherWay(0.2, 0.7);
-        double direction = uniform(0, 6.28);
-        for (int i = 1; i < 4; ++i) {
-            const double length = uniform(60, 120);
-            direction += eitherWay(0.4, 2);
-            const DoublePoint last = ToDoublePoint(segments.back().p), next = PolarPoint(last, length, direction);
-            const double reach = length / std::sin(half) * std::tan(half / 2) * 2 / 3;
-            if (i == 2) segments.back().out = ToRealPoint(PolarPoint(last, reach, direction - half));
-            segments.push_back(Corner(ToRealPoint(next)));
-            if (i == 2) segments.back().in = ToRealPoint(PolarPoint(next, -reach, direction + half));
-        }
-        return table.draw(segments, false);
-    }
-
-    // Each dimension has a look of its own, which its record has to bring back.
-    void chooseSettings(std::int16_t kind) {
-        PrefsRecord& prefs = table.prefs();
-        prefs.flDistanceMode = kind == kStraightTool ? kStraightMode : kind == kCurveTool ? kCurveMode : kObliqueMode;
-        prefs.flRadiusMode = prefs.flDiameterMode = std::int16_t(below(2));
-        prefs.flArType = std::int16_t(below(4));
-        prefs.flRdSpos = std::int16_t(below(3));
-        prefs.flArThick = 0.25F * float(1 + below(4));
-        prefs.flArFSize = 6 + 1.5F * float(below(4));
-    }
-
-    // A label of a circle of 60 keeps away from its centre, where a digit would turn the leader, and from the circle,
-    // where the leader has no length.
-    RealPoint placementBeside(const RealPoint& anchor, const DoublePoint* centre) {
-        for (;;) {
-            const double way = uniform(0, 6.28), reach = uniform(30, 120);
-            const DoublePoint placed = PolarPoint(ToDoublePoint(anchor), reach, way);
-            const double away = centre == nullptr ? 0 : DistanceBetweenPoints(placed, *centre);
-            if (centre == nullptr || (away > 30 && std::fabs(away - 60) > 5)) return ToRealPoint(placed);
-        }
-    }
-
-    // A dimension by its builder; linear ones measure anchors of the path.
-    bool build(std::int16_t kind) {
-        const bool isRound = kind == kRadiusTool || kind == kDiameterTool;
-        const RealPoint centre = point();
-        const DoublePoint about = ToDoublePoint(centre);
-        const ArtId path = isRound ? table.drawCircle(centre, 60) : drawPath();
-        paths.push_back(path);
-        chooseSettings(kind);
-        ContextBracket(&table.globals());
-        ToolState& live = table.globals().liveState;
-        const std::vector<PathSegment>& anchors = table.document().find(path)->path->segments;
-        const int from = kind == kAngleTool ? 1 : below(2), to = from + 1 + (kind == kAngleTool ? 0 : below(2));
-        live.fromCells[0] = {table.handle(path), std::int16_t(from)};
-        live.toCells[0] = {table.handle(path), std::int16_t(to)};
-        live.fromPoint = anchors[from].p;
-        live.toPoint = anchors[to].p;
-        live.endPoint = placementBeside(live.toPoint, isRound ? &about : nullptr);
-        live.tmpPos = ToDoublePoint(live.endPoint);
-        if (kind == kAngleTool) {
-            live.fromPoint = {(anchors[0].p.h + anchors[1].p.h) / 2, (anchors[0].p.v + anchors[1].p.v) / 2};
-            live.toPoint = {(anchors[1].p.h + anchors[2].p.h) / 2, (anchors[1].p.v + anchors[2].p.v) / 2};
-        }
-        std::int32_t made = 0;
-        table.inside([&] {
-            made = kind == kAngleTool      ? BuildAngleDimension(nullptr)
-                   : kind == kRadiusTool   ? BuildRadiusDimension(nullptr)
-                   : kind == kDiameterTool ? BuildDiameterDimension(nullptr)
-                                           : BuildLinearDimension(nullptr);
-        });
-        return made == 1;
-    }
-    // How many came about.
-    int buildEach(const std::vector<std::int16_t>& kinds, int count) {
-        int made = 0;
-        for (const std::int16_t kind : kinds)
-            for (int i = 0; i < count; ++i) made += build(kind) ? 1 : 0;
-        return made;
-    }
-
-    std::vector<std::vector<Drawn>> everything() {
-        const Document& document = table.document();
-        std::vector<std::vector<Drawn>> all;
-        for (const ArtId group : table.dimensions()) {
-            all.emplace_back();
-            ArtId child = document.find(group)->lastChild;
-            for (Piece& piece : table.pieces(group)) {
-                const doc::Art& art = *document.find(child);
-                all.back().push_back({std::move(piece), art.path ? *art.path->style : AIPathStyle{},
-                                      art.text ? *art.text : doc::TextData{}});
-                child = art.above;
-            }
-        }
-        return all;
-    }
-
-    // Under one seed in thirty a curve's copy or its distance from the curve comes out shorter than 0.1, and where that
-    // points is the rounding's business.
-    std::mt19937 random{5};
-    std::vector<ArtId> paths;
-};
-
-void expectSameColor(const AIColor& was, const AIColor& is) {
-    EXPECT_EQ(was.kind, is.kind);
-    EXPECT_EQ(was.gray, is.gray);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(was.rgb[i], is.rgb[i]);
-}
-
-void expectSameStyle(const AIPathStyle& was, const AIPathStyle& is) {
-    EXPECT_EQ(was.fillPaint, is.fillPaint);
-    EXPECT_EQ(was.strokePaint, is.strokePaint);
-    expectSameColor(was.fill, is.fill);
-    expectSameColor(was.stroke, is.stroke);
-    EXPECT_EQ(was.strokeWidth, is.strokeWidth);
-    EXPECT_EQ(was.miterLimit, is.miterLimit);
-    EXPECT_EQ(was.cap, is.cap);
-    EXPECT_EQ(was.join, is.join);
-    EXPECT_EQ(was.dashCount, is.dashCount);
-}
-
-void expectSameText(const doc::TextData& was, const doc::TextData& is) {
-    EXPECT_EQ(was.text, is.text);
-    EXPECT_EQ(was.type, is.type);
-    EXPECT_EQ(was.orientation, is.orientation);
-    EXPECT_EQ(was.justification, is.justification);
-    ASSERT_EQ(was.runs.size(), is.runs.size());
-    for (std::size_t i = 0; i < was.runs.size(); ++i) {
-        EXPECT_EQ(was.runs[i].length, is.runs[i].length);
-        EXPECT_TRUE(was.runs[i].features == is.runs[i].features);
-    }
-    const RealMatrix &a = was.matrix, &b = is.matrix;
-    for (const auto& [x, y] : {std::pair{a.a, b.a}, {a.b, b.b}, {a.c, b.c}, {a.d, b.d}})
-        EXPECT_NEAR(x, y, kTurnOfSixDigits);
-}
-
-// The same pieces, all moved by (h, v).
-void expectMoved(const std::vector<Drawn>& before, const std::vector<Drawn>& after, double h, double v) {
-    ASSERT_EQ(before.size(), after.size());
-    const auto near = [&](const RealPoint& was, const RealPoint& is) {
-        EXPECT_NEAR(is.h - was.h, h, kSixDigits);
-        EXPECT_NEAR(is.v - was.v, v, kSixDigits);
-    };
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        const Piece &was = before[i].piece, &is = after[i].piece;
-        expectSameStyle(before[i].style, after[i].style);
-        expectSameText(before[i].text, after[i].text);
-        if (!was.text.empty()) near(was.place, is.place);
-        EXPECT_EQ(was.closed, is.closed);
-        ASSERT_EQ(was.segments.size(), is.segments.size());
-        for (std::size_t k = 0; k < was.segments.size(); ++k) {
-            near(was.segments[k].p, is.segments[k].p);
-            near(was.segments[k].in, is.segments[k].in);
-            near(was.segments[k].out, is.segments[k].out);
-            EXPECT_EQ(was.segments[k].corner, is.segments[k].corner);
-        }
-    }
-}
-
-TEST_F(RandomDimensions, ARebuildOfWhatHasNotMovedGivesTheSame) {
-    EXPECT_EQ(buildEach({kObliqueTool, kStraightTool, kCurveTool, kAngleTool, kRadiusTool, kDiameterTool}, 40), 240);
-    const auto before = everything();
-    ASSERT_EQ(before.size(), 240U);
-    recalculate();
-    const auto after = everything();
-    ASSERT_EQ(before.size(), after.size());
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        SCOPED_TRACE(i);
-        expectMoved(before[i], after[i], 0, 0);
-    }
-}
-
-TEST_F(RandomDimensions, MovingAllArtMovesObliqueAndCurveDimensionsWithIt) {
-    EXPECT_EQ(buildEach({kObliqueTool, kCurveTool}, 60), 120);
-    const auto before = everything();
-    ASSERT_EQ(before.size(), 120U);
-    for (ArtId path : paths) table.move(path, -37, 52.5F);
-    recalculate();
-    const auto after = everything();
-    ASSERT_EQ(before.size(), after.size());
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        SCOPED_TRACE(i);
-        expectMoved(before[i], after[i], -37, 52.5);
-    }
 }
 
 }  // namespace

@@ -101,6 +101,16 @@ void DraftingTable::inside(const std::function<void()>& what) {
     job = nullptr;
 }
 
+ArtId DraftingTable::newGroup(const std::function<void(AIArtHandle)>& fill) {
+    AIArtHandle group = nullptr, root = nullptr;
+    inside([&] {
+        sAIArt->GetFirstArtOfLayer(nullptr, &root);
+        sAIArt->NewArt(kGroupArt, kPlaceInsideOnTop, root, &group);
+        fill(group);
+    });
+    return artOf(group);
+}
+
 void DraftingTable::choose(const char* title) {
     const host::ToolRecord* tool = host().toolByTitle(title);
     ASSERT_NE(tool, nullptr) << title;
@@ -123,6 +133,31 @@ void DraftingTable::down(std::uint16_t modifiers) {
 
 void DraftingTable::up(std::uint16_t modifiers) {
     EXPECT_EQ(host().sendTool(kSelectorMouseUp, cursor_, modifiers), kNoErr);
+}
+
+void DraftingTable::pull(const char* tool, RealPoint from, RealPoint to, const std::vector<RealPoint>& stops,
+                         std::uint16_t modifiers) {
+    choose(tool);
+    track(from);
+    down();
+    for (const RealPoint& stop : stops) {
+        drag(stop);
+        down(kAltModifier);
+        up(kAltModifier);
+    }
+    drag(to, modifiers);
+    up();
+}
+
+void DraftingTable::measure(const char* tool, RealPoint from, RealPoint to, RealPoint placement,
+                            const std::vector<RealPoint>& stops) {
+    pull(tool, from, to, stops);
+    track(placement);
+    down();
+}
+
+void DraftingTable::removeDimensions() {
+    for (const ArtId old : dimensions()) change([&](Document& drawing) { return drawing.removeArt(old); });
 }
 
 std::vector<ArtId> DraftingTable::dimensions() {
@@ -148,9 +183,11 @@ std::vector<Piece> DraftingTable::pieces(ArtId group) {
         if (art.path) {
             piece.segments = art.path->segments;
             piece.closed = art.path->closed;
-            piece.filled = art.path->style != nullptr && art.path->style->fillPaint != 0;
+            if (art.path->style != nullptr) piece.style = *art.path->style;
+            piece.filled = piece.style.fillPaint != 0;
         }
         if (art.text) {
+            piece.data = *art.text;
             piece.text = art.text->text;
             piece.place = {art.text->matrix.tx, art.text->matrix.ty};
             piece.angle = std::atan2(art.text->matrix.b, art.text->matrix.a);

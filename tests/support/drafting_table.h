@@ -14,7 +14,9 @@ namespace quorvel::tests {
 struct Piece {
     std::vector<PathSegment> segments;  // of a path
     bool closed = false, filled = false;
-    std::u16string text;  // of a text, with where its anchor stands and the direction it runs in, radians
+    AIPathStyle style;
+    doc::TextData data;   // of a text
+    std::u16string text;  // the same, with where its anchor stands and the direction it runs in, radians
     RealPoint place;
     double angle = 0;
 };
@@ -36,14 +38,23 @@ class DraftingTable : public PluginHost {
 
     // Runs the job as a message of the host, with the suites held.
     void inside(const std::function<void()>& job);
+    // A new group on top of the current layer, and what the job puts into it in a message.
+    doc::ArtId newGroup(const std::function<void(AIArtHandle)>& job);
 
     void choose(const char* title);
     void track(RealPoint cursor, std::uint16_t modifiers = 0);
     void drag(RealPoint cursor, std::uint16_t modifiers = 0);
     void down(std::uint16_t modifiers = 0);
     void up(std::uint16_t modifiers = 0);
+    // Takes the tool, presses at the first point, drags to the second and lets go, with stops on the way.
+    void pull(const char* tool, RealPoint from, RealPoint to, const std::vector<RealPoint>& stops = {},
+              std::uint16_t modifiers = 0);
+    // The same, with a click where the dimension is to stand.
+    void measure(const char* tool, RealPoint from, RealPoint to, RealPoint placement,
+                 const std::vector<RealPoint>& stops = {});
     int beeps() { return user().beeps(); }
 
+    void removeDimensions();
     std::vector<doc::ArtId> dimensions();               // in walk order: the last made comes first in its layer
     doc::ArtId dimension();                             // the only one
     std::vector<Piece> pieces(doc::ArtId group);        // bottom to top
