@@ -29,8 +29,8 @@ struct Side {
 
 struct Drawn {
     std::vector<Side> sides;
-    double farthest = 1;             // coordinate, at least 1
-    bool isClosingUnclear = false;   // an end is so near its start that they may count as one anchor or as two
+    double farthest = 1;            // coordinate, at least 1
+    bool isClosingUnclear = false;  // an end is so near its start that they may count as one anchor or as two
 };
 
 void require(bool holds) {
@@ -105,7 +105,11 @@ class Pen {
             return isRelative ? at_ + given : given;
         };
         if (kind == 'z') return close();
-        const std::size_t each = kind == 'h' || kind == 'v' ? 1 : kind == 'c' ? 6 : kind == 's' || kind == 'q' ? 4 : kind == 'a' ? 7 : 2;
+        const std::size_t each = kind == 'h' || kind == 'v'   ? 1
+                                 : kind == 'c'                ? 6
+                                 : kind == 's' || kind == 'q' ? 4
+                                 : kind == 'a'                ? 7
+                                                              : 2;
         for (std::size_t i = 0; i < v.size(); i += each) {
             if (kind == 'm' && i == 0) {
                 at_ = start_ = point(i);
@@ -161,7 +165,8 @@ class Pen {
         mirror_ = 0;
         if (at_.x == to.x && at_.y == to.y) return;
         if (rx == 0 || ry == 0) return line(to);
-        see({std::abs(to.x) + 2 * std::abs(rx) + length(to - at_), std::abs(to.y) + 2 * std::abs(ry) + length(to - at_)});
+        see({std::abs(to.x) + 2 * std::abs(rx) + length(to - at_),
+             std::abs(to.y) + 2 * std::abs(ry) + length(to - at_)});
         add({at_, at_, to, to, std::abs(rx), std::abs(ry), degrees});
     }
     void close() {

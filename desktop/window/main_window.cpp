@@ -147,7 +147,7 @@ void MainWindow::buildStatusLine() {
         statusBar()->addPermanentWidget(part);
 }
 
-void MainWindow::connectAll() {
+void MainWindow::connectTools() {
     connect(tools_, &ToolPalette::pluginToolChosen, this, &MainWindow::choosePluginTool);
     connect(tools_, &ToolPalette::selectChosen, this, [this] {
         chooseOwnHand(
@@ -165,6 +165,10 @@ void MainWindow::connectAll() {
         if (const host::ToolRecord* tool = session_->host().toolByTitle(title.toStdString()))
             session_->host().editOptions(*tool);
     });
+}
+
+void MainWindow::connectAll() {
+    connectTools();
     connect(canvas_, &Canvas::cursorMoved, this, [this](RealPoint point, QPointF) { showPoint(point); });
     connect(canvas_, &Canvas::cursorLeft, this, [this] { point_->clear(); });
     connect(canvas_, &Canvas::viewChanged, this,

@@ -53,6 +53,7 @@ class MainWindow : public QMainWindow {
     void buildCentre();
     void buildDocks();
     void buildStatusLine();
+    void connectTools();
     void connectAll();
     void buildMenus();
     void buildFileMenu();
