@@ -283,6 +283,7 @@ TEST(RecalculateInJapanese, AsksInJapanese) {
         table.user().takeTranscript();
         EXPECT_EQ(table.host().playAction(kAction), kNoErr);
         EXPECT_EQ(table.user().takeTranscript().front(), question);
+        EXPECT_EQ(table.host().lastUndoName(), "再計算(寸法線)の取り消し");
         table.select(table.dimension(), true);
     }
 }
@@ -304,6 +305,7 @@ TEST_F(Recalculate, TrackingRebuildsLinearDimensionsOfSelectedArt) {
     EXPECT_EQ(table.prefs().flScLead, 2);  // read, so its settings are in force
     table.select(box, true);
     EXPECT_EQ(table.host().notify(kTrack), kNoErr);
+    EXPECT_EQ(table.host().lastUndoName(), "") << "a notification names no step";
     EXPECT_EQ(said(table.user().takeFaults()), "");
     const std::vector<ArtId> now = table.dimensions();
     ASSERT_EQ(now.size(), 2U);

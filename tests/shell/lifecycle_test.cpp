@@ -8,7 +8,8 @@
 #include <sstream>
 
 #include "plugin/shell/globals.h"
-#include "tests/support/plugin_host.h"
+#include "plugin/shell/suites.h"
+#include "tests/support/drafting_table.h"
 
 namespace quorvel::tests {
 namespace {
@@ -34,6 +35,35 @@ void SendEverything(PluginHost& plugin) {
         plugin.host().sendTool(kSelectorMouseDown, {50, 50}, 0);
         plugin.host().sendTool(kSelectorMouseUp, {50, 50}, 0);
     }
+}
+
+TEST(Lifecycle, TheSettingsComeBeforeTheTools) {
+    PluginHostOptions options;
+    options.language = "KOREAN";
+    options.settings = {{"flScFix", "4"}};
+    DraftingTable table(std::move(options));
+    PluginGlobals& globals = table.globals();
+    EXPECT_EQ(table.host().tools().at(0).title, "Oblique Dimension Tool") << "Korean settings show English titles";
+    EXPECT_EQ(globals.prefs.flScFix, 4);
+    EXPECT_EQ(globals.prefs.flRdLead, 5);
+    table.inside([&] {
+        std::int32_t bits = 0;
+        EXPECT_EQ(sAIPlugin->GetPluginOptions(globals.pluginRef, &bits), kNoErr);
+        EXPECT_EQ(bits & 2, 2);
+    });
+    EXPECT_EQ(globals.liveState.toolStep, 0);
+    EXPECT_EQ(static_cast<std::uint16_t>(globals.drawnState.toolStep), 65535);
+    EXPECT_EQ(globals.drawnState.stops[31].cells[4].index, kNoAnchorIndex);
+    EXPECT_EQ(globals.liveState.cursorTangent, 32000.0);
+    EXPECT_STREQ(globals.productVersion, "4.5.1.3");
+    EXPECT_EQ(globals.bezierTables.b1n32[16], 0.375) << "3 t (1 - t) squared at one half";
+    ASSERT_NE(globals.workBufferC, nullptr);
+    EXPECT_EQ(globals.workBufferC->segments[kChainCapacity - 1].corner, 0) << "zeroed to its end";
+    globals.workBufferA->count = globals.workBufferB->count = globals.workBufferC->count = 9;
+    ContextBracket(&globals);
+    EXPECT_EQ(globals.workBufferA->count, 0);
+    EXPECT_EQ(globals.workBufferB->count, 0);
+    EXPECT_EQ(globals.workBufferC->count, 9) << "scratch";
 }
 
 TEST(Lifecycle, EachAdditionMayFail) {

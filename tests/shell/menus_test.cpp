@@ -18,8 +18,6 @@ namespace {
 using tests::PluginHost;
 using tests::PluginHostOptions;
 
-constexpr char kTrackType[] = "2644-3993-9293-3747-5729-7605";
-constexpr char kRecalcType[] = "2644-3993-9293-3747-5729-5825";
 constexpr std::int32_t kLengthText = 10, kAreaText = 30;
 
 // --- adding the menu items against groups of a host's own ----------------------------------------------------------
@@ -170,18 +168,6 @@ TEST_F(MenusTest, AHostGetsCommandsTimerActionAndPanel) {
     EXPECT_TRUE(host.panels()[0].shown);
     host.notify(kApplicationStartedNotifier);
     EXPECT_EQ(host.panels().size(), 1U) << "once";
-}
-
-TEST_F(MenusTest, JapaneseTextsButForThePanelsTitle) {
-    PluginHostOptions options;
-    options.language = "JAPANESE";
-    begin(std::move(options));
-    EXPECT_EQ(item("Orvane Group").text, "Quorvel 設定...");
-    EXPECT_EQ(item("Orvane Info Group").text, "Quorvel 情報");
-    EXPECT_EQ(item("SELKIE_PLUGINS_ABOUT").text, "About Plug-ins (Selkie Works)");
-    const host::PanelRecord& panel = plugin_->host().panels().at(0);
-    EXPECT_EQ(panel.title, "Quorvel Info");
-    EXPECT_EQ(panel.flyoutItems, (std::vector<std::pair<int, std::string>>{{1, "Quorvel 設定..."}}));
 }
 
 TEST_F(MenusTest, WithoutAPanelTheRestGoesOn) {
@@ -375,30 +361,6 @@ TEST_F(MenusTest, TheActionAsksAndNamesItsStepEitherWay) {
     plugin_->user().queueAnswer(false);
     EXPECT_TRUE(plugin_->user().panelPress(31));
     EXPECT_FALSE(plugin_->user().hasRepliesLeft());
-}
-
-TEST_F(MenusTest, NotificationsRecalculateOrTrack) {
-    PluginHostOptions options;
-    options.language = "JAPANESE";
-    beginDrawing(std::move(options));
-    host::Host& host = plugin_->host();
-    const doc::ArtId line = plugin_->addPath({{100, 100}, {200, 100}}, false, false);
-    drawDimension("斜め寸法線ツール");
-    plugin_->user().queueAnswer(true);
-    EXPECT_EQ(host.notify(kRecalcType), kNoErr);
-    EXPECT_EQ(host.lastUndoName(), "") << "a notification names no step";
-
-    const std::uint64_t before = host.document()->changeCount();
-    EXPECT_EQ(host.notify(kTrackType), kNoErr);
-    EXPECT_EQ(host.document()->changeCount(), before) << "nothing measured is selected";
-    plugin_->select(line, true);
-    const std::uint64_t selected = host.document()->changeCount();
-    EXPECT_EQ(host.notify(kTrackType), kNoErr);
-    EXPECT_NE(host.document()->changeCount(), selected);
-
-    plugin_->user().queueAnswer(false);
-    EXPECT_EQ(host.playAction("Recalculate_Dimension_lines"), kNoErr);
-    EXPECT_EQ(host.lastUndoName(), "再計算(寸法線)の取り消し");
 }
 
 TEST_F(MenusTest, ABusyTimerAndAForeignTimerDoNothing) {
