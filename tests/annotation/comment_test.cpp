@@ -6,7 +6,6 @@
 
 #include "fonts/fonts.h"
 #include "tests/support/drawing_hand.h"
-#include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
@@ -238,22 +237,6 @@ TEST_F(Annotation, TheSelectionOutlivesTheTool) {
     }
 }
 
-TEST_F(Annotation, TheDialogsBelongToTwoTools) {
-    hand.take(kComment);
-    hand.options(kComment, {Look(5, "sample comment"), Type(5, std::string(80, 'y')), Press(1)}, 16257);
-    EXPECT_EQ(std::string(hand.prefs().flMrkComment), std::string(63, 'y'));
-    hand.options(kComment, {Type(5, "no"), Press(2)}, 16257);
-    EXPECT_EQ(std::string(hand.prefs().flMrkComment), std::string(63, 'y'));
-    hand.take(kNumber);
-    hand.options(kNumber, {Look(5, "1"), Look(6, "1"), Type(5, "abc"), Type(6, "-3x"), Press(1)}, 16258);
-    EXPECT_TRUE(hand.prefs().flMrkItemNo == 0 && hand.prefs().flMrkINStep == -3);
-    for (const char* tool : {kLength, kArea}) {
-        hand.take(tool);
-        EXPECT_EQ(hand.host().editOptions(*hand.host().toolByTitle(tool)), kNoErr);
-    }
-    EXPECT_EQ(said(hand.spy->takeFaults()), "") << "no dialog for the measuring tools";
-}
-
 // --- balloons -----------------------------------------------------------------------------------------------------
 
 TEST_F(Annotation, BalloonsCount) {
@@ -345,6 +328,7 @@ TEST_F(Annotation, NothingToMeasureLeavesTheLeaderAndBeeps) {
         EXPECT_EQ(drag(tool, {400, 400}, {500, 500}).size(), 2U) << "leader and head";
         change([&](Document& d) { d.removeArt(hand.newest()->id); });
         EXPECT_EQ(hand.spy->beeps(), beeps + 2);
+        EXPECT_EQ(hand.host().editOptions(*hand.host().toolByTitle(tool)), kNoErr) << "without a dialog";
     }
     EXPECT_FALSE(hand.document().find(mark)->selected);
     // Art without a length under the leader is no failure: the leader stands alone, in silence.

@@ -1,4 +1,4 @@
-// The Schedule dialog in both languages: its controls against the table, fields from opening to OK and Cancel, the
+// The Schedule dialog in both languages: fields from opening to OK and Cancel, the
 // pages, and every road of the Preset list, with real files in the preset folder.
 #include "plugin/frame/schedule_dialog.h"
 
@@ -13,7 +13,6 @@ namespace quorvel::tests {
 namespace {
 
 namespace fs = std::filesystem;
-using platform::ControlKind;
 
 constexpr std::int32_t kOk = 1, kCancel = 2, kType = 4, kPrevious = 5, kNext = 6, kTitle = 8, kCount = 26,
                        kPresets = 106;
@@ -86,44 +85,6 @@ struct ScheduleDialog : testing::TestWithParam<Language> {
 };
 INSTANTIATE_TEST_SUITE_P(Languages, ScheduleDialog, testing::ValuesIn(kLanguages),
                          [](const auto& info) { return info.param.word; });
-
-TEST(ScheduleTemplates, HoldTheTablesControls) {
-    using K = ControlKind;
-    std::vector<ExpectedControl> expected = {
-        {105, K::label, "Preset :", "プリセット："},
-        {106, K::commandList, "", ""},
-        {3, K::label, "Type :", "タイプ："},
-        {4, K::list, "", ""},
-        {7, K::label, "Drawing :", "図　名："},
-        {9, K::label, "Company :", "社　名："},
-        {11, K::label, "Remark 1 :", "備考１："},
-        {13, K::label, "Remark 2 :", "備考２："},
-        {15, K::label, "Remark 3 :", "備考３："},
-        {17, K::label, "Date :", "日　付："},
-        {19, K::label, "Drawing Number :", "図　番："},
-        {21, K::label, "Scale :", "尺　度："},
-        {23, K::label, "Method of Projection :", "投影法："},
-        {25, K::label, "Object number :", "部品番号："},
-        {27, K::label, "0...99", "0～99行"},
-        {28, K::label, "Item", "名称"},
-        {29, K::label, "Material", "材質"},
-        {30, K::label, "Quantity", "個数"},
-        {31, K::label, "Weight", "重量"},
-        {32, K::label, "Work Schedule", "工程"},
-        {33, K::label, "Description", "記事"},
-        {5, K::button, "< Previous page", "＜前頁"},
-        {6, K::button, "Next page >", "次頁＞"},
-        {1, K::button, "OK", "OK"},
-        {2, K::button, "Cancel", "Cancel"},
-        {104, K::group, "", ""},
-    };
-    for (std::int32_t edit = 8; edit <= 26; edit += 2) expected.push_back({edit, K::edit, "", ""});
-    for (std::int32_t k = 0; k < 10; ++k) {
-        expected.push_back({34 + 7 * k, K::text, "", ""});
-        for (std::int32_t id = 35 + 7 * k; id <= 40 + 7 * k; ++id) expected.push_back({id, K::edit, "", ""});
-    }
-    ExpectTemplates(16159, expected);
-}
 
 TEST_P(ScheduleDialog, OpensWithTheFields) {
     PrefsRecord& p = hand.prefs();

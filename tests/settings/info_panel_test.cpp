@@ -168,6 +168,7 @@ TEST_F(InfoPanelTest, ListsAndLabelsAreInTheLanguageInForce) {
         options.language = language;
         begin(std::move(options));
         EXPECT_EQ(plugin_->panelText(14), label);
+        EXPECT_EQ(plugin_->host().panels().at(0).title, "Quorvel Info") << "in every language";
         for (const std::int32_t list : {20, 22, 24}) {
             const std::vector<std::string> rows = rowsOf(list);
             ASSERT_EQ(rows.size(), 8U) << "separators are left out";

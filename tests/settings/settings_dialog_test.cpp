@@ -1,4 +1,4 @@
-// The Settings dialog in each language: its controls and lists against the table, what it shows, what it refuses and
+// The Settings dialog in each language: its lists, what it shows, what it refuses and
 // what OK stores.
 #include "plugin/settings/settings_dialog.h"
 
@@ -13,7 +13,6 @@
 namespace quorvel::tests {
 namespace {
 
-using platform::ControlKind;
 using Texts = std::vector<std::string>;
 
 constexpr std::int32_t kOk = 1, kCancel = 2;
@@ -46,52 +45,6 @@ struct SettingsDialog : testing::TestWithParam<Language> {
 };
 INSTANTIATE_TEST_SUITE_P(Languages, SettingsDialog, testing::ValuesIn(kLanguages),
                          [](const auto& info) { return info.param.word; });
-
-TEST(SettingsTemplates, HoldTheTablesControls) {
-    using K = ControlKind;
-    const char* fox = "The quick brown fox jumps over the lazy dog.";
-    std::vector<ExpectedControl> expected = {
-        {4, K::label, "Shape :", "形状："},
-        {3, K::label, "Accuracy :", "精度："},
-        {31, K::label, "Units :", "単位："},
-        {12, K::checkBox, "Unit Ind.", "単位表示"},
-        {13, K::checkBox, "Unit Acc.", "零未省略"},
-        {15, K::checkBox, "Create in another layer", "別レイヤーに表示"},
-        {35, K::label, "Layer name :", "レイヤー名："},
-        {62, K::group, "Font", "フォント"},
-        {9, K::label, "Size :", "サイズ："},
-        {29, K::text, fox, fox},
-        {37, K::label, "Special Characters :", "特殊文字："},
-        {63, K::group, "Dimensions", "寸法線設定"},
-        {26, K::picture, "", "", 16156},
-        {65, K::picture, "", "", 16152},
-        {66, K::picture, "", "", 16153},
-        {67, K::picture, "", "", 16154},
-        {68, K::picture, "", "", 16155},
-        {14, K::label, "Scale :", "縮尺："},
-        {16, K::label, "Width :", "線幅："},
-        {17, K::label, "Angle :", "角度："},
-        {64, K::group, "Length / Dimentions", "レングス・面積"},
-        {39, K::label, "Length Units", "レングス単位："},
-        {41, K::label, "Scale :", "縮尺："},
-        {44, K::checkBox, "Dimention1", "面積１"},
-        {45, K::label, "Units :", "単位："},
-        {47, K::checkBox, "Dimention2", "面積２"},
-        {48, K::label, "Units :", "単位："},
-        {50, K::label, "Unit Conv.:", "換算："},
-        {53, K::checkBox, "Dimention3", "面積２"},
-        {54, K::label, "Units :", "単位："},
-        {56, K::label, "Unit Conv.:", "換算："},
-        {61, K::frame, "", ""},
-        {1, K::button, "OK", "OK"},
-        {2, K::button, "Cancel", "Cancel"},
-    };
-    for (const std::int32_t id : {5, 6, 7, 8, 38, 40, 46, 52, 58}) expected.push_back({id, K::list, "", ""});
-    for (const std::int32_t id : {10, 18, 42}) expected.push_back({id, K::editList, "", ""});
-    for (const std::int32_t id : {36, 21, 22, 23, 24, 25, 28, 19, 20, 49, 51, 55, 57})
-        expected.push_back({id, K::edit, "", ""});
-    ExpectTemplates(16181, expected, {65, 66, 67, 68});
-}
 
 TEST_P(SettingsDialog, ListsHoldTheirRows) {
     const bool tables = GetParam().tables, english = GetParam().english;

@@ -1,20 +1,16 @@
-// The small dialogs under a scripted hand, in both languages: what they show, what OK stores, what is refused, and
-// their templates row by row.
+// The small dialogs under a scripted hand, in both languages: what they show, what OK stores and what is refused.
 #include "plugin/settings/small_dialogs.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <map>
 
-#include "plugin/resources/dialog_templates.h"
 #include "tests/support/drafting_table.h"
 #include "tests/support/errors.h"
 
 namespace quorvel::tests {
 namespace {
 
-using platform::ControlKind;
 using Step = platform::DialogStep;
 using Kind = Step::Kind;
 
@@ -166,107 +162,6 @@ TEST_P(SmallDialogs, AboutNamesTheProductAndItsVersion) {
     EXPECT_EQ(said(table.user().takeFaults()), "");
     const std::string title = text("About Quorvel", "Quorvel について");
     EXPECT_EQ(table.user().takeTranscript().front(), "dialog " + std::to_string(id(16250)) + " \"" + title + "\"");
-}
-
-// --- the templates --------------------------------------------------------------------------------------------------
-
-struct Expected {
-    std::int32_t id;  // of the English template
-    const char *english, *japanese;
-    std::vector<platform::ControlRow> rows;  // that must be there
-};
-
-std::vector<Expected> ExpectedTemplates() {
-    // The two buttons speak English in both languages.
-    const platform::ControlRow ok{1, ControlKind::button, "OK", "OK", {}},
-        cancel{2, ControlKind::button, "Cancel", "Cancel", {}};
-    const platform::ControlRow five{5, ControlKind::edit, "", "", {}};
-    std::vector<platform::ControlRow> round = {ok,
-                                               cancel,
-                                               {5, ControlKind::radio, "中心表示(&C)", "Show &Center", {}},
-                                               {6, ControlKind::radio, "表面表示(&S)", "Show &Surface", {}},
-                                               {7, ControlKind::list, "", "", {}},
-                                               {8, ControlKind::label, "表示位置：", "Position:", {}}};
-    return {
-        {16257, "Comment", "コメント", {ok, cancel, five, {4, ControlKind::label, "コメント：", "Comment :", {}}}},
-        {16258,
-         "Object Number",
-         "部品番号",
-         {ok,
-          cancel,
-          five,
-          {6, ControlKind::edit, "", "", {}},
-          {7, ControlKind::label, "開始番号：", "Starting number :", {}},
-          {8, ControlKind::label, "ステップ：", "Step :", {}}}},
-        {16260,
-         "Fillet",
-         "フィレット",
-         {ok,
-          cancel,
-          five,
-          {6, ControlKind::picture, "", "", {}, 16158, 0},
-          {7, ControlKind::label, "半径：", "Radius:", {}}}},
-        {16265, "Diameter", "直径", round},
-        {16266, "Radius", "半径", round},
-        {16252,
-         "Save File As",
-         "保存",
-         {ok,
-          cancel,
-          {3, ControlKind::edit, "", "", {}},
-          {4, ControlKind::label, "設定の名称：", "Preset Name :", {}}}},
-        {16250,
-         "About Quorvel",
-         "Quorvel について",
-         {ok, {6, ControlKind::text, "", "", {}}, {3, ControlKind::picture, "", "", {}, 16052, 0}}},
-    };
-}
-
-std::map<std::int32_t, platform::ControlRow> RowsOf(const platform::DialogTemplate& dialog) {
-    std::map<std::int32_t, platform::ControlRow> rows;
-    for (int i = 0; i < dialog.rowCount; ++i) {
-        const platform::ControlRow& row = dialog.rows[i];
-        EXPECT_TRUE(rows.emplace(row.id, row).second) << dialog.id << ": two of " << row.id;
-        EXPECT_TRUE(row.rect.left >= 0 && row.rect.left < row.rect.right && row.rect.right <= dialog.width &&
-                    row.rect.top >= 0 && row.rect.top < row.rect.bottom && row.rect.bottom <= dialog.height)
-            << dialog.id << ": " << row.id;
-    }
-    return rows;
-}
-
-TEST(SmallTemplates, RowsTextsAndTitles) {
-    for (const Expected& expected : ExpectedTemplates()) {
-        for (const bool english : {true, false}) {
-            SCOPED_TRACE(expected.id - (english ? 0 : 100));
-            const platform::DialogTemplate* dialog = FindDialogTemplate(expected.id - (english ? 0 : 100));
-            ASSERT_NE(dialog, nullptr);
-            EXPECT_STREQ(dialog->title, english ? expected.english : expected.japanese);
-            EXPECT_EQ(dialog->language, english ? platform::Language::english : platform::Language::japanese);
-            const auto rows = RowsOf(*dialog);
-            EXPECT_EQ(rows.size(), expected.rows.size());
-            for (const platform::ControlRow& row : expected.rows) {
-                ASSERT_TRUE(rows.count(row.id)) << row.id;
-                const platform::ControlRow& found = rows.at(row.id);
-                EXPECT_EQ(found.kind, row.kind) << row.id;
-                EXPECT_STREQ(found.english, row.english) << row.id;
-                EXPECT_STREQ(found.japanese, row.japanese) << row.id;
-                EXPECT_EQ(found.picture, row.picture) << row.id;
-            }
-            // OK stands on the left but in one template.
-            if (!rows.count(2)) continue;
-            EXPECT_EQ(rows.at(1).rect.left > rows.at(2).rect.left, expected.id == 16258 && english);
-        }
-    }
-}
-
-// One dialog is looked up while another still stands.
-TEST(SmallTemplates, TemplatesStandBesideEachOther) {
-    const platform::DialogTemplate* first = FindDialogTemplate(16252);
-    const platform::DialogTemplate* second = FindDialogTemplate(16166);
-    EXPECT_EQ(first->id, 16252);
-    EXPECT_EQ(second->id, 16166);
-    EXPECT_EQ(FindDialogTemplate(16252), first);
-    EXPECT_EQ(FindDialogTemplate(16251), nullptr);
 }
 
 }  // namespace

@@ -1,19 +1,10 @@
 #include "tests/support/dialog_spy.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <map>
-#include <set>
-
-#include "plugin/resources/dialog_templates.h"
+#include <tuple>
 
 namespace quorvel::tests {
 
 namespace {
-
-using platform::ControlKind;
-using platform::ControlRow;
 
 // Stands between the window and the dialog's own logic.
 struct Watched {
@@ -26,26 +17,6 @@ Watched& watchedIn(void* context) { return *static_cast<Watched*>(context); }
 
 void tell(const std::function<void()>& listener) {
     if (listener) listener();
-}
-
-bool surrounds(ControlKind kind) { return kind == ControlKind::group || kind == ControlKind::frame; }
-
-bool overlap(const platform::PixelRect& a, const platform::PixelRect& b) {
-    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
-}
-
-void expectPlaces(const platform::DialogTemplate& dialog, std::initializer_list<std::int32_t> sharePlace) {
-    const auto shares = [&](std::int32_t id) {
-        return std::find(sharePlace.begin(), sharePlace.end(), id) != sharePlace.end();
-    };
-    for (const ControlRow& a : std::span(dialog.rows, static_cast<std::size_t>(dialog.rowCount))) {
-        EXPECT_TRUE(a.rect.left >= 0 && a.rect.left < a.rect.right && a.rect.right <= dialog.width) << a.id;
-        EXPECT_TRUE(a.rect.top >= 0 && a.rect.top < a.rect.bottom && a.rect.bottom <= dialog.height) << a.id;
-        for (const ControlRow& b : std::span(dialog.rows, static_cast<std::size_t>(dialog.rowCount))) {
-            if (a.id >= b.id || surrounds(a.kind) || surrounds(b.kind) || (shares(a.id) && shares(b.id))) continue;
-            EXPECT_FALSE(overlap(a.rect, b.rect)) << a.id << " and " << b.id;
-        }
-    }
 }
 
 }  // namespace
@@ -98,32 +69,6 @@ bool DialogSpy::askOpenFile(const std::string& filter, const std::string& propos
     lastFilter = filter;
     lastProposedName = proposedName;
     return played().askOpenFile(filter, proposedName, path);
-}
-
-void ExpectTemplates(std::int32_t japaneseId, const std::vector<ExpectedControl>& expected,
-                     std::initializer_list<std::int32_t> sharePlace) {
-    for (const bool english : {false, true}) {
-        const std::int32_t id = japaneseId + (english ? 100 : 0);
-        const platform::DialogTemplate* dialog = FindDialogTemplate(id);
-        ASSERT_NE(dialog, nullptr) << id;
-        EXPECT_EQ(dialog->id, id);
-        EXPECT_EQ(dialog->language, english ? platform::Language::english : platform::Language::japanese);
-        std::map<std::int32_t, const ControlRow*> found;
-        for (const ControlRow& row : std::span(dialog->rows, static_cast<std::size_t>(dialog->rowCount)))
-            EXPECT_TRUE(found.emplace(row.id, &row).second) << id << ": " << row.id << " twice";
-        for (const ExpectedControl& control : expected) {
-            const auto row = found.find(control.id);
-            ASSERT_NE(row, found.end()) << id << ": no " << control.id;
-            EXPECT_EQ(row->second->kind, control.kind) << id << ": " << control.id;
-            EXPECT_STREQ(english ? row->second->english : row->second->japanese,
-                         english ? control.english : control.japanese)
-                << id << ": " << control.id;
-            EXPECT_EQ(row->second->picture, control.picture) << id << ": " << control.id;
-            found.erase(row);
-        }
-        for (const auto& [extra, row] : found) ADD_FAILURE() << id << ": nobody asked for " << extra;
-        expectPlaces(*dialog, sharePlace);
-    }
 }
 
 }  // namespace quorvel::tests

@@ -1,11 +1,8 @@
 // A scripted user who also looks: what each dialog shows when it opens and after each step, which controls are enabled
-// and shown, and in which font. With it a way to write replies in one line, and to hold a dialog's
-// two templates against a table.
+// and shown, and in which font. With it a way to write replies in one line.
 #pragma once
 
 #include <functional>
-#include <initializer_list>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,18 +75,5 @@ class DialogSpy : public platform::HeadlessBackend, private platform::Dialogs {
     const platform::WindowLogic* logic_ = nullptr;
     void* context_ = nullptr;
 };
-
-// A control as a table of the dialog names it. Controls without a label have empty ones.
-struct ExpectedControl {
-    std::int32_t id;
-    platform::ControlKind kind;
-    const char* english;
-    const char* japanese;
-    std::int32_t picture = 0;
-};
-// Both templates of the dialog (Japanese id) hold these controls and no others, each inside the window, and none upon
-// another but where both are in the set of those that share a place.
-void ExpectTemplates(std::int32_t japaneseId, const std::vector<ExpectedControl>& expected,
-                     std::initializer_list<std::int32_t> sharePlace = {});
 
 }  // namespace quorvel::tests
