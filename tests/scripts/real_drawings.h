@@ -49,7 +49,6 @@ inline const Page kTutorial{"tutorial-shapes.ja.svg", 255, 255, 340, 340};  // p
 // Ends of the endmill's straight lines.
 inline const Point kHeightTop = kEndmill.at(131.26491, 22.267499), kHeightBottom = kEndmill.at(131.26491, 170.59241);
 inline const Point kShankLeft = kEndmill.at(57.313954, -48.540717), kShankRight = kEndmill.at(116.35772, -48.540717);
-inline const Point kLeftFoot = kEndmill.at(53.656636, 194.48411), kRightFoot = kEndmill.at(118.43165, 191.92376);
 inline const Point kUpperMark = kEndmill.at(114.72832 + 24.62222, 19.499193);
 inline const Point kWidthMiddle = kEndmill.at(90, 179.67926);
 
@@ -67,12 +66,11 @@ inline std::string measure(Point from, Point to, Point place) {
 }
 
 struct Language {
-    const char *word, *oblique, *straight, *obliqueUndo, *straightUndo;
+    const char *word, *straight, *straightUndo;
 };
 inline constexpr Language kLanguages[] = {
-    {"ENGLISH", "Oblique Dimension Tool", "Straight Dimension Tool", "undo \"Undo Oblique Dimension Tool\"",
-     "undo \"Undo Straight Dimension Tool\""},
-    {"JAPANESE", "斜め寸法線ツール", "寸法線ツール", "undo \"斜め寸法線の取り消し\"", "undo \"寸法線の取り消し\""}};
+    {"ENGLISH", "Straight Dimension Tool", "undo \"Undo Straight Dimension Tool\""},
+    {"JAPANESE", "寸法線ツール", "undo \"寸法線の取り消し\""}};
 
 inline std::string speaking(const char* language, const std::string& more = "") {
     return std::string("set language ") + language + "\nset flArFName \"DejaVu Sans\"\nset flScFix 2\n" + more;

@@ -1,10 +1,10 @@
-// Dimensions on drawings that other programs made. What is expected is worked out here from the numbers in their files.
+// Dimensions on drawings that other programs made, and snaps to them. What is expected is worked out here from the
+// numbers in their files.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <regex>
 
-#include "interchange/svg/svg.h"
 #include "tests/scripts/real_drawings.h"
 #include "tests/support/script_run.h"
 
@@ -118,24 +118,6 @@ TEST(RealDrawings, ComeBackByteForByteFromOpeningAndSaving) {
     EXPECT_GE(files, 5);
 }
 
-TEST(RealDrawings, CarryAnObliqueDimensionInBothLanguages) {
-    NEEDS_DRAWING(kEndmill);
-    const Style style;
-    const Point place{240, 30};
-    const Point across = turned(unit(kRightFoot - kLeftFoot), 90);
-    const Point down = dot(place - kLeftFoot, across) * across;
-    for (const Language& language : kLanguages) {
-        ScriptRun run(speaking(language.word, style.settings()) + kEndmill.open() + taking(language.oblique) +
-                      measure(kLeftFoot, kRightFoot, place));
-        ASSERT_EQ(run.fault(), "");
-        EXPECT_TRUE(told(run, language.obliqueUndo));
-        ASSERT_EQ(run.dimensions().size(), 1U);
-        // 64.775014 and 2.56035 mm along the axes
-        expectPieces(run.pieces(run.dimensions()[0]),
-                     linear({kLeftFoot, kRightFoot}, {kLeftFoot + down, kRightFoot + down}, {"64.83"}, style));
-    }
-}
-
 TEST(RealDrawings, CarryAStraightDimensionWithEachArrowInBothLanguages) {
     NEEDS_DRAWING(kEndmill);
     const Point place{450, 300};
@@ -213,96 +195,6 @@ TEST(RealDrawings, ChangeByTheNewGroupAlone) {
     EXPECT_TRUE(text == readBytes(sharedDrawing(kEndmill.file)));
 }
 
-std::string six(double number) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", number);
-    return text;
-}
-std::string six(Point p) { return six(static_cast<float>(p.h)) + "," + six(static_cast<float>(p.v)); }
-
-TEST(RealDrawings, KeepTheRecordInTagsLetterByLetter) {
-    NEEDS_DRAWING(kEndmill);
-    ScriptRun run(speaking("ENGLISH", "set flScaleText \"1/1, or so\"\nset flArThick 0.25\n") + kEndmill.open() +
-                  taking("Straight Dimension Tool") + measure(kHeightTop, kHeightBottom, {450, 300}) +
-                  taking("Oblique Dimension Tool") + "track 500 100\ndown\ndrag" + where(kHeightBottom) +
-                  " alt\nup alt\ndown alt\nup alt\ntrack 510 200 alt\ndown alt\nup alt\ntrack 520 300.5\nup\ntrack 550 "
-                  "150 shift\ndown\n");
-    ASSERT_EQ(run.fault(), "");
-    ASSERT_EQ(run.dimensions().size(), 2U);
-    const doc::ArtId straight = run.dimensions()[0].group, series = run.dimensions()[1].group;
-    const std::string id = run.tag(run.art("path897").id, "quorvel_object_id");
-    EXPECT_TRUE(std::regex_match(id, std::regex("[1-9][0-9]{0,7}"))) << id;
-    // The axis was chosen as level while the cursor stood below the first point; the points' own h then decides.
-    const std::pair<const char*, std::string> first[] = {
-        {"QUORVEL_TOOLCNF", "5001,0,0,0,0"},
-        {"QUORVEL_CURSPOS", "450,300,32000,1"},
-        {"QUORVEL_FROMPOS", "32000,2," + six(kHeightTop)},
-        {"QUORVEL_TOPOS", "32000,2," + six(kHeightBottom)},
-        {"QUORVEL_ENDPOS", "32000,0,450,300"},
-        {"QUORVEL_TMPPOS", "450,300"},
-        {"QUORVEL_SETTING_1",
-         "0,1,\"1/1, or so\",2,2,0,10,30,10,10,20,2,10,0,0.25,15,0,12,\"DejaVu Sans\",0,0,5,0,0,0,1,0,0,0,0,0"},
-        {"QUORVEL_SETTING_2", "(absent)"},
-        {"QUORVEL_FROMCELL", id + ",0,0," + six(kHeightTop)},
-        {"QUORVEL_TOCELL", id + ",1,0," + six(kHeightBottom)},
-        {"QUORVEL_STOPCELL01", "(absent)"},
-    };
-    for (const auto& [name, value] : first) EXPECT_EQ(run.tag(straight, name), value) << name;
-    const std::pair<const char*, std::string> second[] = {
-        {"QUORVEL_TOOLCNF", "0,0,0,0,0"},
-        {"QUORVEL_CURSPOS", "550,150,32000,0"},
-        {"QUORVEL_FROMPOS", "32000,1,500,100"},
-        {"QUORVEL_TOPOS", "32000,1,520,300.5"},
-        {"QUORVEL_ENDPOS", "32000,0,550,150"},
-        {"QUORVEL_TMPPOS", "550,150"},
-        {"QUORVEL_FROMCELL", "(absent)"},
-        {"QUORVEL_TOCELL", "(absent)"},
-        {"QUORVEL_STOPCELL01", id + ",1,0," + six(kHeightBottom)},
-        {"QUORVEL_STOPCELL02", "0,510,200"},
-        {"QUORVEL_STOPCELL03", "(absent)"},
-    };
-    for (const auto& [name, value] : second) EXPECT_EQ(run.tag(series, name), value) << name;
-}
-
-TEST(RealDrawings, AreRebuiltFromTheRecordAsTheyWere) {
-    NEEDS_DRAWING(kEndmill);
-    const Style style;
-    const Point place{450, 300};
-    for (const char* sets : {"", "set flArType 3\nset flScLead 40\nset flScFix 0\n"}) {  // the record's settings win
-        ScriptRun run(speaking("ENGLISH", style.settings()) + kEndmill.open() + taking("Straight Dimension Tool") +
-                      measure(kHeightTop, kHeightBottom, place) + sets +
-                      "select all\nanswer yes\naction Recalculate_Dimension_lines\nexpect no-beep\n");
-        ASSERT_EQ(run.fault(), "");
-        ASSERT_EQ(run.dimensions().size(), 1U);
-        expectPieces(run.pieces(run.dimensions()[0]),
-                     linear({kHeightTop, kHeightBottom}, {{place.h, kHeightTop.v}, {place.h, kHeightBottom.v}},
-                            {"148.32"}, style));
-    }
-}
-
-// The id 0 and what stands behind it go where a link is led to another art.
-TEST(RealDrawings, TellACopyFromWhatWasMeasuredFirst) {
-    const std::string open = std::string("open ") + QUORVEL_SOURCE_DIR + "/tests/scripts/plate.svg\n";
-    const std::string start = speaking("ENGLISH") + open + taking("Oblique Dimension Tool") +
-                              measure({230, 50}, {310, 110}, {260, 110}) + "copy slope twin\n";
-    for (const bool copyStays : {true, false}) {
-        SCOPED_TRACE(copyStays);
-        const std::string away = copyStays ? "move slope 0 -40\n" : "move twin 0 180\n";
-        const Point shift = copyStays ? Point{0, 0} : Point{0, 180};
-        ScriptRun run(start + away + measure(Point{230, 50} + shift, Point{310, 110} + shift, Point{280, 30} + shift));
-        ASSERT_EQ(run.fault(), "");
-        ASSERT_EQ(run.dimensions().size(), 2U);
-        const doc::ArtId old = run.dimensions()[0].group, young = run.dimensions()[1].group;
-        const std::string kept = run.tag(run.art("slope").id, "quorvel_object_id");
-        const std::string given = run.tag(run.art("twin").id, "quorvel_object_id");
-        EXPECT_NE(kept, given);
-        EXPECT_EQ(run.tag(young, "QUORVEL_FROMCELL"), given + ",0,0," + six(Point{230, 50} + shift));
-        EXPECT_EQ(run.tag(young, "QUORVEL_TOCELL"), given + ",1,0," + six(Point{310, 110} + shift));
-        EXPECT_EQ(run.tag(old, "QUORVEL_FROMCELL"), copyStays ? given + ",0" : kept + ",0,0,230,50");
-        EXPECT_EQ(run.tag(old, "QUORVEL_TOCELL"), copyStays ? given + ",1" : kept + ",1,0,310,110");
-    }
-}
-
 TEST(RealDrawings, ShowLengthsAlongPathsRoundPartsAndAngles) {
     NEEDS_DRAWING(kEndmill);
     const Point ring = kTablet.at(34, 104);
@@ -339,6 +231,94 @@ TEST(RealDrawings, ShowLengthsAlongPathsRoundPartsAndAngles) {
                        "track" + where(byBoth) + "\ndown\nexpect beep\nexpect preview 0\n");
     EXPECT_EQ(parallel.fault(), "");
     EXPECT_TRUE(parallel.dimensions().empty());
+}
+
+struct SnapCase {
+    std::string open, settings;
+    Point cursor, lands;
+    const char* shape;
+    int links;
+};
+
+void expectSnap(const SnapCase& snap, double slack) {
+    SCOPED_TRACE(snap.open + where(snap.cursor));
+    ScriptRun run(speaking("ENGLISH", snap.settings) + snap.open + taking("Oblique Dimension Tool") + "track" +
+                  where(snap.cursor) + "\ndown\ndrag 7 7\nup\ntrack 3 11\ndown\n");
+    ASSERT_EQ(run.fault(), "");
+    EXPECT_EQ(run.told().at(0), snap.shape);
+    const app::RecordedDimension dimension = run.dimensions().at(0);
+    EXPECT_EQ(dimension.points.at(0).first, "from");
+    EXPECT_NEAR(dimension.points[0].second.h, snap.lands.h, slack);  // the record has six digits
+    EXPECT_NEAR(dimension.points[0].second.v, snap.lands.v, slack);
+    EXPECT_EQ(std::count_if(dimension.links.begin(), dimension.links.end(),
+                            [](const app::LinkedArt& link) { return link.from == "from"; }),
+              snap.links);
+}
+
+TEST(RealDrawings, DrawTheCursorToWhatTheirNumbersSay) {
+    NEEDS_DRAWING(kEndmill);
+    const std::string crossings = std::string("open ") + QUORVEL_SOURCE_DIR + "/tests/scripts/crossing.svg\n";
+    const std::string noAnchors = "set flUseFcur 0\n", centres = "set flUseFcnt 1\n";
+    const Point onLine = kEndmill.at(131.26491, 100), ringCentre = kTablet.at(34, 104);
+    const double ring = 19.5 * 0.75;
+    const Point aslant = turned({1, 0}, 30);
+    const SnapCase cases[] = {
+        {kEndmill.open(), "", kHeightTop + Point{1.2, 1}, kHeightTop, "cursor 16105", 1},
+        {kEndmill.open(), "", kHeightBottom + Point{-1.5, 0.4}, kHeightBottom, "cursor 16105", 1},
+        {kEndmill.open(), "", onLine + Point{1.5, 0}, onLine, "cursor 16107", 1},
+        {kTablet.open(), centres, ringCentre + Point{0.9, -0.8}, ringCentre, "cursor 16110", 1},
+        {kTablet.open(), "", ringCentre + (ring + 1) * aslant, ringCentre + ring * aslant, "cursor 16107", 1},
+        {kSheet.open(), "", kSheet.at(237, 177) + Point{0.7, 1.1}, kSheet.at(237, 177), "cursor 16106", 2},
+        // circles of 50 about (150, 150) and (210, 150)
+        {crossings, "", {180.7, 190.6}, {180, 190}, "cursor 16106", 2},
+        {crossings, "", {179.2, 109.5}, {180, 110}, "cursor 16106", 2},
+        // the level line at 180 and the first circle, and the wave that is even about (110, 40) and its rest
+        {crossings, "", {110.6, 179.3}, {110, 180}, "cursor 16106", 2},
+        {crossings, noAnchors, {110.4, 40.3}, {110, 40}, "cursor 16106", 2},
+    };
+    for (const SnapCase& snap : cases) expectSnap(snap, 0.01);
+}
+
+struct Curve {
+    Point p0, p1, p2, p3;
+
+    Point at(double t) const {
+        const double u = 1 - t;
+        return u * u * u * p0 + 3 * u * u * t * p1 + 3 * u * t * t * p2 + t * t * t * p3;
+    }
+};
+
+TEST(RealDrawings, DrawTheCursorToWhereTwoCurvesCross) {
+    NEEDS_DRAWING(kEndmill);
+    NEEDS_DRAWING(kTutorial);
+    const std::string crossingsAlone = "set flUseFcur 0\nset flUseFops 0\nset flUseFrad 0\nset flUseFcnt 0\n";
+    constexpr double kSlack = 0.05;
+    // General curves of path14: the outline's first, and the first of the fleck at its foot, which begins where the
+    // moves of the strokes up to it add up. They meet twice, 0.26 mm apart.
+    const Point begin{72.888356, 172.78619}, fleckBegin{59.841167, 171.95993};
+    const Curve outline{begin, begin + Point{-6.142817, -1.36503}, begin + Point{-16.123011, 2.39642},
+                        begin + Point{-20.11178, -2.13054}};
+    const Curve fleck{fleckBegin, fleckBegin + Point{-3.339496, -0.33615}, fleckBegin + Point{-9.58622, 0.11474},
+                      fleckBegin + Point{-2.524113, 0.11062}};
+    // How far along each, found by halving both while their boxes meet.
+    const std::pair<double, double> meetings[] = {{0.884462887, 0.551381723}, {0.869804768, 0.809451309}};
+    for (const auto& [t, u] : meetings) {
+        const Point meeting = outline.at(t);
+        ASSERT_LT(length(fleck.at(u) - meeting), 1e-6);
+        const Point lands = kEndmill.at(meeting.h, meeting.v);
+        expectSnap(
+            {kEndmill.open() + "zoom 16\n", crossingsAlone, lands + Point{0.06, -0.05}, lands, "cursor 16106", 2},
+            kSlack);
+    }
+    // Two ellipses about one centre, sheared by one matrix, so that their crossings are those of the upright ones.
+    const double a = 32.589, b = 22.827, c = 6.8571, d = 42.356;
+    const double square = (1 - b * b / (d * d)) / (1 / (c * c) - b * b / (a * a * d * d));
+    const double x = std::sqrt(square), y = b * std::sqrt(1 - square / (a * a));
+    for (const Point& corner : {Point{x, y}, {x, -y}, {-x, y}, {-x, -y}}) {
+        const Point p = Point{129.13, -36.549} + corner;
+        const Point lands = kTutorial.at(0.91395 * p.h - 0.87516 * p.v + 20, 0.40583 * p.h + 0.48384 * p.v + 3235.7);
+        expectSnap({kTutorial.open(), crossingsAlone, lands + Point{0.9, -0.7}, lands, "cursor 16106", 2}, kSlack);
+    }
 }
 
 }  // namespace
