@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 #include <random>
+#include <utility>
+#include <vector>
 
 #include "plugin/geometry/bezier.h"
 
@@ -61,34 +63,21 @@ class CurveSource {
         const double size = kSizes[Pick(9)], away = kOffsets[Pick(6)];
         float c[8];
         for (float& x : c) x = static_cast<float>(away + Uniform(-size, size));
-        switch (Pick(10)) {
-            case 0:
-                c[2] = c[0], c[3] = c[1];
-                break;  // first handle retracted
-            case 1:
-                c[4] = c[6], c[5] = c[7];
-                break;  // second handle retracted
-            case 2:
-                c[1] = c[3] = c[5] = c[7];
-                break;  // level
-            case 3:
-                c[0] = c[2] = c[4] = c[6];
-                break;  // upright
-            case 4:
-                c[6] = c[0], c[7] = c[1];
-                break;  // a loop
-            case 5:
-                c[2] = c[4] = c[6] = c[0], c[3] = c[5] = c[7] = c[1];
-                break;  // a point
-            case 6:
-                c[1] = c[0], c[3] = c[2], c[5] = c[4], c[7] = c[6];
-                break;  // folded onto the diagonal
-            case 7:     // one float step from straight
-                c[2] = std::nextafter(c[0], c[6]), c[3] = c[1], c[4] = c[6], c[5] = c[7];
-                break;
-            default:
-                break;
-        }
+        // Controls that take the place of others, as (to, from): a retracted handle, level, upright, a loop, a point,
+        // folded onto the diagonal.
+        using Copies = std::vector<std::pair<int, int>>;
+        static const Copies kCopies[] = {{{2, 0}, {3, 1}},
+                                         {{4, 6}, {5, 7}},
+                                         {{1, 7}, {3, 7}, {5, 7}},
+                                         {{0, 6}, {2, 6}, {4, 6}},
+                                         {{6, 0}, {7, 1}},
+                                         {{2, 0}, {4, 0}, {6, 0}, {3, 1}, {5, 1}, {7, 1}},
+                                         {{1, 0}, {3, 2}, {5, 4}, {7, 6}}};
+        const int kind = Pick(10);
+        if (kind < 7)
+            for (const auto& [to, from] : kCopies[kind]) c[to] = c[from];
+        // One float step from straight.
+        if (kind == 7) c[2] = std::nextafter(c[0], c[6]), c[3] = c[1], c[4] = c[6], c[5] = c[7];
         return MakeSegment({c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]});
     }
 

@@ -214,7 +214,8 @@ TEST(SvgRead, PaintFollowsTheCascade) {
         <path id="one" d="M0 0"/><path id="two" class="a b" d="M0 0"/><path id="three" class="a b" d="M0 0"/>
         <path id="four" class="a b" d="M0 0" style="stroke:currentColor;fill:rgb(100%,50%,0%)"/>
         <path id="five" class="loud" d="M0 0" style="stroke:red"/>
-        <rect id="six" width="1" height="1" stroke="#abc"/></g>)svg"));
+        <rect id="six" width="1" height="1" stroke="#abc"/>
+        <rect id="seven" width="1" height="1" stroke-width="2em" font-size="7"/></g>)svg"));
     const auto stroke = [&](const char* id) { return art(*document, id).path->style->stroke; };
     EXPECT_EQ(stroke("one").rgb[2], 1);
     EXPECT_EQ(art(*document, "one").path->style->strokeWidth, 4);
@@ -227,6 +228,7 @@ TEST(SvgRead, PaintFollowsTheCascade) {
     EXPECT_EQ(stroke("five").rgb[1], 1);
     EXPECT_EQ(stroke("six").rgb[0], float(0xAA / 255.0));
     EXPECT_EQ(art(*document, "six").path->style->strokeWidth, 3);
+    EXPECT_EQ(art(*document, "seven").path->style->strokeWidth, 14) << "the font's size counts wherever it is written";
 }
 
 // 210 degrees at 80 % and 40 %: the lightness spreads by 0.4 * 0.8 either way, and green lies half-way.

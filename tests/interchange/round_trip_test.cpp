@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <iostream>
 #include <random>
+#include <tuple>
 
 #include "tests/interchange/svg_support.h"
 
@@ -21,21 +23,14 @@ bool same(const AIColor& a, const AIColor& b) {
 }
 
 void expectSameStyle(const AIPathStyle& a, const AIPathStyle& b) {
-    EXPECT_EQ(a.fillPaint != 0, b.fillPaint != 0);
-    EXPECT_EQ(a.strokePaint != 0, b.strokePaint != 0);
-    if (a.fillPaint) {
-        EXPECT_TRUE(same(a.fill, b.fill));
-    }
-    if (a.strokePaint) {
-        EXPECT_TRUE(same(a.stroke, b.stroke));
-    }
-    EXPECT_EQ(a.strokeWidth, b.strokeWidth);
-    EXPECT_EQ(a.miterLimit, b.miterLimit);
-    EXPECT_EQ(a.cap, b.cap);
-    EXPECT_EQ(a.join, b.join);
-    EXPECT_EQ(a.dashOffset, b.dashOffset);
-    ASSERT_EQ(a.dashCount, b.dashCount);
-    for (int i = 0; i < a.dashCount; ++i) EXPECT_EQ(a.dashes[i], b.dashes[i]);
+    const auto plain = [](const AIPathStyle& s) {
+        return std::tuple(s.fillPaint != 0, s.strokePaint != 0, s.strokeWidth, s.miterLimit, s.cap, s.join,
+                          s.dashOffset, s.dashCount);
+    };
+    ASSERT_EQ(plain(a), plain(b));
+    EXPECT_TRUE(!a.fillPaint || same(a.fill, b.fill));
+    EXPECT_TRUE(!a.strokePaint || same(a.stroke, b.stroke));
+    EXPECT_TRUE(std::equal(a.dashes, a.dashes + a.dashCount, b.dashes));
 }
 
 void expectSamePath(const doc::PathData& a, const doc::PathData& b) {
@@ -51,34 +46,22 @@ void expectSamePath(const doc::PathData& a, const doc::PathData& b) {
 }
 
 void expectSameText(const doc::TextData& a, const doc::TextData& b) {
-    EXPECT_EQ(a.text, b.text);
-    EXPECT_EQ(a.justification, b.justification);
-    EXPECT_EQ(a.firstLineIndent, b.firstLineIndent);
-    EXPECT_EQ(a.startIndent, b.startIndent);
-    EXPECT_EQ(a.matrix.a, b.matrix.a);
-    EXPECT_EQ(a.matrix.b, b.matrix.b);
-    EXPECT_EQ(a.matrix.c, b.matrix.c);
-    EXPECT_EQ(a.matrix.d, b.matrix.d);
-    EXPECT_EQ(a.matrix.tx, b.matrix.tx);
-    EXPECT_EQ(a.matrix.ty, b.matrix.ty);
+    const auto plain = [](const doc::TextData& t) {
+        const RealMatrix& m = t.matrix;
+        return std::tuple(t.text, t.justification, t.firstLineIndent, t.startIndent, m.a, m.b, m.c, m.d, m.tx, m.ty);
+    };
+    EXPECT_EQ(plain(a), plain(b));
     ASSERT_EQ(a.runs.size(), b.runs.size());
+    const auto look = [](const doc::TextRun& run) {
+        const doc::CharFeatures& f = run.features;
+        return std::tuple(run.length, f.font, f.size, f.horizontalScale, f.verticalScale, f.baselineShift, f.miterLimit,
+                          f.fillOn, f.strokeOn);
+    };
     for (std::size_t i = 0; i < a.runs.size(); ++i) {
-        EXPECT_EQ(a.runs[i].length, b.runs[i].length);
+        EXPECT_EQ(look(a.runs[i]), look(b.runs[i]));
         const doc::CharFeatures &f = a.runs[i].features, &g = b.runs[i].features;
-        EXPECT_EQ(f.font, g.font);
-        EXPECT_EQ(f.size, g.size);
-        EXPECT_EQ(f.horizontalScale, g.horizontalScale);
-        EXPECT_EQ(f.verticalScale, g.verticalScale);
-        EXPECT_EQ(f.baselineShift, g.baselineShift);
-        EXPECT_EQ(f.miterLimit, g.miterLimit);
-        EXPECT_EQ(f.fillOn, g.fillOn);
-        EXPECT_EQ(f.strokeOn, g.strokeOn);
-        if (f.fillOn) {
-            EXPECT_TRUE(same(f.fill, g.fill));
-        }
-        if (f.strokeOn) {
-            EXPECT_TRUE(same(f.stroke, g.stroke));
-        }
+        EXPECT_TRUE(!f.fillOn || same(f.fill, g.fill));
+        EXPECT_TRUE(!f.strokeOn || same(f.stroke, g.stroke));
     }
 }
 
@@ -247,47 +230,38 @@ class Draughtsman {
         const doc::ArtId target = any();
         const doc::Art& art = *document_.find(target);
         const bool isRoot = art.parent == 0;
-        switch (upTo(13)) {
-            case 0:
-                insert(kGroupArt, target);
-                break;
-            case 1:
-                insert(kCompoundPathArt, target);
-                break;
-            case 2:
-            case 3:
-            case 4:
-                insert(kPathArt, target);
-                break;
-            case 5:
-            case 6:
-                insert(kTextFrameArt, target);
-                break;
-            case 7:
+        const auto inserting = [&](AIArtType kind) { return [this, kind, target] { insert(kind, target); }; };
+        const std::function<void()> changes[] = {
+            inserting(kGroupArt),
+            inserting(kCompoundPathArt),
+            inserting(kPathArt),
+            inserting(kPathArt),
+            inserting(kPathArt),
+            inserting(kTextFrameArt),
+            inserting(kTextFrameArt),
+            [&] {
                 if (!isRoot && oneIn(2)) document_.removeArt(target);
-                break;
-            case 8:
+            },
+            [&] {
                 if (!isRoot) document_.moveArt(target, oneIn(2) ? kPlaceAbove : kPlaceInsideOnBottom, any());
-                break;
-            case 9:
+            },
+            [&] {
                 if (!isRoot) document_.setTag(target, oneIn(3) ? bytes() : "QUORVEL_TOOLCNF", bytes());
-                break;
-            case 10:
-                // The look of a compound path is one, and so are its members' marks.
+            },
+            [&] {  // The look of a compound path is one, and so are its members' marks.
                 if (!isRoot && !inCompound(art))
                     oneIn(2) ? document_.setHidden(target, oneIn(2)) : document_.setLocked(target, oneIn(2));
-                break;
-            case 11:
+            },
+            [&] {
                 document_.transform(target, {0.8F, 0.6F, -0.6F, 0.8F, 10, -20}, oneIn(2) ? 1.0F : 1.5F);
-                break;
-            case 12:
+            },
+            [&] {
                 if (art.path && !inCompound(art)) document_.setStyle(target, style());
                 if (!isRoot && !inCompound(art) && oneIn(3))
                     document_.setName(target, "id" + std::to_string(upTo(1000000)));
-                break;
-            default:
-                changeLayer();
-        }
+            },
+            [&] { changeLayer(); }};
+        changes[upTo(int(std::size(changes)) - 1)]();
     }
 
     bool inCompound(const doc::Art& art) { return document_.find(art.parent)->kind == kCompoundPathArt; }
@@ -307,25 +281,16 @@ class Draughtsman {
     void changeLayer() {
         const auto& layers = document_.layers();
         const doc::LayerId layer = layers[static_cast<std::size_t>(upTo(static_cast<int>(layers.size()) - 1))];
-        switch (upTo(6)) {
-            case 5:
-                document_.moveLayer(layer, static_cast<std::size_t>(upTo(static_cast<int>(layers.size()) - 1)));
-                break;
-            case 0:
-                document_.insertLayer("Dim <" + std::to_string(upTo(99)) + "> 寸法", oneIn(2) ? 0 : layer);
-                break;
-            case 1:
-                document_.setLayerTitle(layer, "Title " + std::to_string(upTo(99)));
-                break;
-            case 2:
-                document_.setLayerVisible(layer, oneIn(2));
-                break;
-            case 3:
-                document_.setLayerEditable(layer, oneIn(2));
-                break;
-            default:
-                document_.setCurrentLayer(layer);
-        }
+        const auto choose = [&] { document_.setCurrentLayer(layer); };
+        const std::function<void()> changes[] = {
+            [&] { document_.insertLayer("Dim <" + std::to_string(upTo(99)) + "> 寸法", oneIn(2) ? 0 : layer); },
+            [&] { document_.setLayerTitle(layer, "Title " + std::to_string(upTo(99))); },
+            [&] { document_.setLayerVisible(layer, oneIn(2)); },
+            [&] { document_.setLayerEditable(layer, oneIn(2)); },
+            choose,
+            [&] { document_.moveLayer(layer, std::size_t(upTo(int(layers.size()) - 1))); },
+            choose};
+        changes[upTo(int(std::size(changes)) - 1)]();
     }
 
     doc::Document& document_;

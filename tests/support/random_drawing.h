@@ -76,61 +76,33 @@ class RandomDrawing {
         const LayerId layer = document.layers()[std::size_t(below(int(document.layers().size())))];
         constexpr AIArtType kKinds[] = {kGroupArt, kPathArt, kPathArt, kCompoundPathArt, kTextFrameArt};
         const auto placement = AIPaintOrder(1 + below(5));
-        switch (below(19)) {
-            case 0:
-            case 1:
-                fill(document, document.insertArt(kKinds[below(5)], placement, art));
-                break;
-            case 2:
-                document.removeArt(art);
-                break;
-            case 3:
-            case 4:
-                document.moveArt(art, placement, other);
-                break;
-            case 5:
-                document.duplicateArt(art, below(2) == 0 ? "" : "copy" + std::to_string(below(1000)));
-                break;
-            case 6:
-                fill(document, art);
-                break;
-            case 7:
-                document.setSegmentCount(art, std::size_t(below(5)));
-                break;
-            case 8:
-                document.setClosed(art, below(2) == 0);
-                break;
-            case 9:
-                setWidth(document, art, float(below(4)));
-                break;
-            case 10:
+        const auto insert = [&] { fill(document, document.insertArt(kKinds[below(5)], placement, art)); };
+        const auto move = [&] { document.moveArt(art, placement, other); };
+        const std::function<void()> edits[] = {
+            insert,
+            insert,
+            [&] { document.removeArt(art); },
+            move,
+            move,
+            [&] { document.duplicateArt(art, below(2) == 0 ? "" : "copy" + std::to_string(below(1000))); },
+            [&] { fill(document, art); },
+            [&] { document.setSegmentCount(art, std::size_t(below(5))); },
+            [&] { document.setClosed(art, below(2) == 0); },
+            [&] { setWidth(document, art, float(below(4))); },
+            [&] {
                 document.transform(art, {1, 0, 0, 1, coordinate() - 200, coordinate() - 200}, 1);
-                break;
-            case 11:
+            },
+            [&] {
                 document.transform(art, {0, 0.5f, -0.5f, 0, 100, 100}, 0.5f);
-                break;
-            case 12:
-                document.setTag(art, word(), word());
-                break;
-            case 13:
-                document.removeTag(art, word());
-                break;
-            case 14:
-                document.setHidden(art, below(2) == 0);
-                break;
-            case 15:
-                document.setName(art, "id" + std::to_string(below(200)));
-                break;
-            case 16:
-                document.setSelected(art, below(2) == 0);
-                break;
-            case 17:
-                document.setSegmentSelected(art, std::size_t(below(4)), AISegmentSelection(below(5)));
-                break;
-            case 18:
-                editLayer(document, layer);
-                break;
-        }
+            },
+            [&] { document.setTag(art, word(), word()); },
+            [&] { document.removeTag(art, word()); },
+            [&] { document.setHidden(art, below(2) == 0); },
+            [&] { document.setName(art, "id" + std::to_string(below(200))); },
+            [&] { document.setSelected(art, below(2) == 0); },
+            [&] { document.setSegmentSelected(art, std::size_t(below(4)), AISegmentSelection(below(5))); },
+            [&] { editLayer(document, layer); }};
+        edits[below(int(std::size(edits)))]();
     }
 
   private:
@@ -165,23 +137,11 @@ class RandomDrawing {
     }
 
     void editLayer(Document& document, LayerId layer) {
-        switch (below(5)) {
-            case 0:
-                document.insertLayer("new", below(2) == 0 ? 0 : layer);
-                break;
-            case 1:
-                document.setLayerTitle(layer, word());
-                break;
-            case 2:
-                document.setLayerVisible(layer, below(2) == 0);
-                break;
-            case 3:
-                document.setLayerEditable(layer, below(2) == 0);
-                break;
-            case 4:
-                document.setCurrentLayer(layer);
-                break;
-        }
+        const std::function<void()> edits[] = {
+            [&] { document.insertLayer("new", below(2) == 0 ? 0 : layer); },
+            [&] { document.setLayerTitle(layer, word()); }, [&] { document.setLayerVisible(layer, below(2) == 0); },
+            [&] { document.setLayerEditable(layer, below(2) == 0); }, [&] { document.setCurrentLayer(layer); }};
+        edits[below(int(std::size(edits)))]();
     }
 
     std::mt19937_64 random_;
