@@ -30,15 +30,8 @@ class Angle : public testing::Test {
         prefs.flArSpStr = 1;
     }
     std::vector<Piece> measure(RealPoint from, RealPoint to, RealPoint placement) {
-        for (doc::ArtId old : table.dimensions())
-            table.change([&](doc::Document& document) { return document.removeArt(old); });
-        table.choose("Angle Tool");
-        table.track(from);
-        table.down();
-        table.drag(to);
-        table.up();
-        table.track(placement);
-        table.down();
+        table.removeDimensions();
+        table.measure("Angle Tool", from, to, placement);
         const std::vector<doc::ArtId> made = table.dimensions();
         return made.empty() ? std::vector<Piece>{} : table.pieces(made.front());
     }

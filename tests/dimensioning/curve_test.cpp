@@ -164,63 +164,73 @@ double DistanceToChain(const ChainBuffer& chain, const BezierBasisTables& tables
 
 // --- properties ---------------------------------------------------------------------------------------------------
 
-TEST(CurveChain, LengthIsThatOfThePathOnThePlacementsSide) {
+class CurveChain : public testing::Test {
+  protected:
+    // Two picks on the path and a placement near it. Picks without one length, and those too near, are passed over.
+    void measureOnce(const Sampled& path, doc::ArtId art, bool showProgress) {
+        PluginGlobals& globals = table.globals();
+        Pick from, to;
+        if (!PickOn(path, &source, globals.bezierTables, &from)) return;
+        if (!PickOn(path, &source, globals.bezierTables, &to)) return;
+        const double total = path.total(), apart = std::fabs(to.along - from.along);
+        if (apart < 3 || (path.closed && total - apart < 3)) return;
+        const bool backward = to.along < from.along;
+        const DoublePoint E = ToDoublePoint(
+            source.near(ToRealPoint(path.points[path.span(source.below(path.spanCount()))][source.below(kSteps)])));
+        ContextBracket(&globals);
+        globals.liveState.fromPoint = from.point;
+        globals.liveState.toPoint = to.point;
+        globals.liveState.fromCells[0] = {DraftingTable::handle(art), from.span};
+        globals.liveState.toCells[0] = {DraftingTable::handle(art), to.span};
+        std::int16_t side = 0;
+        ASSERT_TRUE(BuildCurveChain(&globals, E, showProgress, &side));
+
+        SCOPED_TRACE(testing::Message() << "spans " << from.span << " " << to.span
+                                        << (path.closed ? " closed" : " open"));
+        const ChainBuffer& chain = *globals.workBufferA;
+        const bool runsBackward = chain.reversed != 0;
+        const double forward = backward ? total - apart : apart;
+        const double expected = !path.closed ? apart : (runsBackward ? total - forward : forward);
+        EXPECT_NEAR(chain.length, expected, 0.15 + 3e-4 * expected);
+        EXPECT_TRUE(path.closed || runsBackward == backward);
+        ++checked;
+        reversed += runsBackward ? 1 : 0;
+        expectCopy(path, chain, E, runsBackward ? to.along : from.along, runsBackward ? from.along : to.along);
+    }
+
+    // The chain runs from start to end, lengths on the path, on the placement's side.
+    void expectCopy(const Sampled& path, const ChainBuffer& chain, const DoublePoint& E, double start, double end) {
+        double nearest = 0, other = 0;
+        const double distance = DistanceToRun(path, E, start, end, &nearest);
+        if (path.closed) {
+            ++closed;
+            EXPECT_LE(distance, DistanceToRun(path, E, end, start, &other) + 0.6);
+        }
+        // A copy beside the middle of a span runs through the placement point; corners have no copy.
+        for (int k = 0; k < path.spanCount(); ++k) {
+            const auto& lengths = path.lengths[path.span(k)];
+            const double margin = 0.02 * (lengths.back() - lengths.front()) + 1;
+            const auto clear = [&](double x) { return std::fabs(x - nearest) > margin; };
+            if (nearest < lengths.front() || nearest > lengths.back()) continue;
+            if (!clear(lengths.front()) || !clear(lengths.back()) || !clear(start) || !clear(end)) continue;
+            if (distance < 1 || DistanceToRun(path, E, 0, path.total(), &other) < distance) continue;
+            ++passing;
+            missing += DistanceToChain(chain, table.globals().bezierTables, E) > 1.5 ? 1 : 0;
+        }
+    }
+
     DraftingTable table;
-    PathSource source(41);
+    PathSource source{41};
     int checked = 0, reversed = 0, closed = 0, passing = 0, missing = 0;
+};
+
+TEST_F(CurveChain, LengthIsThatOfThePathOnThePlacementsSide) {
     for (int round = 0; round < rounds(900); ++round) {
+        SCOPED_TRACE(round);
         const Sampled path = source.path();
         const doc::ArtId art = table.draw(path.segments, path.closed);
         table.inside([&] {
-            PluginGlobals& globals = table.globals();
-            const ChainBuffer& chain = *globals.workBufferA;
-            for (int i = 0; i < 4; ++i) {
-                Pick from, to;
-                if (!PickOn(path, &source, globals.bezierTables, &from)) continue;
-                if (!PickOn(path, &source, globals.bezierTables, &to)) continue;
-                const double total = path.total(), apart = std::fabs(to.along - from.along);
-                if (apart < 3 || (path.closed && total - apart < 3)) continue;
-                const bool backward = to.along < from.along;
-                const DoublePoint E = ToDoublePoint(source.near(
-                    ToRealPoint(path.points[path.span(source.below(path.spanCount()))][source.below(kSteps)])));
-
-                ContextBracket(&globals);
-                globals.liveState.fromPoint = from.point;
-                globals.liveState.toPoint = to.point;
-                globals.liveState.fromCells[0] = {DraftingTable::handle(art), from.span};
-                globals.liveState.toCells[0] = {DraftingTable::handle(art), to.span};
-                std::int16_t side = 0;
-                ASSERT_TRUE(BuildCurveChain(&globals, E, round % 20 == 0, &side));
-
-                SCOPED_TRACE(testing::Message() << "round " << round << " pick " << i << " spans " << from.span << " "
-                                                << to.span << (path.closed ? " closed" : " open"));
-                const bool runsBackward = chain.reversed != 0;
-                const double forward = backward ? total - apart : apart;
-                const double expected = !path.closed ? apart : (runsBackward ? total - forward : forward);
-                EXPECT_NEAR(chain.length, expected, 0.15 + 3e-4 * expected);
-                EXPECT_TRUE(path.closed || runsBackward == backward);
-                ++checked;
-                reversed += runsBackward ? 1 : 0;
-
-                const double start = runsBackward ? to.along : from.along, end = runsBackward ? from.along : to.along;
-                double nearest = 0, other = 0;
-                const double distance = DistanceToRun(path, E, start, end, &nearest);
-                if (path.closed) {
-                    ++closed;
-                    EXPECT_LE(distance, DistanceToRun(path, E, end, start, &other) + 0.6);
-                }
-                // A copy beside the middle of a span runs through the placement point; corners have no copy.
-                for (int k = 0; k < path.spanCount(); ++k) {
-                    const auto& lengths = path.lengths[path.span(k)];
-                    const double margin = 0.02 * (lengths.back() - lengths.front()) + 1;
-                    const auto clear = [&](double x) { return std::fabs(x - nearest) > margin; };
-                    if (nearest < lengths.front() || nearest > lengths.back()) continue;
-                    if (!clear(lengths.front()) || !clear(lengths.back()) || !clear(start) || !clear(end)) continue;
-                    if (distance < 1 || DistanceToRun(path, E, 0, path.total(), &other) < distance) continue;
-                    ++passing;
-                    missing += DistanceToChain(chain, globals.bezierTables, E) > 1.5 ? 1 : 0;
-                }
-            }
+            for (int i = 0; i < 4; ++i) measureOnce(path, art, round % 20 == 0);
         });
         table.change([&](doc::Document& document) { return document.removeArt(art); });
     }
@@ -251,23 +261,13 @@ class Curve : public testing::Test {
         prefs.flArUnit = 5;
         prefs.flScFix = 2;
     }
-    std::vector<Piece> measure(RealPoint from, RealPoint to, RealPoint placement, std::vector<RealPoint> stops = {}) {
-        for (doc::ArtId old : table.dimensions())
-            table.change([&](doc::Document& document) { return document.removeArt(old); });
-        table.choose("Curve Dimension Tool");
-        table.track(from);
-        table.down();
-        for (const RealPoint& stop : stops) {
-            table.drag(stop);
-            table.down(kAltModifier);
-            table.up(kAltModifier);
-        }
-        table.drag(to);
-        table.up();
+    std::vector<Piece> measure(RealPoint from, RealPoint to, RealPoint placement,
+                               const std::vector<RealPoint>& stops = {}) {
+        table.removeDimensions();
+        table.pull("Curve Dimension Tool", from, to, stops);
         table.track(placement);
-        const bool drawn = table.user().visiblePixels() > 0;
+        EXPECT_GT(table.user().visiblePixels(), 0U);
         table.down();
-        EXPECT_TRUE(drawn);
         EXPECT_EQ(table.user().visiblePixels(), 0U);
         return table.pieces(table.dimension());
     }

@@ -1,4 +1,4 @@
-// The pieces of a dimension: heads, dots, arcs, texts and the layer they go to.
+// The pieces of a dimension: heads, dots, arcs and texts.
 #include "plugin/dimensioning/graphics.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <cstring>
 #include <random>
 
-#include "tests/support/fake_suites.h"
+#include "tests/support/drafting_table.h"
 
 namespace quorvel::tests {
 namespace {
@@ -23,13 +23,14 @@ void expectPoint(const RealPoint& point, double h, double v) { expectPoint(ToDou
 
 class Graphics : public testing::Test {
   protected:
-    FakeHost host;
-    AIArtHandle group = host.newGroup();
+    using Draw = std::function<void(AIArtHandle)>;
+    std::vector<Piece> drawn(const Draw& draw) { return table.pieces(table.newGroup(draw)); }
+    DraftingTable table;
 };
 
 TEST_F(Graphics, WingsOfEachShape) {
-    host.prefs().flArAngle = 30;
-    host.prefs().flArSize3 = 20;
+    table.prefs().flArAngle = 30;
+    table.prefs().flArSize3 = 20;
     DoublePoint wing1, wing2;
     // Trailing to the right: 10 (cos 30, sin 30).
     ArrowWings({100, 50}, 0, kArrowOpen, 10, &wing1, &wing2);
@@ -48,21 +49,22 @@ TEST_F(Graphics, WingsOfEachShape) {
 }
 
 TEST_F(Graphics, WingLengthBelongsToTheShape) {
-    host.prefs().flArSize1 = 2.5F;
-    host.prefs().flArSize2 = 7.75F;
-    host.prefs().flArType = kArrowOpen;
-    EXPECT_EQ(ArrowWingLength(host.prefs(), false), 2.5);
-    EXPECT_EQ(ArrowWingLength(host.prefs(), true), 2.0);
-    host.prefs().flArType = kArrowTriangular;
-    EXPECT_EQ(ArrowWingLength(host.prefs(), true), 7.0);
+    table.prefs().flArSize1 = 2.5F;
+    table.prefs().flArSize2 = 7.75F;
+    table.prefs().flArType = kArrowOpen;
+    EXPECT_EQ(ArrowWingLength(table.prefs(), false), 2.5);
+    EXPECT_EQ(ArrowWingLength(table.prefs(), true), 2.0);
+    table.prefs().flArType = kArrowTriangular;
+    EXPECT_EQ(ArrowWingLength(table.prefs(), true), 7.0);
 }
 
 TEST_F(Graphics, MarksFillWhatTheyShould) {
-    for (std::int16_t shape = kArrowOpen; shape <= kArrowDot; ++shape) {
-        host.prefs().flArType = shape;
-        AddArrowMark(group, {0, 0}, 0, 10);
-    }
-    const std::vector<FakeArt> marks = host.piecesOf(group);
+    const std::vector<Piece> marks = drawn([&](AIArtHandle group) {
+        for (std::int16_t shape = kArrowOpen; shape <= kArrowDot; ++shape) {
+            table.prefs().flArType = shape;
+            AddArrowMark(group, {0, 0}, 0, 10);
+        }
+    });
     ASSERT_EQ(marks.size(), 4U);
     const int fills[] = {0, 1, 0, 1};
     for (int i = 0; i < 4; ++i) {
@@ -78,8 +80,7 @@ TEST_F(Graphics, MarksFillWhatTheyShould) {
 }
 
 TEST_F(Graphics, DotIsACircleThatGoesAnticlockwise) {
-    AddDot(group, {10, 20}, 8, false);
-    const FakeArt dot = host.piecesOf(group).at(0);
+    const Piece dot = drawn([](AIArtHandle group) { AddDot(group, {10, 20}, 8, false); }).at(0);
     EXPECT_EQ(dot.style.fillPaint, 0);
     ASSERT_EQ(dot.segments.size(), 4U);
     for (int i = 0; i < 4; ++i) {
@@ -133,8 +134,8 @@ TEST_F(Graphics, ArcSpanOfQuartersAndOfLevelRadii) {
 }
 
 TEST_F(Graphics, DimensionArcRunsByPlainInterpolation) {
-    AddDimensionArc(group, 50, kTwoPi, kPi / 2, {0, 0});  // the long way down from a raised start
-    const FakeArt arc = host.piecesOf(group).at(0);
+    // The long way down from a raised start.
+    const Piece arc = drawn([](AIArtHandle group) { AddDimensionArc(group, 50, kTwoPi, kPi / 2, {0, 0}); }).at(0);
     ASSERT_EQ(arc.segments.size(), 5U);
     EXPECT_FALSE(arc.closed);
     const double degrees[] = {360, 292.5, 225, 157.5, 90};
@@ -149,50 +150,25 @@ TEST_F(Graphics, DimensionArcRunsByPlainInterpolation) {
 }
 
 TEST_F(Graphics, TextStandsOnTheMiddleInTheDirectionGiven) {
-    host.fonts = {{"Standard"}, {"Wanted"}, {"Wanted"}, {"Other"}};
-    std::strcpy(host.prefs().flArFName, "Wanted");
-    host.prefs().flArFSize = 9;
-    AddDimensionText(group, {10, 10}, {10, 30}, "20");
-    const FakeArt text = host.piecesOf(group).at(0);
+    std::strcpy(table.prefs().flArFName, "DejaVu Sans Mono");
+    table.prefs().flArFSize = 9;
+    const Piece text = drawn([](AIArtHandle group) { AddDimensionText(group, {10, 10}, {10, 30}, "20"); }).at(0);
     EXPECT_EQ(text.text, u"20");
-    EXPECT_EQ(text.fontIndex, 2);
-    EXPECT_EQ(text.fontSize, 9.0F);
-    EXPECT_EQ(text.justification, kJustifyCenter);
-    ASSERT_EQ(text.transforms.size(), 2U);
-    EXPECT_NEAR(text.transforms[0].b, 1, 1e-6);  // a quarter turn about the origin
-    EXPECT_NEAR(text.transforms[0].a, 0, 1e-6);
-    EXPECT_EQ(text.transforms[1].tx, 10.0F);
-    EXPECT_EQ(text.transforms[1].ty, 20.0F);
+    EXPECT_EQ(text.data.runs.at(0).features.font, "DejaVu Sans Mono");
+    EXPECT_EQ(text.data.runs.at(0).features.size, 9.0F);
+    EXPECT_EQ(text.data.justification, kJustifyCenter);
+    EXPECT_NEAR(text.angle, std::acos(-1) / 2, 1e-6);
+    expectPoint(text.place, 10, 20);
 }
 
 TEST_F(Graphics, RefusedArtLeavesThePieceOut) {
-    host.refusesArt = true;
-    AddLine2(group, {0, 0}, {1, 1});
-    AddDot(group, {0, 0});
-    AddDimensionText(group, {0, 0}, {1, 1}, "1");
-    EXPECT_TRUE(host.piecesOf(group).empty());
-}
-
-TEST_F(Graphics, LayerOfItsOwnIsMadeOnce) {
-    host.prefs().flOutLayer = 1;
-    const AILayerHandle made = ResolveDimensionLayer(nullptr);
-    ASSERT_EQ(host.layers.size(), 2U);
-    EXPECT_EQ(host.layers[1].title, "<<dimension lines>>");
-    EXPECT_EQ(host.currentLayer, 0);
-    EXPECT_EQ(ResolveDimensionLayer(nullptr), made);
-    EXPECT_EQ(host.layers.size(), 2U);
-    host.layers[1].editable = false;
-    const std::size_t before = host.arts.size();
-    EXPECT_EQ(BeginDimensionGroup(nullptr), nullptr);
-    EXPECT_EQ(host.arts.size(), before);
-}
-
-TEST_F(Graphics, RebuiltDimensionStaysOnItsLayer) {
-    const AIArtHandle old = BeginDimensionGroup(nullptr);
-    ASSERT_NE(old, nullptr);
-    host.currentLayer = host.addLayer("Second");
-    EXPECT_EQ(ResolveDimensionLayer(old), FakeHost::layerHandle(0));
-    EXPECT_EQ(ResolveDimensionLayer(nullptr), FakeHost::layerHandle(1));
+    const auto pieces = drawn([&](AIArtHandle group) {
+        table.document().setLayerEditable(table.document().currentLayer(), false);
+        AddLine2(group, {0, 0}, {1, 1});
+        AddDot(group, {0, 0});
+        AddDimensionText(group, {0, 0}, {1, 1}, "1");
+    });
+    EXPECT_TRUE(pieces.empty());
 }
 
 }  // namespace

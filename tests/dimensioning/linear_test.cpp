@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "plugin/dimensioning/graphics.h"
-#include "tests/support/fake_suites.h"
+#include "tests/support/drafting_table.h"
 
 namespace quorvel::tests {
 namespace {
@@ -22,18 +22,20 @@ void expectPoint(const Point& point, double h, double v) {
 class Feet : public testing::Test {
   protected:
     std::int32_t project(const DoublePoint& E) {
-        return ProjectFeet(E, P1, P2, &A, &B, &tmpPos, stopCount, S, &axisWord);
+        std::int32_t found = 0;
+        table.inside([&] { found = ProjectFeet(E, P1, P2, &A, &B, &tmpPos, stopCount, S, &axisWord); });
+        return found;
     }
     bool isUpright() const { return A.h == B.h; }
     bool isLevel() const { return A.v == B.v; }
 
-    FakeHost host;
+    DraftingTable table;
     DoublePoint P1{100, 100}, P2{200, 150}, A, B, tmpPos, S[4];
     std::int16_t stopCount = 0, axisWord = 0;
 };
 
 TEST_F(Feet, ObliqueLineRunsParallel) {
-    host.prefs().flDistanceMode = kObliqueMode;
+    table.prefs().flDistanceMode = kObliqueMode;
     P1 = {0, 0};
     P2 = {30, 40};
     stopCount = 1;
@@ -61,7 +63,7 @@ TEST_F(Feet, EqualPointsHaveNone) {
 }
 
 TEST_F(Feet, StraightLineStandsAcrossTheWayOfTheHand) {
-    host.prefs().flDistanceMode = kStraightMode;
+    table.prefs().flDistanceMode = kStraightMode;
     const struct {
         DoublePoint E;
         bool upright;
@@ -80,8 +82,8 @@ TEST_F(Feet, StraightLineStandsAcrossTheWayOfTheHand) {
 }
 
 TEST_F(Feet, StraightAxisHoldsForFivePixels) {
-    host.prefs().flDistanceMode = kStraightMode;
-    host.zoom = 0.5F;  // a pixel is two points: the axis holds for 10
+    table.prefs().flDistanceMode = kStraightMode;
+    table.host().setZoom(0.5F);  // a pixel is two points: the axis holds for 10
     project({180, 100});
     ASSERT_TRUE(isUpright());
     project({180, 110});  // exactly 10 away, straight up
@@ -95,7 +97,7 @@ TEST_F(Feet, StraightAxisHoldsForFivePixels) {
 }
 
 TEST_F(Feet, PointsOnOneLevelAreMeasuredAlongIt) {
-    host.prefs().flDistanceMode = kStraightMode;
+    table.prefs().flDistanceMode = kStraightMode;
     P2 = {200, 101};  // one pixel off is on it
     project({500, 100});
     EXPECT_TRUE(isLevel());
@@ -113,24 +115,25 @@ TEST_F(Feet, PointsOnOneLevelAreMeasuredAlongIt) {
 class Span : public testing::Test {
   protected:
     // 100 wide, the line 40 above the points, unless the test says otherwise.
-    std::vector<FakeArt> build(double width, std::int32_t index = 0) {
-        const AIArtHandle group = host.newGroup();
-        BuildSpan(group, {0, 0}, {width, 0}, {0, 40}, {width, 40}, &start, &end, index);
-        return host.piecesOf(group);
+    std::vector<Piece> build(double width, std::int32_t index = 0) { return build(0, width, index); }
+    std::vector<Piece> build(double left, double right, std::int32_t index) {
+        return table.pieces(table.newGroup([&](AIArtHandle group) {
+            BuildSpan(group, {left, 0}, {right, 0}, {left, 40}, {right, 40}, &start, &end, index);
+        }));
     }
     void SetUp() override {
-        host.prefs().flScOfst = 3;
-        host.prefs().flArAngle = 30;
-        host.prefs().flArUnit = 5;
+        table.prefs().flScOfst = 3;
+        table.prefs().flArAngle = 30;
+        table.prefs().flArUnit = 5;
     }
-    FakeHost host;
+    DraftingTable table;
     DoublePoint start, end;
 };
 
 TEST_F(Span, HeadsInside) {
     for (std::int16_t shape : {kArrowOpen, kArrowTriangular}) {
-        host.prefs().flArType = shape;
-        const std::vector<FakeArt> art = build(100);
+        table.prefs().flArType = shape;
+        const std::vector<Piece> art = build(100);
         ASSERT_EQ(art.size(), 5U);
         expectPoint(art[0].segments[0].p, 0, 3);
         expectPoint(art[0].segments[1].p, 0, 50);
@@ -143,15 +146,14 @@ TEST_F(Span, HeadsInside) {
         expectPoint(art[3].segments[2].p, 91.339746, 45);
         EXPECT_EQ(art[3].style.fillPaint, shape == kArrowTriangular ? 1 : 0);
         EXPECT_EQ(art[4].text, u"100");
-        EXPECT_NEAR(art[4].transforms.at(1).tx, 50, kNear);
-        EXPECT_NEAR(art[4].transforms.at(1).ty, 42, kNear);
+        expectPoint(art[4].place, 50, 42);
         expectPoint(start, 0, 40);
         expectPoint(end, 100, 40);
     }
 }
 
 TEST_F(Span, NarrowSpanTurnsItsHeadsOut) {
-    std::vector<FakeArt> art = build(29.9);
+    std::vector<Piece> art = build(29.9);
     expectPoint(art[2].segments[0].p, -8.660254, 35);
     expectPoint(art[3].segments[0].p, 29.9 + 8.660254, 45);
     expectPoint(start, -10, 40);
@@ -167,13 +169,13 @@ TEST_F(Span, NarrowSpanTurnsItsHeadsOut) {
 }
 
 TEST_F(Span, SlashesAndDotsNeverGoOutside) {
-    host.prefs().flArType = kArrowObliqueLine;
-    std::vector<FakeArt> art = build(20);
+    table.prefs().flArType = kArrowObliqueLine;
+    std::vector<Piece> art = build(20);
     expectPoint(art[2].segments[0].p, 8.660254, 45);
     expectPoint(art[2].segments[2].p, -8.660254, 35);
     expectPoint(art[3].segments[0].p, 20 - 8.660254, 35);
     expectPoint(start, 0, 40);
-    host.prefs().flArType = kArrowDot;
+    table.prefs().flArType = kArrowDot;
     art = build(20);
     ASSERT_EQ(art.size(), 5U);
     EXPECT_TRUE(art[2].closed);
@@ -182,46 +184,30 @@ TEST_F(Span, SlashesAndDotsNeverGoOutside) {
 }
 
 TEST_F(Span, GapEatsAtMostTheWayToTheFoot) {
-    host.prefs().flScOfst = 60;
-    const std::vector<FakeArt> art = build(100);
+    table.prefs().flScOfst = 60;
+    const std::vector<Piece> art = build(100);
     expectPoint(art[0].segments[0].p, 0, 40);
     expectPoint(art[0].segments[1].p, 0, 50);
 }
 
 TEST_F(Span, TextTurnsOverWithTheOrderOfThePoints) {
-    const AIArtHandle group = host.newGroup();
-    BuildSpan(group, {100, 0}, {0, 0}, {100, 40}, {0, 40}, &start, &end, 0);
-    const FakeArt text = host.piecesOf(group).back();
-    EXPECT_NEAR(text.transforms.at(0).a, -1, 1e-6);
-    EXPECT_NEAR(text.transforms.at(1).ty, 38, kNear);
+    const Piece text = build(100, 0, 0).back();
+    EXPECT_NEAR(std::fabs(text.angle), std::acos(-1), 1e-6);
+    EXPECT_NEAR(text.place.v, 38, kNear);
 }
 
 class Run : public testing::Test {
   protected:
     void SetUp() override {
-        PrefsRecord& prefs = host.prefs();
+        PrefsRecord& prefs = table.prefs();
         prefs.flUseGrid = prefs.flUseFcur = prefs.flUseFcrs = prefs.flUseFops = prefs.flUseFrad = prefs.flUseFcnt = 0;
+        table.choose("Oblique Dimension Tool");
     }
-    void track(float h, float v) {
-        live.cursorPoint = {h, v};
-        LinearTrack(&message);
-    }
-    void press(bool alt = false) {
-        event.modifiers = alt ? kAltModifier : 0;
-        LinearDown(&message);
-    }
-    void release(bool alt = false) {
-        event.modifiers = alt ? kAltModifier : 0;
-        LinearUp(&message);
-    }
-    FakeHost host;
-    ToolState& live = host.globals().liveState;
-    AIEvent event;
-    AIToolMessage message = [this] {
-        AIToolMessage made;
-        made.event = &event;
-        return made;
-    }();
+    void track(float h, float v) { table.track({h, v}); }
+    void press(bool alt = false) { table.down(alt ? kAltModifier : 0); }
+    void release(bool alt = false) { table.up(alt ? kAltModifier : 0); }
+    DraftingTable table;
+    ToolState& live = table.globals().liveState;
 };
 
 TEST_F(Run, PointsFollowTheCursorUntilTheyStand) {
@@ -240,8 +226,8 @@ TEST_F(Run, PointsFollowTheCursorUntilTheyStand) {
     EXPECT_EQ(live.toolStep, 2);
     track(40, 60);
     expectPoint(live.toPoint, 90, 10);
-    EXPECT_EQ(host.globals().hitKind, kSnapFree);
-    EXPECT_EQ(host.globals().drawnState.toolStep, 2);
+    EXPECT_EQ(table.globals().hitKind, kSnapFree);
+    EXPECT_EQ(table.globals().drawnState.toolStep, 2);
 }
 
 TEST_F(Run, ReleaseOnTheFirstPointEndsTheRun) {
@@ -288,8 +274,8 @@ TEST_F(Run, ThirtyStopsAtMost) {
 
 // The copy of what is drawn must stay what it was when it is erased, and the axis shown be the axis built.
 TEST_F(Run, AxisDecisionLivesInTheLiveState) {
-    host.prefs().flDistanceMode = kStraightMode;
-    track(0, 0);
+    table.choose("Straight Dimension Tool");
+    track(1, 0);
     press();
     track(100, 60);
     release();
@@ -297,10 +283,10 @@ TEST_F(Run, AxisDecisionLivesInTheLiveState) {
     EXPECT_EQ(live.axisWord, 2);
     track(82, 8);  // held
     expectPoint(live.tmpPos, 80, 5);
-    expectPoint(host.globals().drawnState.tmpPos, 80, 5);
+    expectPoint(table.globals().drawnState.tmpPos, 80, 5);
     track(80, 90);
     EXPECT_EQ(live.axisWord, 1);
-    EXPECT_EQ(host.globals().drawnState.axisWord, 1);
+    EXPECT_EQ(table.globals().drawnState.axisWord, 1);
 }
 
 }  // namespace

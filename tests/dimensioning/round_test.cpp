@@ -34,13 +34,8 @@ class Round : public testing::Test {
 
     // What a pick at the first and a release at the second point make; empty when nothing.
     std::vector<Piece> label(const char* tool, RealPoint pick, RealPoint placement, std::uint16_t modifiers = 0) {
-        for (doc::ArtId old : table.dimensions())
-            table.change([&](doc::Document& document) { return document.removeArt(old); });
-        table.choose(tool);
-        table.track(pick);
-        table.down();
-        table.drag(placement, modifiers);
-        table.up();
+        table.removeDimensions();
+        table.pull(tool, pick, placement, {}, modifiers);
         const std::vector<doc::ArtId> made = table.dimensions();
         return made.empty() ? std::vector<Piece>{} : table.pieces(made.front());
     }

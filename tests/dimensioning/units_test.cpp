@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
-#include "tests/support/fake_suites.h"
+#include "plugin/shell/suites.h"
+#include "tests/support/drafting_table.h"
 
 namespace quorvel::tests {
 namespace {
@@ -15,25 +17,25 @@ class Units : public testing::Test {
   protected:
     std::string length(double points, LengthKind kind = LengthKind::plain) {
         char text[kValueTextSize];
-        FormatLength(&host.globals(), points, kind, text);
+        FormatLength(&table.globals(), points, kind, text);
         return text;
     }
     std::string angle(double radians) {
         char text[kValueTextSize];
-        FormatAngle(&host.globals(), radians, text);
+        FormatAngle(&table.globals(), radians, text);
         return text;
     }
     void set(std::int16_t unit, std::int16_t digits, bool zeros, bool suffix) {
-        host.prefs().flArUnit = unit;
-        host.prefs().flScFix = digits;
-        host.prefs().flUseZero = zeros;
-        host.prefs().flUseTani = suffix;
+        table.prefs().flArUnit = unit;
+        table.prefs().flScFix = digits;
+        table.prefs().flUseZero = zeros;
+        table.prefs().flUseTani = suffix;
     }
     void signs(std::uint16_t language, std::int16_t code) {
-        host.globals().language = language;
-        host.prefs().flArSpStr = code;
+        table.globals().language = language;
+        table.prefs().flArSpStr = code;
     }
-    FakeHost host;
+    DraftingTable table;
 };
 
 TEST_F(Units, OneFootInEachUnit) {
@@ -53,9 +55,9 @@ TEST_F(Units, OneFootInEachUnit) {
 }
 
 TEST_F(Units, ScaleMakesTheRealLength) {
-    host.prefs().flScale = 0.01F;
+    table.prefs().flScale = 0.01F;
     EXPECT_EQ(length(72), "2540");
-    host.prefs().flScale = 2.0F;
+    table.prefs().flScale = 2.0F;
     set(5, 1, false, false);
     EXPECT_EQ(length(5), "2.5");
 }
@@ -80,7 +82,7 @@ TEST_F(Units, TrailingZeros) {
 
 TEST_F(Units, AnglesInDegrees) {
     set(2, 2, false, true);
-    host.prefs().flScale = 0.01F;
+    table.prefs().flScale = 0.01F;
     signs(kEnglish, 1);
     EXPECT_EQ(angle(3.141593 / 2), " 90\xB0");
     set(0, 5, true, false);
@@ -92,25 +94,34 @@ TEST_F(Units, AnglesInDegrees) {
 }
 
 TEST_F(Units, SignsByLanguage) {
-    signs(kJapanese, 0);
-    EXPECT_EQ(length(0, LengthKind::diameter),
-              "\x83\xD3"
-              "0");
-    EXPECT_EQ(angle(0), " 0\x81\x4B");
-    signs(kJapanese, 1);
-    EXPECT_EQ(length(0, LengthKind::diameter),
-              "\xBF"
-              "0");
-    signs(kEnglish, 0);
-    EXPECT_EQ(angle(0), " 0\xFB");
-    signs(kKorean, 0);
-    EXPECT_EQ(angle(0), " 0\xA1\xC6");
-    signs(kKorean, 2);
-    EXPECT_EQ(length(0, LengthKind::diameter),
-              "\xF8"
-              "0");
-    signs(kEnglish, 2);
-    EXPECT_EQ(angle(0), " 0");
+    const struct {
+        std::uint16_t language;
+        std::int16_t code;
+        const char *diameter, *degrees;  // null: not looked at
+    } rows[] = {{kJapanese, 0,
+                 "\x83\xD3"
+                 "0",
+                 " 0\x81\x4B"},
+                {kJapanese, 1,
+                 "\xBF"
+                 "0",
+                 nullptr},
+                {kEnglish, 0, nullptr, " 0\xFB"},
+                {kEnglish, 2, nullptr, " 0"},
+                {kKorean, 0, nullptr, " 0\xA1\xC6"},
+                {kKorean, 2,
+                 "\xF8"
+                 "0",
+                 nullptr}};
+    for (const auto& row : rows) {
+        signs(row.language, row.code);
+        if (row.diameter != nullptr) {
+            EXPECT_EQ(length(0, LengthKind::diameter), row.diameter);
+        }
+        if (row.degrees != nullptr) {
+            EXPECT_EQ(angle(0), row.degrees);
+        }
+    }
 }
 
 TEST(ScaleText, ReadAndWritten) {
@@ -137,29 +148,37 @@ TEST(ScaleText, ReadAndWritten) {
 }
 
 TEST_F(Units, LengthFieldsFollowTheRuler) {
-    const struct {
-        const char* shown;
-        const char* text;  // of 72 points
-    } rows[] = {{"0 in", "1 in"},    {"0 cm", "2.54 cm"}, {"0 pt", "72 pt"},  {"0p0", "6 pc"},
-                {"0 mm", "25.4 mm"}, {"0 px", "72 px"},   {"0 H", "101.6 H"}, {"0 ells", "72 pt"}};
-    for (const auto& row : rows) {
-        host.rulerText = row.shown;
-        char text[64];
-        FormatPointsWithRulerUnit(72, text);
-        EXPECT_STREQ(text, row.text);
+    const auto parsed = [](const std::string& text) {
         float points = 0;
-        ParsePointsWithUnit(text, &points);
-        EXPECT_NEAR(points, 72, 1e-4);
-        // A bare number counts in the ruler's unit.
-        ParsePointsWithUnit(std::to_string(std::strtod(text, nullptr)).c_str(), &points);
-        EXPECT_NEAR(points, 72, 1e-4);
+        ParsePointsWithUnit(text.c_str(), &points);
+        return points;
+    };
+    const char* rows[][2] = {{"in", "1 in"},  {"cm", "2.54 cm"}, {"pt", "72 pt"},  {"pc", "6 pc"}, {"mm", "25.4 mm"},
+                             {"px", "72 px"}, {"H", "101.6 H"},  {"ells", "72 pt"}};  // of 72 points
+    for (const auto& [unit, shown] : rows) {
+        table.host().setRulerUnit(unit);
+        table.inside([&] {
+            AIUserSuite foreign = *sAIUser;
+            foreign.FormatWithRulerUnit = [](float, std::int32_t, char* to, std::int32_t) {
+                std::strcpy(to, "0 ells");
+                return kNoErr;
+            };
+            const AIUserSuite* own = sAIUser;
+            if (std::strcmp(unit, "ells") == 0) sAIUser = &foreign;
+            char text[64];
+            FormatPointsWithRulerUnit(72, text);
+            EXPECT_STREQ(text, shown);
+            EXPECT_NEAR(parsed(text), 72, 1e-4);
+            // A bare number counts in the ruler's unit.
+            EXPECT_NEAR(parsed(std::to_string(std::strtod(text, nullptr))), 72, 1e-4);
+            sAIUser = own;
+        });
     }
-    float points = 0;
-    host.rulerText = "0 mm";
-    ParsePointsWithUnit("nonsense", &points);
-    EXPECT_EQ(points, 0);
-    ParsePointsWithUnit(("2 in" + std::string(100, ' ')).c_str(), &points);  // the unit stands behind the limit
-    EXPECT_NEAR(points, 2 * 72 / 25.4, 1e-4);
+    table.host().setRulerUnit("mm");
+    table.inside([&] {
+        EXPECT_EQ(parsed("nonsense"), 0);
+        EXPECT_NEAR(parsed("2 in" + std::string(100, ' ')), 2 * 72 / 25.4, 1e-4);  // the unit stands behind the limit
+    });
     EXPECT_EQ(ParsePointsNoDefault("5"), 5.0F);
     EXPECT_EQ(ParsePointsNoDefault("0.5in"), 36.0F);
 }

@@ -4,63 +4,28 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
-#include <vector>
 
-#include "host/host.h"
-#include "platform/headless/headless.h"
 #include "plugin/shell/suites.h"
+#include "tests/support/drafting_table.h"
 
-namespace quorvel {
+namespace quorvel::tests {
 namespace {
 
-std::function<void()> job;
-
-AIErr RunJob(const char*, const char*, void* message) {
-    gBasic = static_cast<SPMessageData*>(message)->basic;
-    EXPECT_EQ(AcquireSuites(), kNoErr);
-    job();
-    return ReleaseSuites();
-}
-
 struct Preview : testing::Test {
-    platform::HeadlessBackend backend;
-    host::Host host;
-    std::unique_ptr<PluginGlobals> globals = std::make_unique<PluginGlobals>();
-    std::vector<double> blockA, blockB;
+    DraftingTable table;
+    PluginGlobals* globals = &table.globals();
 
-    Preview() : blockA(kChainBlockSize / sizeof(double)), blockB(kChainBlockSize / sizeof(double)) {
-        platform::installBackend(&backend);
-        backend.screen().openView("drawing @ 100%", 1000, 800);
-        host.callbacks.viewRepainted = [this] { backend.screen().repainted(); };
-        host.attachPlugin(RunJob, nullptr);
-        host.newDocument(600, 400);
-        BuildBezierBasisTables(&globals->bezierTables);
-        globals->workBufferA = reinterpret_cast<ChainBuffer*>(blockA.data());
-        globals->workBufferB = reinterpret_cast<ChainBuffer*>(blockB.data());
-        globals->drawnState.toolStep = -1;
-        gGlobals = globals.get();
-    }
-    ~Preview() override {
-        gGlobals = nullptr;
-        platform::installBackend(nullptr);
-    }
-
-    void InMessage(const std::function<void()>& work) {
-        job = work;
-        SPMessageData message;
-        EXPECT_EQ(host.send("Test", "Test", &message), kNoErr);
-    }
+    std::size_t visible() { return table.user().visiblePixels(); }
     std::size_t Drawn(const std::function<void(const PreviewPen&)>& draw) {
-        backend.screen().repainted();
-        InMessage([&] {
+        table.user().screen().repainted();
+        table.inside([&] {
             PreviewPen pen;
             sAIDocumentView->GetNthDocumentView(0, &pen.view);
             pen.surface = platform::BeginSurface(platform::GetTopWindow(nullptr));
             draw(pen);
             platform::EndSurface(pen.surface);
         });
-        return backend.visiblePixels();
+        return visible();
     }
     void Track(std::int16_t step, RealPoint cursor);
 };
@@ -81,29 +46,29 @@ void Preview::Track(std::int16_t step, RealPoint cursor) {
     chain->segments[1] = {{250, cursor.v}, {200, cursor.v - 70}, {250, cursor.v}, 0};
     globals->liveState.toolStep = step;
     globals->liveState.cursorPoint = cursor;
-    InMessage([&] { RedrawPreview(globals.get(), PaintAll); });
+    table.inside([&] { RedrawPreview(globals, PaintAll); });
 }
 
 TEST_F(Preview, LeavesNoTraceAtTheEndOfARun) {
     globals->liveState.fromPoint = {100, 100};
     for (const RealPoint cursor : {RealPoint{120, 130}, RealPoint{300, 90}, RealPoint{300, 90}, RealPoint{210, 222}}) {
         Track(1, cursor);
-        EXPECT_GT(backend.visiblePixels(), 100u);
+        EXPECT_GT(visible(), 100u);
     }
     Track(0, {0, 0});
-    EXPECT_EQ(backend.visiblePixels(), 0u);
+    EXPECT_EQ(visible(), 0u);
 }
 
 TEST_F(Preview, LeavesNoTraceWhenTheViewWasRepaintedInBetween) {
     globals->liveState.fromPoint = {100, 100};
     Track(1, {300, 90});
-    host.setZoom(2);
-    EXPECT_EQ(backend.visiblePixels(), 0u);
+    table.host().setZoom(2);
+    EXPECT_EQ(visible(), 0u);
     Track(1, {310, 90});
     Track(1, {150, 120});
-    host.setCentre({120, 80});
+    table.host().setCentre({120, 80});
     Track(0, {0, 0});
-    EXPECT_EQ(backend.visiblePixels(), 0u);
+    EXPECT_EQ(visible(), 0u);
 }
 
 TEST_F(Preview, ShapesReachAsFarAsTheyShould) {
@@ -123,4 +88,4 @@ TEST_F(Preview, ShapesReachAsFarAsTheyShould) {
 }
 
 }  // namespace
-}  // namespace quorvel
+}  // namespace quorvel::tests
