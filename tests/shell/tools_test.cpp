@@ -124,6 +124,32 @@ TEST_F(Tools, EventsTakeTheCursorOnlyWhenItMoves) {
     EXPECT_EQ(globals.pressWords[1], 0);
 }
 
+TEST_F(Tools, CursorsTellWhatIsUnderThem) {
+    plugin.drawLines({{100, 100}, {300, 100}}, false);
+    plugin.drawCircle({600, 600}, 50);
+    const RealPoint anchor{100, 100}, onLine{200, 100.5F}, onArc{635.35534F, 635.35534F}, paper{800, 300};
+    const struct {
+        const char* tool;
+        RealPoint at;
+        std::int32_t cursor;
+    } rows[] = {{"Straight Dimension Tool", anchor, 16105},
+                {"Curve Dimension Tool", onLine, 16107},
+                {"Radius Tool", onArc, 16104},
+                {"Diameter Tool", onArc, 16104},
+                {"Angle Tool", onLine, 16104},
+                {"Fillet Tool [Replace]", onLine, 16104},
+                {"Fillet Tool [Replace]", paper, 16102},
+                {"Slant Tool", anchor, 16105},
+                {"Arc Tool [Three Points]", anchor, 16105},
+                {"Oblique Dimension Tool", paper, 16104}};
+    for (const auto& row : rows) {
+        plugin.choose(row.tool);
+        plugin.track({50, 700});
+        plugin.track(row.at);
+        EXPECT_EQ(plugin.user().lastCursor(), row.cursor) << row.tool << " " << row.at.h;
+    }
+}
+
 TEST_F(Tools, ACommittedCursorIsTheEndPoint) {
     globals.liveState.toolStep = 2;
     globals.liveState.cursorPoint = {3, 4};
