@@ -86,6 +86,7 @@ constexpr SentenceRow kTable[] = {
      "参照先がファイルにない use 要素はそのまま保持します"},
     {kSkippedRules, 0, "some style sheet rules are not understood", "解釈できないスタイルシートの規則があります"},
     {kTransformsInCss, 0, "transforms in CSS are kept but not applied", "CSS の transform は適用せずに保持します"},
+    {kImageLeftOut, 1, "the image \"{1}\" cannot be shown and is left out", "画像 \"{1}\" は表示できないため省きます"},
     {kMoreWarnings, 1, "and {1} more kinds of things", "ほかに {1} 種類あります"},
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------

@@ -70,6 +70,7 @@ enum class ErrorCode : std::uint16_t {
     kUseOfNothing,
     kSkippedRules,
     kTransformsInCss,
+    kImageLeftOut,  // 1: the name that the drawing gives
     kMoreWarnings,  // 1: how many
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------

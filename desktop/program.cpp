@@ -11,6 +11,8 @@
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "app/sentences.h"
 #include "desktop/session.h"
@@ -48,8 +50,12 @@ int exportAll(const QString& output, double dotsPerInch, const QStringList& file
             return fail(ErrorCode::kExportOntoDrawing, path);
         const Result<interchange::SvgDrawing> read = interchange::readSvgFile(QFile::encodeName(file).toStdString());
         if (!read) return fail(Error(read.error()).inFile(file.toStdString()));
-        const Status exported = render::exportDrawing(*read->document, info.absolutePath(), {path, dotsPerInch});
+        std::vector<Error> warnings;
+        const Status exported =
+            render::exportDrawing(*read->document, info.absolutePath(), {path, dotsPerInch}, &warnings);
         if (!exported) return fail(Error(exported.error()).inFile(path.toStdString()));
+        for (const std::string& warning : app::warningSentences(warnings, languageAsked))
+            std::fprintf(stderr, "%s: %s\n", file.toLocal8Bit().constData(), warning.c_str());
     }
     return kExitOk;
 }

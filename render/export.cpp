@@ -33,7 +33,8 @@ Status writeBytes(const QString& path, const QBuffer& bytes) {
                             {bytes.data().constData(), static_cast<std::size_t>(bytes.size())});
 }
 
-Status exportPdf(const doc::Document& document, const QString& folder, const QString& path) {
+Status exportPdf(const doc::Document& document, const QString& folder, const QString& path,
+                 std::vector<Error>* warnings) {
     if (!(document.width() <= kLargestPdfPage && document.height() <= kLargestPdfPage))
         return makeError(ErrorCode::kPageTooLargeForPdf);
     QBuffer bytes;
@@ -46,14 +47,16 @@ Status exportPdf(const doc::Document& document, const QString& folder, const QSt
         writer.setTitle(QFileInfo(path).completeBaseName());
         const double scale = writer.resolution() / kPointsPerInch;
         QPainter painter(&writer);
-        DocumentPainter(document, folder)
-            .paint(&painter, pageTransform(document, scale),
+        DocumentPainter page(document, folder);
+        page.paint(&painter, pageTransform(document, scale),
                    QRectF(0, 0, document.width() * scale, document.height() * scale), {});
+        *warnings = page.warnings();
     }
     return writeBytes(path, bytes);
 }
 
-Status exportPng(const doc::Document& document, const QString& folder, const ExportTarget& target) {
+Status exportPng(const doc::Document& document, const QString& folder, const ExportTarget& target,
+                 std::vector<Error>* warnings) {
     const double scale = target.dotsPerInch / kPointsPerInch;
     const double across = std::max(1.0, std::round(document.width() * scale));
     const double down = std::max(1.0, std::round(document.height() * scale));
@@ -66,7 +69,9 @@ Status exportPng(const doc::Document& document, const QString& folder, const Exp
     image.fill(Qt::white);
     {
         QPainter painter(&image);
-        DocumentPainter(document, folder).paint(&painter, pageTransform(document, scale), image.rect(), {});
+        DocumentPainter page(document, folder);
+        page.paint(&painter, pageTransform(document, scale), image.rect(), {});
+        *warnings = page.warnings();
     }
     image.setDotsPerMeterX(static_cast<int>(std::lround(target.dotsPerInch / 0.0254)));
     image.setDotsPerMeterY(image.dotsPerMeterX());
@@ -78,11 +83,14 @@ Status exportPng(const doc::Document& document, const QString& folder, const Exp
 
 }  // namespace
 
-Status exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target) {
+Status exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target,
+                     std::vector<Error>* warnings) {
+    std::vector<Error> untold;
+    if (warnings == nullptr) warnings = &untold;
     const QString ending = QFileInfo(target.path).suffix().toLower();
     if (!(document.width() > 0 && document.height() > 0)) return makeError(ErrorCode::kPageEmpty);
-    if (ending == QLatin1String("pdf")) return exportPdf(document, folder, target.path);
-    if (ending == QLatin1String("png")) return exportPng(document, folder, target);
+    if (ending == QLatin1String("pdf")) return exportPdf(document, folder, target.path, warnings);
+    if (ending == QLatin1String("png")) return exportPng(document, folder, target, warnings);
     return makeError(ErrorCode::kExportEnding);
 }
 

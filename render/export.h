@@ -4,6 +4,7 @@
 #include <QPageLayout>
 #include <QString>
 #include <QTransform>
+#include <vector>
 
 #include "base/result.h"
 #include "document/document.h"
@@ -19,8 +20,10 @@ struct ExportTarget {
     double dotsPerInch = kPngResolution;  // of PNG
 };
 
-// folder: where linked pictures lie. After an error nothing is left under the target's name that was not there before.
-Status exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target);
+// folder: where linked pictures are. warnings: what the export leaves out. After an error nothing is left under the
+// target's name that was not there before.
+Status exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target,
+                     std::vector<Error>* warnings = nullptr);
 // From the document to a printer's dots on the whole sheet: at true size where the paper holds the page, else as large
 // as fits between the margins.
 QTransform printTransform(const doc::Document& document, const QPageLayout& paper, int dotsPerInch);

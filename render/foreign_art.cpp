@@ -1,11 +1,12 @@
 #include "render/foreign_art.h"
 
-#include <QDir>
 #include <QImage>
 #include <QSvgRenderer>
-#include <QUrl>
+#include <algorithm>
 #include <string>
+#include <string_view>
 
+#include "render/linked_image.h"
 #include "render/outline.h"
 #include "svg/markup/element_spans.h"
 #include "svg/markup/start_tag.h"
@@ -27,19 +28,16 @@ namespace {
 
 constexpr char kForeignId[] = "quorvel-foreign";
 
-QImage loadImage(const QString& href, const QString& folder) {
-    const QString link = href.trimmed();
-    if (!link.startsWith(QLatin1String("data:"))) {
-        const QUrl url(link);
-        const QString path = url.isLocalFile() ? url.toLocalFile() : QUrl::fromPercentEncoding(link.toUtf8());
-        const QImage image(QDir(folder).absoluteFilePath(path));
-        return image.isNull() ? QImage(QDir(folder).absoluteFilePath(link)) : image;  // a name with a % of its own
+// Qt's reader would open the files that images in the excerpt name, whatever they are.
+bool namesImageFiles(const std::string& excerpt) {
+    for (std::size_t at = excerpt.find("href="); at != std::string::npos; at = excerpt.find("href=", at + 1)) {
+        const std::string_view value = std::string_view(excerpt).substr(std::min(at + 6, excerpt.size()));
+        const std::size_t tag = excerpt.rfind('<', at);
+        const std::string_view name =
+            std::string_view(excerpt).substr(tag + 1, excerpt.find_first_of(" \t\r\n", tag) - tag - 1);
+        if (svg::withoutPrefix(name) == "image" && value.substr(0, 5) != "data:") return true;
     }
-    const qsizetype comma = link.indexOf(QLatin1Char(','));
-    const QByteArray content = link.mid(comma + 1).toLatin1();
-    if (!link.left(comma).endsWith(QLatin1String(";base64")))
-        return QImage::fromData(QByteArray::fromPercentEncoding(content));
-    return QImage::fromData(QByteArray::fromBase64(QByteArray::fromPercentEncoding(content)));
+    return false;
 }
 
 }  // namespace
@@ -49,12 +47,16 @@ ForeignArtCache::ForeignArtCache(const doc::Document& document, QString folder)
 
 ForeignArtCache::~ForeignArtCache() = default;
 
-void ForeignArtCache::readImage(std::int32_t element, Foreign* foreign) const {
+void ForeignArtCache::readImage(std::int32_t element, Foreign* foreign) {
     const std::string_view start = svg::startTagText(*source_->text, source_->element(element).nameOffset);
     const svg::StartTag tag(start, &source_->entities());
     const auto word = [&](const char* name) { return tag.attribute(name).value_or(""); };
     const std::string href = word("href").empty() ? word("xlink:href") : word("href");
-    foreign->image = loadImage(QString::fromStdString(href), folder_);
+    Result<QImage> image = readLinkedImage(QString::fromStdString(href), folder_);
+    if (image)
+        foreign->image = *std::move(image);
+    else
+        warnings_.push_back(image.error());
     const QSizeF own = foreign->image.isNull() ? QSizeF(0, 0) : QSizeF(foreign->image.size());
     const svg::Frame said = svg::frameOf(source_->tree, *source_->text, element);
     double width = said.width.value_or(-1), height = said.height.value_or(-1);
@@ -70,7 +72,7 @@ void ForeignArtCache::readImage(std::int32_t element, Foreign* foreign) const {
                      QTransform::fromTranslate(foreign->frame.x(), foreign->frame.y());
 }
 
-std::unique_ptr<ForeignArtCache::Foreign> ForeignArtCache::read(std::int32_t element) const {
+std::unique_ptr<ForeignArtCache::Foreign> ForeignArtCache::read(std::int32_t element) {
     auto foreign = std::make_unique<Foreign>();
     if (source_ == nullptr || element < 0) return foreign;
     const svg::Tree& tree = source_->tree;
@@ -81,6 +83,10 @@ std::unique_ptr<ForeignArtCache::Foreign> ForeignArtCache::read(std::int32_t ele
         return foreign;
     }
     const std::string excerpt = svg::excerptOf(tree, element, kForeignId);
+    if (namesImageFiles(excerpt)) {
+        warnings_.push_back(makeError(ErrorCode::kImageLeftOut, {std::string(tag.name())}));
+        return foreign;
+    }
     foreign->drawing = std::make_unique<QSvgRenderer>(QByteArray::fromStdString(excerpt));
     if (foreign->drawing->isValid()) foreign->drawn = foreign->drawing->boundsOnElement(kForeignId);
     return foreign;

@@ -7,7 +7,9 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
+#include "base/error.h"
 #include "document/document.h"
 #include "interchange/svg/source.h"
 
@@ -25,16 +27,19 @@ class ForeignArtCache {
     QPolygonF frameOf(const doc::Art& art);
     // The same, or for what is no image a box round what Qt can draw of it. Empty for what it cannot.
     QPolygonF shownFrameOf(const doc::Art& art);
+    // Images that could not be shown, since the cache was made.
+    const std::vector<Error>& warnings() const { return warnings_; }
 
   private:
     struct Foreign;
     const Foreign& foreign(const doc::Art& art);
-    std::unique_ptr<Foreign> read(std::int32_t element) const;
-    void readImage(std::int32_t element, Foreign* image) const;
+    std::unique_ptr<Foreign> read(std::int32_t element);
+    void readImage(std::int32_t element, Foreign* image);
 
     const interchange::SvgSource* source_;
     QString folder_;
     std::unordered_map<std::int32_t, std::unique_ptr<Foreign>> known_;  // by element
+    std::vector<Error> warnings_;
 };
 
 }  // namespace quorvel::render

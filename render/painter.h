@@ -45,6 +45,8 @@ class DocumentPainter {
     // What a piece of art may cover, in document points, and the same for art that has changed.
     QRectF drawnBox(const doc::Art& art) { return boxes_.drawn(art); }
     QRectF renewedBox(const doc::Art& art) { return boxes_.renewed(art); }
+    // Images that could not be shown in what has been painted.
+    const std::vector<Error>& warnings() const { return foreign_.warnings(); }
     // True for art that looks different throughout when any of its members changes.
     bool dependsOnMembers(const doc::Art& art);
 
