@@ -16,7 +16,7 @@ std::vector<doc::ArtId> HostState::sendRebuild(const std::vector<doc::ArtId>& gr
     host.send(kCallerDimensions, kSelectorRebuild, &message.d);
     if (isDone != nullptr) *isDone = message.isDone;
     std::vector<doc::ArtId> made;
-    for (const AIArtHandle group : rebuilt) made.push_back(host.artOfHandle(group));
+    for (const AIArtHandle group : rebuilt) made.push_back(group == nullptr ? 0 : host.artOfHandle(group));
     return made;
 }
 
