@@ -6,6 +6,7 @@
 #include <map>
 
 #include "host/code_page.h"
+#include "hostapi/record_additions.h"
 #include "hostapi/records.h"
 
 namespace quorvel::app {
@@ -68,11 +69,20 @@ void readLinks(const std::string& text, const std::string& from, const BearersBy
     }
 }
 
+std::string kindOf(const doc::Document& document, doc::ArtId id) {
+    static constexpr const char* kMarks[] = {"comment", "number", "length", "area"};
+    if (const std::string* mark = document.tag(id, kMarkTag)) {
+        const int mode = std::atoi(mark->c_str());
+        return mode >= 0 && mode < 4 ? kMarks[mode] : "mark " + std::to_string(mode);
+    }
+    const int kind = std::atoi(document.tag(id, kToolConfigTag)->c_str()) / kKindFactor;
+    const auto name = kindNames().find(kind);
+    return name == kindNames().end() ? "kind " + std::to_string(kind) : name->second;
+}
+
 RecordedDimension readDimension(const doc::Document& document, const doc::Art& art, const BearersByObject& bearers) {
     RecordedDimension dimension;
-    const int kind = std::atoi(document.tag(art.id, kToolConfigTag)->c_str()) / kKindFactor;
-    const auto name = kindNames().find(kind);
-    dimension.kind = name == kindNames().end() ? "kind " + std::to_string(kind) : name->second;
+    dimension.kind = kindOf(document, art.id);
     for (const auto& [tag, point] : {std::pair{kFromTag, "from"}, {kToTag, "to"}, {kEndTag, "end"}}) {
         const std::string* text = document.tag(art.id, tag);
         if (text == nullptr) continue;
@@ -111,7 +121,7 @@ class Lister {
 
     void walk(doc::ArtId id) {
         const doc::Art& art = *document_.find(id);
-        const bool dimension = document_.tag(id, kToolConfigTag) != nullptr;
+        const bool dimension = document_.tag(id, kToolConfigTag) != nullptr || document_.tag(id, kMarkTag) != nullptr;
         if (dimension || document_.tag(id, kFrameTag) != nullptr) {
             RecordedDimension entry;
             if (dimension)
@@ -144,12 +154,13 @@ std::string shortText(float value) {
 
 std::string endName(const DimensionEnd& end) {
     if (end.place == kFromEnd) return "from";
+    if (end.place == kTextEnd) return "text";
     return end.place == kToEnd ? "to" : "stop " + std::to_string(end.place);
 }
 
 const char* linkWord(LinkState state) {
-    static constexpr const char* kWords[kLinkStateCount] = {"held",         "free", "deleted",     "unpainted", "layer",
-                                                            "segment gone", "copy", "no crossing", "no arc"};
+    static constexpr const char* kWords[kLinkStateCount] = {
+        "held", "free", "deleted", "unpainted", "layer", "segment gone", "copy", "no crossing", "no arc", "edited"};
     return kWords[state];
 }
 

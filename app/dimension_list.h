@@ -19,7 +19,8 @@ struct LinkedArt {
 struct RecordedDimension {
     doc::ArtId group = 0;
     std::string name, layer;
-    std::string kind;  // "oblique", "straight", "curve", "radius", "diameter", "angle", "frame"
+    std::string kind;  // "oblique", "straight", "curve", "radius", "diameter", "angle"; "comment", "number",
+                       // "length", "area" of those that are linked to art; "frame"
     std::vector<std::string> texts;
     std::vector<std::pair<std::string, RealPoint>> points;  // "from", "to", "end", "stop 1", ...
     std::vector<LinkedArt> links;
@@ -28,7 +29,7 @@ struct RecordedDimension {
 
 std::string endName(const DimensionEnd& end);  // "from", "to", "stop 1", ...
 // "held", "free", or why the point cannot follow: "deleted", "unpainted", "layer", "segment gone", "copy",
-// "no crossing", "no arc".
+// "no crossing", "no arc", and "edited" of a text.
 const char* linkWord(LinkState state);
 // Of a point that cannot follow.
 Error unheldPoint(const DimensionEnd& end);

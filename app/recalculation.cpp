@@ -101,10 +101,13 @@ double farthestMove(const std::vector<RealPoint>& before, const std::vector<Real
 }
 
 Truth truthOf(const DimensionCheck& check, bool strict) {
-    const auto isLost = [](const DimensionEnd& end) { return end.state != kLinkHeld && end.state != kLinkFree; };
+    const auto isEdited = [](const DimensionEnd& end) { return end.state == kTextEdited; };
+    const auto isLost = [&](const DimensionEnd& end) {
+        return end.state != kLinkHeld && end.state != kLinkFree && !isEdited(end);
+    };
     const auto isFree = [](const DimensionEnd& end) { return end.state == kLinkFree; };
     if (std::ranges::any_of(check.ends, isLost)) return Truth::lost;
-    if (check.shownText != check.rebuiltText) return Truth::value;
+    if (check.shownText != check.rebuiltText || std::ranges::any_of(check.ends, isEdited)) return Truth::value;
     if (check.moved > (strict ? 0 : kMovedLimit)) return Truth::moved;
     return std::ranges::any_of(check.ends, isFree) ? Truth::free : Truth::isTrue;
 }

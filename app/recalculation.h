@@ -20,7 +20,7 @@ constexpr double kCoordinateTolerance = 0.0015;
 // Gravest first; a dimension has the first one that is the case.
 enum class Truth {
     lost,   // a point cannot follow its art
-    value,  // a rebuild shows another text
+    value,  // a rebuild shows another text, or somebody has written one
     moved,  // a rebuild moves a point
     free,   // true, and a point follows no art
     isTrue,

@@ -19,13 +19,14 @@ enum LinkState : std::int16_t {
     kLinkCopy = 6,        // the nearest of several arts with the object id has no such segment
     kLinkNoCrossing = 7,  // the two segments no longer cross
     kLinkNoArc = 8,       // the segment is no arc any more
-    kLinkStateCount = 9,
+    kTextEdited = 9,      // of a mark's text: somebody has written another one
+    kLinkStateCount = 10,
 };
 
 // A measured point of a dimension.
-constexpr std::int16_t kFromEnd = 0, kToEnd = -1;
+constexpr std::int16_t kFromEnd = 0, kToEnd = -1, kTextEnd = -2;
 struct DimensionEnd {
-    std::int16_t place = kFromEnd;  // kFromEnd, kToEnd, or a stop's number, from 1
+    std::int16_t place = kFromEnd;  // kFromEnd, kToEnd, kTextEnd, or a stop's number, from 1
     LinkState state = kLinkHeld;
 };
 constexpr int kDimensionEndLimit = kStopLimit + 2;

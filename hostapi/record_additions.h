@@ -1,15 +1,15 @@
-// What a dimension's record keeps beside the tags of the format proper: how its points lie on the measured art, what
-// the six digits of the format lose, and decisions that a rebuild must not take anew. Each is a tag of its own, written
-// only where it is needed; a program that does not know them reads and rebuilds the dimension by the other tags alone.
-// A value is a row of words with blanks between them: a keyword, then what belongs to it.
+// What a dimension's record keeps beside the tags of the format proper: how its points are held on the measured art,
+// what the six digits of the format lose, and decisions that a rebuild must not take anew. Each is a tag of its own,
+// written only where it is needed; a program that does not know them reads and rebuilds the dimension by the other tags
+// alone. A value is a row of words with blanks between them: a keyword, then what belongs to it.
 #pragma once
 
 namespace quorvel {
 
-// How a point lies, one tag beside each list of links: nothing for a point at an anchor. In these words I is the index
-// of the segment (that of the anchor which ends it), T the place on it, 0 at its first anchor and 1 at its last.
+// How a point is held, one tag beside each list of links: nothing for a point at an anchor. In these words I is the
+// index of the segment (that of the anchor which ends it), T the place on it, 0 at its first anchor and 1 at its last.
 //   segment I T           on segment I of the list's first art
-//   crossing T T [E E]    where the segments of the first two links cross, at T of each. E: how far the crossing lies
+//   crossing T T [E E]    where the segments of the first two links cross, at T of each. E: how far the crossing is
 //   off
 //                         each segment, in lengths of its chord, where it does
 //   centre I              the centre of the circle that segment I of the first art is part of
@@ -42,5 +42,11 @@ constexpr char kChoiceTag[] = "QUORVEL_CHOICE";
 constexpr char kChoiceLanguage[] = "language", kChoicePixel[] = "pixel", kChoiceHeads[] = "heads";
 constexpr char kChoiceWay[] = "way", kChoiceSector[] = "sector";
 constexpr char kWayForward[] = "forward", kWayBack[] = "back", kSectorReflex[] = "reflex";
+
+// Of a comment, a balloon, a length or area comment whose leader points at art. Its group has QUORVEL_FROMPOS,
+// QUORVEL_TOPOS, QUORVEL_FROMCELL, QUORVEL_FROMHOLD and the settings beside it, as a dimension does, and this:
+//   MODE LANGUAGE LENGTHUNIT AREAUNIT SCALE TEXT
+// MODE 0 comment, 1 balloon, 2 length, 3 area; TEXT, as it was written, goes on to the end.
+constexpr char kMarkTag[] = "QUORVEL_MARK";
 
 }  // namespace quorvel

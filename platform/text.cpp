@@ -82,7 +82,7 @@ std::size_t OneUtf8Character(std::string_view text) {
 
 std::string Replacement(std::string_view) { return std::string(kReplacement); }
 
-// U+F780 to U+F7FF stand for the bytes 0x80 to 0xFF: no code page has characters there.
+// U+F780 to U+F7FF mean the bytes 0x80 to 0xFF: no code page has characters there.
 constexpr char kPrivateLead = '\xEF';
 constexpr unsigned kPrivateSecond = 0x9E;
 

@@ -19,6 +19,9 @@ enum MarkMode : std::int16_t { kCommentMark = 0, kObjectNumberMark = 1, kLengthM
 // Makes leader and words of flMarkMode from fromPoint, toPoint and fromCells[0]. 1, or 0 when the layer is blocked or
 // there is nothing to measure (leader and group stay then, and the selection is not put back).
 std::int32_t BuildMarkArt();
+// Makes the mark of liveState and flMarkMode again in the place of oldGroup: a value is measured anew, another text is
+// the one given. Null, and nothing has changed, when the layer is blocked.
+AIArtHandle BuildMarkAgain(AIArtHandle oldGroup, const std::string& text);
 // A text on the line p1 to p2 (internal bytes): narrowed to the line's length, a "2" behind a last letter raised.
 void AddCommentText(AIArtHandle group, const DoublePoint& p1, const DoublePoint& p2, const char* text, bool centred);
 

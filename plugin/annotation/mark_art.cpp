@@ -5,8 +5,10 @@
 #include <optional>
 
 #include "plugin/annotation/comment.h"
+#include "plugin/annotation/mark_record.h"
 #include "plugin/dimensioning/graphics.h"
 #include "plugin/dimensioning/units.h"
+#include "plugin/record/examine.h"
 #include "plugin/shell/services.h"
 #include "plugin/shell/suites.h"
 #include "plugin/snapping/snap.h"
@@ -117,23 +119,42 @@ std::string MeasureText(const PrefsRecord& prefs, double value, const char* unit
     return prefs.flUseTani != 0 ? std::string(text) + " " + unit : std::string(text);
 }
 
-// The mode's own art; false when there is nothing to measure.
-bool AddModeArt(PluginGlobals* globals, const Mark& mark) {
+std::string MeasuredText(const PluginGlobals* globals, double measured) {
+    return globals->prefs.flMarkMode == kLengthMark ? LengthCommentText(globals, measured)
+                                                    : AreaCommentText(globals, measured);
+}
+
+// The mode's own art, and its text; false when there is nothing to measure.
+bool AddModeArt(PluginGlobals* globals, const Mark& mark, std::string* text) {
     const PrefsRecord& prefs = globals->prefs;
     if (prefs.flMarkMode == kObjectNumberMark) {
+        if (prefs.flMrkItemNo != 0) *text = std::to_string(prefs.flMrkItemNo);
         AddBalloon(globals, mark);
-    } else if (prefs.flMarkMode == kCommentMark) {
-        if (prefs.flMrkComment[0] != '\0') AddShelf(globals, mark, prefs.flMrkComment);
+        return true;
+    }
+    if (prefs.flMarkMode == kCommentMark) {
+        *text = prefs.flMrkComment;
     } else {
         const std::optional<double> measured = Measure(globals, mark);
         if (!measured) return false;
-        if (*measured != 0) {
-            const std::string text = prefs.flMarkMode == kLengthMark ? LengthCommentText(globals, *measured)
-                                                                     : AreaCommentText(globals, *measured);
-            AddShelf(globals, mark, text.c_str());
-        }
+        if (*measured != 0) *text = MeasuredText(globals, *measured);
     }
+    if (!text->empty()) AddShelf(globals, mark, text->c_str());
     return true;
+}
+
+double MeasureWhole(const PluginGlobals* globals) {
+    AIArtHandle art = globals->liveState.fromCells[0].art;
+    return globals->prefs.flMarkMode == kLengthMark ? WholePathLength(globals->bezierTables, art) : PathArea(art);
+}
+
+// A value that is that of a selection has no art of its own.
+void LinkMark(PluginGlobals* globals, const Mark& mark, const std::string& text) {
+    if (!mark.hasLeader || text.empty() || globals->liveState.fromCells[0].art == nullptr) return;
+    const bool hasValue = globals->prefs.flMarkMode == kLengthMark || globals->prefs.flMarkMode == kAreaMark;
+    if (hasValue && MeasuredText(globals, MeasureWhole(globals)) != text) return;
+    WriteMarkRecord(mark.group, text);
+    ReportUnheldEnds(mark.group);
 }
 
 // --- the text object ------------------------------------------------------------------------------------------------
@@ -231,9 +252,33 @@ std::int32_t BuildMarkArt() {
     sAIArt->GetFirstArtOfLayer(layer, &root);
     sAIArt->NewArt(kGroupArt, kPlaceInsideOnTop, root, &mark.group);
     AddMarkLeader(globals->prefs, mark);
-    if (!AddModeArt(globals, mark)) return 0;
+    std::string text;
+    if (!AddModeArt(globals, mark, &text)) return 0;
     RestoreSelection();
+    LinkMark(globals, mark, text);
     return 1;
+}
+
+AIArtHandle BuildMarkAgain(AIArtHandle oldGroup, const std::string& text) {
+    PluginGlobals* globals = gGlobals;
+    const ToolState& live = globals->liveState;
+    Mark mark;
+    mark.A = ToDoublePoint(live.fromPoint);
+    mark.B = ToDoublePoint(live.toPoint);
+    mark.hasLeader = true;
+    std::string shown = text;
+    const bool hasValue = globals->prefs.flMarkMode == kLengthMark || globals->prefs.flMarkMode == kAreaMark;
+    if (hasValue) shown = MeasuredText(globals, MeasureWhole(globals));
+    mark.group = BeginDimensionGroup(oldGroup);
+    if (mark.group == nullptr) return nullptr;
+    AddMarkLeader(globals->prefs, mark);
+    if (globals->prefs.flMarkMode == kObjectNumberMark)
+        AddBalloon(globals, mark);
+    else
+        AddShelf(globals, mark, shown.c_str());
+    WriteMarkRecord(mark.group, shown);
+    EndDimensionGroup(oldGroup, mark.group);
+    return mark.group;
 }
 
 }  // namespace quorvel

@@ -20,23 +20,6 @@ using Units = std::vector<std::uint16_t>;
 std::vector<Units> gShown;
 double gTolerance = 0;
 
-void CollectTexts(AIArtHandle group) {
-    // The topmost child comes first and was made last.
-    WalkChildren(
-        group,
-        [](AIArtHandle child) {
-            std::int16_t kind = kUnknownArt;
-            const std::uint16_t* units = nullptr;
-            std::int32_t count = 0;
-            if (sAIArt->GetArtType(child, &kind) == kNoErr && kind == kTextFrameArt &&
-                sDimension->GetText(child, &units, &count) == kNoErr)
-                gShown.emplace_back(units, units + count);
-            return kNoErr;
-        },
-        [] { return false; });
-    std::reverse(gShown.begin(), gShown.end());
-}
-
 bool IsOfNumber(unsigned unit) { return (unit >= '0' && unit <= '9') || unit == '.' || unit == '-'; }
 
 // The place of the number in a text of a sign, a number and a unit.
@@ -93,10 +76,29 @@ void KeepShownNumber(const PluginGlobals* globals, std::size_t index, double val
 
 }  // namespace
 
+std::vector<std::vector<std::uint16_t>> TextsOf(AIArtHandle group) {
+    std::vector<Units> texts;
+    // The topmost child comes first and was made last.
+    WalkChildren(
+        group,
+        [&](AIArtHandle child) {
+            std::int16_t kind = kUnknownArt;
+            const std::uint16_t* units = nullptr;
+            std::int32_t count = 0;
+            if (sAIArt->GetArtType(child, &kind) == kNoErr && kind == kTextFrameArt &&
+                sDimension->GetText(child, &units, &count) == kNoErr)
+                texts.emplace_back(units, units + count);
+            return kNoErr;
+        },
+        [] { return false; });
+    std::reverse(texts.begin(), texts.end());
+    return texts;
+}
+
 ShownTexts::ShownTexts(AIArtHandle group, double tolerance) {
     gShown.clear();
     gTolerance = sDimension != nullptr ? tolerance : 0;
-    if (gTolerance > 0) CollectTexts(group);
+    if (gTolerance > 0) gShown = TextsOf(group);
 }
 
 ShownTexts::~ShownTexts() {

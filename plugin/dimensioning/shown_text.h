@@ -7,6 +7,9 @@
 
 namespace quorvel {
 
+// The texts directly in the group, the lowest first, as UTF-16 units; the host offers sDimension.
+std::vector<std::vector<std::uint16_t>> TextsOf(AIArtHandle group);
+
 // Held while a builder rebuilds the group. tolerance: how far a measured point may be off, document points; 0 keeps no
 // text.
 class ShownTexts {

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "hostapi/record_additions.h"
 #include "plugin/record/dimension_record.h"
 #include "plugin/shell/suites.h"
 #include "plugin/traversal/traverse.h"
@@ -96,17 +97,16 @@ AIErr WalkReachable(AIArtHandle art, bool hidden, const Visit& visit) {
     return kNoErr;
 }
 
-AIErr WalkDimensions(AIArtHandle art, std::vector<AIArtHandle>* groups) {
+AIErr WalkRecorded(AIArtHandle art, const char* tag, std::vector<AIArtHandle>* groups) {
     if (ArtType(art) != kGroupArt) return kNoErr;
-    if (IsDimensionGroup(art)) {
-        groups->push_back(art);
-        return kNoErr;
-    }
+    std::string value;
+    if (ReadTag(art, tag, &value)) groups->push_back(art);
+    if (IsDimensionGroup(art)) return kNoErr;
     return WalkChildren(
-        art, [&](AIArtHandle child) { return WalkDimensions(child, groups); }, kNeverStop);
+        art, [&](AIArtHandle child) { return WalkRecorded(child, tag, groups); }, kNeverStop);
 }
 
-// An art that bears an object id, and why it cannot be measured: kLinkHeld when it can.
+// An art that has an object id, and why it cannot be measured: kLinkHeld when it can.
 struct Bearer {
     AIArtHandle art;
     LinkState state;
@@ -211,11 +211,13 @@ std::int32_t CountArtWithId(std::int32_t id) {
         std::count_if(bearers.begin(), bearers.end(), [](const Bearer& bearer) { return bearer.state == kLinkHeld; }));
 }
 
-std::vector<AIArtHandle> CollectDimensionGroups() {
+namespace {
+
+std::vector<AIArtHandle> CollectGroups(const char* tag) {
     std::vector<AIArtHandle> groups;
     const AIArtHandle* bearers = nullptr;
     std::int32_t count = 0;
-    if (sArtQuery != nullptr && sArtQuery->FindArtByTag(kToolConfigTag, nullptr, &bearers, &count) == kNoErr) {
+    if (sArtQuery != nullptr && sArtQuery->FindArtByTag(tag, nullptr, &bearers, &count) == kNoErr) {
         const std::vector<AIArtHandle> found(bearers, bearers + count);
         // Siblings share layer and ancestors, and most dimensions are siblings.
         AIArtHandle sharedParent = nullptr;
@@ -231,10 +233,15 @@ std::vector<AIArtHandle> CollectDimensionGroups() {
         return groups;
     }
     WalkRoots([&](AIArtHandle root, bool usable) {
-        if (usable) WalkDimensions(root, &groups);
+        if (usable) WalkRecorded(root, tag, &groups);
     });
     return groups;
 }
+
+}  // namespace
+
+std::vector<AIArtHandle> CollectDimensionGroups() { return CollectGroups(kToolConfigTag); }
+std::vector<AIArtHandle> CollectMarkGroups() { return CollectGroups(kMarkTag); }
 
 bool CellAnchor(const SnapCell& cell, RealPoint* anchor) {
     AIArtHandle path = cell.art;

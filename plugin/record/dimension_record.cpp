@@ -62,15 +62,6 @@ RealPoint PointIn(std::string_view text, int index) {
     return {static_cast<float>(NumberIn(text, index)), static_cast<float>(NumberIn(text, index + 1))};
 }
 
-// The tag beside a list of links that says how its point lies.
-const char* HoldTagOf(std::string_view listTag) {
-    if (listTag == kFromCellTag) return kFromHoldTag;
-    if (listTag == kToCellTag) return kToHoldTag;
-    int number = 1;
-    while (number < kStopLimit && listTag != StopTag(number)) ++number;
-    return StopHoldTag(number);
-}
-
 // --- writing ------------------------------------------------------------------------------------------------------
 
 std::string PositionText(double tangent, int kind, const RealPoint& point) {
@@ -365,6 +356,20 @@ void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mod
     WriteCellList(group, kToCellTag, state.toCells);
     for (const NewId& row : gNewIds) WriteTag(row.art, kObjectIdTag, Print("%d", row.id));
     WriteAdditions(globals, group, kind);
+}
+
+void WriteLinkedTip(AIArtHandle group) {
+    PluginGlobals* globals = gGlobals;
+    FindHolds(globals, kObliqueTool);
+    const ToolState& state = globals->liveState;
+    gNewIds.clear();
+    gDimensions.clear();
+    WriteTag(group, kFromTag, PositionText(state.fromTangent, state.fromKind, state.fromPoint));
+    WriteTag(group, kToTag, PositionText(state.toTangent, state.toKind, state.toPoint));
+    WriteTagPieces(group, kSettingTag, SettingsText(globals));
+    WriteCellList(group, kFromCellTag, state.fromCells);
+    for (const NewId& row : gNewIds) WriteTag(row.art, kObjectIdTag, Print("%d", row.id));
+    WriteAdditions(globals, group, kObliqueTool);
 }
 
 namespace {

@@ -17,7 +17,9 @@ namespace quorvel {
 bool IsDimensionGroup(AIArtHandle art);
 // Writes all tags from liveState and the settings, and gives the measured art object ids.
 void WriteDimensionRecord(AIArtHandle group, std::int16_t kind, std::int16_t mode);
-// The art that bears the id, the nearest to near when several do, and why there is none.
+// Writes what links the first point of liveState to its art, without the tag that makes a group a dimension.
+void WriteLinkedTip(AIArtHandle group);
+// The art that has the id, the nearest to near when several do, and why there is none.
 struct FoundArt {
     AIArtHandle art = nullptr;
     LinkState state = kLinkDeleted;
@@ -48,7 +50,7 @@ struct DimensionRecord {
     std::int16_t kind = 0, mode = 0;
     RecordedPoint from, to;
     std::vector<RecordedPoint> stops;  // of the stops of liveState, in their order
-    int language = -1;                 // of its signs; -1: the one in force
+    int language = -1;                 // of its signs; -1: the current one
 };
 // Fills liveState and the settings, from the format proper and from the additions to it.
 DimensionRecord ReadDimension(AIArtHandle group);
@@ -68,6 +70,8 @@ bool LayerIsUsable(AILayerHandle layer);  // visible and editable
 
 // The dimension groups of the usable layers, depth first through groups; a dimension group is not entered.
 std::vector<AIArtHandle> CollectDimensionGroups();
+// The comments, balloons, length and area comments that are linked to art.
+std::vector<AIArtHandle> CollectMarkGroups();
 // Where the anchor that a cell names stands now: a path's anchor, that of a text frame's path, or the anchor of a point
 // text. False for other art.
 bool CellAnchor(const SnapCell& cell, RealPoint* anchor);

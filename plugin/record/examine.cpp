@@ -1,5 +1,6 @@
 #include "plugin/record/examine.h"
 
+#include "plugin/annotation/mark_record.h"
 #include "plugin/record/follow.h"
 #include "plugin/shell/suites.h"
 
@@ -18,7 +19,7 @@ KeptState::~KeptState() {
 }
 
 std::vector<DimensionEnd> ExamineDimension(AIArtHandle group) {
-    if (!IsDimensionGroup(group)) return {};
+    if (!IsDimensionGroup(group)) return ExamineMark(group);
     const KeptState kept(gGlobals);
     return FindEnds(gGlobals, ReadDimension(group));
 }

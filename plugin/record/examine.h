@@ -23,7 +23,7 @@ class KeptState {
     std::unique_ptr<ToolState> live_, drawn_;
 };
 
-// from, to, stops; empty when the group is no dimension.
+// from, to, stops; of a mark from and its text; empty when the group is neither.
 std::vector<DimensionEnd> ExamineDimension(AIArtHandle group);
 // Tells the host which points of a dimension that a tool has just made cannot follow.
 void ReportUnheldEnds(AIArtHandle group);

@@ -1,5 +1,5 @@
-// How a measured point that is not at an anchor lies on its art: found when the point is snapped, kept in the record,
-// and used to put the point back on the art as it is now.
+// How a measured point that is not at an anchor is held on its art: found when the point is snapped, kept in the
+// record, and used to put the point back on the art as it is now.
 #pragma once
 
 #include <string>

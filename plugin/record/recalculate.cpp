@@ -7,6 +7,7 @@
 #include <iterator>
 #include <vector>
 
+#include "plugin/annotation/mark_record.h"
 #include "plugin/dimensioning/angle.h"
 #include "plugin/dimensioning/diameter.h"
 #include "plugin/dimensioning/linear.h"
@@ -134,11 +135,13 @@ void RecalculateDimensions() {
     if (!UserAgrees(selectedOnly)) return;
     for (AIArtHandle group : groups)
         if (!selectedOnly || IsSelected(group)) RecalculateGroup(globals, group, kByPrecision);
+    for (AIArtHandle group : CollectMarkGroups())
+        if (!selectedOnly || IsSelected(group)) RebuildMark(group);
 }
 
 AIArtHandle RebuildDimension(AIArtHandle group, double tolerance) {
     PluginGlobals* globals = gGlobals;
-    if (!IsDimensionGroup(group)) return nullptr;
+    if (!IsDimensionGroup(group)) return RebuildMark(group);
     globals->builtGroup = nullptr;
     RecalculateGroup(globals, group, tolerance);
     return globals->builtGroup;
@@ -151,6 +154,8 @@ void FollowSelectedArt() {
         const DimensionRecord record = ReadDimension(group);
         if (MeasuresSelected(record) && FollowArt(globals, record)) RebuildGroup(globals, group, record, kByPrecision);
     }
+    for (AIArtHandle group : CollectMarkGroups())
+        if (MeasuresSelected(ReadDimension(group))) RebuildMark(group);
 }
 
 void TrackMovedArt() {

@@ -125,6 +125,14 @@ void WriteAdditions(const PluginGlobals* globals, AIArtHandle group, std::int16_
     WriteOrRemove(group, kChoiceTag, ChoicesText(globals, kind));
 }
 
+const char* HoldTagOf(std::string_view listTag) {
+    if (listTag == kFromCellTag) return kFromHoldTag;
+    if (listTag == kToCellTag) return kToHoldTag;
+    int number = 1;
+    while (number < kStopLimit && listTag != StopTagName(number)) ++number;
+    return StopHoldTag(number);
+}
+
 const char* StopHoldTag(int number) {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> made;

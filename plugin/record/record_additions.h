@@ -1,4 +1,4 @@
-// The tags beside the format proper: written where they are needed, read where they stand.
+// The tags beside the format proper: written where they are needed, read where they are found.
 #pragma once
 
 #include "plugin/record/point_hold.h"
@@ -7,14 +7,15 @@ namespace quorvel {
 
 constexpr int kLanguageInForce = -1;
 
-// Finds how the points of a fresh dimension lie on their art. Points of a record keep what is recorded.
+// Finds how the points of a fresh dimension are held on their art. Points of a record keep what is recorded.
 void FindHolds(PluginGlobals* globals, std::int16_t kind);
 // Of liveState, the settings and the language.
 void WriteAdditions(const PluginGlobals* globals, AIArtHandle group, std::int16_t kind);
 
 HoldRecord ReadHold(AIArtHandle group, const char* tagName);
 void WriteHold(AIArtHandle group, const char* tagName, const HoldRecord& record);
-const char* StopHoldTag(int number);  // from 1
+const char* HoldTagOf(std::string_view listTag);  // beside a list of links
+const char* StopHoldTag(int number);              // from 1
 // The recorded point as it was before "%g"; the point itself when the record says no more, or says another point by
 // now.
 RealPoint ExactPoint(const HoldRecord& record, const RealPoint& point);

@@ -35,6 +35,8 @@ class Words {
         text_.remove_prefix(end);
         return word;
     }
+    // What is left, behind one blank.
+    std::string Rest() const { return std::string(text_.substr(std::min<std::size_t>(1, text_.size()))); }
     // Takes the next word when it is a finite number.
     bool Number(double* value) {
         const std::string_view before = text_;

@@ -19,8 +19,8 @@ struct SnapCell {
     std::int16_t index = kNoAnchorIndex;
 };
 
-// How a measured point lies on the art of its cells when it is not at an anchor; hostapi/record_additions.h says what
-// the segment and the numbers mean.
+// How a measured point is held on the art of its cells when it is not at an anchor; hostapi/record_additions.h says
+// what the segment and the numbers mean.
 enum class HoldKind : std::uint8_t { anchor, segment, crossing, centre, bounds, offset };
 struct PointHold {
     HoldKind kind = HoldKind::anchor;

@@ -67,6 +67,17 @@ const Case kCases[] = {
     // In another language than the settings' the sign stays.
     {"Diameter", kPoints, R"(<circle id="c" cx="150" cy="150" r="36"/>)",
      "tool \"Diameter Tool\"\ntrack 175.456 175.456\ndown\ndrag 220 220\nup\n", "", "", ""},
+    // A level line of 100 pt, then of 140 pt; the leader points at its middle.
+    {"LengthComment", kPoints, R"(<path id="l" d="M 20 280 H 120"/>)",
+     "tool \"Length Comment Tool\"\ntrack 70 20\ndown\ndrag 150 60\nup\n", "H 120", "H 160",
+     "length value \"35.278\" -> \"49.389\", moved"},
+    // A square of 100 pt, 1244.522 mm2, then a rectangle of 100 by 50.
+    {"AreaComment", kPoints, R"(<path id="l" d="M 20 280 H 120 V 180 H 20 Z"/>)",
+     "set flArDim1ConvUnit 0\ntool \"Dimention Comment Tool\"\ntrack 20 20\ndown\ndrag 5 5\nup\n", "V 180", "V 230",
+     "area value \"1244.522\" -> \"622.261\", moved"},
+    {"Balloon", kPoints, R"(<path id="l" d="M 20 280 H 120"/>)",
+     "set flMrkItemNo 7\ntool \"Object Number Tool\"\ntrack 120 20\ndown\ndrag 150 60\nup\n", "M 20 280", "M 20 270",
+     "number moved \"7\", moved"},
 };
 
 class Truth : public ProgramRun, public testing::WithParamInterface<Case> {};
@@ -109,6 +120,33 @@ TEST_P(Truth, IsSaidAndMended) {
 
 INSTANTIATE_TEST_SUITE_P(Cases, Truth, testing::ValuesIn(kCases),
                          [](const testing::TestParamInfo<Case>& info) { return std::string(info.param.name); });
+
+// A text that somebody has written, an angle that has lost a leg.
+TEST_F(ProgramRun, WhatCannotBeMendedIsReportedAndKept) {
+    const Case cases[] = {
+        {"", "", R"(<path id="l" d="M 20 280 H 120"/>)",
+         "tool \"Length Comment Tool\"\ntrack 70 20\ndown\ndrag 150 60\nup\n", ">35<", ">about 40<",
+         "length value \"about 40\", text: edited"},
+        {"", "", R"(<path id="a" d="M 20 280 H 220"/><path id="b" d="M 20 280 L 120 180"/>)",
+         "tool \"Angle Tool\"\ntrack 120 20\ndown\ndrag 80 80\nup\ntrack 150 60\ndown\n", "M 20 280 L 120 180", "",
+         "angle lost \" 45˚\", to: segment gone"},
+    };
+    for (const Case& one : cases) {
+        write("plain.svg", std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" ") + kPoints +
+                               "><g fill=\"none\" stroke=\"#000\">" + one.art + "</g></svg>");
+        write("draw.script", std::string("set language ENGLISH\nopen plain.svg\n") + one.steps + "save drawn.svg\n");
+        ASSERT_EQ(runProgram("run draw.script"), 0) << err_;
+        std::string text = readBytes(path("drawn.svg"));
+        const std::size_t at = text.find(one.was);
+        ASSERT_NE(at, std::string::npos) << text;
+        text.replace(at, std::string(one.was).size(), one.is);
+        write("edited.svg", text);
+        EXPECT_EQ(runProgram("check edited.svg"), 1);
+        EXPECT_EQ(out_, std::string("edited.svg: quorvel-1 ") + one.says + "\n");
+        EXPECT_EQ(runProgram("recalc edited.svg -o edited.svg --all"), 0) << err_;
+        EXPECT_EQ(readBytes(path("edited.svg")), text);
+    }
+}
 
 TEST_F(ProgramRun, EveryKindFollowsMovedArt) {
     write("plain.svg", std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" ") + kPoints +

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "app/script_runner.h"
+#include "hostapi/record_additions.h"
 #include "interchange/svg/svg.h"
 
 namespace quorvel::tests {
@@ -83,6 +84,7 @@ std::string ScriptRun::saved() { return interchange::writeSvg(document(), sessio
 
 std::vector<app::RecordedDimension> ScriptRun::dimensions() {
     std::vector<app::RecordedDimension> found = app::listDimensions(document());
+    std::erase_if(found, [&](const auto& one) { return document().tag(one.group, kMarkTag) != nullptr; });
     std::reverse(found.begin(), found.end());
     return found;
 }

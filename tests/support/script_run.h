@@ -37,7 +37,7 @@ class ScriptRun {
     doc::Document& document() { return *session_->document(); }
     std::string dump();   // as `quorvel dump` prints it
     std::string saved();  // the file as a save would write it now
-    // The lowest first, which is the order of making within a layer.
+    // Without comments and balloons. The lowest first, which is the order of making within a layer.
     std::vector<app::RecordedDimension> dimensions();
     const doc::Art& art(const std::string& name);
     // A dimension's pieces, the lowest first.
