@@ -91,8 +91,28 @@ std::string joinedTexts(const RecordedDimension& dimension) {
     return joined;
 }
 
+double distanceToSegment(const RealPoint& point, const RealPoint& a, const RealPoint& b) {
+    const double h = static_cast<double>(b.h) - a.h, v = static_cast<double>(b.v) - a.v, square = h * h + v * v;
+    const double toH = static_cast<double>(point.h) - a.h, toV = static_cast<double>(point.v) - a.v;
+    const double share = square > 0 ? std::clamp((toH * h + toV * v) / square, 0.0, 1.0) : 0.0;
+    return std::hypot(toH - share * h, toV - share * v);
+}
+
+// Of the points from the line through the others.
+double farthestFrom(const std::vector<RealPoint>& line, const std::vector<RealPoint>& points) {
+    double farthest = 0;
+    for (const RealPoint& point : points) {
+        double nearest = INFINITY;
+        for (std::size_t i = 1; i < line.size(); ++i)
+            nearest = std::min(nearest, distanceToSegment(point, line[i - 1], line[i]));
+        farthest = std::max(farthest, nearest);
+    }
+    return farthest;
+}
+
+// The line along a curve may have another number of points and be the same line.
 double farthestMove(const std::vector<RealPoint>& before, const std::vector<RealPoint>& after) {
-    if (before.size() != after.size()) return INFINITY;
+    if (before.size() != after.size()) return std::max(farthestFrom(before, after), farthestFrom(after, before));
     double farthest = 0;
     for (std::size_t i = 0; i < before.size(); ++i)
         farthest = std::max(farthest, std::hypot(static_cast<double>(after[i].h) - before[i].h,

@@ -81,7 +81,9 @@ LinkState PlaceCrossing(const BezierBasisTables& tables, const PointHold& hold, 
     HeldSegment segments[2];
     for (int i = 0; i < 2; ++i)
         if (!ReadHeldSegment(cells[i].art, cells[i].index, &segments[i])) return kLinkSegment;
-    if (!CrossingNear(tables, segments[0], segments[1], hold.numbers[0], point)) return kLinkNoCrossing;
+    // Segments that end on one another may miss by what a rounding has moved them.
+    if (!CrossingNear(tables, segments[0], segments[1], hold.numbers[0], point))
+        *point = ToRealPoint(PointAtPlace(tables, segments[0].s, segments[0].t, hold.numbers[0]));
     for (int i = 0; i < 2; ++i) {
         const double allowed = (hold.numbers[2 + i] * 1.01 + kCrossingShare) * segments[i].Size() + kCrossingSlack;
         if (!(DistanceOff(tables, segments[i], *point) <= allowed)) return kLinkNoCrossing;
