@@ -26,10 +26,9 @@ bool IsOfNumber(unsigned unit) { return (unit >= '0' && unit <= '9') || unit == 
 template <typename Text>
 std::pair<std::size_t, std::size_t> NumberSpan(const Text& text) {
     std::size_t begin = 0;
-    while (begin < text.size() && !IsOfNumber(static_cast<unsigned char>(text[begin]) == text[begin] ? text[begin] : 0))
-        ++begin;
+    while (begin < text.size() && !IsOfNumber(static_cast<unsigned>(text[begin]))) ++begin;
     std::size_t end = begin;
-    while (end < text.size() && IsOfNumber(text[end])) ++end;
+    while (end < text.size() && IsOfNumber(static_cast<unsigned>(text[end]))) ++end;
     return {begin, end};
 }
 
