@@ -10,7 +10,7 @@
 #include "interchange/svg/svg.h"
 #include "render/export.h"
 
-namespace quorvel::desktop {
+namespace quorvel::tests {
 namespace {
 
 // Files that a drawing names are not trusted: what cannot be shown is left out, and said.
@@ -63,4 +63,4 @@ TEST(LinkedImages, AreLeftOutWhenTheyCannotBeShown) {
 }
 
 }  // namespace
-}  // namespace quorvel::desktop
+}  // namespace quorvel::tests
