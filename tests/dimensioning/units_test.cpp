@@ -155,7 +155,8 @@ TEST_F(Units, LengthFieldsFollowTheRuler) {
     };
     const char* rows[][2] = {{"in", "1 in"},  {"cm", "2.54 cm"}, {"pt", "72 pt"},  {"pc", "6 pc"}, {"mm", "25.4 mm"},
                              {"px", "72 px"}, {"H", "101.6 H"},  {"ells", "72 pt"}};  // of 72 points
-    for (const auto& [unit, shown] : rows) {
+    for (const auto& row : rows) {
+        const char *unit = row[0], *shown = row[1];  // clang 14 captures no structured bindings
         table.host().setRulerUnit(unit);
         table.inside([&] {
             AIUserSuite foreign = *sAIUser;
