@@ -1,0 +1,73 @@
+// The text of an SVG file, below any document: colours, start tags, style sheets, patterns.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "svg/markup/start_tag.h"
+#include "svg/tree/definitions.h"
+#include "svg/tree/file.h"
+#include "svg/values/color.h"
+#include "tests/interchange/svg_support.h"
+
+namespace quorvel::svg {
+namespace {
+
+TEST(Colors, HexDigitsAreTakenByChannel) {
+    const CssColor whole = {0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0, 1};
+    EXPECT_EQ(parseColor("#123"), whole);
+    EXPECT_EQ(parseColor("#112233"), whole);
+    const CssColor half = {0x11 / 255.0, 0x22 / 255.0, 0x33 / 255.0, 0x88 / 255.0};
+    EXPECT_EQ(parseColor("#1238"), half);
+    EXPECT_EQ(parseColor("#11223388"), half);
+    EXPECT_FALSE(parseColor("#12345"));
+    EXPECT_FALSE(parseColor("#12g"));
+}
+
+TEST(StartTags, AValueKeepsTheQuotesOfItsAttribute) {
+    StartTag tag("<a b='1' c=\"2\"/>");
+    tag.set("b", "it's \"so\" it's");
+    tag.set("c", "it's");
+    EXPECT_EQ(tag.str().find("b='it&apos;s "), 3U) << tag.str();
+    EXPECT_EQ(tag.attribute("b"), "it's \"so\" it's");
+    EXPECT_EQ(StartTag(tag.str()).attribute("b"), "it's \"so\" it's") << tag.str();
+    EXPECT_NE(tag.str().find("c=\"it's\""), std::string::npos) << tag.str();
+}
+
+TEST(Patterns, TakeFromOthersWhatTheyDoNotSay) {
+    const auto file = File::open(
+        "<svg xmlns='http://www.w3.org/2000/svg'><defs><pattern id='a' width='4' height='3'><path d='M0 "
+        "0H9'/></pattern>"
+        "<pattern id='b' href='#a' height='5'/><pattern id='empty' width='4' height='3'/>"
+        "<pattern id='flat' width='4' height='0'><path d='M0 0H9'/></pattern></defs></svg>");
+    ASSERT_TRUE(file);
+    Definitions& definitions = (*file)->definitions();
+    const Pattern* own = definitions.pattern("a");
+    ASSERT_NE(own, nullptr);
+    EXPECT_EQ(own->height, 3);
+    const Pattern* lent = definitions.pattern("b");
+    ASSERT_NE(lent, nullptr);
+    EXPECT_EQ(lent->width, 4);
+    EXPECT_EQ(lent->height, 5);
+    EXPECT_EQ(definitions.pattern("empty"), nullptr);
+    EXPECT_EQ(definitions.pattern("flat"), nullptr);
+}
+
+TEST(StyleSheets, StatementsEndWithTheirSemicolon) {
+    const auto document = interchange::open(interchange::page(
+        "<style>@charset 'x';path{stroke-width:3}#none{stroke-width:0}</style><path id='p' stroke='red' d='M0 0H9'/>"
+        "<path id='none' stroke='red' d='M0 0H9'/>"));
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(interchange::art(*document, "p").path->style->strokeWidth, 3);
+    EXPECT_EQ(interchange::art(*document, "none").path->style->strokeWidth, 0);
+}
+
+TEST(Uses, WarningsTellALoopFromALostTarget) {
+    const auto codes = [](const char* content) {
+        return interchange::readSvg(interchange::page(content))->warnings.front().code;
+    };
+    EXPECT_EQ(codes("<g id='g'><use href='#g'/></g>"), ErrorCode::kUseOfItself);
+    EXPECT_EQ(codes("<use href='#nobody'/>"), ErrorCode::kUseOfNothing);
+}
+
+}  // namespace
+}  // namespace quorvel::svg
