@@ -15,7 +15,7 @@
 namespace quorvel::app {
 
 struct SessionOptions {
-    std::string profile;   // stands for the documents folder; empty: the user's own
+    std::string profile;   // used as the documents folder; empty: the user's own
     std::string language;  // "ja", "en", "ko"; empty: as the profile's settings say
     std::optional<std::uint64_t> seed;
     std::string pluginFile;  // empty: beside the program

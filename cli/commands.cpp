@@ -20,8 +20,7 @@ constexpr OptionRow::Target ofSession(Value app::SessionOptions::*member) {
 }
 
 constexpr OptionRow kShared[] = {
-    {"--profile", "folder that stands for the documents folder (settings, presets)",
-     ofSession(&app::SessionOptions::profile)},
+    {"--profile", "folder used as the documents folder (settings, presets)", ofSession(&app::SessionOptions::profile)},
     {"--language", "language of tools and dialogs", ofSession(&app::SessionOptions::language), false,
      oneOf("{ja,en,ko}")},
     {"--seed", "start of the random numbers, for object ids that repeat", ofSession(&app::SessionOptions::seed)},

@@ -120,8 +120,7 @@ int runProgram(int argc, char** argv) {
                                  QStringLiteral("N"), QString::number(render::kPngResolution));
     const QCommandLineOption record(QStringLiteral("record"), QStringLiteral("write what is done as a script"),
                                     QStringLiteral("FILE"));
-    const QCommandLineOption profile(QStringLiteral("profile"),
-                                     QStringLiteral("folder that stands for the documents folder"),
+    const QCommandLineOption profile(QStringLiteral("profile"), QStringLiteral("folder used as the documents folder"),
                                      QStringLiteral("DIR"));
     const QCommandLineOption language(QStringLiteral("language"), QStringLiteral("ja, en or ko"),
                                       QStringLiteral("LANGUAGE"));

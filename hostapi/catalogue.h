@@ -10,78 +10,78 @@
 
 namespace quorvel {
 
-struct SuiteKey {
+struct SuiteEntry {
     const char* name = nullptr;
     std::int32_t version = 0;
 };
 
 // Of a suite whose slots are called; other types have no name.
 template <typename Suite>
-inline constexpr SuiteKey kSuiteKey = {};
+inline constexpr SuiteEntry kSuiteKey = {};
 template <>
-inline constexpr SuiteKey kSuiteKey<SPAccessSuite> = {"SP Access Suite", 3};
+inline constexpr SuiteEntry kSuiteKey<SPAccessSuite> = {"SP Access Suite", 3};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIPluginSuite> = {"AI Plugin Suite", 4};
+inline constexpr SuiteEntry kSuiteKey<AIPluginSuite> = {"AI Plugin Suite", 4};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIRealMathSuite> = {"AI Real Math Suite", 2};
+inline constexpr SuiteEntry kSuiteKey<AIRealMathSuite> = {"AI Real Math Suite", 2};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIArtSuite> = {"AI Art Suite", 16};
+inline constexpr SuiteEntry kSuiteKey<AIArtSuite> = {"AI Art Suite", 16};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIUIThemeSuite> = {"AI User Interface Theme Suite", 1};
+inline constexpr SuiteEntry kSuiteKey<AIUIThemeSuite> = {"AI User Interface Theme Suite", 1};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIPanelSuite> = {"AI Panel Suite", 1};
+inline constexpr SuiteEntry kSuiteKey<AIPanelSuite> = {"AI Panel Suite", 1};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIPanelFlyoutMenuSuite> = {"AI Panel Flyout Menu Suite", 1};
+inline constexpr SuiteEntry kSuiteKey<AIPanelFlyoutMenuSuite> = {"AI Panel Flyout Menu Suite", 1};
 template <>
-inline constexpr SuiteKey kSuiteKey<AILayerSuite> = {"AI Layer Suite", 12};
+inline constexpr SuiteEntry kSuiteKey<AILayerSuite> = {"AI Layer Suite", 12};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIUserSuite> = {"AI User Suite", 10};
+inline constexpr SuiteEntry kSuiteKey<AIUserSuite> = {"AI User Suite", 10};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIPathSuite> = {"AI Path Suite", 10};
+inline constexpr SuiteEntry kSuiteKey<AIPathSuite> = {"AI Path Suite", 10};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIPathStyleSuite> = {"AI Path Style Suite", 12};
+inline constexpr SuiteEntry kSuiteKey<AIPathStyleSuite> = {"AI Path Style Suite", 12};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIDocumentViewSuite> = {"AI Document View Suite", 11};
+inline constexpr SuiteEntry kSuiteKey<AIDocumentViewSuite> = {"AI Document View Suite", 11};
 template <>
-inline constexpr SuiteKey kSuiteKey<AITransformArtSuite> = {"AI Transform Art Suite", 2};
+inline constexpr SuiteEntry kSuiteKey<AITransformArtSuite> = {"AI Transform Art Suite", 2};
 template <>
-inline constexpr SuiteKey kSuiteKey<AITextFrameSuite> = {"AI Text Frame Suite", 3};
+inline constexpr SuiteEntry kSuiteKey<AITextFrameSuite> = {"AI Text Frame Suite", 3};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIFontSuite> = {"AI Font Suite", 5};
+inline constexpr SuiteEntry kSuiteKey<AIFontSuite> = {"AI Font Suite", 5};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIATEPaintSuite> = {"AIATE Paint Suite", 2};
+inline constexpr SuiteEntry kSuiteKey<AIATEPaintSuite> = {"AIATE Paint Suite", 2};
 template <>
-inline constexpr SuiteKey kSuiteKey<ATECharFeaturesSuite> = {"ATE CharFeatures Suite", 101};
+inline constexpr SuiteEntry kSuiteKey<ATECharFeaturesSuite> = {"ATE CharFeatures Suite", 101};
 template <>
-inline constexpr SuiteKey kSuiteKey<ATEParaFeaturesSuite> = {"ATE ParaFeatures Suite", 101};
+inline constexpr SuiteEntry kSuiteKey<ATEParaFeaturesSuite> = {"ATE ParaFeatures Suite", 101};
 template <>
-inline constexpr SuiteKey kSuiteKey<ATETextRangeSuite> = {"ATE TextRange Suite", 1};
+inline constexpr SuiteEntry kSuiteKey<ATETextRangeSuite> = {"ATE TextRange Suite", 1};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIUndoSuite> = {"AI Undo Suite", 6};
+inline constexpr SuiteEntry kSuiteKey<AIUndoSuite> = {"AI Undo Suite", 6};
 template <>
-inline constexpr SuiteKey kSuiteKey<AITagSuite> = {"AI Tag Suite", 3};
+inline constexpr SuiteEntry kSuiteKey<AITagSuite> = {"AI Tag Suite", 3};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIRandomSuite> = {"AI Random Suite", 4};
+inline constexpr SuiteEntry kSuiteKey<AIRandomSuite> = {"AI Random Suite", 4};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIMenuSuite> = {"AI Menu Suite", 10};
+inline constexpr SuiteEntry kSuiteKey<AIMenuSuite> = {"AI Menu Suite", 10};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIToolSuite> = {"AI Tool Suite", 12};
+inline constexpr SuiteEntry kSuiteKey<AIToolSuite> = {"AI Tool Suite", 12};
 template <>
-inline constexpr SuiteKey kSuiteKey<AITimerSuite> = {"AI Timer Suite", 4};
+inline constexpr SuiteEntry kSuiteKey<AITimerSuite> = {"AI Timer Suite", 4};
 template <>
-inline constexpr SuiteKey kSuiteKey<AINotifierSuite> = {"AI Notifier Suite", 3};
+inline constexpr SuiteEntry kSuiteKey<AINotifierSuite> = {"AI Notifier Suite", 3};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIActionManagerSuite> = {"AI Action Manager Suite", 4};
+inline constexpr SuiteEntry kSuiteKey<AIActionManagerSuite> = {"AI Action Manager Suite", 4};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIUnicodeStringSuite> = {"AI Unicode String Suite", 7};
+inline constexpr SuiteEntry kSuiteKey<AIUnicodeStringSuite> = {"AI Unicode String Suite", 7};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIArtQuerySuite> = {"Quorvel Art Query Suite", 1};
+inline constexpr SuiteEntry kSuiteKey<AIArtQuerySuite> = {"Quorvel Art Query Suite", 1};
 template <>
-inline constexpr SuiteKey kSuiteKey<AIDimensionSuite> = {"Quorvel Dimension Suite", 1};
+inline constexpr SuiteEntry kSuiteKey<AIDimensionSuite> = {"Quorvel Dimension Suite", 1};
 
 // All suites in the order in which they are acquired. Those without a type are held while a message runs and never
 // called. The rows from kSharedSuiteCount on are offered by our own host alone.
-constexpr SuiteKey kSuiteCatalogue[] = {
+constexpr SuiteEntry kSuiteCatalogue[] = {
     {"SP Blocks Suite", 2},
     kSuiteKey<SPAccessSuite>,
     kSuiteKey<AIPluginSuite>,

@@ -74,7 +74,7 @@ constexpr std::array<RecordFunction, kSuiteCount> kRecords = [] {
     return records;
 }();
 
-bool isOffered(const SuiteKey& suite) {
+bool isOffered(const SuiteEntry& suite) {
     const HostState* host = runningHost();
     if (host == nullptr) return true;
     if (host->options.failSuite == suite.name) return false;
@@ -109,7 +109,7 @@ const void* findSuite(std::string_view name, std::int32_t version, std::size_t* 
 
 std::vector<std::pair<std::string, std::int32_t>> offeredSuites() {
     std::vector<std::pair<std::string, std::int32_t>> suites;
-    for (const SuiteKey& suite : kSuiteCatalogue)
+    for (const SuiteEntry& suite : kSuiteCatalogue)
         if (isOffered(suite)) suites.emplace_back(suite.name, suite.version);
     return suites;
 }

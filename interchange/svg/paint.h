@@ -35,7 +35,7 @@ std::string cssPaint(bool on, const AIColor& color, const PaintSources& sources)
 // What CSS cannot say of a paint: for an attribute of our own, with the CSS value that it stands for. Empty when
 // nothing is lost.
 std::string exactPaint(const AIColor& color, const PaintSources& sources);
-// The colour itself when the attribute stands for another CSS value than the one in effect.
+// The colour itself when the attribute was written for another CSS value than the current one.
 AIColor withExactPaint(const AIColor& plain, const svg::SvgPaint& paint, std::string_view attribute);
 std::string colorSpec(const AIColor& color);
 std::optional<AIColor> parseColorSpec(std::string_view spec);

@@ -60,7 +60,7 @@ void SavePlan::planLayers() {
         const doc::Art* root = document_.find(layer->root);
         const std::int32_t element = base_.elementOf(*layer);
         const bool sayable = layer->visible && layer->editable && (root->firstChild != 0 || layers.size() == 1);
-        // Two such layers that have come to lie on each other would be read as one.
+        // Two such layers next to each other would be read as one.
         if (element == 0 && sayable && !behindLoose) {
             behindLoose = true;
             loose.push_back(layer);

@@ -191,7 +191,7 @@ void Splicer::container(svg::StartTag* tag, std::int32_t number, const std::vect
     }
 }
 
-// Children that kept their order stay; new and moved ones come directly above the one that they lie on.
+// Children that kept their order stay; new and moved ones come directly above their lower neighbour.
 void Splicer::mix(std::int32_t number, const std::vector<SaveItem>& items, const SvgScope& scope) {
     Mix mix{span(number), plan_.childrenOf(number), scope, span(number).tagEnd, 0, {}};
     std::vector<std::int64_t> places;

@@ -69,7 +69,7 @@ bool AngleLiesOnArc(double a, double a0, double a1);
 double DistanceToSegment(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t,
                          const DoublePoint& point, DoublePoint* nearest, std::int16_t* side);
 // Up to stop when that is not null. A straight segment and a general curve move the stop onto themselves: onto the
-// first chord that it lies on, else onto the nearest.
+// first chord that contains it, else onto the nearest.
 double SegmentLength(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t, DoublePoint* stop);
 // False when the segment is shorter. On an arc the angle points back along the path.
 bool PointAtLength(const BezierBasisTables& tables, const PathSegment& s, const PathSegment& t, double length,

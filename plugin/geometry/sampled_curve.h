@@ -18,7 +18,7 @@ inline CurveControls ControlsOf(const PathSegment& s, const PathSegment& t) {
     return {{s.p.h, s.p.v}, {s.out.h, s.out.v}, {t.in.h, t.in.v}, {t.p.h, t.p.v}};
 }
 
-// How near a chord a stop or a cut has to be to lie on it, document points. Points are kept as 32-bit floats: from
+// How near a chord a stop or a cut has to be to count as on it, document points. Points are kept as 32-bit floats: from
 // 1,024 on, where their spacing comes near the tolerance, it is twice that spacing at the largest coordinate.
 inline double ChordTolerance(const CurveControls& c, const DoublePoint& point) {
     constexpr double kTolerance = 0.0001, kFineTo = 1024.0;

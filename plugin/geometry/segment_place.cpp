@@ -14,7 +14,7 @@ double Cross(const DoublePoint& a, const DoublePoint& b) { return a.h * b.v - a.
 double Dot(const DoublePoint& a, const DoublePoint& b) { return a.h * b.h + a.v * b.v; }
 DoublePoint Minus(const DoublePoint& a, const DoublePoint& b) { return {a.h - b.h, a.v - b.v}; }
 
-// How far along a to b the foot of the point lies; 0 when they are one.
+// How far along a to b the foot of the point is; 0 when they are one.
 double ShareOfChord(const DoublePoint& a, const DoublePoint& b, const DoublePoint& point) {
     const DoublePoint chord = Minus(b, a);
     const double square = Dot(chord, chord);

@@ -128,9 +128,9 @@ void MovePoint(const PointNow& now, const PointNow& otherNow, RealPoint* point, 
 
 // A stop without art keeps its polar place about the first point.
 void MoveStops(const std::vector<PointNow>& now, const ToolState& was, ToolState* state) {
-    const DoublePoint from = ToDoublePoint(state->fromPoint), old = ToDoublePoint(was.fromPoint);
-    const double turn = AngleBetweenPoints(from, ToDoublePoint(state->toPoint)) -
-                        AngleBetweenPoints(MiddleInFloats(was.fromPoint, was.toPoint), ToDoublePoint(was.toPoint));
+    const DoublePoint from = ToDoublePoint(state->fromPoint), oldFrom = ToDoublePoint(was.fromPoint);
+    const double baseAngle = AngleBetweenPoints(MiddleInFloats(was.fromPoint, was.toPoint), ToDoublePoint(was.toPoint));
+    const double turn = AngleBetweenPoints(from, ToDoublePoint(state->toPoint)) - baseAngle;
     const bool baseStays = PointsEqual(state->fromPoint, was.fromPoint) && PointsEqual(state->toPoint, was.toPoint);
     for (int i = 0; i < state->stopCount; ++i) {
         StopRecord* stop = &state->stops[i];
@@ -138,8 +138,8 @@ void MoveStops(const std::vector<PointNow>& now, const ToolState& was, ToolState
             stop->point = now[static_cast<std::size_t>(i)].point;
         } else if (!baseStays) {
             const DoublePoint point = ToDoublePoint(stop->point);
-            const double angle = AngleBetweenPoints(old, point) + turn;
-            stop->point = ToRealPoint(PolarPoint(from, DistanceBetweenPoints(old, point), angle));
+            const double angle = AngleBetweenPoints(oldFrom, point) + turn;
+            stop->point = ToRealPoint(PolarPoint(from, DistanceBetweenPoints(oldFrom, point), angle));
         }
     }
 }

@@ -16,7 +16,7 @@ namespace quorvel {
 
 namespace {
 
-// How far off a segment its crossing may come to lie: this share of its size, and as much as makes nothing untrue.
+// How far off a segment its crossing may be: this share of its size, and as much as makes nothing untrue.
 constexpr double kCrossingShare = 1e-4, kCrossingSlack = 0.05;
 constexpr double kSameTurn = 1e-3;  // radians: directions of a path turned by the same angle
 

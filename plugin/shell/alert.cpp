@@ -13,7 +13,7 @@
 namespace quorvel {
 namespace {
 
-constexpr const SuiteKey& kStringSuite = kSuiteKey<AIUnicodeStringSuite>;
+constexpr const SuiteEntry& kStringSuite = kSuiteKey<AIUnicodeStringSuite>;
 constexpr AIErr kSilentResult = 1;
 constexpr int kAlertTextSize = 1024;
 

@@ -77,7 +77,7 @@ void PublishRow(int row) {
 }
 
 AIErr AcquireRow(int row) {
-    const SuiteKey& suite = kSuiteCatalogue[row];
+    const SuiteEntry& suite = kSuiteCatalogue[row];
     const AIErr result = gBasic->AcquireSuite(suite.name, suite.version, &sHeld[row]);
     PublishRow(row);
     return result;
@@ -90,7 +90,7 @@ void DropRow(int row) {
     PublishRow(row);
 }
 
-void ReportMissingSuite(AIErr result, const SuiteKey& suite) {
+void ReportMissingSuite(AIErr result, const SuiteEntry& suite) {
     char text[256];
     std::snprintf(text, sizeof text, "Error: %d, suite: %s, version: %d!", result, suite.name, suite.version);
     ShowErrorAlert(text);

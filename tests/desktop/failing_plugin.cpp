@@ -9,7 +9,7 @@ namespace {
 
 template <typename Suite>
 const Suite& acquired(SPMessageData* message) {
-    constexpr const SuiteKey& kKey = kSuiteKey<Suite>;
+    constexpr const SuiteEntry& kKey = kSuiteKey<Suite>;
     const void* suite = nullptr;
     if (message->basic->AcquireSuite(kKey.name, kKey.version, &suite) != kNoErr) throw std::runtime_error(kKey.name);
     return *static_cast<const Suite*>(suite);
