@@ -126,10 +126,17 @@ Truth truthOf(const DimensionCheck& check, bool strict) {
         return end.state != kLinkHeld && end.state != kLinkFree && !isEdited(end);
     };
     const auto isFree = [](const DimensionEnd& end) { return end.state == kLinkFree; };
-    if (std::ranges::any_of(check.ends, isLost)) return Truth::lost;
+    if (!check.canBeRebuilt || std::ranges::any_of(check.ends, isLost)) return Truth::lost;
     if (check.shownText != check.rebuiltText || std::ranges::any_of(check.ends, isEdited)) return Truth::value;
     if (check.moved > (strict ? 0 : kMovedLimit)) return Truth::moved;
     return std::ranges::any_of(check.ends, isFree) ? Truth::free : Truth::isTrue;
+}
+
+// Nothing is rebuilt where an end does not hold, but for linear dimensions; else the record is damaged.
+bool isDamaged(const RecordedDimension& record, const DimensionSnapshot* rebuilt) {
+    const auto isHeld = [](const DimensionEnd& end) { return end.state == kLinkHeld; };
+    const bool isLinear = record.kind == "oblique" || record.kind == "straight" || record.kind == "curve";
+    return rebuilt == nullptr && (isLinear || std::ranges::all_of(record.ends, isHeld));
 }
 
 // after: null when nothing was rebuilt.
@@ -142,6 +149,7 @@ DimensionCheck compare(const DimensionSnapshot& before, const DimensionSnapshot*
     check.rebuiltText = after == nullptr ? check.shownText : joinedTexts(after->record);
     check.moved = after == nullptr ? 0 : farthestMove(before.points, after->points);
     check.ends = before.record.ends;
+    check.canBeRebuilt = !isDamaged(before.record, after);
     check.truth = truthOf(check, strict);
     return check;
 }
@@ -195,6 +203,7 @@ std::string checkLine(const DimensionCheck& check) {
                        " \"" + check.shownText + "\"";
     if (check.rebuiltText != check.shownText) line += " -> \"" + check.rebuiltText + "\"";
     if (check.moved > kMovedLimit || check.truth == Truth::moved) line += movedText(check.moved);
+    if (!check.canBeRebuilt) line += ", damaged record";
     for (const DimensionEnd& end : check.ends)
         if (end.state != kLinkHeld) line += ", " + endName(end) + ": " + linkWord(end.state);
     return line;

@@ -19,7 +19,7 @@ constexpr double kCoordinateTolerance = 0.0015;
 
 // Gravest first; a dimension has the first one that is the case.
 enum class Truth {
-    lost,   // a point cannot follow its art
+    lost,   // a point cannot follow its art, or the record is damaged
     value,  // a rebuild shows another text, or somebody has written one
     moved,  // a rebuild moves a point
     free,   // true, and a point follows no art
@@ -33,6 +33,7 @@ struct DimensionCheck {
     std::string shownText, rebuiltText;
     double moved = 0;  // points: how far a rebuild would move the farthest of its points; infinite when it redraws them
     std::vector<DimensionEnd> ends;
+    bool canBeRebuilt = true;  // false: the record is damaged, so that nothing tells whether the text is true
     Truth truth = Truth::isTrue;
 
     bool untrue() const { return truth != Truth::isTrue && truth != Truth::free; }

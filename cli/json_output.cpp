@@ -75,6 +75,7 @@ std::string checkJson(const std::string& file, const std::vector<app::DimensionC
                       {"text", check.shownText},
                       {"rebuilt", check.rebuiltText}};
         entry["moved"] = std::isfinite(check.moved) ? Json(check.moved) : Json("redrawn");
+        if (!check.canBeRebuilt) entry["damaged"] = true;
         entry["points"] = pointsJson(check.ends);
         json["dimensions"].push_back(std::move(entry));
     }

@@ -121,7 +121,7 @@ TEST_P(Truth, IsSaidAndMended) {
 INSTANTIATE_TEST_SUITE_P(Cases, Truth, testing::ValuesIn(kCases),
                          [](const testing::TestParamInfo<Case>& info) { return std::string(info.param.name); });
 
-// A text that somebody has written, an angle that has lost a leg.
+// A text that somebody has written, an angle that has lost a leg, a setting of the record that no drawing can hold.
 TEST_F(ProgramRun, WhatCannotBeMendedIsReportedAndKept) {
     const Case cases[] = {
         {"", "", R"(<path id="l" d="M 20 280 H 120"/>)",
@@ -130,6 +130,9 @@ TEST_F(ProgramRun, WhatCannotBeMendedIsReportedAndKept) {
         {"", "", R"(<path id="a" d="M 20 280 H 220"/><path id="b" d="M 20 280 L 120 180"/>)",
          "tool \"Angle Tool\"\ntrack 120 20\ndown\ndrag 80 80\nup\ntrack 150 60\ndown\n", "M 20 280 L 120 180", "",
          "angle lost \" 45˚\", to: segment gone"},
+        {"", "", R"(<path id="a" d="M 20 150 H 120"/>)",
+         "tool \"Oblique Dimension Tool\"\ntrack 20 150\ndown\ndrag 120 150\nup\ntrack 70 180\ndown\n",
+         ",10,30,10,10,20,", ",1e12,30,10,10,20,", "oblique lost \"35\", damaged record"},
     };
     for (const Case& one : cases) {
         write("plain.svg", std::string("<svg xmlns=\"http://www.w3.org/2000/svg\" ") + kPoints +
