@@ -36,13 +36,13 @@ float number(const std::vector<std::string>& all, std::size_t index) {
 }
 
 // The art that has an object id.
-using BearersByObject = std::map<std::string, std::vector<const doc::Art*>>;
+using ArtByObject = std::map<std::string, std::vector<const doc::Art*>>;
 
-LinkedArt linkTo(const std::string& from, std::int32_t objectId, std::int32_t anchor, const BearersByObject& all) {
+LinkedArt linkTo(const std::string& from, std::int32_t objectId, std::int32_t anchor, const ArtByObject& all) {
     LinkedArt link{from, objectId, anchor, {}};
-    const auto bearers = all.find(std::to_string(objectId));
-    if (bearers == all.end()) return link;
-    for (const doc::Art* art : bearers->second) link.names.push_back(art->name.empty() ? "(no id)" : art->name);
+    const auto artByObject = all.find(std::to_string(objectId));
+    if (artByObject == all.end()) return link;
+    for (const doc::Art* art : artByObject->second) link.names.push_back(art->name.empty() ? "(no id)" : art->name);
     return link;
 }
 
@@ -55,7 +55,7 @@ void collectTexts(const doc::Document& document, doc::ArtId id, std::vector<std:
 }
 
 // A cell list: pairs of object id and anchor, ended by an id of 0 and the coordinates of the first anchor.
-void readLinks(const std::string& text, const std::string& from, const BearersByObject& bearers,
+void readLinks(const std::string& text, const std::string& from, const ArtByObject& artByObject,
                RecordedDimension* dimension) {
     const std::vector<std::string> all = fields(text);
     for (std::size_t i = 0; i + 1 < all.size(); i += 2) {
@@ -65,7 +65,7 @@ void readLinks(const std::string& text, const std::string& from, const BearersBy
                 dimension->points.push_back({from, {number(all, i + 1), number(all, i + 2)}});
             return;
         }
-        dimension->links.push_back(linkTo(from, objectId, std::atoi(all[i + 1].c_str()), bearers));
+        dimension->links.push_back(linkTo(from, objectId, std::atoi(all[i + 1].c_str()), artByObject));
     }
 }
 
@@ -80,7 +80,7 @@ std::string kindOf(const doc::Document& document, doc::ArtId id) {
     return name == kindNames().end() ? "kind " + std::to_string(kind) : name->second;
 }
 
-RecordedDimension readDimension(const doc::Document& document, const doc::Art& art, const BearersByObject& bearers) {
+RecordedDimension readDimension(const doc::Document& document, const doc::Art& art, const ArtByObject& artByObject) {
     RecordedDimension dimension;
     dimension.kind = kindOf(document, art.id);
     for (const auto& [tag, point] : {std::pair{kFromTag, "from"}, {kToTag, "to"}, {kEndTag, "end"}}) {
@@ -90,10 +90,10 @@ RecordedDimension readDimension(const doc::Document& document, const doc::Art& a
         dimension.points.push_back({point, {number(all, kPositionPoint), number(all, kPositionPoint + 1)}});
     }
     for (const auto& [tag, from] : {std::pair{kFromCellTag, "from"}, {kToCellTag, "to"}})
-        if (const std::string* text = document.tag(art.id, tag)) readLinks(*text, from, bearers, &dimension);
+        if (const std::string* text = document.tag(art.id, tag)) readLinks(*text, from, artByObject, &dimension);
     for (int stop = 1; stop <= kStopLimit; ++stop) {
         if (const std::string* text = document.tag(art.id, StopTagName(stop)))
-            readLinks(*text, "stop " + std::to_string(stop), bearers, &dimension);
+            readLinks(*text, "stop " + std::to_string(stop), artByObject, &dimension);
     }
     return dimension;
 }
@@ -115,7 +115,7 @@ class Lister {
     void collectIds(doc::ArtId id) {
         const doc::Art& art = *document_.find(id);
         if (const std::string* object = document_.tag(id, kObjectIdTag))
-            bearers_[std::to_string(std::atoi(object->c_str()))].push_back(&art);
+            artByObject_[std::to_string(std::atoi(object->c_str()))].push_back(&art);
         for (doc::ArtId child = art.firstChild; child != 0; child = document_.find(child)->below) collectIds(child);
     }
 
@@ -125,7 +125,7 @@ class Lister {
         if (dimension || document_.tag(id, kFrameTag) != nullptr) {
             RecordedDimension entry;
             if (dimension)
-                entry = readDimension(document_, art, bearers_);
+                entry = readDimension(document_, art, artByObject_);
             else
                 entry.kind = "frame";
             entry.group = id;
@@ -139,7 +139,7 @@ class Lister {
     }
 
     const doc::Document& document_;
-    BearersByObject bearers_;
+    ArtByObject artByObject_;
     std::string layer_;
     std::vector<RecordedDimension> found_;
 };

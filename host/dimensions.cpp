@@ -25,11 +25,11 @@ std::vector<doc::ArtId> Host::rebuildDimensions(const std::vector<doc::ArtId>& g
 }
 
 void Host::tryRebuild(const std::vector<doc::ArtId>& groups, double tolerance,
-                      const std::function<void(const std::vector<doc::ArtId>& rebuilt)>& look) {
+                      const std::function<void(const std::vector<doc::ArtId>& rebuilt)>& inspect) {
     impl_->tryOut([&] {
         bool isDone = false;
         const std::vector<doc::ArtId> rebuilt = impl_->sendRebuild(groups, tolerance, true, &isDone);
-        if (isDone) look(rebuilt);
+        if (isDone) inspect(rebuilt);
     });
 }
 

@@ -166,10 +166,10 @@ class Host {
     // Rebuilds dimension groups without a question. tolerance: as in QuorvelRebuildMessage. The new group of each, in
     // their order; 0 where none was made.
     std::vector<doc::ArtId> rebuildDimensions(const std::vector<doc::ArtId>& groups, double tolerance);
-    // The same on all layers, hidden and locked ones too, and undone again when look has seen it. The drawing, its
-    // steps and the settings are as before. Nothing is done, and look not called, while a message or a tool runs.
+    // The same on all layers, hidden and locked ones too, and undone again when inspect has seen it. The drawing, its
+    // steps and the settings are as before. Nothing is done, and inspect not called, while a message or a tool runs.
     void tryRebuild(const std::vector<doc::ArtId>& groups, double tolerance,
-                    const std::function<void(const std::vector<doc::ArtId>& rebuilt)>& look);
+                    const std::function<void(const std::vector<doc::ArtId>& rebuilt)>& inspect);
     // The host has moved the selection: dimensions of all kinds follow it, as one step.
     void followSelection();
     // The measured points of each group, with hidden and locked layers taken for others.

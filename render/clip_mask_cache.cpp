@@ -115,7 +115,7 @@ QImage ClipMaskCache::mask(std::string_view id, const QTransform& userToPixels, 
         auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < image.width(); ++x) {
             const double light = 0.2125 * qRed(line[x]) + 0.7154 * qGreen(line[x]) + 0.0721 * qBlue(line[x]);
-            const int through = byAlpha ? qAlpha(line[x]) : std::clamp(static_cast<int>(light + 0.5), 0, 255);
+            const int through = byAlpha ? qAlpha(line[x]) : std::clamp(qRound(light), 0, 255);
             line[x] = qRgba(through, through, through, through);
         }
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "plugin/shell/suites.h"
 #include "plugin/traversal/traverse.h"
@@ -173,15 +174,15 @@ void SortStops(const ToolState& was, ToolState* state) {
 }
 
 constexpr double kSameLength = 0.01;  // of the base: it was turned and not stretched
-constexpr double kEighth = 0.78539816339744831, kHalf = 3.1415926535897931;
+constexpr double kHalfTurn = std::numbers::pi, kEighthTurn = std::numbers::pi / 4;
 
 // Has the base been turned, as a whole, towards the other axis?
 bool BaseTurnedOver(const ToolState& was, const ToolState& now) {
     const DoublePoint a = ToDoublePoint(was.fromPoint), b = ToDoublePoint(was.toPoint);
     const DoublePoint c = ToDoublePoint(now.fromPoint), d = ToDoublePoint(now.toPoint);
     const double before = DistanceBetweenPoints(a, b), after = DistanceBetweenPoints(c, d);
-    const double turn = std::remainder(AngleBetweenPoints(c, d) - AngleBetweenPoints(a, b), kHalf);
-    return std::fabs(turn) > kEighth && std::fabs(after - before) <= kSameLength * before;
+    const double turn = std::remainder(AngleBetweenPoints(c, d) - AngleBetweenPoints(a, b), kHalfTurn);
+    return std::fabs(turn) > kEighthTurn && std::fabs(after - before) <= kSameLength * before;
 }
 
 // The recorded axis holds at the new placement, and turns with the base.

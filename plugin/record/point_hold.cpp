@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 #include "hostapi/record_additions.h"
@@ -18,6 +19,7 @@ namespace {
 
 // How far off a segment its crossing may be: this share of its size, and as much as makes nothing untrue.
 constexpr double kCrossingShare = 1e-4, kCrossingSlack = 0.05;
+constexpr double kWholeTurn = 2 * std::numbers::pi;
 constexpr double kSameTurn = 1e-3;  // radians: directions of a path turned by the same angle
 
 struct HeldSegment {
@@ -155,9 +157,9 @@ LinkState PlaceBounds(const PointHold& hold, const SnapCell& cell, RealPoint* po
     if (segments.empty()) return kLinkSegment;
     double first = 0, second = 0;
     DirectionsOf(segments, &first, &second);
-    const double turn = std::remainder(first - hold.numbers[0], 2 * std::acos(-1.0));
-    const double other = std::remainder(second - hold.numbers[1], 2 * std::acos(-1.0));
-    const bool turned = std::fabs(std::remainder(turn - other, 2 * std::acos(-1.0))) < kSameTurn;
+    const double turn = std::remainder(first - hold.numbers[0], kWholeTurn);
+    const double other = std::remainder(second - hold.numbers[1], kWholeTurn);
+    const bool turned = std::fabs(std::remainder(turn - other, kWholeTurn)) < kSameTurn;
     *point = ToRealPoint(TurnedBoundsMiddle(segments.data(), static_cast<int>(segments.size()), turned ? turn : 0.0));
     return kLinkHeld;
 }

@@ -46,16 +46,16 @@ void Build(AIArtHandle group, std::int16_t kind) {
 // While it lives the signs are those of a record's language.
 class RecordedLanguage {
   public:
-    RecordedLanguage(PluginGlobals* globals, int language) : globals_(globals), inForce_(globals->language) {
-        if (language != kLanguageInForce) globals->language = static_cast<std::uint16_t>(language);
+    RecordedLanguage(PluginGlobals* globals, int language) : globals_(globals), current_(globals->language) {
+        if (language != kCurrentLanguage) globals->language = static_cast<std::uint16_t>(language);
     }
-    ~RecordedLanguage() { globals_->language = inForce_; }
+    ~RecordedLanguage() { globals_->language = current_; }
     RecordedLanguage(const RecordedLanguage&) = delete;
     RecordedLanguage& operator=(const RecordedLanguage&) = delete;
 
   private:
     PluginGlobals* globals_;
-    std::uint16_t inForce_;
+    std::uint16_t current_;
 };
 
 // How far the coordinates of a dimension's art may be off: transforming them rounds each to a 32-bit float.

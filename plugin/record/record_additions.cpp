@@ -175,7 +175,7 @@ void ReadExactSettings(AIArtHandle group, PluginGlobals* globals) {
 }
 
 int ReadChoices(AIArtHandle group, BuildChoices* choices) {
-    int language = kLanguageInForce;
+    int language = kCurrentLanguage;
     std::string text;
     if (!ReadTag(group, kChoiceTag, &text)) return language;
     Words words(text);

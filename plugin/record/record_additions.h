@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-constexpr int kLanguageInForce = -1;
+constexpr int kCurrentLanguage = -1;
 
 // Finds how the points of a fresh dimension are held on their art. Points of a record keep what is recorded.
 void FindHolds(PluginGlobals* globals, std::int16_t kind);
@@ -21,7 +21,7 @@ const char* StopHoldTag(int number);              // from 1
 RealPoint ExactPoint(const HoldRecord& record, const RealPoint& point);
 // Puts settings that "%g" does not give back to their exact numbers.
 void ReadExactSettings(AIArtHandle group, PluginGlobals* globals);
-// The language of the signs, kLanguageInForce when none is recorded.
+// The language of the signs, kCurrentLanguage when none is recorded.
 int ReadChoices(AIArtHandle group, BuildChoices* choices);
 
 }  // namespace quorvel
