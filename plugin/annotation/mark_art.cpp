@@ -119,6 +119,10 @@ std::string MeasureText(const PrefsRecord& prefs, double value, const char* unit
     return prefs.flUseTani != 0 ? std::string(text) + " " + unit : std::string(text);
 }
 
+bool ShowsValue(const PluginGlobals* globals) {
+    return globals->prefs.flMarkMode == kLengthMark || globals->prefs.flMarkMode == kAreaMark;
+}
+
 std::string MeasuredText(const PluginGlobals* globals, double measured) {
     return globals->prefs.flMarkMode == kLengthMark ? LengthCommentText(globals, measured)
                                                     : AreaCommentText(globals, measured);
@@ -151,8 +155,7 @@ double MeasureWhole(const PluginGlobals* globals) {
 // A value that is that of a selection has no art of its own.
 void LinkMark(PluginGlobals* globals, const Mark& mark, const std::string& text) {
     if (!mark.hasLeader || text.empty() || globals->liveState.fromCells[0].art == nullptr) return;
-    const bool hasValue = globals->prefs.flMarkMode == kLengthMark || globals->prefs.flMarkMode == kAreaMark;
-    if (hasValue && MeasuredText(globals, MeasureWhole(globals)) != text) return;
+    if (ShowsValue(globals) && MeasuredText(globals, MeasureWhole(globals)) != text) return;
     WriteMarkRecord(mark.group, text);
     ReportUnheldEnds(mark.group);
 }
@@ -267,8 +270,7 @@ AIArtHandle BuildMarkAgain(AIArtHandle oldGroup, const std::string& text) {
     mark.B = ToDoublePoint(live.toPoint);
     mark.hasLeader = true;
     std::string shown = text;
-    const bool hasValue = globals->prefs.flMarkMode == kLengthMark || globals->prefs.flMarkMode == kAreaMark;
-    if (hasValue) shown = MeasuredText(globals, MeasureWhole(globals));
+    if (ShowsValue(globals)) shown = MeasuredText(globals, MeasureWhole(globals));
     mark.group = BeginDimensionGroup(oldGroup);
     if (mark.group == nullptr) return nullptr;
     AddMarkLeader(globals->prefs, mark);

@@ -54,7 +54,7 @@ bool ReadMark(AIArtHandle group, MarkRecord* mark) {
 class ReadMarkState {
   public:
     ReadMarkState(PluginGlobals* globals, AIArtHandle group, const MarkRecord& mark)
-        : kept_(globals), globals_(globals), language_(globals->language), record(ReadDimension(group)) {
+        : kept_(globals), globals_(globals), language_(globals->language), record(ReadDimensionRecord(group)) {
         PrefsRecord& prefs = globals->prefs;
         globals->language = mark.language;
         prefs.flMarkMode = mark.mode;
@@ -86,11 +86,6 @@ bool IsEdited(const PluginGlobals* globals, AIArtHandle group, const std::string
 }
 
 }  // namespace
-
-bool IsMarkGroup(AIArtHandle art) {
-    std::string row;
-    return ReadTag(art, kMarkTag, &row);
-}
 
 void WriteMarkRecord(AIArtHandle group, const std::string& text) {
     ToolState& live = gGlobals->liveState;

@@ -9,7 +9,6 @@
 
 namespace quorvel {
 
-bool IsMarkGroup(AIArtHandle art);
 // Of the art in fromCells[0], with the text (internal bytes) that the mark was given. Empties toCells.
 void WriteMarkRecord(AIArtHandle group, const std::string& text);
 // The tip, and the text when it was edited since.

@@ -424,21 +424,11 @@ RealPoint CentreOfGroup(AIArtHandle group) {
 
 }  // namespace
 
-DimensionRecord ReadDimension(AIArtHandle group) {
+DimensionRecord ReadDimensionRecord(AIArtHandle group) {
     ContextBracket(gGlobals);
     DimensionRecord record = ReadFormat(group, CentreOfGroup(group));
     ReadAdditions(group, &record);
     return record;
-}
-
-void ReadDimensionRecord(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, DoublePoint* fromAnchor,
-                         DoublePoint* toAnchor) {
-    ContextBracket(gGlobals);
-    const DimensionRecord record = ReadFormat(group, CentreOfGroup(group));
-    *kind = record.kind;
-    *mode = record.mode;
-    *fromAnchor = record.from.links.end;
-    *toAnchor = record.to.links.end;
 }
 
 }  // namespace quorvel

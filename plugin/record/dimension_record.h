@@ -53,11 +53,7 @@ struct DimensionRecord {
     int language = -1;                 // of its signs; -1: the current one
 };
 // Fills liveState and the settings, from the format proper and from the additions to it.
-DimensionRecord ReadDimension(AIArtHandle group);
-// Fills them from the format proper alone, which keeps six digits of a number. The anchors are the stored positions of
-// the from and to lists, (0, 0) when missing.
-void ReadDimensionRecord(AIArtHandle group, std::int16_t* kind, std::int16_t* mode, DoublePoint* fromAnchor,
-                         DoublePoint* toAnchor);
+DimensionRecord ReadDimensionRecord(AIArtHandle group);
 // Field number index of a comma-separated text; quotes are dropped and guard commas. 0 with an empty field behind the
 // end.
 std::int32_t SplitField(std::string_view text, int index, std::string* field);

@@ -21,7 +21,7 @@ KeptState::~KeptState() {
 std::vector<DimensionEnd> ExamineDimension(AIArtHandle group) {
     if (!IsDimensionGroup(group)) return ExamineMark(group);
     const KeptState kept(gGlobals);
-    return FindEnds(gGlobals, ReadDimension(group));
+    return FindEnds(gGlobals, ReadDimensionRecord(group));
 }
 
 void ReportUnheldEnds(AIArtHandle group) {

@@ -99,7 +99,7 @@ void RebuildGroup(PluginGlobals* globals, AIArtHandle group, const DimensionReco
 constexpr double kByPrecision = -1;
 
 void RecalculateGroup(PluginGlobals* globals, AIArtHandle group, double tolerance) {
-    const DimensionRecord record = ReadDimension(group);
+    const DimensionRecord record = ReadDimensionRecord(group);
     if (FollowArt(globals, record)) RebuildGroup(globals, group, record, tolerance);
 }
 
@@ -151,18 +151,18 @@ void FollowSelectedArt() {
     PluginGlobals* globals = gGlobals;
     const KeptState kept(globals);
     for (AIArtHandle group : CollectDimensionGroups()) {
-        const DimensionRecord record = ReadDimension(group);
+        const DimensionRecord record = ReadDimensionRecord(group);
         if (MeasuresSelected(record) && FollowArt(globals, record)) RebuildGroup(globals, group, record, kByPrecision);
     }
     for (AIArtHandle group : CollectMarkGroups())
-        if (MeasuresSelected(ReadDimension(group))) RebuildMark(group);
+        if (MeasuresSelected(ReadDimensionRecord(group))) RebuildMark(group);
 }
 
 void TrackMovedArt() {
     PluginGlobals* globals = gGlobals;
     if (!ViewIsOpen()) return;
     for (AIArtHandle group : CollectDimensionGroups()) {
-        const DimensionRecord record = ReadDimension(group);
+        const DimensionRecord record = ReadDimensionRecord(group);
         if (!IsLinearKind(record.kind)) continue;
         const ToolState& state = globals->liveState;
         const bool selected = IsSelected(state.fromCells[0].art) || IsSelected(state.toCells[0].art);

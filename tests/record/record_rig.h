@@ -49,8 +49,10 @@ class RecordRig : public testing::Test {
     };
     Read read(ArtId group) {
         Read found;
-        table.inside(
-            [&] { ReadDimensionRecord(table.handle(group), &found.kind, &found.mode, &found.from, &found.to); });
+        table.inside([&] {
+            const DimensionRecord record = ReadDimensionRecord(table.handle(group));
+            found = {record.kind, record.mode, record.from.links.end, record.to.links.end};
+        });
         return found;
     }
     ArtId find(std::int32_t id, std::int32_t index, RealPoint near) {

@@ -45,7 +45,7 @@ TEST_F(RecordTexts, TagsHaveTheirExactTexts) {
     EXPECT_EQ(live.axisWord, -3);
     EXPECT_EQ(live.fromTangent, 1.5708);
     EXPECT_EQ(live.toKind, 7);
-    EXPECT_EQ(live.toPoint.v, 123457.0F);
+    EXPECT_EQ(live.toPoint.v, 123456.78F) << "its tag keeps six digits, the addition all";
     EXPECT_EQ(live.endPoint.v, 4);
     EXPECT_EQ(live.tmpPos.h, 0.333333);
     EXPECT_EQ(found.from.h, 0);
