@@ -187,8 +187,10 @@ std::optional<std::vector<DimensionCheck>> tryCheck(host::Host& host, bool stric
     return checks;
 }
 
-std::vector<DimensionCheck> checkDimensions(host::Host& host, bool strict) {
-    return tryCheck(host, strict).value_or(std::vector<DimensionCheck>());
+Result<std::vector<DimensionCheck>> checkDimensions(host::Host& host, bool strict) {
+    std::optional<std::vector<DimensionCheck>> checks = tryCheck(host, strict);
+    if (!checks) return makeError(ErrorCode::kNotChecked);
+    return std::move(*checks);
 }
 
 int rebuildDimensions(HeadlessSession& session, const std::vector<doc::ArtId>& groups) {

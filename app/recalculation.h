@@ -40,10 +40,10 @@ struct DimensionCheck {
 };
 
 // A trial on the open drawing, which is as before when it returns. Art on hidden and locked layers counts as all other:
-// what is locked against the mouse is measured all the same. strict: any difference counts. tryCheck gives nothing
-// while a tool runs, checkDimensions an empty list.
+// what is locked against the mouse is measured all the same. strict: any difference counts. While a tool runs tryCheck
+// gives nothing, and checkDimensions kNotChecked.
 std::optional<std::vector<DimensionCheck>> tryCheck(host::Host& host, bool strict);
-std::vector<DimensionCheck> checkDimensions(host::Host& host, bool strict);
+Result<std::vector<DimensionCheck>> checkDimensions(host::Host& host, bool strict);
 // Rebuilds these dimensions, on hidden and locked layers too; they keep their SVG ids. Gives how many.
 int rebuildDimensions(HeadlessSession& session, const std::vector<doc::ArtId>& groups);
 

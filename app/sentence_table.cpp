@@ -102,6 +102,7 @@ constexpr SentenceRow kTable[] = {
     {kNoEntryPoint, 1, "no plug-in: the library has no {1}",
      "プラグインではありません。ライブラリーに {1} がありません"},
     {kStartFailed, 1, "start-up failed with {1}", "起動に失敗しました (コード {1})"},
+    {kNotChecked, 0, "The dimensions could not be checked", "寸法線を確認できませんでした"},
     {kPluginFailed, 1, "The plug-in has failed: {1}", "プラグインでエラーが発生しました: {1}"},
     {kPluginFailedUnknown, 0, "The plug-in has failed: unknown cause", "プラグインで不明なエラーが発生しました"},
     {kInternal, 1, "{1}", "内部エラーが発生しました: {1}"},

@@ -84,6 +84,7 @@ enum class ErrorCode : std::uint16_t {
     kPluginNotLoaded,      // 1: the loader's words
     kNoEntryPoint,         // 1: the function's name
     kStartFailed,          // 1: the plug-in's code
+    kNotChecked,           // the plug-in has made no trial of its dimensions
     kPluginFailed,         // 1: what was thrown
     kPluginFailedUnknown,  // what was thrown says nothing
     kInternal,             // 1: what was thrown

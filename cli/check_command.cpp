@@ -19,16 +19,17 @@ std::string withoutLineEnd(std::string text) {
 }
 
 WorkerVerdict verdictOn(const std::string& file, const Options& options) {
+    const app::Language language = app::languageOf(options);
+    const auto refuse = [&](const Error& error) -> WorkerVerdict {
+        if (options.isJson) return {kExitBadInput, errorJson(file, app::sentence(error, language))};
+        return {kExitBadInput, sentenceFor(file, error, language) + '\n'};
+    };
     const auto drawing = DrawingSession::open(options, file);
-    if (!drawing) {
-        const app::Language language = app::languageOf(options);
-        if (options.isJson) return {kExitBadInput, errorJson(file, app::sentence(drawing.error(), language))};
-        return {kExitBadInput, sentenceFor(file, drawing.error(), language) + '\n'};
-    }
-    const std::vector<app::DimensionCheck> checks =
-        app::checkDimensions((*drawing)->session().host(), options.isStrict);
-    const bool untrue = std::ranges::any_of(checks, [](const auto& check) { return check.untrue(); });
-    return {untrue ? kExitFault : kExitOk, options.isJson ? checkJson(file, checks) : app::checkText(file, checks)};
+    if (!drawing) return refuse(drawing.error());
+    const auto checks = app::checkDimensions((*drawing)->session().host(), options.isStrict);
+    if (!checks) return refuse(checks.error());
+    const bool untrue = std::ranges::any_of(*checks, [](const auto& check) { return check.untrue(); });
+    return {untrue ? kExitFault : kExitOk, options.isJson ? checkJson(file, *checks) : app::checkText(file, *checks)};
 }
 
 }  // namespace

@@ -17,7 +17,9 @@ Result<std::vector<app::DimensionCheck>> chooseDimensions(const Options& options
     const std::set<std::string> asked(options.ids.begin(), options.ids.end());
     std::set<std::string> unknown = asked;
     std::vector<app::DimensionCheck> chosen;
-    for (app::DimensionCheck& check : app::checkDimensions(session.host(), false)) {
+    Result<std::vector<app::DimensionCheck>> checks = app::checkDimensions(session.host(), false);
+    if (!checks) return Error(checks.error()).inFile(options.file);
+    for (app::DimensionCheck& check : *checks) {
         unknown.erase(check.name);
         if ((asked.empty() || asked.contains(check.name)) && (check.untrue() || options.isForAll))
             chosen.push_back(std::move(check));

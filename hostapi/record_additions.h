@@ -10,13 +10,11 @@ namespace quorvel {
 // index of the segment (that of the anchor which ends it), T the place on it, 0 at its first anchor and 1 at its last.
 //   segment I T           on segment I of the list's first art
 //   crossing T T [E E]    where the segments of the first two links cross, at T of each. E: how far the crossing is
-//   off
-//                         each segment, in lengths of its chord, where it does
+//                         off each segment, in lengths of its chord, where it does
 //   centre I              the centre of the circle that segment I of the first art is part of
 //   bounds A A            the middle of the first art's bounds; two of its directions then, in radians
 //   links M               at the anchors of some of the list's links alone: of those with a bit in M, the first link
-//   the
-//                         lowest. The others were near it
+//                         the lowest. The others were near it
 //   offset I H V          off the first measured point, in chords of segment I of that point's first art: H chords
 //                         along it and V to its left
 // and, behind it or alone:
@@ -37,11 +35,13 @@ constexpr char kSettingHoldTag[] = "QUORVEL_SETTINGHOLD";
 //   pixel P               points: how near a Straight dimension's points count as level or upright
 //   heads LETTERS         of each span whose length is near the limit: i for heads inside, o outside, - for other spans
 //   way forward|back      round a closed path from the first point to the second: in its direction or against it
+//   side left|right       of the path in its direction, for a curve dimension placed on its own path
 //   sector reflex         the angle shown is the one above half a turn
 constexpr char kChoiceTag[] = "QUORVEL_CHOICE";
 constexpr char kChoiceLanguage[] = "language", kChoicePixel[] = "pixel", kChoiceHeads[] = "heads";
-constexpr char kChoiceWay[] = "way", kChoiceSector[] = "sector";
-constexpr char kWayForward[] = "forward", kWayBack[] = "back", kSectorReflex[] = "reflex";
+constexpr char kChoiceWay[] = "way", kChoiceSide[] = "side", kChoiceSector[] = "sector";
+constexpr char kWayForward[] = "forward", kWayBack[] = "back", kSideLeft[] = "left", kSideRight[] = "right",
+               kSectorReflex[] = "reflex";
 
 // Of a comment, a balloon, a length or area comment whose leader points at art. Its group has QUORVEL_FROMPOS,
 // QUORVEL_TOPOS, QUORVEL_FROMCELL, QUORVEL_FROMHOLD and the settings beside it, as a dimension does, and this:

@@ -21,6 +21,7 @@ namespace {
 constexpr int kStepLimit = 4095;        // of the walk along a path
 constexpr double kTextHalfLength = 50;  // of the line that the text is centred on
 constexpr double kOnCurve = 0.01;       // the placement point lies on the measured path
+constexpr double kSideMargin = 0.1;     // nearer to the path a rounding can put the placement on its other side
 
 // The measured path, with its spans named by the segment that ends them.
 struct MeasuredPath {
@@ -160,6 +161,14 @@ double DistanceToChain(const BezierBasisTables& tables, const ChainBuffer& chain
         *side = spanSide;
     }
     return best;
+}
+
+// Of a placement so near to the path the side is recorded, and kept by a rebuild.
+void KeepSide(double distance, std::int16_t* side, ToolState* live) {
+    const bool isNear = distance < kSideMargin;
+    if (isNear && live->fromRecord && live->choices.side != CurveSide::placed)
+        *side = live->choices.side == CurveSide::left ? kLeftSide : kRightSide;
+    live->choices.side = !isNear ? CurveSide::placed : *side == kLeftSide ? CurveSide::left : CurveSide::right;
 }
 
 void ShowProgress(PluginGlobals* globals, int percent) {
@@ -337,6 +346,7 @@ bool BuildChain(PluginGlobals* globals, const DoublePoint& E, bool showProgress,
     chain->length = MeasureChain(tables, *chain, ends);
     if (measured != nullptr) *measured = {path.closed, chain->count - 1};
     const double distance = DistanceToChain(tables, *chain, E, side);
+    if (measured != nullptr) KeepSide(distance, side, &globals->liveState);
     OffsetChain(globals, ends, distance, *side, showProgress);
     return chain->count >= 2;
 }

@@ -39,12 +39,7 @@ std::int16_t AxisBetween(const DoublePoint& P1, const DoublePoint& P2, double pi
 
 // A rebuild decides by the pixel with which the dimension was made, at whatever zoom: that of a zoom of 1 where none is
 // recorded.
-constexpr double kPlainPixel = 1.0;
-
-double AxisPixel(const ToolState& live) {
-    if (!live.fromRecord) return PixelSize();
-    return live.choices.pixel > 0 ? live.choices.pixel : kPlainPixel;
-}
+double AxisPixel(const ToolState& live) { return live.fromRecord ? live.choices.PixelOrPlain() : PixelSize(); }
 
 // The pixel to record so that a rebuild finds the same axis by a clear margin; 0 where it does without.
 double PixelToRecord(const DoublePoint& P1, const DoublePoint& P2, double pixel, std::int16_t chosen) {
@@ -112,6 +107,17 @@ std::int16_t RecordKind(std::int16_t distanceMode) {
     }
 }
 
+// How far the distance of two feet may be off. Both measured points may be; a line parallel to the base turns with it,
+// which moves the feet along it by as much as the points are apart across it.
+double SpanSlack(const PluginGlobals* globals, double apart, double along) {
+    const double off = 2 * ShownTextTolerance();
+    if (globals->prefs.flDistanceMode == kStraightMode) return off;
+    const ToolState& live = globals->liveState;
+    const double base = DistanceBetweenPoints(ToDoublePoint(live.fromPoint), ToDoublePoint(live.toPoint));
+    const double across = std::sqrt(MaxOf(apart * apart - along * along, 0.0));
+    return off * (1 + across / base);
+}
+
 // The spans from stop to stop and the one line that bears them all, with the outer leads that the spans left.
 void AddSpans(AIArtHandle group, DoublePoint P1, const DoublePoint& P2, DoublePoint A, const DoublePoint& B,
               std::int16_t stopCount, const DoublePoint* S) {
@@ -166,6 +172,7 @@ std::int32_t ProjectFeet(const DoublePoint& E, const DoublePoint& P1, const Doub
 void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A, DoublePoint B, DoublePoint* lineStart,
                DoublePoint* lineEnd, std::int32_t index) {
     const PrefsRecord& prefs = gGlobals->prefs;
+    const double slack = SpanSlack(gGlobals, DistanceBetweenPoints(P1, P2), DistanceBetweenPoints(A, B));
     const DoublePoint X1 = ExtensionLine(prefs, &P1, A);
     const DoublePoint X2 = ExtensionLine(prefs, &P2, B);
 
@@ -192,8 +199,7 @@ void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A,
     AddArrowMark(group, A, f, wingAngle, wingLength);
     AddArrowMark(group, B, g, wingAngle, wingLength);
     char text[kValueTextSize];
-    FormatLengthShown(gGlobals, index, DistanceBetweenPoints(T1, T2), LengthKind::plain, 2 * ShownTextTolerance(),
-                      text);
+    FormatLengthShown(gGlobals, index, DistanceBetweenPoints(T1, T2), LengthKind::plain, slack, text);
     AddDimensionText(group, T1, T2, text);
 }
 

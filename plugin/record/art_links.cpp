@@ -205,6 +205,8 @@ AIArtHandle FindArtById(std::int32_t id, std::int32_t index, const RealPoint& ne
     return FindLinkedArt(id, index, near).art;
 }
 
+bool IsObjectIdInUse(std::int32_t id) { return !FindBearers(id).empty(); }
+
 std::int32_t CountArtWithId(std::int32_t id) {
     const std::vector<Bearer> bearers = FindBearers(id);
     return static_cast<std::int32_t>(

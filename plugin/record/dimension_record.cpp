@@ -90,7 +90,16 @@ std::string SettingsText(const PluginGlobals* globals) {
     return text;
 }
 
-std::int32_t NewObjectId() { return static_cast<std::int32_t>(static_cast<double>(sAIRandom->FloatRnd()) * 100000000); }
+// The host's random numbers have 24 bits, so that a thousand ids hold two of the same in 3 cases of 100. 0 ends a list.
+std::int32_t NewObjectId() {
+    constexpr int kTries = 16;  // a host's generator may be stuck
+    std::int32_t id = 0;
+    for (int i = 0; i < kTries; ++i) {
+        id = static_cast<std::int32_t>(static_cast<double>(sAIRandom->FloatRnd()) * 100000000);
+        if (id != 0 && !IsObjectIdInUse(id)) break;
+    }
+    return id;
+}
 
 // The pairs of a cell list, up to the id 0 that ends it.
 std::vector<std::pair<int, int>> ReadPairs(std::string_view text) {

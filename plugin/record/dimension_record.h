@@ -57,6 +57,7 @@ DimensionRecord ReadDimensionRecord(AIArtHandle group);
 // Field number index of a comma-separated text; quotes are dropped and guard commas. 0 with an empty field behind the
 // end.
 std::int32_t SplitField(std::string_view text, int index, std::string* field);
+bool IsObjectIdInUse(std::int32_t id);  // by art that can or cannot be measured, on any layer
 // FindLinkedArt without the cause; null when the art lacks the anchor index.
 AIArtHandle FindArtById(std::int32_t id, std::int32_t index, const RealPoint& near);
 // On the usable layers.

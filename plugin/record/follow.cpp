@@ -127,17 +127,16 @@ void MovePoint(const PointNow& now, const PointNow& otherNow, RealPoint* point, 
     *point = now.point;
 }
 
-// A stop without art keeps its polar place about the first point.
-void MoveStops(const std::vector<PointNow>& now, const ToolState& was, ToolState* state) {
+// A stop without art keeps its polar place about the first point of a base that has moved.
+void MoveStops(const std::vector<PointNow>& now, bool baseMoved, const ToolState& was, ToolState* state) {
     const DoublePoint from = ToDoublePoint(state->fromPoint), oldFrom = ToDoublePoint(was.fromPoint);
     const double baseAngle = AngleBetweenPoints(MiddleInFloats(was.fromPoint, was.toPoint), ToDoublePoint(was.toPoint));
     const double turn = AngleBetweenPoints(from, ToDoublePoint(state->toPoint)) - baseAngle;
-    const bool baseStays = PointsEqual(state->fromPoint, was.fromPoint) && PointsEqual(state->toPoint, was.toPoint);
     for (int i = 0; i < state->stopCount; ++i) {
         StopRecord* stop = &state->stops[i];
         if (now[static_cast<std::size_t>(i)].state == kLinkHeld) {
             stop->point = now[static_cast<std::size_t>(i)].point;
-        } else if (!baseStays) {
+        } else if (baseMoved) {
             const DoublePoint point = ToDoublePoint(stop->point);
             const double angle = AngleBetweenPoints(oldFrom, point) + turn;
             stop->point = ToRealPoint(PolarPoint(from, DistanceBetweenPoints(oldFrom, point), angle));
@@ -173,26 +172,46 @@ void SortStops(const ToolState& was, ToolState* state) {
     });
 }
 
-constexpr double kSameLength = 0.01;  // of the base: it was turned and not stretched
+constexpr double kSameLength = 0.01;      // of the base: it was turned and not stretched
+constexpr double kSameDirection = 0.001;  // radians
 constexpr double kHalfTurn = std::numbers::pi, kEighthTurn = std::numbers::pi / 4;
 
-// Has the base been turned, as a whole, towards the other axis?
-bool BaseTurnedOver(const ToolState& was, const ToolState& now) {
+struct BaseChange {
+    double turn = 0;    // radians
+    double growth = 1;  // of the length
+};
+
+BaseChange ChangeOfBase(const ToolState& was, const ToolState& now) {
     const DoublePoint a = ToDoublePoint(was.fromPoint), b = ToDoublePoint(was.toPoint);
     const DoublePoint c = ToDoublePoint(now.fromPoint), d = ToDoublePoint(now.toPoint);
-    const double before = DistanceBetweenPoints(a, b), after = DistanceBetweenPoints(c, d);
-    const double turn = std::remainder(AngleBetweenPoints(c, d) - AngleBetweenPoints(a, b), kHalfTurn);
-    return std::fabs(turn) > kEighthTurn && std::fabs(after - before) <= kSameLength * before;
+    const double before = DistanceBetweenPoints(a, b);
+    if (before <= 0) return {};
+    return {AngleBetweenPoints(c, d) - AngleBetweenPoints(a, b), DistanceBetweenPoints(c, d) / before};
 }
 
-// The recorded axis holds at the new placement, and turns with the base.
+bool IsSameLength(const BaseChange& change) { return std::fabs(change.growth - 1) <= kSameLength; }
+
+// Has the base been turned, as a whole, towards the other axis?
+bool BaseTurnedOver(const BaseChange& change) {
+    return std::fabs(std::remainder(change.turn, kHalfTurn)) > kEighthTurn && IsSameLength(change);
+}
+
+// Has the base another length in the same direction, or at a right angle to it, as when all art was scaled?
+bool BaseScaled(const BaseChange& change) {
+    return std::fabs(std::remainder(change.turn, kHalfTurn / 2)) <= kSameDirection && !IsSameLength(change);
+}
+
+// The recorded axis holds at the new placement, and turns with the base; what counts as level or upright grows with a
+// scaled base.
 void KeepAxis(const ToolState& was, PluginGlobals* globals) {
     ToolState* state = &globals->liveState;
     std::int16_t& mode = globals->prefs.flDistanceMode;
     constexpr std::int16_t kUprightMode = 2;
     if (mode != kStraightMode && mode != kUprightMode) return;
     state->tmpPos = ToDoublePoint(state->endPoint);
-    if (!BaseTurnedOver(was, *state)) return;
+    const BaseChange change = ChangeOfBase(was, *state);
+    if (BaseScaled(change)) state->choices.pixel = state->choices.PixelOrPlain() * change.growth;
+    if (!BaseTurnedOver(change)) return;
     if (mode == kUprightMode) {
         mode = kStraightMode;
         state->axisWord = 1;
@@ -224,9 +243,9 @@ void FollowLinear(PluginGlobals* globals, const DimensionRecord& record) {
     const Placement placement = PlacementOf(was);
     MovePoint(now.from, now.to, &state->fromPoint, &state->toPoint);
     MovePoint(now.to, now.from, &state->toPoint, &state->fromPoint);
-    MoveStops(now.stops, was, state);
     const auto moved = [](const PointNow& point) { return point.moved; };
     const bool baseMoved = now.from.moved || now.to.moved;
+    MoveStops(now.stops, baseMoved, was, state);
     if (baseMoved || std::any_of(now.stops.begin(), now.stops.end(), moved)) SortStops(was, state);
     if (!baseMoved) return;
     PlaceEndAgain(placement, state);

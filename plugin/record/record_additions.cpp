@@ -75,6 +75,10 @@ std::string ChoicesText(const PluginGlobals* globals, std::int16_t kind) {
         AppendWord(&text, kChoiceWay);
         AppendWord(&text, choices.way == CurveWay::forward ? kWayForward : kWayBack);
     }
+    if (choices.side != CurveSide::placed) {
+        AppendWord(&text, kChoiceSide);
+        AppendWord(&text, choices.side == CurveSide::left ? kSideLeft : kSideRight);
+    }
     if (choices.sector == AngleSector::reflex) {
         AppendWord(&text, kChoiceSector);
         AppendWord(&text, kSectorReflex);
@@ -188,6 +192,8 @@ int ReadChoices(AIArtHandle group, BuildChoices* choices) {
         if (word == kChoiceHeads) ReadHeads(value, choices);
         if (word == kChoiceWay && value == kWayForward) choices->way = CurveWay::forward;
         if (word == kChoiceWay && value == kWayBack) choices->way = CurveWay::back;
+        if (word == kChoiceSide && value == kSideLeft) choices->side = CurveSide::left;
+        if (word == kChoiceSide && value == kSideRight) choices->side = CurveSide::right;
         if (word == kChoiceSector && value == kSectorReflex) choices->sector = AngleSector::reflex;
         for (std::size_t i = 0; word == kChoiceLanguage && i < std::size(kLanguageWords); ++i)
             if (value == kLanguageWords[i]) language = static_cast<int>(i);

@@ -41,12 +41,17 @@ struct StopRecord {
 // What a builder has decided, or has to decide as the record says.
 constexpr char kHeadsInside = 'i', kHeadsOutside = 'o', kHeadsByLength = '-';
 enum class CurveWay : std::uint8_t { nearest, forward, back };
+enum class CurveSide : std::uint8_t { placed, left, right };
 enum class AngleSector : std::uint8_t { placed, minor, reflex };
+constexpr double kPlainPixel = 1.0;  // of a zoom of 1
 struct BuildChoices {
     double pixel = 0;                 // 0: none is recorded
     char heads[kStopLimit + 2] = {};  // by span, closed by a zero
     CurveWay way = CurveWay::nearest;
+    CurveSide side = CurveSide::placed;
     AngleSector sector = AngleSector::placed;
+
+    double PixelOrPlain() const { return pixel > 0 ? pixel : kPlainPixel; }
 };
 
 struct ToolState {

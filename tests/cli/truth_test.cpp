@@ -51,6 +51,20 @@ const Case kCases[] = {
     {"CrossingGone", kPoints, R"(<path id="a" d="M 20 150 H 280"/><path id="b" d="M 120 20 V 280"/>)",
      "tool \"Oblique Dimension Tool\"\ntrack 20 150\ndown\ndrag 120 150\nup\ntrack 70 180\ndown\n", "M 120 20 V 280",
      "M 120 20 V 90", "oblique lost \"35.278\", to: no crossing"},
+    // On the path itself, 0.0004 pt of which decide about the side.
+    {"OnItsPath", kPoints, R"(<path id="a" d="M 50 149.9996 H 250"/>)",
+     "tool \"Curve Dimension Tool\"\ntrack 50 150\ndown\ndrag 250 150\nup\ntrack 150 150.0002\ndown\n", "149.9996",
+     "150", ""},
+    // Upright was clicked, but points within a pixel of one level show their level distance: at twice the size too.
+    {"Scaled", kPoints, R"(<g id="all"><path id="a" d="M 10 250 V 150 L 110 149.2 V 250"/></g>)",
+     "tool \"Straight Dimension Tool\"\ntrack 10 150\ndown\ndrag 110 150.8\nup\ntrack 140 150\ndown\n", "id=\"all\"",
+     "id=\"all\" transform=\"scale(2)\"", "straight value \"35.278\" -> \"70.556\", moved"},
+    {"LostStop", kPoints,
+     R"(<path id="a" d="M 20.12345 250 V 149.45679"/><path id="b" d="M 220.98765 250 V 148.76544"/>)"
+     R"(<path id="c" d="M 100.12345 280 V 209.87655" stroke="none"/>)",
+     "tool \"Oblique Dimension Tool\"\ntrack 20.12345 150.54321\ndown\ntrack 100.12345 90.12345 alt\ndown alt\nup alt\n"
+     "drag 220.98765 151.23456\nup\ntrack 120 180\ndown\n",
+     "", "", "oblique lost \"28.149 | 42.712\", stop 1: unpainted"},
     {"Centre", kPoints, R"(<circle id="c" cx="200" cy="150" r="40"/><path id="a" d="M 20 150 V 100"/>)",
      "set flUseFcnt 1\ntool \"Oblique Dimension Tool\"\ntrack 20 150\ndown\ndrag 200 150\nup\ntrack 70 190\ndown\n",
      "r=\"40\"", "r=\"60\"", ""},

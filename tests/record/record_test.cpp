@@ -3,6 +3,7 @@
 #include <cmath>
 #include <random>
 #include <set>
+#include <utility>
 
 #include "tests/record/record_rig.h"
 #include "tests/support/random_drawing.h"
@@ -73,6 +74,20 @@ TEST_P(Record, CellsAndStopsAreLinkedByIds) {
     const ArtId again = write(0, 0);
     EXPECT_EQ(table.tag(again, "QUORVEL_STOPCELL01"), "0,-1,0");
     EXPECT_EQ(table.tag(again, "QUORVEL_STOPCELL02"), "(none)");
+}
+
+// Ids have 24 random bits: a drawing of a thousand holds two of the same in 3 cases of 100.
+TEST_P(Record, NoTwoArtsGetOneId) {
+    static int calls = 0;
+    calls = 0;
+    for (int i = 0; i < 2; ++i) live.fromCells[i] = cell(table.drawLines({{0, 10.0F * i}, {50, 10.0F * i}}, false), 0);
+    const ArtId group = table.newGroup([&](AIArtHandle made) {
+        const AIRandomSuite repeating{[] { return calls++ < 3 ? 0.25F : 0.75F; }};
+        const AIRandomSuite* const kept = std::exchange(sAIRandom, &repeating);
+        WriteDimensionRecord(made, 0, 0);
+        sAIRandom = kept;
+    });
+    EXPECT_EQ(table.tag(group, "QUORVEL_FROMCELL"), "25000000,0,75000000,0,0,0,0");
 }
 
 TEST_P(Record, TextsAreLinkedByTheirAnchors) {
