@@ -33,12 +33,15 @@ constexpr char kSettingHoldTag[] = "QUORVEL_SETTINGHOLD";
 // Decisions.
 //   language WORD         of the degree and diameter signs: JAPANESE, ENGLISH, KOREAN
 //   pixel P               points: how near a Straight dimension's points count as level or upright
-//   heads LETTERS         of each span whose length is near the limit: i for heads inside, o outside, - for other spans
+//   heads LETTERS         of each span whose length is near the limit: i for heads inside, o outside, - for others
+//   spans LETTERS         of each span of hardly any length: f along the base or the axis, b against it, 0 for none at
+//                         all, - for other spans
 //   way forward|back      round a closed path from the first point to the second: in its direction or against it
 //   side left|right       of the path in its direction, for a curve dimension placed on its own path
 //   sector reflex         the angle shown is the one above half a turn
 constexpr char kChoiceTag[] = "QUORVEL_CHOICE";
-constexpr char kChoiceLanguage[] = "language", kChoicePixel[] = "pixel", kChoiceHeads[] = "heads";
+constexpr char kChoiceLanguage[] = "language", kChoicePixel[] = "pixel", kChoiceHeads[] = "heads",
+               kChoiceSpans[] = "spans";
 constexpr char kChoiceWay[] = "way", kChoiceSide[] = "side", kChoiceSector[] = "sector";
 constexpr char kWayForward[] = "forward", kWayBack[] = "back", kSideLeft[] = "left", kSideRight[] = "right",
                kSectorReflex[] = "reflex";

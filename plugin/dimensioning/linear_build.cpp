@@ -2,6 +2,7 @@
 // level or an upright line from where the hand goes and holds to it against small movements; the Oblique tool runs
 // parallel to what is measured.
 #include <cmath>
+#include <utility>
 
 #include "plugin/dimensioning/curve.h"
 #include "plugin/dimensioning/graphics.h"
@@ -107,6 +108,30 @@ std::int16_t RecordKind(std::int16_t distanceMode) {
     }
 }
 
+// Along the dimension line: to the right, up, or from the first measured point to the second.
+double LineDirection(const PluginGlobals* globals) {
+    const ToolState& live = globals->liveState;
+    const DoublePoint from = ToDoublePoint(live.fromPoint), to = ToDoublePoint(live.toPoint);
+    if (globals->prefs.flDistanceMode != kStraightMode) return AngleBetweenPoints(from, to);
+    return AxisBetween(from, to, AxisPixel(live), live.axisWord) == kUprightLine ? kHalfPiWide : 0.0;
+}
+
+// From foot to foot. Of feet that nearly coincide a rounding would turn it about, so that a rebuild keeps it.
+double SpanDirection(PluginGlobals* globals, const DoublePoint& A, const DoublePoint& B, std::int32_t index) {
+    ToolState& live = globals->liveState;
+    const double direction = AngleBetweenPoints(A, B), length = DistanceBetweenPoints(A, B);
+    char& recorded = live.choices.spans[index];
+    const char known = std::exchange(recorded, kSpanByFeet);
+    if (length > 2 * kClearMargin) return direction;
+    const bool isKnown = live.fromRecord && (known == kSpanForward || known == kSpanBack || known == kSpanNone);
+    if (!isKnown && length > kClearMargin) return direction;
+    const double line = LineDirection(globals);
+    const char way = PointsEqual(A, B) ? kSpanNone : std::cos(direction - line) < 0 ? kSpanBack : kSpanForward;
+    recorded = isKnown ? known : way;
+    if (recorded == way) return direction;
+    return recorded == kSpanNone ? AngleBetweenPoints(A, A) : recorded == kSpanForward ? line : line + kPi;
+}
+
 // How far the distance of two feet may be off. Both measured points may be; a line parallel to the base turns with it,
 // which moves the feet along it by as much as the points are apart across it.
 double SpanSlack(const PluginGlobals* globals, double apart, double along) {
@@ -176,7 +201,7 @@ void BuildSpan(AIArtHandle group, DoublePoint P1, DoublePoint P2, DoublePoint A,
     const DoublePoint X1 = ExtensionLine(prefs, &P1, A);
     const DoublePoint X2 = ExtensionLine(prefs, &P2, B);
 
-    const double f = AngleBetweenPoints(A, B);
+    const double f = SpanDirection(gGlobals, A, B, index);
     const double g = f + kPi;
     const double n = f + kHalfPiWide;
     const DoublePoint T1 = PolarPoint(A, static_cast<double>(prefs.flScLead), n);

@@ -56,6 +56,13 @@ std::string ExactSettingsText(const PluginGlobals* globals) {
 // Which kinds show a sign that the language decides.
 bool ShowsSign(std::int16_t kind) { return kind == kAngleTool || kind == kDiameterTool; }
 
+// plain: the letter of a span without a choice.
+void AppendLetters(std::string* text, const char* word, const char* letters, char plain) {
+    if (std::string_view(letters).find_first_not_of(plain) == std::string_view::npos) return;
+    AppendWord(text, word);
+    AppendWord(text, letters);
+}
+
 std::string ChoicesText(const PluginGlobals* globals, std::int16_t kind) {
     const BuildChoices& choices = globals->liveState.choices;
     std::string text;
@@ -67,10 +74,8 @@ std::string ChoicesText(const PluginGlobals* globals, std::int16_t kind) {
         AppendWord(&text, kChoicePixel);
         AppendNumber(&text, choices.pixel, kPlaceDigits);
     }
-    if (std::string_view(choices.heads).find_first_not_of(kHeadsByLength) != std::string_view::npos) {
-        AppendWord(&text, kChoiceHeads);
-        AppendWord(&text, choices.heads);
-    }
+    AppendLetters(&text, kChoiceHeads, choices.heads, kHeadsByLength);
+    AppendLetters(&text, kChoiceSpans, choices.spans, kSpanByFeet);
     if (choices.way != CurveWay::nearest) {
         AppendWord(&text, kChoiceWay);
         AppendWord(&text, choices.way == CurveWay::forward ? kWayForward : kWayBack);
@@ -94,8 +99,9 @@ void WriteOrRemove(AIArtHandle group, const char* tagName, const std::string& te
         RemoveTag(group, tagName);
 }
 
-void ReadHeads(const std::string& word, BuildChoices* choices) {
-    for (std::size_t i = 0; i < word.size() && i + 1 < sizeof choices->heads; ++i) choices->heads[i] = word[i];
+template <std::size_t N>
+void ReadLetters(const std::string& word, char (&letters)[N]) {
+    for (std::size_t i = 0; i < word.size() && i + 1 < N; ++i) letters[i] = word[i];
 }
 
 }  // namespace
@@ -189,7 +195,8 @@ int ReadChoices(AIArtHandle group, BuildChoices* choices) {
             continue;
         }
         const std::string value = words.Next();
-        if (word == kChoiceHeads) ReadHeads(value, choices);
+        if (word == kChoiceHeads) ReadLetters(value, choices->heads);
+        if (word == kChoiceSpans) ReadLetters(value, choices->spans);
         if (word == kChoiceWay && value == kWayForward) choices->way = CurveWay::forward;
         if (word == kChoiceWay && value == kWayBack) choices->way = CurveWay::back;
         if (word == kChoiceSide && value == kSideLeft) choices->side = CurveSide::left;

@@ -40,6 +40,7 @@ struct StopRecord {
 
 // What a builder has decided, or has to decide as the record says.
 constexpr char kHeadsInside = 'i', kHeadsOutside = 'o', kHeadsByLength = '-';
+constexpr char kSpanForward = 'f', kSpanBack = 'b', kSpanNone = '0', kSpanByFeet = '-';
 enum class CurveWay : std::uint8_t { nearest, forward, back };
 enum class CurveSide : std::uint8_t { placed, left, right };
 enum class AngleSector : std::uint8_t { placed, minor, reflex };
@@ -47,6 +48,7 @@ constexpr double kPlainPixel = 1.0;  // of a zoom of 1
 struct BuildChoices {
     double pixel = 0;                 // 0: none is recorded
     char heads[kStopLimit + 2] = {};  // by span, closed by a zero
+    char spans[kStopLimit + 2] = {};  // likewise: which way a span of hardly any length runs
     CurveWay way = CurveWay::nearest;
     CurveSide side = CurveSide::placed;
     AngleSector sector = AngleSector::placed;

@@ -59,6 +59,11 @@ const Case kCases[] = {
     {"Scaled", kPoints, R"(<g id="all"><path id="a" d="M 10 250 V 150 L 110 149.2 V 250"/></g>)",
      "tool \"Straight Dimension Tool\"\ntrack 10 150\ndown\ndrag 110 150.8\nup\ntrack 140 150\ndown\n", "id=\"all\"",
      "id=\"all\" transform=\"scale(2)\"", "straight value \"35.278\" -> \"70.556\", moved"},
+    // The stop is above the first point: a span of no length, whose heads 0.0004 pt turn about.
+    {"SpanOfNoLength", kPoints, R"(<path id="a" d="M 50.0004 250 V 200"/><path id="b" d="M 50 100 H 150"/>)",
+     "tool \"Straight Dimension Tool\"\ntrack 50 50\ndown\ntrack 50 200 alt\ndown alt\nup alt\ndrag 150 200\nup\n"
+     "track 100 290\ndown\n",
+     "50.0004", "49.9996", ""},
     {"LostStop", kPoints,
      R"(<path id="a" d="M 20.12345 250 V 149.45679"/><path id="b" d="M 220.98765 250 V 148.76544"/>)"
      R"(<path id="c" d="M 100.12345 280 V 209.87655" stroke="none"/>)",
