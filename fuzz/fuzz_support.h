@@ -5,13 +5,13 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz/require.h"
 #include "host/host.h"
 #include "platform/headless/headless.h"
 #include "plugin/settings/prefs_file.h"
@@ -20,10 +20,6 @@
 #include "plugin/shell/property_list.h"
 
 namespace quorvel::fuzz {
-
-inline void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 // Each field of the settings, as a file would hold it. A text that runs out of its field is none.
 inline std::string scheduleText(const PluginGlobals& globals) {

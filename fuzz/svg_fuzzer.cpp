@@ -1,18 +1,16 @@
 // Any bytes as a drawing: they are refused with one line, or they give a document that saves as the same bytes, that
 // can be changed, and whose changed file opens again.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "fuzz/require.h"
 #include "interchange/svg/svg.h"
 
 using namespace quorvel;
+using fuzz::require;
+using fuzz::requireSame;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 // Something of everything that saving can splice.
 void change(doc::Document& document) {
@@ -44,12 +42,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(words.find('\n') == std::string::npos);
         return 0;
     }
-    require(interchange::writeSvg(*read->document) == text);
+    requireSame(text, interchange::writeSvg(*read->document));
     change(*read->document);
     const std::string changed = interchange::writeSvg(*read->document);
     const Result<interchange::SvgDrawing> again = interchange::readSvg(changed);
     require(static_cast<bool>(again));
-    require(interchange::writeSvg(*again->document) == changed);
+    requireSame(changed, interchange::writeSvg(*again->document));
     require(again->document->layers().size() >= 2);
     return 0;
 }

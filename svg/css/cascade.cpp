@@ -10,7 +10,7 @@ namespace quorvel::svg {
 
 Cascade::Attributes Cascade::takeAttributes(const XmlNode& element) {
     Attributes found;
-    presented_.clear();
+    declared_.clear();
     bool isSorted = true;
     for (const XmlAttribute& attribute : element.attributes()) {
         const std::string_view name = attribute.name();
@@ -23,25 +23,56 @@ Cascade::Attributes Cascade::takeAttributes(const XmlNode& element) {
             found.classes = attribute.value();
         } else if (const Property* property = findProperty(name)) {
             isSorted = isSorted && !property->comesFirst;
-            presented_.emplace_back(property, trimmed(attribute.value()));
+            declared_.emplace_back(property, trimmed(attribute.value()));
         }
     }
     if (!isSorted)
-        std::stable_partition(presented_.begin(), presented_.end(),
+        std::stable_partition(declared_.begin(), declared_.end(),
                               [](const auto& one) { return one.first->comesFirst; });
     return found;
 }
 
-void Cascade::apply(const Property& property, std::string_view value, const ComputedStyle& parent,
-                    ComputedStyle* style) {
+void Cascade::orderDeclarations() {
+    for (const bool important : {false, true}) {
+        for (const auto* declarations : {&fromSheet_, &fromAttribute_}) {
+            for (const CssDeclaration& declaration : *declarations) {
+                if (declaration.important != important) continue;
+                passedTransform |= declaration.property == "transform" && declaration.value != "none";
+                if (const Property* property = findProperty(declaration.property))
+                    declared_.emplace_back(property, declaration.value);
+            }
+        }
+    }
+}
+
+void Cascade::apply(const Declared& declared, const ComputedStyle& parent, ComputedStyle* style) {
+    const Property& property = *declared.first;
+    std::string_view value = declared.second;
+    std::string plain;
+    if (value.find("/*") != std::string_view::npos) {
+        plain = withoutComments(value);
+        value = trimmed(plain);
+        if (value.empty()) return;
+    }
     applyProperty(property, {value, parent, diagonal_, styles_}, style);
     changed_ |= property.group;
+}
+
+// The font size comes first, from all that set it: the em of the other properties is the element's own.
+void Cascade::applyAll(const ComputedStyle& parent, ComputedStyle* style) {
+    for (const Declared& declared : declared_)
+        if (declared.first->setsFontSize) apply(declared, parent, style);
+    const double fontSize = style->fontSize;
+    for (const Declared& declared : declared_) {
+        apply(declared, parent, style);
+        style->fontSize = fontSize;
+    }
 }
 
 bool Cascade::compute(const XmlNode& element, const ComputedStyle& parent, double diagonal, ComputedStyle* style) {
     const Attributes attributes = takeAttributes(element);
     // Most drawings repeat one style attribute over and over.
-    const bool isInlineAlone = sheet.empty() && presented_.empty();
+    const bool isInlineAlone = sheet.empty() && declared_.empty();
     if (isInlineAlone && hasLast_ && parent.number == lastParent_ && diagonal == lastDiagonal_ &&
         attributes.inlineStyle == lastInline_) {
         *style = last_;
@@ -52,22 +83,13 @@ bool Cascade::compute(const XmlNode& element, const ComputedStyle& parent, doubl
     style->groups.element = 0;
     diagonal_ = diagonal;
     changed_ = 0;
-    for (const auto& [property, value] : presented_) apply(*property, value, parent, style);
     fromSheet_.clear();
     if (!sheet.empty() && !sheet.match(element.localName(), attributes.id, attributes.classes, &fromSheet_))
         return false;
     fromAttribute_.clear();
     parseDeclarations(attributes.inlineStyle, &fromAttribute_);
-    for (const bool important : {false, true}) {
-        for (const auto* declarations : {&fromSheet_, &fromAttribute_}) {
-            for (const CssDeclaration& declaration : *declarations) {
-                if (declaration.important != important) continue;
-                passedTransform |= declaration.property == "transform" && declaration.value != "none";
-                if (const Property* property = findProperty(declaration.property))
-                    apply(*property, declaration.value, parent, style);
-            }
-        }
-    }
+    orderDeclarations();
+    applyAll(parent, style);
     styles_.intern(style, changed_);
     if (isInlineAlone) {
         hasLast_ = true;

@@ -36,11 +36,14 @@ class Cascade {
     struct Attributes {
         std::string_view inlineStyle, id, classes;
     };
+    using Declared = std::pair<const Property*, std::string_view>;
     Attributes takeAttributes(const XmlNode& element);
-    void apply(const Property& property, std::string_view value, const ComputedStyle& parent, ComputedStyle* style);
+    void orderDeclarations();
+    void apply(const Declared& declared, const ComputedStyle& parent, ComputedStyle* style);
+    void applyAll(const ComputedStyle& parent, ComputedStyle* style);
 
     StyleTable& styles_;
-    std::vector<std::pair<const Property*, std::string_view>> presented_;  // attributes of the element
+    std::vector<Declared> declared_;  // of the element: its attributes, then also the declarations, weakest first
     std::vector<CssDeclaration> fromSheet_, fromAttribute_;
     double diagonal_ = 0;
     unsigned changed_ = 0;  // groups of the style that is made

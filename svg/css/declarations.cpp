@@ -1,5 +1,8 @@
 #include "svg/css/declarations.h"
 
+#include <algorithm>
+
+#include "svg/css/properties.h"
 #include "svg/values/number.h"
 
 namespace quorvel::svg {
@@ -42,19 +45,71 @@ std::string_view withoutLeadingComments(std::string_view text) {
     return text;
 }
 
+std::string withoutComments(std::string_view text) {
+    std::string kept;
+    char quote = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quote == 0 && text.substr(i).starts_with("/*")) {
+            kept += ' ';
+            i = text.find("*/", i + 2);
+            if (i == std::string_view::npos) break;
+            ++i;
+            continue;
+        }
+        kept += c;
+        if (quote != 0 && c == '\\' && i + 1 < text.size())
+            kept += text[++i];
+        else if (c == quote)
+            quote = 0;
+        else if (quote == 0 && (c == '"' || c == '\''))
+            quote = c;
+    }
+    return kept;
+}
+
+bool hasCapitals(std::string_view text) {
+    return std::ranges::any_of(text, [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
+    return lower;
+}
+
+namespace {
+
+std::string_view propertyName(std::string_view text) {
+    const std::string_view name = trimmed(text.substr(0, text.find("/*")));
+    if (!hasCapitals(name)) return name;
+    const Property* property = findProperty(lowerCase(name));
+    return property != nullptr ? property->name : name;
+}
+
+// Takes "!important" off the value. False when something else is behind the mark.
+bool takeImportance(CssDeclaration* declaration) {
+    const std::size_t mark = findOutside(declaration->value, 0, "!");
+    if (mark == declaration->value.size()) return true;
+    const std::string word = withoutComments(declaration->value.substr(mark + 1));
+    declaration->important = lowerCase(trimmed(word)) == "important";
+    declaration->value = trimmed(declaration->value.substr(0, mark));
+    return declaration->important;
+}
+
+}  // namespace
+
 void parseDeclarations(std::string_view block, std::vector<CssDeclaration>* declarations) {
     for (std::size_t at = 0; at < block.size();) {
         const std::size_t end = findOutside(block, at, ";");
         const std::string_view item = withoutLeadingComments(block.substr(at, end - at));
         at = end + 1;
-        const std::size_t colon = item.find(':');
-        if (colon == std::string_view::npos) continue;
-        CssDeclaration declaration{trimmed(item.substr(0, colon)), trimmed(item.substr(colon + 1)), false};
-        if (declaration.value.ends_with("!important")) {
-            declaration.important = true;
-            declaration.value = trimmed(declaration.value.substr(0, declaration.value.size() - 10));
-        }
-        if (!declaration.property.empty() && !declaration.value.empty()) declarations->push_back(declaration);
+        const std::size_t colon = findOutside(item, 0, ":");
+        if (colon == item.size()) continue;
+        CssDeclaration declaration{propertyName(item.substr(0, colon)), withoutLeadingComments(item.substr(colon + 1)),
+                                   false};
+        if (takeImportance(&declaration) && !declaration.property.empty() && !declaration.value.empty())
+            declarations->push_back(declaration);
     }
 }
 

@@ -60,25 +60,23 @@ void readDashOffset(const PropertyValue& value, ComputedStyle* style) {
 }
 
 void readDashes(const PropertyValue& value, ComputedStyle* style) {
-    style->dashCount = 0;
-    style->dashes = {};
-    if (value.text == "none") return;
     std::array<double, 6> dashes{};
     std::uint8_t count = 0;
-    const auto isGap = [](char c) { return c == ',' || c == ' ' || c == '\t' || c == '\n'; };
-    for (std::size_t at = 0; at < value.text.size() && count < dashes.size();) {
+    const auto isGap = [](char c) { return c == ',' || isBlank(c); };
+    const std::string_view text = value.text == "none" ? std::string_view() : value.text;
+    for (std::size_t at = 0; at < text.size() && count < dashes.size();) {
         std::size_t end = at;
-        while (end < value.text.size() && !isGap(value.text[end])) ++end;
+        while (end < text.size() && !isGap(text[end])) ++end;
         if (end > at) {
-            const auto dash = parseLength(value.text.substr(at, end - at), widthsOf(value, *style));
+            const auto dash = parseLength(text.substr(at, end - at), widthsOf(value, *style));
             if (!dash || !(*dash >= 0)) return;
             dashes[count++] = *dash;
         }
         at = end + 1;
     }
-    if (std::ranges::all_of(dashes, [](double dash) { return dash == 0; })) return;
+    const bool isSolid = std::ranges::all_of(dashes, [](double dash) { return dash == 0; });
     style->dashes = dashes;
-    style->dashCount = count;
+    style->dashCount = isSolid ? 0 : count;
 }
 
 // The layers that are named come first, the others behind them in their usual order.
@@ -93,7 +91,7 @@ void readPaintOrder(const PropertyValue& value, ComputedStyle* style) {
         order[count++] = layer;
     };
     for (std::string_view rest = value.text == "normal" ? std::string_view() : value.text; !rest.empty();) {
-        const std::size_t end = std::min(rest.find(' '), rest.size());
+        const std::size_t end = std::min(rest.find_first_of(kBlanks), rest.size());
         const auto layer = valueOf<PaintLayer>(rest.substr(0, end), kLayers);
         if (!layer) return;
         add(*layer);

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "svg/css/declarations.h"
 #include "svg/css/property_readers.h"
 #include "svg/values/reference.h"
 
@@ -22,6 +23,7 @@ constexpr Keyword<WritingMode> kWritingModes[] = {
     {"rl-tb", WritingMode::kHorizontal},         {"tb", WritingMode::kVerticalRl},
     {"tb-lr", WritingMode::kVerticalLr},         {"tb-rl", WritingMode::kVerticalRl},
     {"vertical-lr", WritingMode::kVerticalLr},   {"vertical-rl", WritingMode::kVerticalRl}};
+constexpr Keyword<bool> kVisibilities[] = {{"visible", true}, {"hidden", false}, {"collapse", false}};
 constexpr Keyword<bool> kIsolations[] = {{"auto", false}, {"isolate", true}};
 constexpr Keyword<bool> kVectorEffects[] = {{"none", false}, {"non-scaling-stroke", true}};
 constexpr Keyword<MaskType> kMaskTypes[] = {{"luminance", MaskType::kLuminance}, {"alpha", MaskType::kAlpha}};
@@ -49,7 +51,6 @@ constexpr Keyword<BlendMode> kBlendModes[] = {{"normal", BlendMode::kNormal},
 // --- readers -------------------------------------------------------------------------------------------------------
 
 void readDisplay(const PropertyValue& value, Style* style) { style->displayed = value.text != "none"; }
-void readVisibility(const PropertyValue& value, Style* style) { style->visible = value.text == "visible"; }
 
 // A reference to an element of the file, or none.
 template <auto kMember>
@@ -70,7 +71,7 @@ void copyMarkers(const Style& from, Style* style) {
 // --- the table -----------------------------------------------------------------------------------------------------
 
 constexpr std::uint8_t kPaint = StyleTable::kPaint, kText = StyleTable::kText, kElement = StyleTable::kElement;
-constexpr bool kInherited = true, kOwn = false, kComesFirst = true;
+constexpr bool kInherited = true, kOwn = false, kComesFirst = true, kSetsFontSize = true, kHasNames = true;
 
 constexpr std::array kProperties = {
     Property{"baseline-shift", kText, kInherited, false, readBaselineShift, copyMembers<&Style::baselineShift>},
@@ -88,9 +89,11 @@ constexpr std::array kProperties = {
              copyMembers<&Style::fillRule>},
     Property{"filter", kElement, kOwn, false, readReference<&Style::filter>, copyMembers<&Style::filter>},
     Property{"font", kText, kInherited, false, readFont,
-             copyMembers<&Style::fontFamily, &Style::fontSize, &Style::fontWeight, &Style::italic>},
-    Property{"font-family", kText, kInherited, false, readFontFamily, copyMembers<&Style::fontFamily>},
-    Property{"font-size", kText, kInherited, kComesFirst, readFontSize, copyMembers<&Style::fontSize>},
+             copyMembers<&Style::fontFamily, &Style::fontSize, &Style::fontWeight, &Style::italic>, kSetsFontSize,
+             kHasNames},
+    Property{"font-family", kText, kInherited, false, readFontFamily, copyMembers<&Style::fontFamily>, false,
+             kHasNames},
+    Property{"font-size", kText, kInherited, false, readFontSize, copyMembers<&Style::fontSize>, kSetsFontSize},
     Property{"font-style", kText, kInherited, false, readFontStyle, copyMembers<&Style::italic>},
     Property{"font-weight", kText, kInherited, false, readFontWeight, copyMembers<&Style::fontWeight>},
     Property{"isolation", kElement, kOwn, false, readKeyword<&Style::isolated, kIsolations>,
@@ -124,12 +127,13 @@ constexpr std::array kProperties = {
              copyMembers<&Style::anchor>},
     Property{"vector-effect", kElement, kOwn, false, readKeyword<&Style::hasFixedStroke, kVectorEffects>,
              copyMembers<&Style::hasFixedStroke>},
-    Property{"visibility", kText, kInherited, false, readVisibility, copyMembers<&Style::visible>},
+    Property{"visibility", kText, kInherited, false, readKeyword<&Style::visible, kVisibilities>,
+             copyMembers<&Style::visible>},
     Property{"white-space", kText, kInherited, false, readWhiteSpace, copyMembers<&Style::preserveSpace>},
     Property{"word-spacing", kText, kInherited, false, readWordSpacing, copyMembers<&Style::wordSpacing>},
     Property{"writing-mode", kText, kInherited, false, readKeyword<&Style::writingMode, kWritingModes>,
              copyMembers<&Style::writingMode>},
-    Property{"xml:space", kText, kInherited, false, readXmlSpace, copyMembers<&Style::preserveSpace>},
+    Property{"xml:space", kText, kInherited, false, readXmlSpace, copyMembers<&Style::preserveSpace>, false, kHasNames},
 };
 
 // Most names of attributes are no properties: a hash table says so at once.
@@ -165,6 +169,11 @@ const Property* findProperty(std::string_view name) {
 }
 
 void applyProperty(const Property& property, const PropertyValue& value, ComputedStyle* style) {
+    // In brackets and quotes are names.
+    if (!property.hasNames && hasCapitals(value.text) && value.text.find_first_of("('\"") == std::string_view::npos) {
+        const std::string lower = lowerCase(value.text);
+        return applyProperty(property, {lower, value.parent, value.diagonal, value.styles}, style);
+    }
     const bool isUnset = value.text == "unset";
     if (value.text == "inherit" || (isUnset && property.inherited)) return property.copy(value.parent, style);
     if (value.text == "initial" || isUnset) return property.copy(kInitial, style);

@@ -21,11 +21,12 @@ struct Property {
     std::string_view name;
     std::uint8_t group = 0;  // of StyleTable, one or several
     bool inherited = true;
-    // Other properties depend on this one, or are set by it: it comes first among an element's attributes.
-    bool comesFirst = false;
+    bool comesFirst = false;  // it sets other properties: it comes first among an element's attributes
     // A value that is not understood changes nothing.
     void (*read)(const PropertyValue& value, ComputedStyle* style) = nullptr;
     void (*copy)(const ComputedStyle& from, ComputedStyle* style) = nullptr;
+    bool setsFontSize = false;
+    bool hasNames = false;  // its words are names, in which capitals count
 };
 
 // Null for a name that is no property, or one that is not computed.

@@ -7,8 +7,6 @@
 namespace quorvel::svg {
 namespace {
 
-constexpr std::int64_t kOfId = 10000, kOfClass = 100, kOfType = 1;  // shares of the specificity
-
 bool isNameCharacter(char c) {
     return c == '-' || c == '_' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
            static_cast<unsigned char>(c) >= 0x80;
@@ -32,7 +30,8 @@ std::optional<Selector> parseSelector(std::string_view text) {
         at = begin;
         while (at < text.size() && isNameCharacter(text[at])) ++at;
         const std::string_view name = text.substr(begin, at - begin);
-        if (name.empty()) return std::nullopt;
+        if (name.empty() || (mark == '#' && !selector.id.empty() && selector.id != name)) return std::nullopt;
+        if (!isMarked && begin > 0) return std::nullopt;
         if (mark == '#') {
             selector.id = name;
         } else if (mark == '.') {
@@ -40,7 +39,7 @@ std::optional<Selector> parseSelector(std::string_view text) {
         } else {
             selector.type = name;
         }
-        selector.specificity += mark == '#' ? kOfId : mark == '.' ? kOfClass : kOfType;
+        ++selector.specificity[mark == '#' ? 0 : mark == '.' ? 1 : 2];
     }
     return selector;
 }

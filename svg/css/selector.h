@@ -1,6 +1,7 @@
 // Selectors: a type, a class, an id, and compounds of these.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,7 +14,7 @@ namespace quorvel::svg {
 struct Selector {
     std::string_view type, id;  // empty: any
     std::vector<std::string_view> classes;
-    std::int64_t specificity = 0;
+    std::array<std::uint32_t, 3> specificity{};  // ids, classes, types
 
     // Its rarest name, under which rules are found: "#id", ".class", "type" or "*".
     std::string key() const;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <tuple>
 
 #include "svg/values/number.h"
 
@@ -22,6 +23,13 @@ void blankOut(std::string* text, std::string_view mark) {
     for (std::size_t at = text->find(mark); at != std::string::npos; at = text->find(mark, at)) {
         text->replace(at, mark.size(), mark.size(), ' ');
     }
+}
+
+// Of a selector. A comment between its parts stays.
+std::string_view withoutOuterComments(std::string_view text) {
+    text = withoutLeadingComments(text);
+    const std::size_t comment = std::min(text.find("/*"), text.size());
+    return withoutLeadingComments(text.substr(comment)).empty() ? trimmed(text.substr(0, comment)) : text;
 }
 
 }  // namespace
@@ -62,7 +70,7 @@ void StyleSheet::addBlock(std::string_view prelude, std::string_view block) {
     parseDeclarations(block, &declarations_);
     for (std::size_t from = 0; from <= prelude.size();) {
         const std::size_t comma = findOutside(prelude, from, ",");
-        std::optional<Selector> selector = parseSelector(withoutLeadingComments(prelude.substr(from, comma - from)));
+        std::optional<Selector> selector = parseSelector(withoutOuterComments(prelude.substr(from, comma - from)));
         from = comma + 1;
         if (!selector) {
             skippedSome_ = true;
@@ -111,8 +119,7 @@ bool StyleSheet::match(std::string_view type, std::string_view id, std::string_v
     workLeft_ -= query.workLeft;
     if (!query.spend(query.element.classes.size()) || !addMatches(&query)) return false;
     std::ranges::sort(query.found, [](const Rule* a, const Rule* b) {
-        const std::int64_t difference = a->selector.specificity - b->selector.specificity;
-        return difference != 0 ? difference < 0 : a->order < b->order;
+        return std::tie(a->selector.specificity, a->order) < std::tie(b->selector.specificity, b->order);
     });
     for (const Rule* rule : query.found) {
         if (!query.spend(rule->declarationCount)) return false;

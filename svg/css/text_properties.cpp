@@ -34,9 +34,9 @@ void setFontWeight(std::string_view text, const ComputedStyle& parent, ComputedS
     } else if (text == "bold") {
         weight = 700;
     } else if (text == "bolder") {
-        weight = around < 400 ? 400 : around < 600 ? 700 : 900;
+        weight = around < 350 ? 400 : around < 550 ? 700 : 900;
     } else if (text == "lighter") {
-        weight = around < 600 ? 100 : around < 800 ? 400 : 700;
+        weight = around < 550 ? 100 : around < 750 ? 400 : 700;
     } else if (const auto number = readWholeNumber(text); number && *number >= 1 && *number <= 1000) {
         weight = static_cast<int>(*number);
     }
@@ -59,12 +59,15 @@ void readFontStyle(const PropertyValue& value, ComputedStyle* style) {
     style->italic = value.text == "italic" || value.text.starts_with("oblique");
 }
 
-// "italic bold 12px/1.2 'DejaVu Sans', sans-serif": the words before the size are weight and slant.
+// "italic bold 12px/1.2 'DejaVu Sans', sans-serif": the words before the size are weight and slant. Without a size it
+// is no font.
 void readFont(const PropertyValue& value, ComputedStyle* style) {
+    const auto weight = style->fontWeight;
+    const bool isItalic = style->italic;
     style->fontWeight = 400;
     style->italic = false;
     for (std::size_t at = 0; at < value.text.size();) {
-        const std::size_t end = std::min(value.text.find(' ', at), value.text.size());
+        const std::size_t end = std::min(value.text.find_first_of(kBlanks, at), value.text.size());
         const std::string_view word = value.text.substr(at, end - at);
         const std::string_view size = word.substr(0, word.find('/'));
         at = end + 1;
@@ -78,6 +81,8 @@ void readFont(const PropertyValue& value, ComputedStyle* style) {
             setFontWeight(word, value.parent, style);
         }
     }
+    style->fontWeight = weight;
+    style->italic = isItalic;
 }
 
 void readBaselineShift(const PropertyValue& value, ComputedStyle* style) {

@@ -52,7 +52,9 @@ Affine viewBoxMap(const ViewBox& viewBox, const Viewport& viewport, Viewport* si
         top = (viewport.height - v[3] * sy) * share("YMin", "YMax");
     }
     const Affine map{sx, 0, 0, sy, left - v[0] * sx, top - v[1] * sy};
-    if (!map.finite()) return {};
+    // So far out that numbers on the page would lose their digits, and what is drawn there could not be read again.
+    constexpr double kFarthest = kLargestCoordinate;
+    if (!map.finite() || std::abs(map.e) > kFarthest || std::abs(map.f) > kFarthest) return {};
     *size = {v[2], v[3]};
     return map;
 }

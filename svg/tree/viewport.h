@@ -23,7 +23,8 @@ struct ViewBox {
 };
 ViewBox viewBoxOf(const XmlNode& element);
 
-// Maps the box into a viewport at the origin; the identity when there is no sound box. *size becomes the box's size.
+// Maps the box into a viewport at the origin; the identity when there is no sound box, or one too far from the origin.
+// *size becomes the box's size.
 Affine viewBoxMap(const ViewBox& viewBox, const Viewport& viewport, Viewport* size);
 
 // What the root says of the page.

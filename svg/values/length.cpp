@@ -23,8 +23,9 @@ std::optional<double> parseLength(std::string_view text, const LengthContext& co
         std::string_view name;
         double pixels;
     };
-    static constexpr Unit kUnits[] = {{"", 1},           {"px", 1},         {"pt", 96.0 / 72}, {"pc", 16},
-                                      {"mm", 96 / 25.4}, {"cm", 96 / 2.54}, {"in", 96},        {"Q", 96 / 101.6}};
+    static constexpr Unit kUnits[] = {{"", 1},    {"px", 1},         {"pt", 96.0 / 72},
+                                      {"pc", 16}, {"mm", 96 / 25.4}, {"cm", 96 / 2.54},
+                                      {"in", 96}, {"Q", 96 / 101.6}, {"q", 96 / 101.6}};
     const std::string_view unit = trimmed({at, static_cast<std::size_t>(end - at)});
     for (const Unit& row : kUnits) {
         if (row.name == unit) return number * row.pixels;

@@ -8,6 +8,7 @@
 
 namespace quorvel::svg {
 
+constexpr std::string_view kBlanks = " \t\n\r\f";
 constexpr bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
 std::string_view trimmed(std::string_view text);
 void skipBlanks(const char** at, const char* end);
