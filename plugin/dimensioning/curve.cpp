@@ -21,6 +21,7 @@ namespace {
 constexpr int kStepLimit = 4095;        // of the walk along a path
 constexpr double kTextHalfLength = 50;  // of the line that the text is centred on
 constexpr double kOnCurve = 0.01;       // the placement point lies on the measured path
+constexpr double kSameAnchor = 0.05;    // arts that meet in a measured point may be rounded apart
 constexpr double kSideMargin = 0.1;     // nearer to the path a rounding can put the placement on its other side
 
 // The measured path, with its spans named by the segment that ends them.
@@ -369,6 +370,17 @@ void PaintCurvePreview(const PreviewPen& pen, PluginGlobals* globals, ToolState*
     DrawPreviewLine(pen, last, chain->reversed ? state->fromPoint : state->toPoint);
 }
 
+namespace {
+
+// The linked art that comes first has placed the point; in a rebuild that of the measured path is nearer to the truth.
+void TakeAnchorOfPath(const ToolState& state, const SnapCell& cell, const PointHold& hold, RealPoint* point) {
+    PathSegment anchor;
+    if (!state.fromRecord || hold.kind != HoldKind::anchor || !ReadSegment(cell.art, cell.index, &anchor)) return;
+    if (DistanceBetweenPoints(ToDoublePoint(anchor.p), ToDoublePoint(*point)) < kSameAnchor) *point = anchor.p;
+}
+
+}  // namespace
+
 std::int32_t BuildCurveDimension(AIArtHandle oldGroup) {
     PluginGlobals* globals = gGlobals;
     ToolState* state = &globals->liveState;
@@ -378,6 +390,8 @@ std::int32_t BuildCurveDimension(AIArtHandle oldGroup) {
     if (ReadSegment(fromCell.art, fromCell.index, &anchor) && NearlyEqual(state->fromPoint.h, anchor.p.h) &&
         NearlyEqual(state->fromPoint.v, anchor.p.v))
         state->fromPoint = anchor.p;
+    TakeAnchorOfPath(*state, fromCell, state->fromHold, &state->fromPoint);
+    TakeAnchorOfPath(*state, toCell, state->toHold, &state->toPoint);
     AIArtHandle group = BeginDimensionGroup(oldGroup);
     if (group == nullptr) return 0;
     std::int16_t side = 0;

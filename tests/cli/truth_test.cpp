@@ -55,6 +55,10 @@ const Case kCases[] = {
     {"OnItsPath", kPoints, R"(<path id="a" d="M 50 149.9996 H 250"/>)",
      "tool \"Curve Dimension Tool\"\ntrack 50 150\ndown\ndrag 250 150\nup\ntrack 150 150.0002\ndown\n", "149.9996",
      "150", ""},
+    // Along b, from a corner that it shares with a; a rounding parts them.
+    {"SharedCorner", kPoints, R"(<path id="b" d="M 20 200 L 50 150 H 150 V 50"/><path id="a" d="M 50 250 V 150"/>)",
+     "tool \"Curve Dimension Tool\"\ntrack 50 150\ndown\ndrag 150 250\nup\ntrack 100 180\ndown\n", "250 V 150",
+     "250 V 150.001", ""},
     // Upright was clicked, but points within a pixel of one level show their level distance: at twice the size too.
     {"Scaled", kPoints, R"(<g id="all"><path id="a" d="M 10 250 V 150 L 110 149.2 V 250"/></g>)",
      "tool \"Straight Dimension Tool\"\ntrack 10 150\ndown\ndrag 110 150.8\nup\ntrack 140 150\ndown\n", "id=\"all\"",
