@@ -19,7 +19,8 @@ constexpr double kLeading = 1.2;     // em, as the host's bounds have it
 bool endsLine(char32_t character) { return character == '\r' || character == '\n' || character == 3; }
 
 const QRawFont& rawFont(const fonts::Font& font) {
-    static std::unordered_map<const fonts::Font*, QRawFont> loaded;
+    // Never destroyed: the toolkit's own font data may go before it when the program ends.
+    static auto& loaded = *new std::unordered_map<const fonts::Font*, QRawFont>;
     const auto [place, added] = loaded.try_emplace(&font);
     if (added) {
         place->second = QRawFont(QString::fromStdString(font.file), kGlyphSize, QFont::PreferNoHinting);
