@@ -4,6 +4,7 @@
 
 #include <iconv.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <map>
 #include <utility>
@@ -114,6 +115,31 @@ std::string Convert(std::string_view input, const char* to, const char* from,
     return output;
 }
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+std::uint32_t CodePointAt(std::string_view utf8) {
+    const auto byte = [&](std::size_t i) { return i < utf8.size() ? static_cast<std::uint8_t>(utf8[i]) : 0U; };
+    const std::uint32_t lead = byte(0);
+    if (lead < 0x80) return lead;
+    if (lead < 0xE0) return (lead & 0x1F) << 6 | (byte(1) & 0x3F);
+    if (lead < 0xF0) return (lead & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F);
+    return (lead & 0x07) << 18 | (byte(1) & 0x3F) << 12 | (byte(2) & 0x3F) << 6 | (byte(3) & 0x3F);
+}
+
+UnwritableCharacter CharacterAt(std::string_view text, std::size_t offset) {
+    UnwritableCharacter found{1, 1, CodePointAt(text.substr(offset))};
+    bool inQuotes = false;
+    for (const char sign : text.substr(0, offset)) {
+        if (sign == '"') inQuotes = !inQuotes;
+        if (sign == ',' && !inQuotes) ++found.column;
+        if (sign != '\n') continue;
+        inQuotes = false;
+        found.column = 1;
+        ++found.row;
+    }
+    return found;
+}
+
 // Source: Apple's published ROMAN.TXT, in the version with the euro sign at 0xDB.
 constexpr std::uint16_t kMacRoman[128] = {
     0x00C4, 0x00C5, 0x00C7, 0x00C9, 0x00D1, 0x00D6, 0x00DC, 0x00E1, 0x00E0, 0x00E2, 0x00E4, 0x00E3, 0x00E5,
@@ -149,6 +175,24 @@ std::size_t FindUnwritable(std::string_view utf8, std::int32_t codePage) {
     std::string_view rest = utf8;
     std::string output;
     return converter.Run(&rest, &output) ? std::string_view::npos : utf8.size() - rest.size();
+}
+
+std::optional<UnwritableCharacter> FirstUnwritable(std::string_view utf8, std::int32_t codePage) {
+    const std::size_t offset = FindUnwritable(utf8, codePage);
+    if (offset == std::string_view::npos) return std::nullopt;
+    return CharacterAt(utf8, offset);
+}
+
+bool IsUtf8List(std::string_view text) {
+    if (text.starts_with(kByteOrderMark)) return true;
+    const bool isAscii =
+        std::all_of(text.begin(), text.end(), [](char c) { return static_cast<std::uint8_t>(c) < 0x80; });
+    return !isAscii && FindUnwritable(text, kCodePageUtf8) == std::string_view::npos;
+}
+
+std::string_view WithoutByteOrderMark(std::string_view text) {
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    return text;
 }
 
 std::uint16_t MacRomanToUnicode(std::uint8_t byte) { return byte < 0x80 ? byte : kMacRoman[byte - 0x80]; }

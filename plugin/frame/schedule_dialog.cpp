@@ -240,10 +240,12 @@ void ExportParts(WindowRef window, ScheduleDialogState* state) {
     std::string path;
     if (!platform::AskSaveFile(kCsvFilter, kProposedCsv, &path)) return;
     Collect(window, state);
-    static_cast<void>(WritePartsCsv(state->globals, path));  // a failure is not told
+    if (WritePartsCsv(state->globals, path) != 0) return;
+    platform::ShowMessageBox(ChooseText("CSV ファイルに書き込めません。", "The CSV file cannot be written.").c_str(),
+                             "Quorvel", platform::MessageButtons::ok, platform::MessageIcon::information);
 }
 
-bool AskToReplace(const UnwritableCharacter& unwritable) {
+bool AskToReplace(const platform::UnwritableCharacter& unwritable) {
     char text[256];
     const std::string format =
         ChooseText("%d 行 %d 列の文字 U+%04X はコードページ 932 にありません。\r\"?\" に置き換えて読み込みますか？",
@@ -257,7 +259,7 @@ bool AskToReplace(const UnwritableCharacter& unwritable) {
 void ImportParts(WindowRef window, ScheduleDialogState* state) {
     std::string path;
     if (!platform::AskOpenFile(kCsvFilter, kProposedCsv, &path)) return;
-    UnwritableCharacter unwritable;
+    platform::UnwritableCharacter unwritable;
     if (ReadPartsCsv(state->globals, path, false, &unwritable) == 0 && unwritable.row > 0 && AskToReplace(unwritable))
         static_cast<void>(ReadPartsCsv(state->globals, path, true, &unwritable));
     Refill(window, state);

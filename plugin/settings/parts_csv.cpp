@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "platform/file.h"
+#include "platform/text.h"
+#include "plugin/settings/csv_text.h"
 #include "plugin/settings/prefs_file.h"
 #include "plugin/settings/prefs_keys.h"
 
@@ -49,13 +51,15 @@ std::int32_t WritePartsCsv(const PluginGlobals* globals, const std::string& path
 }
 
 std::int32_t ReadPartsCsv(PluginGlobals* globals, const std::string& path, bool replaces,
-                          UnwritableCharacter* unwritable) {
+                          platform::UnwritableCharacter* unwritable) {
     std::string text;
     if (!platform::ReadWholeFile(path, &text)) return 0;
-    if (CsvIsUtf8(text)) {
-        const std::optional<UnwritableCharacter> found = CsvFromUtf8(&text);
+    if (platform::IsUtf8List(text)) {
+        const std::string_view list = platform::WithoutByteOrderMark(text);
+        const auto found = platform::FirstUnwritable(list, platform::kCodePageJapanese);
         if (found) *unwritable = *found;
         if (found && !replaces) return 0;
+        text = platform::FromUtf8(list, platform::kCodePageJapanese);
     }
     ParsePartsCsv(globals, text);
     return 1;

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "plugin/settings/csv_text.h"
+#include "platform/text.h"
 #include "plugin/shell/globals.h"
 
 namespace quorvel {
@@ -17,7 +17,7 @@ std::int32_t WritePartsCsv(const PluginGlobals* globals, const std::string& path
 // 0 when it cannot be opened, or when it holds a character that the system code page lacks and that is not to be
 // replaced by "?"; no field has changed then.
 std::int32_t ReadPartsCsv(PluginGlobals* globals, const std::string& path, bool replaces,
-                          UnwritableCharacter* unwritable);
+                          platform::UnwritableCharacter* unwritable);
 // Rows beyond the hundredth are dropped, values cut to their fields.
 void ParsePartsCsv(PluginGlobals* globals, std::string_view text);
 

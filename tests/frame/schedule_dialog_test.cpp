@@ -361,11 +361,12 @@ TEST_P(ScheduleDialog, PartsListsGoOutAndIn) {
         run({Pick(kPresets, kImport), Look(kTitle, replaces ? "?berplatte" : "out"), Press(kCancel)});
     }
     Put(hand.prefs().flZwkTitle, "out");
-    // Refused, unreadable and unwritable files change nothing and say nothing.
+    // Refused, unreadable and unwritable files change nothing; what could not be written is told.
     hand.spy->queueFileRefusal();
     hand.spy->queueFileRefusal();
     hand.spy->queueFile(hand.plugin->profile() + "/none.csv");
     hand.spy->queueFile(hand.plugin->profile() + "/none/none.csv");
+    hand.spy->queueAnswer(true);
     const int beeps = hand.spy->beeps();
     run({Pick(kPresets, kImport), Pick(kPresets, kExport), Pick(kPresets, kImport), Pick(kPresets, kExport),
          Look(kTitle, "out"), Press(kCancel)});

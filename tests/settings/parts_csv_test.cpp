@@ -53,7 +53,7 @@ struct PartsCsv : testing::Test {
 
     fs::path folder = fs::path(testing::TempDir()) / ("parts_csv_" + std::to_string(getpid()));
     std::unique_ptr<PluginGlobals> globals = std::make_unique<PluginGlobals>();
-    UnwritableCharacter unwritable;
+    platform::UnwritableCharacter unwritable;
 };
 
 constexpr char kHeader[] =
