@@ -12,7 +12,9 @@
 namespace quorvel::app {
 
 HeadlessSession::HeadlessSession(const SessionOptions& options)
-    : language_(languageOf(options)), user_(std::make_unique<platform::HeadlessBackend>()) {
+    : language_(languageOf(options)),
+      choices_{options.replacesReadOnly, !options.skipsBackups},
+      user_(std::make_unique<platform::HeadlessBackend>()) {
     user_->setDocumentsFolder(options.profile);
     platform::installBackend(user_.get());
     plugin_ = std::make_unique<PluginSession>(options);
@@ -67,12 +69,7 @@ void HeadlessSession::newDrawing(float width, float height) {
 }
 
 Status HeadlessSession::saveDrawing(const std::string& path) {
-    std::error_code noFolder;  // a folder that cannot be made shows when the file is written
-    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    if (!folder.empty()) std::filesystem::create_directories(folder, noFolder);
-    if (const Status saved = interchange::saveSvgFile(*document(), path, host().rulerUnit()); !saved) return saved;
-    document()->markSaved();
-    return {};
+    return app::saveDrawing(document(), path, host().rulerUnit(), choices_, &warnings_);
 }
 
 std::vector<Error> HeadlessSession::takeWarnings() { return std::exchange(warnings_, {}); }

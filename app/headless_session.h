@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/plugin_session.h"
+#include "app/saving.h"
 #include "platform/headless/headless.h"
 
 namespace quorvel::app {
@@ -27,14 +28,15 @@ class HeadlessSession {
 
     Status openDrawing(const std::string& path);
     void newDrawing(float width, float height);
-    Status saveDrawing(const std::string& path);  // makes the folders above it
+    Status saveDrawing(const std::string& path);
 
     host::Host& host() { return plugin_->host(); }
     platform::HeadlessBackend& user() { return *user_; }
     doc::Document* document() { return host().document(); }
     Language language() const { return language_; }
-    // What opened files and new dimensions leave to be said, once.
+    // What opened and saved files and new dimensions leave to be said, once.
     std::vector<Error> takeWarnings();
+    void warn(Error warning) { warnings_.push_back(std::move(warning)); }
     // Names of the undo steps made since the last call.
     std::vector<std::string> takeSteps();
 
@@ -43,6 +45,7 @@ class HeadlessSession {
     void viewOpened(const std::string& name);
 
     Language language_;
+    SaveChoices choices_;
     std::unique_ptr<platform::HeadlessBackend> user_;
     std::unique_ptr<PluginSession> plugin_;
     std::string viewName_;

@@ -18,7 +18,9 @@ struct SessionOptions {
     std::string profile;   // used as the documents folder; empty: the user's own
     std::string language;  // "ja", "en", "ko"; empty: as the profile's settings say
     std::optional<std::uint64_t> seed;
-    std::string pluginFile;  // empty: beside the program
+    std::string pluginFile;         // empty: beside the program
+    bool replacesReadOnly = false;  // drawings without write permission too
+    bool skipsBackups = false;      // of the versions that saving replaces
 };
 
 // The language of sentences when nothing but the options is known.

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <initializer_list>
 
+#include "files/new_folder.h"
 #include "platform/text.h"
 
 namespace quorvel::app {
@@ -49,7 +50,14 @@ VerbResult open(RunState& run, const ScriptLine& line) {
     return badInputOf(run.session.openDrawing(drawingPath(run.script, text(line, 0))));
 }
 
-VerbResult save(RunState& run, const ScriptLine& line) { return badInputOf(run.session.saveDrawing(text(line, 0))); }
+VerbResult save(RunState& run, const ScriptLine& line) {
+    const std::string& path = text(line, 0);
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    // One that cannot be made shows when the file is written.
+    if (const Result<bool> made = files::makeFolder(folder); made && *made)
+        run.session.warn(makeError(ErrorCode::kFolderMade, {folder}));
+    return badInputOf(run.session.saveDrawing(path));
+}
 
 VerbResult set(RunState& run, const ScriptLine& line) {
     const std::string &key = text(line, 0), &value = text(line, 1);

@@ -18,6 +18,9 @@ constexpr SentenceRow kTable[] = {
     {kReadOnlyFile, 0, "the file is read-only", "読み取り専用のファイルです"},
     {kNotRegular, 0, "a device or pipe, not a file", "ファイルではなくデバイスかパイプです"},
     {kFileTooLarge, 1, "the file is larger than {1} MB", "ファイルが {1} MB を超えています"},
+    {kNoBackup, 1, "the version that was there is not kept as a backup: {1}",
+     "以前の版をバックアップに残せません: {1}"},
+    {kFolderMade, 1, "the folder \"{1}\" was not there and has been made", "フォルダー \"{1}\" がないので作成しました"},
 
     // --- a drawing cannot be read ----------------------------------------------------------------------------------
     {kNotXmlInUtf8, 0, "not an XML file in UTF-8", "UTF-8 の XML ファイルではありません"},
@@ -186,6 +189,7 @@ constexpr SentenceRow kTable[] = {
 
     // --- the command line --------------------------------------------------------------------------------------------
     {kNoCommand, 0, "A subcommand is required", "コマンドを指定してください"},
+    {kOutputLost, 1, "the standard output cannot be written: {1}", "標準出力に書き込めません: {1}"},
     {kOptionMissing, 1, "{1} is required", "{1} を指定してください"},
     {kOptionWithoutValue, 1, "1 required {1} missing", "値 ({1}) を指定してください"},
     {kOptionRepeated, 1, "At Most 1 required but received {1}", "1 回だけ指定できます ({1} 回あります)"},
@@ -204,6 +208,10 @@ constexpr SentenceRow kTable[] = {
     {kOnePoint, 0, "the two corners are one point", "2 つの角が同じ点です"},
     {kNotKeyAndText, 0, "KEY=TEXT", "KEY=TEXT の形で指定してください"},
     {kUnknownKey, 0, "unknown key", "このキーはありません"},
+    {kNoCharacter, 1, "code page 932 has no character {1}; --replace puts \"?\" in its place",
+     "文字 {1} はコードページ 932 にありません。--replace で \"?\" に置き換えます"},
+    {kNoCharacterAt, 3, "row {1}, column {2}: code page 932 has no character {3}; --replace puts \"?\" in its place",
+     "{1} 行 {2} 列: 文字 {3} はコードページ 932 にありません。--replace で \"?\" に置き換えます"},
     {kNoScheduleTools, 0, "the profile's settings leave the Schedule tools out (oldmode)",
      "プロファイルの設定 (oldmode) により図面枠ツールがありません"},
     {kLayerClosed, 0, "the current layer is hidden or locked", "現在のレイヤーが非表示かロックされています"},
@@ -224,8 +232,8 @@ constexpr SentenceRow kTable[] = {
     {kPointNoArc, 1, "the point \"{1}\" cannot follow: its segment is no arc any more",
      "点「{1}」は追従できません: セグメントがもう円弧ではありません"},
     {kNoSnapReport, 0, "the plug-in does not tell what it snaps to", "プラグインがスナップの結果を返しません"},
-    {kNoPainter, 1, "{1}, which paints, is neither beside quorvel nor on the path",
-     "描画プログラム {1} が quorvel と同じ場所にも PATH にもありません"},
+    {kNoPainter, 1, "{1}, which paints, is neither beside quorvel nor in its installation",
+     "描画プログラム {1} が quorvel と同じ場所にもインストール先にもありません"},
     {kNotRunnable, 0, "cannot be run", "実行できません"},
     {kNoPipe, 0, "no pipe for its process", "プロセス用のパイプを作成できません"},
     {kNoProcess, 0, "no process for it", "プロセスを作成できません"},

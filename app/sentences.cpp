@@ -36,6 +36,8 @@ constexpr SystemRow kSystemRows[] = {
     {EROFS, "読み取り専用のディスクです"},
     {ENAMETOOLONG, "ファイル名が長すぎます"},
     {ELOOP, "シンボリックリンクの段数が多すぎます"},
+    {EBADF, "閉じています"},
+    {EPIPE, "読み手がパイプを閉じました"},
     {ESTALE, "ファイルの参照が無効になりました"},
     {EDQUOT, "ディスクの割り当てを使い切りました"},
 };
@@ -43,7 +45,8 @@ constexpr SystemRow kSystemRows[] = {
 // The system's own word for it where the table has none; empty when the system does not know it either.
 std::string systemText(const std::string& digits, Language language) {
     int number = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const char* end = digits.data() + digits.size();
+    if (std::from_chars(digits.data(), end, number).ptr != end) return {};
     const auto* row = std::ranges::find(kSystemRows, number, &SystemRow::number);
     if (language == Language::japanese && row != std::end(kSystemRows)) return std::string(row->japanese);
     // Not strerror, which follows the locale.
@@ -66,11 +69,17 @@ std::string filled(std::string_view pattern, const std::vector<std::string>& arg
     return text;
 }
 
+// Whether the first argument is an errno, which the sentence has in words.
+bool isOfSystem(ErrorCode code) { return code == ErrorCode::kOutputLost || code == ErrorCode::kNoBackup; }
+
 std::string textOf(const Error& error, Language language) {
     if (error.code == ErrorCode::kSystem && !error.arguments.empty())
         if (const std::string text = systemText(error.arguments[0], language); !text.empty()) return text;
     const SentenceRow& row = sentenceTable()[static_cast<std::size_t>(error.code)];
-    return filled(language == Language::english ? row.english : row.japanese, error.arguments);
+    std::vector<std::string> arguments = error.arguments;
+    if (isOfSystem(error.code) && !arguments.empty())
+        arguments[0] = textOf(makeError(ErrorCode::kSystem, {arguments[0]}), language);
+    return filled(language == Language::english ? row.english : row.japanese, arguments);
 }
 
 }  // namespace

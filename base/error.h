@@ -20,6 +20,8 @@ enum class ErrorCode : std::uint16_t {
     kReadOnlyFile,
     kNotRegular,    // a device, pipe or socket where a file is read
     kFileTooLarge,  // 1: the limit in megabytes
+    kNoBackup,      // 1: errno
+    kFolderMade,    // 1: its path
 
     // --- a drawing cannot be read ----------------------------------------------------------------------------------
     kNotXmlInUtf8,
@@ -157,6 +159,7 @@ enum class ErrorCode : std::uint16_t {
 
     // --- the command line --------------------------------------------------------------------------------------------
     kNoCommand,
+    kOutputLost,           // 1: errno
     kOptionMissing,        // 1: its name
     kOptionWithoutValue,   // 1: the kind of value
     kOptionRepeated,       // 1: how often
@@ -174,6 +177,8 @@ enum class ErrorCode : std::uint16_t {
     kOnePoint,
     kNotKeyAndText,
     kUnknownKey,
+    kNoCharacter,    // that code page 932 lacks; 1: its code point
+    kNoCharacterAt,  // 1: the row; 2: the column; 3: the code point
     kNoScheduleTools,
     kLayerClosed,
     kNoDimension,  // 1: the id

@@ -7,6 +7,7 @@
 
 #include "app/sentences.h"
 #include "cli/commands.h"
+#include "cli/standard_output.h"
 
 namespace quorvel::cli {
 
@@ -171,10 +172,7 @@ app::Language languageAsked(int argc, char** argv) {
     return app::languageOf(options);
 }
 
-}  // namespace
-
-int runCommandLine(int argc, char** argv) {
-    const app::Language language = languageAsked(argc, argv);
+int runNamedCommand(int argc, char** argv, app::Language language) {
     CommandLine line;
     const Result<const CommandRow*> row = line.parse(argc, argv);
     if (!row) {
@@ -195,6 +193,19 @@ int runCommandLine(int argc, char** argv) {
             makeError(ErrorCode::kInternal, {thrown.what()}).inFile(options.file.empty() ? "quorvel" : options.file);
         std::cerr << app::sentence(error, language) << '\n';
     }
+    return kExitBadInput;
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+    secureStandardStreams();
+    const app::Language language = languageAsked(argc, argv);
+    StandardOutput output;
+    const int status = runNamedCommand(argc, argv, language);
+    const Status written = output.finish();
+    if (written) return status;
+    std::cerr << app::sentence(Error(written.error()).inFile("quorvel"), language) << '\n';
     return kExitBadInput;
 }
 

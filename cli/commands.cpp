@@ -26,13 +26,19 @@ constexpr OptionRow kShared[] = {
     {"--seed", "start of the random numbers, for object ids that repeat", ofSession(&app::SessionOptions::seed)},
 };
 
-constexpr OptionRow kDrawing = required("FILE", "the drawing", &Options::file);
-constexpr OptionRow kDrawings = required("FILE", "the drawings", &Options::files);
+constexpr OptionRow kDrawing = required("FILE", "the drawing; - is the standard input", &Options::file);
+constexpr OptionRow kDrawings = required("FILE", "the drawings; - is the standard input", &Options::files);
 constexpr OptionRow kJson = {"--json", "as JSON", &Options::isJson};
+constexpr OptionRow kOutput = {"-o,--output", "where the drawing goes; - is the standard output", &Options::output};
 constexpr OptionRow kOutputFolder = {"--out-dir", "the folder where all drawings go, by their names",
                                      &Options::outputFolder};
+constexpr OptionRow kForce = {"--force", "replace files that are read-only too",
+                              ofSession(&app::SessionOptions::replacesReadOnly)};
+constexpr OptionRow kNoBackup = {"--no-backup", "keep no copy of the version that was there",
+                                 ofSession(&app::SessionOptions::skipsBackups)};
 
-constexpr OptionRow kRun[] = {required("FILE", "the script", &Options::file)};
+constexpr OptionRow kRun[] = {required("FILE", "the script; - is the standard input", &Options::file), kForce,
+                              kNoBackup};
 constexpr OptionRow kDump[] = {kDrawing};
 constexpr OptionRow kList[] = {kDrawing, kJson};
 constexpr OptionRow kSnap[] = {
@@ -44,10 +50,12 @@ constexpr OptionRow kSnap[] = {
 };
 constexpr OptionRow kRecalc[] = {
     kDrawing,
-    {"-o,--output", "where the drawing goes", &Options::output},
+    kOutput,
     {"--ids", "only these, by SVG id, parted by commas", &Options::ids, false, {}, ','},
     {"--all", "also those that are true already", &Options::isForAll},
     {"--dry-run", "only say what would change, and why", &Options::isDryRun},
+    kForce,
+    kNoBackup,
 };
 constexpr OptionRow kCheck[] = {
     kDrawings,
@@ -56,20 +64,24 @@ constexpr OptionRow kCheck[] = {
 };
 constexpr OptionRow kFrame[] = {
     kDrawings,
-    required("--parts", "the parts list, CSV in code page 932", &Options::parts),
+    required("--parts", "the parts list, CSV in code page 932 or UTF-8", &Options::parts),
     {"--set", "a setting on top of the list's, KEY=TEXT, such as flZwkTitle=Bracket", &Options::sets},
+    {"--replace", "put \"?\" in the place of characters that code page 932 lacks", &Options::replacesCharacters},
     {"--mode", "the table stands on the title block or hangs from the top", &Options::mode, false,
      oneOf("{bottom,top}")},
     required("--at", "the frame, LEFT,BOTTOM,RIGHT,TOP in document points", &Options::at),
-    {"-o,--output", "where the drawing goes", &Options::output},
+    kOutput,
     kOutputFolder,
+    kForce,
+    kNoBackup,
 };
 constexpr OptionRow kExport[] = {
     kDrawings,
-    {"-o,--output", "where the drawing goes, OUT.pdf or OUT.png", &Options::output},
+    {"-o,--output", "where the drawing goes, OUT.pdf or OUT.png; - is the standard output", &Options::output},
     kOutputFolder,
-    {"--format", "what goes into the folder", &Options::format, false, oneOf("{pdf,png}")},
+    {"--format", "what goes into the folder or the standard output", &Options::format, false, oneOf("{pdf,png}")},
     {"--dpi", "dots per inch of PNG; 192 without it", &Options::dotsPerInch, false, kDotsPerInch},
+    kForce,
 };
 
 constexpr CommandRow kCommands[] = {

@@ -2,14 +2,13 @@
 // drawing that fails is told in a line, and the others follow; the exit status says that one did.
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <sstream>
 
 #include "cli/commands.h"
 #include "cli/output_paths.h"
 #include "cli/workers.h"
+#include "files/target.h"
 
 namespace quorvel::cli {
 
@@ -19,16 +18,14 @@ namespace fs = std::filesystem;
 
 constexpr char kPainter[] = "quorvel-desktop";
 
-// Beside this program, or on the search path.
+// Beside this program or in the library folder of its installation, as the plug-in is. Not on the search path, where
+// whoever sent a folder of drawings might have put another one.
 Result<std::string> painterProgram() {
     std::error_code absent;
-    const fs::path beside = fs::read_symlink("/proc/self/exe", absent).parent_path() / kPainter;
-    if (!absent && access(beside.c_str(), X_OK) == 0) return beside.string();
-    const char* searched = std::getenv("PATH");
-    std::istringstream folders(searched != nullptr ? searched : "");
-    for (std::string folder; std::getline(folders, folder, ':');)
-        if (const fs::path program = fs::path(folder) / kPainter; access(program.c_str(), X_OK) == 0)
-            return program.string();
+    const fs::path folder = fs::read_symlink("/proc/self/exe", absent).parent_path();
+    if (!absent)
+        for (const fs::path& program : {folder / kPainter, folder.parent_path() / "lib/quorvel" / kPainter})
+            if (access(program.c_str(), X_OK) == 0) return program.string();
     return makeError(ErrorCode::kNoPainter, {kPainter}).inFile("export");
 }
 
@@ -36,6 +33,11 @@ Result<std::string> painterProgram() {
 WorkerVerdict paint(const std::string& program, const std::string& file, const std::string& output,
                     const Options& options, int words) {
     std::vector<std::string> arguments{program, "--export=" + output};
+    // Only where no name says it.
+    if (const Result<files::Target> target = files::resolveTarget(output);
+        target && target->kind == files::TargetKind::kStream)
+        arguments.push_back("--format=" + options.format);
+    if (options.replacesReadOnly) arguments.emplace_back("--force");
     if (options.dotsPerInch > 0) arguments.push_back("--dpi=" + std::to_string(options.dotsPerInch));
     if (!options.language.empty()) arguments.push_back("--language=" + options.language);
     arguments.insert(arguments.end(), {"--", file});

@@ -10,9 +10,10 @@
 #include "cli/drawing_input.h"
 #include "cli/output_paths.h"
 #include "cli/progress_line.h"
+#include "files/file_reader.h"
+#include "files/file_writer.h"
 #include "hostapi/names.h"
 #include "platform/dialog.h"
-#include "platform/file.h"
 #include "platform/text.h"
 
 namespace quorvel::cli {
@@ -70,9 +71,33 @@ Status faultOf(app::HeadlessSession& session) {
     return {};
 }
 
+std::string codePointName(std::uint32_t codePoint) {
+    char text[16];
+    std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(codePoint));
+    return text;
+}
+
+// The parts list in the code page, in a file of the profile: the dialog would pass over one that it cannot read, and
+// ask about characters.
+Result<std::string> readParts(const Options& options, const std::string& profile) {
+    constexpr std::size_t kLargestList = std::size_t{256} << 20;
+    Result<std::string> text = files::readInput(options.parts, kLargestList);
+    if (!text) return Error(text.error()).inFile(options.parts);
+    if (platform::IsUtf8List(*text)) {
+        const std::string_view list = platform::WithoutByteOrderMark(*text);
+        const auto lacking = platform::FirstUnwritable(list, platform::kCodePageJapanese);
+        if (lacking && !options.replacesCharacters)
+            return makeError(ErrorCode::kNoCharacterAt, {std::to_string(lacking->row), std::to_string(lacking->column),
+                                                         codePointName(lacking->codePoint)})
+                .inFile(options.parts);
+        *text = platform::FromUtf8(list, platform::kCodePageJapanese);
+    }
+    std::string path = profile + "/parts.csv";
+    if (const Status written = files::writeFile(path, *text); !written) return Error(written.error()).inFile(path);
+    return path;
+}
+
 Status importParts(app::HeadlessSession& session, const ScheduleWords& words, const std::string& parts) {
-    // The dialog passes over a file that it cannot read in silence.
-    if (!platform::FileCanBeOpened(parts)) return makeError(ErrorCode::kNotReadable).inFile(parts);
     session.newDrawing(100, 100);  // without a frame in it, so that the dialog edits what the next one will say
     session.user().queueDialog({words.dialog,
                                 {{DialogStep::Kind::selectRow, kPresetListControl, "", kImportRow},
@@ -82,12 +107,22 @@ Status importParts(app::HeadlessSession& session, const ScheduleWords& words, co
     return faultOf(session);
 }
 
-Status applySets(app::HeadlessSession& session, const std::vector<std::string>& sets) {
-    for (const std::string& set : sets) {
+// What a setting is set to, in the code page.
+Result<std::string> textOfSet(const std::string& text, bool replaces) {
+    if (platform::FindUnwritable(text, platform::kCodePageUtf8) != std::string::npos)
+        return makeError(ErrorCode::kForeignByte);
+    const auto lacking = platform::FirstUnwritable(text, platform::kCodePageJapanese);
+    if (lacking && !replaces) return makeError(ErrorCode::kNoCharacter, {codePointName(lacking->codePoint)});
+    return platform::FromUtf8(text, platform::kCodePageJapanese);
+}
+
+Status applySets(app::HeadlessSession& session, const Options& options) {
+    for (const std::string& set : options.sets) {
         const std::size_t equals = set.find('=');
         if (equals == std::string::npos) return makeError(ErrorCode::kNotKeyAndText).inFile("--set " + set);
-        const std::string value = platform::FromUtf8(set.substr(equals + 1), platform::kCodePageJapanese);
-        if (!session.host().setField(set.substr(0, equals), value))
+        const Result<std::string> value = textOfSet(set.substr(equals + 1), options.replacesCharacters);
+        if (!value) return Error(value.error()).inFile("--set " + set);
+        if (!session.host().setField(set.substr(0, equals), *value))
             return makeError(ErrorCode::kUnknownKey).inFile("--set " + set);
     }
     return {};
@@ -109,12 +144,15 @@ Status drawFrame(app::HeadlessSession& session, const char* toolTitle, const Cor
 }
 
 // The plug-in with the parts list in its settings; the words are those of its language.
-Result<const ScheduleWords*> startWithParts(app::HeadlessSession& session, const Options& options) {
+Result<const ScheduleWords*> startWithParts(app::HeadlessSession& session, const Options& options,
+                                            const std::string& profile) {
+    const Result<std::string> parts = readParts(options, profile);
+    if (!parts) return parts.error();
     if (const Status started = session.start(); !started) return started.error();
     const ScheduleWords* words = wordsOf(session);
     if (words == nullptr) return makeError(ErrorCode::kNoScheduleTools).inFile("frame");
-    if (const Status imported = importParts(session, *words, options.parts); !imported) return imported.error();
-    if (const Status applied = applySets(session, options.sets); !applied) return applied.error();
+    if (const Status imported = importParts(session, *words, *parts); !imported) return imported.error();
+    if (const Status applied = applySets(session, options); !applied) return applied.error();
     session.host().setField("flUseGrid", "0");  // the corners are meant as they are given
     return words;
 }
@@ -129,18 +167,22 @@ Result<int> drawFrames(const Options& options) {
     const Result<app::TemporaryProfile> profile = app::TemporaryProfile::make(options);
     if (!profile) return profile.error();
     app::HeadlessSession session(profile->options());
-    const Result<const ScheduleWords*> words = startWithParts(session, options);
+    const Result<const ScheduleWords*> words = startWithParts(session, options, profile->options().profile);
     if (!words) return words.error();
     const char* tool = options.mode == "top" ? (*words)->topTool : (*words)->bottomTool;
     const ProgressLine progress(options.files.size());
+    const auto tellAll = [&](const std::string& file) {
+        const std::vector<Error> warnings = session.takeWarnings();
+        if (!warnings.empty()) progress.clear();
+        tellWarnings(file, warnings, session.language());
+    };
     const auto frame = [&](const std::string& file, const std::string& output) -> Status {
         if (const Status opened = session.openDrawing(file); !opened) return opened;
-        if (const std::vector<Error> warnings = session.takeWarnings(); !warnings.empty()) {
-            progress.clear();
-            tellWarnings(file, warnings, session.language());
-        }
+        tellAll(file);
         if (const Status drawn = drawFrame(session, tool, *corners); !drawn) return drawn;
-        return session.saveDrawing(output);
+        const Status saved = session.saveDrawing(output);
+        tellAll(output);
+        return saved;
     };
     int status = kExitOk;
     for (std::size_t i = 0; i < options.files.size(); ++i) {

@@ -1,9 +1,14 @@
 #include "cli/output_paths.h"
 
+#include <unistd.h>
+
 #include <filesystem>
+#include <iostream>
 #include <set>
 
-#include "platform/file.h"
+#include "app/sentences.h"
+#include "files/new_folder.h"
+#include "files/target.h"
 
 namespace quorvel::cli {
 
@@ -16,8 +21,12 @@ Result<std::vector<std::string>> outputPaths(const Options& options, const char*
         if (options.files.size() != 1) return makeError(ErrorCode::kOutputForSeveral).inFile(command);
         return std::vector{options.output};
     }
-    if (!platform::CreateFolder(options.outputFolder))
-        return makeError(ErrorCode::kNotCreatable).inFile(options.outputFolder);
+    const Result<bool> made = files::makeFolder(options.outputFolder);
+    if (!made) return Error(made.error()).inFile(options.outputFolder);
+    if (*made) {
+        const Error notice = makeError(ErrorCode::kFolderMade, {options.outputFolder});
+        std::cerr << command << ": " << app::sentence(notice, app::languageOf(options)) << '\n';
+    }
     std::vector<std::string> paths;
     std::set<std::string> taken;
     for (const std::string& file : options.files) {
@@ -27,6 +36,11 @@ Result<std::vector<std::string>> outputPaths(const Options& options, const char*
         if (!taken.insert(paths.back()).second) return makeError(ErrorCode::kSameName).inFile(paths.back());
     }
     return paths;
+}
+
+bool isStandardOutput(const std::string& path) {
+    const Result<files::Target> target = files::resolveTarget(path);
+    return target && target->descriptor == STDOUT_FILENO;
 }
 
 }  // namespace quorvel::cli

@@ -6,6 +6,7 @@
 #include "app/recalculation.h"
 #include "cli/commands.h"
 #include "cli/drawing_input.h"
+#include "cli/output_paths.h"
 
 namespace quorvel::cli {
 
@@ -31,8 +32,11 @@ Result<std::vector<app::DimensionCheck>> chooseDimensions(const Options& options
 // A drawing in which nothing is rebuilt is written nowhere but to another file, which gets its bytes.
 Status save(const Options& options, app::HeadlessSession& session, int rebuilt) {
     std::error_code isAnother;
-    if (rebuilt == 0 && fs::equivalent(options.file, options.output, isAnother)) return {};
-    return session.saveDrawing(options.output);
+    if (rebuilt == 0 && !isStandardOutput(options.output) && fs::equivalent(options.file, options.output, isAnother))
+        return {};
+    const Status saved = session.saveDrawing(options.output);
+    tellWarnings(options.output, session.takeWarnings(), session.language());
+    return saved;
 }
 
 }  // namespace
@@ -54,7 +58,7 @@ Result<int> recalculateDrawing(const Options& options) {
     for (const app::DimensionCheck& check : *chosen) groups.push_back(check.group);
     const int rebuilt = app::rebuildDimensions(session, groups);
     if (const Status saved = save(options, session, rebuilt); !saved) return saved.error();
-    std::cout << options.output << ": " << rebuilt << " rebuilt\n";
+    (isStandardOutput(options.output) ? std::cerr : std::cout) << options.output << ": " << rebuilt << " rebuilt\n";
     return kExitOk;
 }
 

@@ -3,7 +3,7 @@
 
 #include "app/script_runner.h"
 #include "cli/commands.h"
-#include "platform/file.h"
+#include "files/file_reader.h"
 
 namespace quorvel::cli {
 
@@ -11,9 +11,10 @@ Result<int> runScriptFile(const Options& options) {
     const auto refuse = [&](const app::ScriptError& error) {
         std::cerr << app::sentence(error, app::languageOf(options)) << '\n';
     };
-    std::string text;
-    if (!platform::ReadWholeFile(options.file, &text)) return makeError(ErrorCode::kNotReadable).inFile(options.file);
-    const Result<std::vector<app::ScriptLine>> lines = app::parseScript(text);
+    constexpr std::size_t kLargestScript = std::size_t{256} << 20;
+    const Result<std::string> text = files::readInput(options.file, kLargestScript);
+    if (!text) return Error(text.error()).inFile(options.file);
+    const Result<std::vector<app::ScriptLine>> lines = app::parseScript(*text);
     if (!lines) {
         refuse(app::inScript(options.file, lines.error()));
         return kExitBadInput;

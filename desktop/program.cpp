@@ -8,9 +8,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QProcess>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -18,6 +21,7 @@
 #include "desktop/session.h"
 #include "desktop/window/color_scheme.h"
 #include "desktop/window/main_window.h"
+#include "files/file_writer.h"
 #include "interchange/svg/svg.h"
 #include "render/export.h"
 
@@ -31,44 +35,81 @@ constexpr int kExitOk = 0, kExitBadInput = 2;
 app::Language languageAsked = app::Language::english;
 
 int fail(const Error& error) {
-    const QString text = QString::fromStdString(app::sentence(error, languageAsked));
-    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+    std::fprintf(stderr, "%s\n", app::sentence(error, languageAsked).c_str());
     return kExitBadInput;
 }
 
 int fail(ErrorCode code, const QString& place) { return fail(makeError(code).inFile(place.toStdString())); }
 
+// The arguments as bytes: the names of files need be no text.
+class ArgumentBytes {
+  public:
+    ArgumentBytes(int argc, char** argv) : all_(argv + 1, argv + argc) {}
+
+    // Those of an argument, or of an option's value behind "=". Of several that are alike as texts each is given once.
+    std::string take(const QString& word) {
+        for (auto argument = all_.begin(); argument != all_.end(); ++argument) {
+            std::string bytes = *argument;
+            if (argument->starts_with("--") && argument->find('=') != std::string::npos)
+                bytes = argument->substr(argument->find('=') + 1);
+            if (QString::fromLocal8Bit(bytes.c_str()) != word) continue;
+            all_.erase(argument);
+            return bytes;
+        }
+        return QFile::encodeName(word).toStdString();
+    }
+
+  private:
+    std::vector<std::string> all_;
+};
+
 // Each drawing goes to the name given, or, when that begins with a dot (".pdf"), beside itself under its own name.
-int exportAll(const QString& output, double dotsPerInch, const QStringList& files) {
+int exportAll(const std::string& output, const render::ExportTarget& like, const std::vector<std::string>& files) {
+    namespace fs = std::filesystem;
     const host::Host measuring;  // texts measure as they do while the plug-in runs
-    for (const QString& file : files) {
-        const QFileInfo info(file);
-        const QString path = output.startsWith(QLatin1Char('.')) && output.count(QLatin1Char('/')) == 0
-                                 ? info.path() + QLatin1Char('/') + info.completeBaseName() + output
-                                 : output;
-        if (QFileInfo(path).absoluteFilePath() == info.absoluteFilePath())
-            return fail(ErrorCode::kExportOntoDrawing, path);
-        const Result<interchange::SvgDrawing> read = interchange::readSvgFile(QFile::encodeName(file).toStdString());
-        if (!read) return fail(Error(read.error()).inFile(file.toStdString()));
+    for (const std::string& file : files) {
+        const bool isBeside = output.starts_with('.') && output.find('/') == std::string::npos;
+        render::ExportTarget target = like;
+        target.file = isBeside ? fs::path(file).replace_extension(output).string() : output;
+        target.path = QFile::decodeName(target.file.c_str());
+        std::error_code isAbsent;
+        if (file != "-" && target.file != "-" && fs::equivalent(file, target.file, isAbsent))
+            return fail(makeError(ErrorCode::kExportOntoDrawing).inFile(target.file));
+        const Result<interchange::SvgDrawing> read = interchange::readSvgFile(file);
+        if (!read) return fail(Error(read.error()).inFile(file));
         std::vector<Error> warnings;
-        const Status exported =
-            render::exportDrawing(*read->document, info.absolutePath(), {path, dotsPerInch}, &warnings);
-        if (!exported) return fail(Error(exported.error()).inFile(path.toStdString()));
+        const QString folder = QFileInfo(QFile::decodeName(file.c_str())).absolutePath();
+        const Status exported = render::exportDrawing(*read->document, folder, target, &warnings);
+        if (!exported) return fail(Error(exported.error()).inFile(target.file));
         for (const std::string& warning : app::warningSentences(warnings, languageAsked))
-            std::fprintf(stderr, "%s: %s\n", file.toLocal8Bit().constData(), warning.c_str());
+            std::fprintf(stderr, "%s: %s\n", file.c_str(), warning.c_str());
     }
     return kExitOk;
 }
 
+// A window holds one drawing; the drawing asked for comes in a window of its own beside the recovered one.
+void openBeside(const app::SessionOptions& options, const QString& file) {
+    QStringList arguments{QStringLiteral("--no-recovery")};
+    const auto add = [&](const char* name, const std::string& value) {
+        if (!value.empty()) arguments << QLatin1String(name) + QString::fromStdString(value);
+    };
+    add("--profile=", options.profile);
+    add("--language=", options.language);
+    if (options.skipsBackups) arguments << QStringLiteral("--no-backup");
+    QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments << QStringLiteral("--") << file);
+}
+
 int openWindow(QApplication& program, const app::SessionOptions& options, const std::string& recordFile,
-               ColorScheme scheme, const QStringList& files) {
+               ColorScheme scheme, bool asksRecovery, const QStringList& files) {
     applyColorScheme(&program, scheme);
     Session session(options, recordFile);
     if (const Status started = session.start(); !started) return fail(started.error());
     languageAsked = session.language();
     MainWindow window(&session);
     window.show();
-    if (!window.file().offerRecovery() && !files.isEmpty()) window.file().open(files.front());
+    const bool isRecovered = asksRecovery && window.file().offerRecovery();
+    if (!files.isEmpty() && isRecovered) openBeside(options, files.front());
+    if (!files.isEmpty() && !isRecovered) window.file().open(files.front());
     return program.exec();
 }
 
@@ -98,65 +139,92 @@ void nameRuntimeFolder() {
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
 }
 
+struct OptionRow {
+    const char *name, *what, *value = "", *otherwise = "";  // value: empty for an option without one
+};
+constexpr OptionRow kOptions[] = {
+    {"export", "write OUT.pdf or OUT.png and end; .pdf or .png: beside each drawing; -: the standard output", "OUT"},
+    {"format", "what is exported where the name does not say it: pdf or png", "FORMAT"},
+    {"dpi", "dots per inch of a PNG export", "N", "192"},
+    {"force", "export onto files that are read-only too"},
+    {"record", "write what is done as a script", "FILE"},
+    {"profile", "folder used as the documents folder", "DIR"},
+    {"language", "ja, en or ko", "LANGUAGE"},
+    {"seed", "start of the random numbers", "N"},
+    {"look", "light or dark; what was chosen last, or the desktop's own, without it", "LOOK"},
+    {"no-recovery", "do not ask about the copies that a crash has left"},
+    {"no-backup", "keep no copies of the versions that saving replaces"},
+};
+static_assert(render::kPngResolution == 192);
+
+void addOptions(QCommandLineParser* words) {
+    words->setApplicationDescription(QStringLiteral("Quorvel's window: dimensions SVG drawings."));
+    words->addHelpOption();
+    for (const OptionRow& row : kOptions)
+        words->addOption(
+            {QLatin1String(row.name), QLatin1String(row.what), QLatin1String(row.value), QLatin1String(row.otherwise)});
+    words->addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("the drawing"), QStringLiteral("[FILE...]"));
+}
+
+int showHelp(const QString& text) {
+    const Status shown = files::writeFile("-", text.toStdString());
+    return shown ? kExitOk : fail(makeError(ErrorCode::kOutputLost, shown.error().arguments));
+}
+
+int exportNamed(const QCommandLineParser& words, ArgumentBytes* bytes) {
+    std::vector<std::string> files;
+    for (const QString& file : words.positionalArguments()) files.push_back(bytes->take(file));
+    if (files.empty()) return fail(ErrorCode::kNoDrawingNamed, QStringLiteral("--export"));
+    render::ExportTarget like;
+    like.dotsPerInch = words.value(QStringLiteral("dpi")).toDouble();
+    if (!(like.dotsPerInch > 0)) return fail(ErrorCode::kNumberNeeded, QStringLiteral("--dpi"));
+    like.ending = words.value(QStringLiteral("format"));
+    like.replacesReadOnly = words.isSet(QStringLiteral("force"));
+    return exportAll(bytes->take(words.value(QStringLiteral("export"))), like, files);
+}
+
 }  // namespace
 
 int runProgram(int argc, char** argv) {
     nameRuntimeFolder();
     // Exporting asks for no screen.
-    for (int i = 1; i < argc; ++i)
-        if (qstrcmp(argv[i], "--export") == 0 || QByteArray(argv[i]).startsWith("--export="))
-            qputenv("QT_QPA_PLATFORM", "offscreen");
+    for (int i = 1; i < argc; ++i) {
+        if (qstrcmp(argv[i], "--export") != 0 && !QByteArray(argv[i]).startsWith("--export=")) continue;
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        std::signal(SIGPIPE, SIG_IGN);
+        break;
+    }
+    ArgumentBytes bytes(argc, argv);
     Application program(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // numbers in files have points whatever the user's language
     QApplication::setApplicationName(QStringLiteral("quorvel-desktop"));
     QApplication::setOrganizationName(QStringLiteral("Selkie Works"));
     QCommandLineParser words;
-    words.setApplicationDescription(QStringLiteral("Quorvel's window: dimensions SVG drawings."));
-    words.addHelpOption();
-    const QCommandLineOption exportTo(
-        QStringLiteral("export"), QStringLiteral("write OUT.pdf or OUT.png and end; .pdf or .png: beside each drawing"),
-        QStringLiteral("OUT"));
-    const QCommandLineOption dpi(QStringLiteral("dpi"), QStringLiteral("dots per inch of a PNG export"),
-                                 QStringLiteral("N"), QString::number(render::kPngResolution));
-    const QCommandLineOption record(QStringLiteral("record"), QStringLiteral("write what is done as a script"),
-                                    QStringLiteral("FILE"));
-    const QCommandLineOption profile(QStringLiteral("profile"), QStringLiteral("folder used as the documents folder"),
-                                     QStringLiteral("DIR"));
-    const QCommandLineOption language(QStringLiteral("language"), QStringLiteral("ja, en or ko"),
-                                      QStringLiteral("LANGUAGE"));
-    const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("start of the random numbers"),
-                                  QStringLiteral("N"));
-    const QCommandLineOption scheme(
-        QStringLiteral("look"), QStringLiteral("light or dark; what was chosen last, or the desktop's own, without it"),
-        QStringLiteral("LOOK"));
-    words.addOptions({exportTo, dpi, record, profile, language, seed, scheme});
-    words.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("the drawing"), QStringLiteral("[FILE...]"));
+    addOptions(&words);
+    if (words.parse(QCoreApplication::arguments()) && words.isSet(QStringLiteral("help")))
+        return showHelp(words.helpText());
     words.process(program);
 
     const QStringList files = words.positionalArguments();
     app::SessionOptions options;
-    options.profile = QFile::encodeName(words.value(profile)).toStdString();
-    options.language = words.value(language).toStdString();
+    options.profile = QFile::encodeName(words.value(QStringLiteral("profile"))).toStdString();
+    options.skipsBackups = words.isSet(QStringLiteral("no-backup"));
+    options.language = words.value(QStringLiteral("language")).toStdString();
     languageAsked = app::languageOf(options);
-    if (words.isSet(exportTo)) {
-        if (files.isEmpty()) return fail(ErrorCode::kNoDrawingNamed, QStringLiteral("--export"));
-        const double dotsPerInch = words.value(dpi).toDouble();
-        if (!(dotsPerInch > 0)) return fail(ErrorCode::kNumberNeeded, QStringLiteral("--dpi"));
-        return exportAll(words.value(exportTo), dotsPerInch, files);
-    }
+    if (words.isSet(QStringLiteral("export"))) return exportNamed(words, &bytes);
     if (!options.language.empty() && options.language != "ja" && options.language != "en" && options.language != "ko")
         return fail(ErrorCode::kLanguageNeeded, QStringLiteral("--language"));
-    if (words.isSet(seed)) {
+    if (words.isSet(QStringLiteral("seed"))) {
         bool read = false;
-        options.seed = words.value(seed).toULongLong(&read);
+        options.seed = words.value(QStringLiteral("seed")).toULongLong(&read);
         if (!read) return fail(ErrorCode::kWholeNumberNeeded, QStringLiteral("--seed"));
     }
-    const QString asked = words.value(scheme);
-    return openWindow(program, options, QFile::encodeName(words.value(record)).toStdString(),
+    const QString asked = words.value(QStringLiteral("look"));
+    return openWindow(program, options, QFile::encodeName(words.value(QStringLiteral("record"))).toStdString(),
                       asked == QLatin1String("dark")    ? ColorScheme::dark
                       : asked == QLatin1String("light") ? ColorScheme::light
                                                         : savedColorScheme(),
-                      files);
+                      !words.isSet(QStringLiteral("no-recovery")), files);
 }
 
 }  // namespace quorvel::desktop

@@ -33,6 +33,7 @@ class Session : public QObject {
     host::Host& host() { return plugin_->host(); }
     platform::QtBackend& user() { return *user_; }
     app::Recorder& recorder() { return recorder_; }
+    const app::SessionOptions& options() const { return options_; }
     doc::Document* document() const { return plugin_->host().document(); }
 
     // One of the two texts, by the language of the tools.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 
 #include "files/descriptor.h"
 #include "files/target.h"
@@ -47,8 +48,6 @@ Result<std::string> readAll(int descriptor, std::size_t expected, std::size_t li
 }  // namespace
 
 Result<std::string> readFile(const std::string& path, std::size_t limit) {
-    constexpr std::size_t kFirstPiece = std::size_t{64} << 10;
-    if (path == "-") return readAll(STDIN_FILENO, kFirstPiece, limit);
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat info {};
     if (!file.isOpen() || ::fstat(file.get(), &info) != 0) return systemError(errno);
@@ -56,6 +55,12 @@ Result<std::string> readFile(const std::string& path, std::size_t limit) {
     if (!S_ISREG(info.st_mode)) return makeError(ErrorCode::kNotRegular);
     if (static_cast<std::size_t>(info.st_size) > limit) return tooLarge(limit);
     return readAll(file.get(), static_cast<std::size_t>(info.st_size), limit);
+}
+
+Result<std::string> readInput(const std::string& path, std::size_t limit) {
+    constexpr std::size_t kFirstPiece = std::size_t{64} << 10;
+    const std::optional<int> descriptor = path == "-" ? STDIN_FILENO : ownDescriptor(path);
+    return descriptor ? readAll(*descriptor, kFirstPiece, limit) : readFile(path, limit);
 }
 
 }  // namespace quorvel::files

@@ -18,22 +18,6 @@ namespace fs = std::filesystem;
 
 constexpr int kMostLinks = 40;  // as the system itself follows
 
-// The number of a descriptor of this process that the path names.
-std::optional<int> ownDescriptor(const std::string& path) {
-    if (path == "/dev/stdin") return 0;
-    if (path == "/dev/stdout") return 1;
-    if (path == "/dev/stderr") return 2;
-    const std::string own = "/proc/" + std::to_string(::getpid()) + "/fd/";
-    for (const std::string& prefix : {std::string("/dev/fd/"), std::string("/proc/self/fd/"), own}) {
-        if (!path.starts_with(prefix)) continue;
-        int number = -1;
-        const char* end = path.data() + path.size();
-        const auto [stop, status] = std::from_chars(path.data() + prefix.size(), end, number);
-        if (status == std::errc() && stop == end && number >= 0) return number;
-    }
-    return std::nullopt;
-}
-
 Target streamTo(int descriptor) {
     Target target;
     target.kind = TargetKind::kStream;
@@ -64,11 +48,27 @@ Result<Target> fileAt(const fs::path& path) {
 
 Error systemError(int number) { return makeError(ErrorCode::kSystem, {std::to_string(number)}); }
 
+std::optional<int> ownDescriptor(const std::string& given) {
+    const std::string path = fs::path(given).lexically_normal().string();
+    if (path == "/dev/stdin") return 0;
+    if (path == "/dev/stdout") return 1;
+    if (path == "/dev/stderr") return 2;
+    const std::string own = "/proc/" + std::to_string(::getpid()) + "/fd/";
+    for (const std::string& prefix : {std::string("/dev/fd/"), std::string("/proc/self/fd/"), own}) {
+        if (!path.starts_with(prefix)) continue;
+        int number = -1;
+        const char* end = path.data() + path.size();
+        const auto [stop, status] = std::from_chars(path.data() + prefix.size(), end, number);
+        if (status == std::errc() && stop == end && number >= 0) return number;
+    }
+    return std::nullopt;
+}
+
 Result<Target> resolveTarget(const std::string& given) {
     if (given == "-") return streamTo(STDOUT_FILENO);
     fs::path path = given;
     for (int links = 0;; ++links) {
-        if (const auto descriptor = ownDescriptor(path.lexically_normal().string())) return streamTo(*descriptor);
+        if (const auto descriptor = ownDescriptor(path.string())) return streamTo(*descriptor);
         struct stat info {};
         if (::lstat(path.c_str(), &info) != 0) {
             if (errno != ENOENT) return systemError(errno);

@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <optional>
 #include <string>
 
 #include "base/result.h"
@@ -25,6 +26,9 @@ struct Target {
 
 // "-" is the standard output. Fails for a folder, a link that leads nowhere, and a folder that does not exist.
 Result<Target> resolveTarget(const std::string& path);
+
+// The number of a descriptor of this process that the path names, such as /dev/stdout.
+std::optional<int> ownDescriptor(const std::string& path);
 
 // An error with the system's own words for an errno.
 Error systemError(int number);

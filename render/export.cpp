@@ -28,12 +28,13 @@ QTransform pageTransform(const doc::Document& document, double scale) {
     return {scale, 0, 0, -scale, 0, document.height() * scale};
 }
 
-Status writeBytes(const QString& path, const QBuffer& bytes) {
-    return files::writeFile(QFile::encodeName(path).toStdString(),
-                            {bytes.data().constData(), static_cast<std::size_t>(bytes.size())});
+Status writeBytes(const ExportTarget& target, const QBuffer& bytes) {
+    return files::writeFile(target.file.empty() ? QFile::encodeName(target.path).toStdString() : target.file,
+                            {bytes.data().constData(), static_cast<std::size_t>(bytes.size())},
+                            {target.replacesReadOnly});
 }
 
-Status exportPdf(const doc::Document& document, const QString& folder, const QString& path,
+Status exportPdf(const doc::Document& document, const QString& folder, const ExportTarget& target,
                  std::vector<Error>* warnings) {
     if (!(document.width() <= kLargestPdfPage && document.height() <= kLargestPdfPage))
         return makeError(ErrorCode::kPageTooLargeForPdf);
@@ -44,7 +45,7 @@ Status exportPdf(const doc::Document& document, const QString& folder, const QSt
         writer.setPageSize(
             QPageSize(QSizeF(document.width(), document.height()), QPageSize::Point, QString(), QPageSize::ExactMatch));
         writer.setPageMargins({});
-        writer.setTitle(QFileInfo(path).completeBaseName());
+        if (target.path != QLatin1String("-")) writer.setTitle(QFileInfo(target.path).completeBaseName());
         const double scale = writer.resolution() / kPointsPerInch;
         QPainter painter(&writer);
         DocumentPainter page(document, folder);
@@ -52,7 +53,7 @@ Status exportPdf(const doc::Document& document, const QString& folder, const QSt
                    QRectF(0, 0, document.width() * scale, document.height() * scale), {});
         *warnings = page.warnings();
     }
-    return writeBytes(path, bytes);
+    return writeBytes(target, bytes);
 }
 
 Status exportPng(const doc::Document& document, const QString& folder, const ExportTarget& target,
@@ -78,7 +79,7 @@ Status exportPng(const doc::Document& document, const QString& folder, const Exp
     QBuffer bytes;
     bytes.open(QIODevice::WriteOnly);
     if (!image.save(&bytes, "PNG")) return makeError(ErrorCode::kNoPictureMemory);
-    return writeBytes(target.path, bytes);
+    return writeBytes(target, bytes);
 }
 
 }  // namespace
@@ -87,9 +88,11 @@ Status exportDrawing(const doc::Document& document, const QString& folder, const
                      std::vector<Error>* warnings) {
     std::vector<Error> untold;
     if (warnings == nullptr) warnings = &untold;
-    const QString ending = QFileInfo(target.path).suffix().toLower();
+    QString ending = QFileInfo(target.path).suffix().toLower();
+    if (ending != QLatin1String("pdf") && ending != QLatin1String("png") && !target.ending.isEmpty())
+        ending = target.ending;
     if (!(document.width() > 0 && document.height() > 0)) return makeError(ErrorCode::kPageEmpty);
-    if (ending == QLatin1String("pdf")) return exportPdf(document, folder, target.path, warnings);
+    if (ending == QLatin1String("pdf")) return exportPdf(document, folder, target, warnings);
     if (ending == QLatin1String("png")) return exportPng(document, folder, target, warnings);
     return makeError(ErrorCode::kExportEnding);
 }

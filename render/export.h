@@ -4,6 +4,7 @@
 #include <QPageLayout>
 #include <QString>
 #include <QTransform>
+#include <string>
 #include <vector>
 
 #include "base/result.h"
@@ -18,6 +19,9 @@ constexpr double kPngResolution = 192;  // dots per inch
 struct ExportTarget {
     QString path;                         // its ending says what it becomes: .pdf or .png
     double dotsPerInch = kPngResolution;  // of PNG
+    QString ending = {};                  // what it becomes where the path does not say it: "pdf" or "png"
+    std::string file = {};                // the path's bytes, of one that is no UTF-8
+    bool replacesReadOnly = false;
 };
 
 // folder: where linked pictures are. warnings: what the export leaves out. After an error nothing is left under the

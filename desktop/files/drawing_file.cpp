@@ -22,6 +22,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "app/saving.h"
 #include "app/script.h"
 #include "files/file_writer.h"
 #include "interchange/svg/svg.h"
@@ -85,6 +86,13 @@ QString askSaveName(const Session& session, QWidget* window, const QString& titl
     return {};
 }
 
+bool askReplaceReadOnly(const Session& session, QWidget* window, const QString& path) {
+    const QString text =
+        session.say("%1 is read-only. Replace it all the same?", "%1 は読み取り専用です。それでも置き換えますか？");
+    return QMessageBox::warning(window, QStringLiteral("Quorvel"), text.arg(QFileInfo(path).fileName()),
+                                QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+}
+
 DrawingFile::DrawingFile(Session* session, QWidget* window) : session_(session), window_(window) {
     connect(&copyTimer_, &QTimer::timeout, this, &DrawingFile::autosave);
     copyTimer_.start(kCopyPeriod);
@@ -123,11 +131,15 @@ bool DrawingFile::load(const QString& from) {
     session_->recorder().line("open " + app::quotedWord(QFile::encodeName(from).toStdString()));
     emit drawingLeaves();
     session_->host().setDocument(std::move(drawing->document), drawing->rulerUnit);
-    QStringList warnings;
-    for (const std::string& warning : app::warningSentences(drawing->warnings, session_->language()))
-        warnings.append(QString::fromStdString(warning));
-    if (!warnings.isEmpty()) emit warned(warnings);
+    tellWarnings(drawing->warnings);
     return true;
+}
+
+void DrawingFile::tellWarnings(const std::vector<Error>& warnings) {
+    QStringList sentences;
+    for (const std::string& warning : app::warningSentences(warnings, session_->language()))
+        sentences.append(QString::fromStdString(warning));
+    if (!sentences.isEmpty()) emit warned(sentences);
 }
 
 void DrawingFile::opened(const QString& path, const std::optional<QString>& rescuedFrom) {
@@ -238,13 +250,21 @@ bool DrawingFile::changedOutside() const {
 
 bool DrawingFile::saveTo(const QString& path) {
     const std::string target = QFile::encodeName(path).toStdString();
-    const Status written = interchange::saveSvgFile(*session_->document(), target, session_->host().rulerUnit());
+    std::vector<Error> warnings;
+    const auto write = [&](bool replacesReadOnly) {
+        const app::SaveChoices choices{replacesReadOnly, !session_->options().skipsBackups};
+        return app::saveDrawing(session_->document(), target, session_->host().rulerUnit(), choices, &warnings);
+    };
+    Status written = write(false);
+    if (!written && written.error().code == ErrorCode::kReadOnlyFile) {
+        if (!askReplaceReadOnly(*session_, window_, path)) return false;
+        written = write(true);
+    }
     if (!written) {
         tell(written.error(), path);
         return false;
     }
     session_->recorder().line("save " + app::quotedWord(target));
-    session_->document()->markSaved();
     dropCopy();
     rescued_ = false;
     origin_.clear();
@@ -252,6 +272,7 @@ bool DrawingFile::saveTo(const QString& path) {
     noteOnDisk();
     noteRecent();
     emit saved();
+    tellWarnings(warnings);
     return true;
 }
 

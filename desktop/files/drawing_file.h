@@ -21,6 +21,9 @@ namespace quorvel::desktop {
 QString askSaveName(const Session& session, QWidget* window, const QString& title, const QString& proposed,
                     const QString& suffix);
 
+// Whether a file without write permission is to be replaced.
+bool askReplaceReadOnly(const Session& session, QWidget* window, const QString& path);
+
 class DrawingFile : public QObject {
     Q_OBJECT
 
@@ -65,6 +68,7 @@ class DrawingFile : public QObject {
     void dropCopy();
     void noteOrigin();
     static QString copiesFolder();
+    void tellWarnings(const std::vector<Error>& warnings);
     void tell(Error error, const QString& path);  // names the file without its folders
 
     Session* session_;

@@ -204,7 +204,13 @@ void MainWindow::exportAs(const char* ending) {
         file_.folder() + QLatin1Char('/') + QFileInfo(file_.name()).completeBaseName() + QLatin1Char('.') + suffix;
     const QString path = askSaveName(*session_, this, session_->say("Export", "書き出し"), proposed, suffix);
     if (path.isEmpty()) return;
-    const Status exported = render::exportDrawing(*session_->document(), file_.folder(), {path});
+    render::ExportTarget target{path};
+    Status exported = render::exportDrawing(*session_->document(), file_.folder(), target);
+    if (!exported && exported.error().code == ErrorCode::kReadOnlyFile) {
+        if (!askReplaceReadOnly(*session_, this, path)) return;
+        target.replacesReadOnly = true;
+        exported = render::exportDrawing(*session_->document(), file_.folder(), target);
+    }
     if (exported) return;
     const Error error = Error(exported.error()).inFile(QFileInfo(path).fileName().toStdString());
     QMessageBox::warning(this, QStringLiteral("Quorvel"), session_->say(error));

@@ -45,7 +45,7 @@ Status save(const doc::Document& document, const std::string& path, std::string_
 }  // namespace
 
 Result<SvgDrawing> readSvgFile(const std::string& path) {
-    Result<std::string> text = files::readFile(path, svg::kLargestFile);
+    Result<std::string> text = files::readInput(path, svg::kLargestFile);
     if (!text) return std::move(text.error()).inFile(path);
     Result<SvgDrawing> drawing = readSvg(std::move(*text));
     if (!drawing) return std::move(drawing.error()).inFile(path);

@@ -20,7 +20,7 @@ struct SvgDrawing {
 
 // A hostile or damaged file gives an error, with its line and element where there is one.
 Result<SvgDrawing> readSvg(std::string text);
-// Errors and warnings name the path.
+// Errors and warnings name the path; "-" is the standard input.
 Result<SvgDrawing> readSvgFile(const std::string& path);
 
 // A drawing that is in no file yet, without layers. Sides in points.

@@ -67,6 +67,7 @@ TEST_F(FrameCommand, TheListStandsInTheFrame) {
     for (const char* language : {"en", "ja"}) {
         options.language = language;
         options.sets = {"flZwkTitle=Überplatte = 図", "flZwkScale=1:5"};
+        options.replacesCharacters = true;
         ASSERT_EQ(exitStatus(), kExitOk);
         std::vector<std::string> texts;
         const RealRect rect = frameIn(options.output, &texts);
@@ -86,14 +87,13 @@ TEST_F(FrameCommand, ManyDrawingsInOneCall) {
     write("broken.svg", "<svg");
     options.files = {path("drawing.svg"), path("broken.svg"), path("second.svg")};
     options.output.clear();
-    options.outputFolder = path("out/frames");
+    options.outputFolder = path("frames");
     options.mode = "top";
     testing::internal::CaptureStderr();
     EXPECT_EQ(exitStatus(), kExitBadInput) << "one could not be read";
-    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with(path("broken.svg") + ": "));
-    for (const char* name : {"out/frames/drawing.svg", "out/frames/second.svg"})
-        EXPECT_EQ(frameIn(path(name)).top, 560);
-    EXPECT_FALSE(fs::exists(path("out/frames/broken.svg")));
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().find("\n" + path("broken.svg") + ": ") != std::string::npos);
+    for (const char* name : {"frames/drawing.svg", "frames/second.svg"}) EXPECT_EQ(frameIn(path(name)).top, 560);
+    EXPECT_FALSE(fs::exists(path("frames/broken.svg")));
 }
 
 TEST_F(FrameCommand, TheProfileCountsAndStaysAsItIs) {
@@ -127,8 +127,14 @@ TEST_F(FrameCommand, BadInputIsNamed) {
     EXPECT_EQ(with([](Options& o) { o.at = "1,2,3"; }), "--at 1,2,3: four numbers, LEFT,BOTTOM,RIGHT,TOP");
     EXPECT_EQ(with([](Options& o) { o.at = "1,2,1,2"; }), "--at 1,2,1,2: the two corners are one point");
     EXPECT_NE(with([](Options& o) { o.at = "1,2,3,x"; }), "accepted");
-    EXPECT_EQ(with([](Options& o) { o.parts = "none.csv"; }), "none.csv: cannot be read");
+    EXPECT_EQ(with([](Options& o) { o.parts = "none.csv"; }), "none.csv: No such file or directory");
     EXPECT_EQ(with([](Options& o) { o.sets = {"flNone=1"}; }), "--set flNone=1: unknown key");
+    EXPECT_EQ(with([](Options& o) { o.sets = {"flZwkTitle=Über"}; }),
+              "--set flZwkTitle=Über: code page 932 has no character U+00DC; --replace puts \"?\" in its place");
+    write("utf8.csv", "1\n底板\nWorks\n\"Bolt, long\",\"a\nÜ\"\n");
+    EXPECT_EQ(with([&](Options& o) { o.parts = path("utf8.csv"); }),
+              path("utf8.csv") +
+                  ": row 5, column 1: code page 932 has no character U+00DC; --replace puts \"?\" in its place");
     EXPECT_EQ(with([](Options& o) { o.sets = {"flZwkTitle"}; }), "--set flZwkTitle: KEY=TEXT");
     EXPECT_NE(with([](Options& o) { o.output.clear(); }), "accepted");
     EXPECT_NE(with([](Options& o) { o.files.push_back("other.svg"); }), "accepted");

@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
     // A place of its own for each run: another's copies against a crash would be offered here.
     const QTemporaryDir settings;
     qputenv("XDG_DATA_HOME", QFile::encodeName(settings.path()));
+    qputenv("XDG_STATE_HOME", QFile::encodeName(settings.path()));
     QApplication program(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     QSettings::setDefaultFormat(QSettings::IniFormat);

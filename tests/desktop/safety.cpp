@@ -164,6 +164,16 @@ TEST(Safety, NoFileIsReplacedUnasked) {
     EXPECT_EQ(BytesOf(other).toStdString(), BytesOf(rig.drawing()).toStdString());
     rig.inDialogs([&] { rig.item("Export PNG...")->trigger(); }, {named("plate"), answered(QMessageBox::Yes)});
     EXPECT_TRUE(BytesOf(paper).startsWith("\x89PNG"));
+    for (const QString& path : {other, paper}) QFile::setPermissions(path, QFile::ReadOwner);
+    const QDateTime before = QFileInfo(paper).lastModified();
+    rig.inDialog([&] { EXPECT_FALSE(rig.window->file().save()); }, answered(QMessageBox::No));
+    rig.inDialog([&] { EXPECT_TRUE(rig.window->file().save()); }, answered(QMessageBox::Yes));
+    rig.inDialogs([&] { rig.item("Export PNG...")->trigger(); },
+                  {named("plate"), answered(QMessageBox::Yes), answered(QMessageBox::No)});
+    EXPECT_EQ(QFileInfo(paper).lastModified(), before);
+    rig.inDialogs([&] { rig.item("Export PNG...")->trigger(); },
+                  {named("plate"), answered(QMessageBox::Yes), answered(QMessageBox::Yes)});
+    EXPECT_GT(QFileInfo(paper).lastModified(), before);
     rig.inDialog([&] { EXPECT_TRUE(rig.window->file().saveAs()); }, named("fresh"));
     EXPECT_TRUE(QFile::exists(rig.home.filePath("fresh.svg")));
 }

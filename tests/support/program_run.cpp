@@ -24,7 +24,9 @@ void ProgramRun::write(const std::string& name, const std::string& bytes) const 
 }
 
 int ProgramRun::runCommand(const std::string& command) {
-    const int status = std::system(("cd '" + folder_.string() + "' && " + command + " >out.txt 2>err.txt").c_str());
+    const int status = std::system(
+        ("cd '" + folder_.string() + "' && export XDG_STATE_HOME=\"$PWD/state\" && " + command + " >out.txt 2>err.txt")
+            .c_str());
     out_ = readBytes(path("out.txt"));
     err_ = readBytes(path("err.txt"));
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
