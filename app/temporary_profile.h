@@ -2,9 +2,11 @@
 // that rebuilt dimensions carry) is not written into the user's own, and it has no presets.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "app/plugin_session.h"
+#include "files/termination.h"
 
 namespace quorvel::app {
 
@@ -24,6 +26,7 @@ class TemporaryProfile {
     explicit TemporaryProfile(const SessionOptions& lender) : options_(lender) {}
 
     SessionOptions options_;  // their profile is the folder; empty when it has been moved from
+    std::unique_ptr<files::TerminationAction> removal_;
 };
 
 }  // namespace quorvel::app

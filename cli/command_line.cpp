@@ -8,6 +8,7 @@
 #include "app/sentences.h"
 #include "cli/commands.h"
 #include "cli/standard_output.h"
+#include "files/termination.h"
 
 namespace quorvel::cli {
 
@@ -200,6 +201,7 @@ int runNamedCommand(int argc, char** argv, app::Language language) {
 
 int runCommandLine(int argc, char** argv) {
     secureStandardStreams();
+    files::terminateCleanly();
     const app::Language language = languageAsked(argc, argv);
     StandardOutput output;
     const int status = runNamedCommand(argc, argv, language);

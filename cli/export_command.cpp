@@ -9,6 +9,7 @@
 #include "cli/output_paths.h"
 #include "cli/workers.h"
 #include "files/target.h"
+#include "files/termination.h"
 
 namespace quorvel::cli {
 
@@ -45,6 +46,7 @@ WorkerVerdict paint(const std::string& program, const std::string& file, const s
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     dup2(words, STDERR_FILENO);
+    files::releaseSignals();
     execv(program.c_str(), pointers.data());
     const Error error = makeError(ErrorCode::kNotRunnable).inFile(program);
     return {kExitBadInput, app::sentence(error, app::languageOf(options)) + '\n'};

@@ -1,15 +1,19 @@
 #include "cli/workers.h"
 
 #include <poll.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <thread>
 
 #include "cli/commands.h"
 #include "cli/progress_line.h"
+#include "files/termination.h"
 
 namespace quorvel::cli {
 
@@ -38,6 +42,8 @@ Result<Worker> startWorker(const WorkerTask& task, std::size_t file) {
     const pid_t process = fork();
     if (process < 0) return makeError(ErrorCode::kNoProcess).inFile(task.files[file]);
     if (process == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);  // also when nobody is left to end it
+        files::terminateCleanly();
         close(ends[0]);
         const WorkerVerdict verdict = verdictOf(task, file, ends[1]);
         std::size_t written = 0;
@@ -65,11 +71,13 @@ bool readWorker(const Worker& worker, const WorkerTask& task, WorkerVerdict* ver
     int status = 0;
     while (waitpid(worker.process, &status, 0) < 0 && errno == EINTR) {
     }
-    verdict->status = WIFEXITED(status) ? WEXITSTATUS(status) : kExitBadInput;
-    verdict->ended = WIFEXITED(status);
+    // A status above 128 is a signal that the process has taken care of.
+    constexpr int kSignalStatus = 128;
+    const int signal = WIFEXITED(status) ? WEXITSTATUS(status) - kSignalStatus : WTERMSIG(status);
+    verdict->ended = signal <= 0;
+    verdict->status = verdict->ended ? WEXITSTATUS(status) : kExitBadInput;
     if (verdict->ended) return true;
-    const Error error =
-        makeError(ErrorCode::kProcessKilled, {std::to_string(WTERMSIG(status))}).inFile(task.files[worker.file]);
+    const Error error = makeError(ErrorCode::kProcessKilled, {std::to_string(signal)}).inFile(task.files[worker.file]);
     verdict->words = app::sentence(error, task.language) + '\n';
     return true;
 }
@@ -78,6 +86,20 @@ void waitForWords(const std::vector<Worker>& workers) {
     std::vector<pollfd> polled;
     for (const Worker& worker : workers) polled.push_back({worker.pipe, POLLIN, 0});
     poll(polled.data(), polled.size(), -1);
+}
+
+// Those that take no notice of being asked are killed.
+void endWorkers(const std::vector<Worker>& workers) {
+    constexpr auto kPause = std::chrono::milliseconds(10), kPatience = std::chrono::milliseconds(3000);
+    for (const Worker& worker : workers) kill(worker.process, SIGTERM);
+    auto waited = std::chrono::milliseconds(0);
+    for (const Worker& worker : workers) {
+        while (waitpid(worker.process, nullptr, WNOHANG) == 0 && waited < kPatience) {
+            std::this_thread::sleep_for(kPause);
+            waited += kPause;
+        }
+        kill(worker.process, SIGKILL);
+    }
 }
 
 bool hasWords(const Worker& worker) {
@@ -93,14 +115,17 @@ Result<std::vector<WorkerVerdict>> runWorkers(const WorkerTask& task) {
     const ProgressLine progress(files.size());
     std::vector<WorkerVerdict> verdicts(files.size());
     std::vector<Worker> running;
+    const files::TerminationAction end([&running] { endWorkers(running); });
     std::size_t next = 0, ended = 0;
     while (ended < files.size()) {
         while (running.size() < atOnce && next < files.size()) {
+            const files::TerminationPause pause;
             const Result<Worker> worker = startWorker(task, next++);
             if (!worker) return worker.error();
             running.push_back(*worker);
         }
         waitForWords(running);
+        const files::TerminationPause pause;
         std::erase_if(running, [&](const Worker& worker) {
             if (!hasWords(worker) || !readWorker(worker, task, &verdicts[worker.file])) return false;
             progress.show(++ended, task.did);

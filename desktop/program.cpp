@@ -22,6 +22,7 @@
 #include "desktop/window/color_scheme.h"
 #include "desktop/window/main_window.h"
 #include "files/file_writer.h"
+#include "files/termination.h"
 #include "interchange/svg/svg.h"
 #include "render/export.h"
 
@@ -187,11 +188,12 @@ int exportNamed(const QCommandLineParser& words, ArgumentBytes* bytes) {
 
 int runProgram(int argc, char** argv) {
     nameRuntimeFolder();
-    // Exporting asks for no screen.
+    // Exporting asks for no screen, and ends on a signal as the command does.
     for (int i = 1; i < argc; ++i) {
         if (qstrcmp(argv[i], "--export") != 0 && !QByteArray(argv[i]).startsWith("--export=")) continue;
         qputenv("QT_QPA_PLATFORM", "offscreen");
         std::signal(SIGPIPE, SIG_IGN);
+        files::terminateCleanly();
         break;
     }
     ArgumentBytes bytes(argc, argv);

@@ -14,6 +14,7 @@
 #include "files/state_folder.h"
 #include "files/target.h"
 #include "files/temporary.h"
+#include "files/termination.h"
 
 namespace quorvel::files {
 
@@ -90,6 +91,7 @@ class FileWriter::Overwriting : public Method {
                 return systemError(failure);
             }
         }
+        const TerminationPause pause;
         Status written = overwrite();
         if (written) ::unlink(copy->c_str());
         return written;

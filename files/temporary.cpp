@@ -55,7 +55,10 @@ Result<Temporary> Temporary::make(int folder, const std::string& targetName, uns
         Descriptor file(::openat(folder, name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, mode));
         if (file.isOpen()) {
             ::flock(file.get(), LOCK_EX | LOCK_NB);
-            return Temporary(std::move(file), std::move(name));
+            Temporary made(std::move(file), name);
+            made.removal_ =
+                std::make_unique<TerminationAction>([folder, name] { ::unlinkat(folder, name.c_str(), 0); });
+            return made;
         }
         if (errno != EEXIST) return systemError(errno);
     }
@@ -63,6 +66,7 @@ Result<Temporary> Temporary::make(int folder, const std::string& targetName, uns
 }
 
 Status Temporary::moveTo(int folder, const std::string& targetName) {
+    const TerminationPause pause;  // nothing is left under the temporary name
     if (name_.empty()) {
         name_ = newName(targetName);
         const std::string self = "/proc/self/fd/" + std::to_string(file_.get());
@@ -73,12 +77,14 @@ Status Temporary::moveTo(int folder, const std::string& targetName) {
     }
     if (::renameat(folder, name_.c_str(), folder, targetName.c_str()) != 0) return systemError(errno);
     name_.clear();
+    removal_.reset();
     return {};
 }
 
 void Temporary::discard(int folder) {
     if (!name_.empty()) ::unlinkat(folder, name_.c_str(), 0);
     name_.clear();
+    removal_.reset();
     file_.reset();
 }
 

@@ -2,16 +2,19 @@
 // ".qv" + 8 digits of the target's hash + "-" + the writer's process + "-" + a random number.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "base/result.h"
 #include "files/descriptor.h"
+#include "files/termination.h"
 
 namespace quorvel::files {
 
 class Temporary {
   public:
-    // Without a name where the system can do that, so that a killed process leaves nothing.
+    // Without a name where the system can do that, so that a killed process leaves nothing. The folder stays open as
+    // long as this.
     static Result<Temporary> make(int folder, const std::string& targetName, unsigned mode);
     Temporary(Temporary&&) = default;
     Temporary& operator=(Temporary&&) = default;
@@ -24,7 +27,8 @@ class Temporary {
   private:
     Temporary(Descriptor file, std::string name) : file_(std::move(file)), name_(std::move(name)) {}
     Descriptor file_;
-    std::string name_;  // empty while it has none
+    std::string name_;                            // empty while it has none
+    std::unique_ptr<TerminationAction> removal_;  // of the name
 };
 
 // Removes the temporary files that killed writers of this target have left in the folder.

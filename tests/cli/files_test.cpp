@@ -149,5 +149,24 @@ TEST_F(Files, TheVersionBeforeADaysFirstSaveIsKept) {
     EXPECT_NE(out_.find("is not kept as a backup: "), std::string::npos) << out_;
 }
 
+TEST_F(Files, ASignalLeavesNothingBehind) {
+    const std::pair<const char*, int> rows[] = {{"INT", 130}, {"TERM", 143}};
+    for (const auto& [signal, status] : rows) {
+        // Waits for a drawing that never comes: in its own process, and in a worker's.
+        for (const char* words : {"recalc - -o out.svg", "check -", "check - -"}) {
+            const std::string end = std::string("timeout --preserve-status -s ") + signal + " 1 ";
+            EXPECT_EQ(runShell("test -p never || mkfifo never; " + end + QUORVEL_PROGRAM_FILE " " + words + " <>never"),
+                      status)
+                << signal << words << err_;
+            EXPECT_TRUE(fs::is_empty(path("temporary"))) << signal << words;
+        }
+    }
+    // A worker that is ended alone is told, and the parent's end is that of all workers.
+    EXPECT_EQ(runShell("$q check - <>never & sleep 0.7; kill -TERM $(children $(children $!)); wait $!"), 2);
+    EXPECT_EQ(err_, "-: its process ended on signal 15\n");
+    EXPECT_TRUE(fs::is_empty(path("temporary")));
+    EXPECT_FALSE(fs::exists(path("out.svg")));
+}
+
 }  // namespace
 }  // namespace quorvel::tests
