@@ -235,8 +235,9 @@ void ReadSettings(AIArtHandle group, PluginGlobals* globals) {
     std::string field;
     int index = 0;
     for (const PrefsKey& key : RecordKeys()) {
-        SplitField(text, index++, &field);
-        if (!field.empty()) StorePrefsField(globals, key, field);
+        // A text that is there and empty is not filled from the profile, or a rebuild would depend on that.
+        const bool isThere = SplitField(text, index++, &field) != 0;
+        if (!field.empty() || (isThere && key.type == FieldType::text)) StorePrefsField(globals, key, field);
     }
 }
 

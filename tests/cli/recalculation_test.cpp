@@ -126,6 +126,12 @@ TEST_F(Recalculation, RebuildsWhatIsNamedOrAll) {
     EXPECT_EQ(runProgram("recalc one.svg -o all.svg --all"), 0) << err_;
     EXPECT_EQ(out_, "all.svg: 2 rebuilt\n");
     expectTrue("all.svg");
+    // The record has no text of the scale; the profile's comes to none.
+    EXPECT_EQ(
+        runCommand("printf 'set flScaleText \"1/7\"\\nnew 9 9\\n' | " QUORVEL_PROGRAM_FILE " run - --profile profile"),
+        0);
+    EXPECT_EQ(runProgram("recalc one.svg -o other.svg --all"), 0) << err_;
+    EXPECT_EQ(readBytes(path("other.svg")), readBytes(path("all.svg")));
     EXPECT_EQ(runProgram("recalc both.svg -o none.svg --ids quorvel-2,quorvel-9"), 2);
     EXPECT_EQ(err_, "both.svg: no dimension has the id quorvel-9\n");
     EXPECT_FALSE(fs::exists(path("none.svg")));

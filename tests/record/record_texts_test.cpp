@@ -70,12 +70,13 @@ TEST_F(RecordTexts, SettingsComeBackAndStayInForce) {
     EXPECT_EQ(prefs.flArcMode, 2);
     EXPECT_EQ(prefs.flOsLimt, 29.5F);
     EXPECT_EQ(prefs.flArThick, 0.1F);
-    // An empty field leaves what is there.
+    // A number that is missing leaves what is there, a text that is empty leaves nothing.
     setTag(group, "QUORVEL_SETTING_1", "7,,\"\",4");
     read(group);
     EXPECT_EQ(prefs.flRadius, 7);
     EXPECT_EQ(prefs.flScale, 0.75F);
-    EXPECT_STREQ(prefs.flScaleText, "1,5 / 2");
+    EXPECT_STREQ(prefs.flScaleText, "");
+    EXPECT_STREQ(prefs.flArFName, "DejaVu Sans, Bold") << "behind the record's end";
     EXPECT_EQ(prefs.flScFix, 4);
 }
 
