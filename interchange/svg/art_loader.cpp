@@ -117,7 +117,7 @@ std::optional<int> ArtLoader::onlyMember(const Visit& visit) const {
         const std::string_view name = attribute.name();
         if (!name.starts_with(prefix)) continue;
         const std::optional<TagPlace> tag = tagOfAttribute(name.substr(prefix.size()));
-        if (!tag || tag->member < 0) continue;
+        if (!tag || tag->member < 0 || memberOfIdAttribute(name.substr(prefix.size()))) continue;
         if (only && *only != tag->member) return std::nullopt;
         only = tag->member;
     }
@@ -134,8 +134,10 @@ void ArtLoader::loadTags(const Visit& visit, doc::ArtId id) {
         std::optional<TagPlace> tag = tagOfAttribute(name.substr(prefix.size()));
         if (!tag || tag->name.empty()) continue;
         doc::ArtId bearer = id;
+        const bool isId = memberOfIdAttribute(name.substr(prefix.size())).has_value();
         if (tag->member >= 0) {
             if (document_.loading(id).kind == kPathArt) {
+                if (isId) continue;  // the element has its own
                 if (!only) only = onlyMember(visit);
                 if (*only && ownValue(visit, tagAttribute({-1, tag->name})).empty())
                     document_.loading(id).tags.push_back({std::move(tag->name), decodeBytes(attribute.value())});
@@ -149,7 +151,10 @@ void ArtLoader::loadTags(const Visit& visit, doc::ArtId id) {
             if (static_cast<std::size_t>(tag->member) >= members.size()) continue;
             bearer = members[static_cast<std::size_t>(tag->member)];
         }
-        document_.loading(bearer).tags.push_back({std::move(tag->name), decodeBytes(attribute.value())});
+        if (isId)
+            document_.loading(bearer).name = decodeBytes(attribute.value());
+        else
+            document_.loading(bearer).tags.push_back({std::move(tag->name), decodeBytes(attribute.value())});
     }
 }
 

@@ -176,7 +176,11 @@ void SvgArtWriter::markTag(svg::StartTag* tag, const doc::Art& art, std::int32_t
     want(art, -1);
     if (art.kind == kCompoundPathArt) {
         int number = 0;
-        for (const doc::Art* piece : piecesOf(document_, art)) want(*piece, number++);
+        for (const doc::Art* piece : piecesOf(document_, art)) {
+            if (!piece->name.empty())
+                wanted.emplace_back(source_.names().own + memberIdAttribute(number), encodeBytes(piece->name));
+            want(*piece, number++);
+        }
     }
     for (const std::string& name : tag->attributeNames()) {
         if (!name.starts_with(source_.names().own) || !tagOfAttribute(name.substr(source_.names().own.size())))

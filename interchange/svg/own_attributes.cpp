@@ -1,5 +1,6 @@
 // Tag names are bytes, attribute names are not: letters, digits and "_" are kept, other bytes as ".XX". "-" is
-// thereby free to part what we add: "t-" before a name that could not begin an attribute's, "m3-" for a member.
+// thereby free to part what we add: "t-" before a name that could not begin an attribute's, "m3-" for a member, and
+// "m3-path-id" for the member's own id.
 #include "interchange/svg/own_attributes.h"
 
 #include <algorithm>
@@ -10,6 +11,8 @@ namespace {
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+constexpr std::string_view kMemberId = "-path-id";
 
 }  // namespace
 
@@ -50,6 +53,15 @@ std::string tagAttribute(const TagPlace& tag) {
     if (tag.member >= 0) return "m" + std::to_string(tag.member) + "-" + name;
     const bool canBegin = !name.empty() && (isLetter(name.front()) || name.front() == '_');
     return canBegin ? name : "t-" + name;
+}
+
+std::string memberIdAttribute(int member) { return "m" + std::to_string(member) + std::string(kMemberId); }
+
+std::optional<int> memberOfIdAttribute(std::string_view localName) {
+    if (!localName.ends_with(kMemberId)) return std::nullopt;
+    const std::optional<TagPlace> place = tagOfAttribute(localName);
+    if (!place || place->member < 0 || localName != memberIdAttribute(place->member)) return std::nullopt;
+    return place->member;
 }
 
 std::optional<TagPlace> tagOfAttribute(std::string_view localName) {

@@ -41,5 +41,9 @@ struct TagPlace {
 std::string tagAttribute(const TagPlace& tag);
 // Nothing for our other attributes.
 std::optional<TagPlace> tagOfAttribute(std::string_view localName);
+// The attribute's name for the id of a member, which has no element of its own.
+std::string memberIdAttribute(int member);
+// Its member; nothing for other attributes.
+std::optional<int> memberOfIdAttribute(std::string_view localName);
 
 }  // namespace quorvel::interchange

@@ -62,6 +62,21 @@ TEST(SvgWrite, ATagIsOneAttribute) {
         kOwnDeclared);
 }
 
+// A member has no element whose id it could be.
+TEST(SvgWrite, ACopiedMemberKeepsItsId) {
+    const std::string before = "<path id=\"c\" d=\"M 0,0 L 9,0 M 0,5 L 9,5\"/>";
+    const std::string after = "<path id=\"c\" d=\"M 0,0 L 9,0 M 0,5 L 9,5 M 0,5 L 9,5\" quorvel:m2-path-id=\"twin\"/>";
+    expectChange(
+        before, after, [](doc::Document& document) { document.duplicateArt(art(document, "c").firstChild, "twin"); },
+        "", kOwnDeclared);
+    const auto again = open(page(after, kOwnDeclared));
+    EXPECT_EQ(again->findByName("twin"), art(*again, "c").firstChild);
+    EXPECT_TRUE(again->find(again->findByName("twin"))->tags.empty());
+    // Other editors split paths.
+    EXPECT_EQ(open(page("<path d=\"M 0,0 L 9,0\" quorvel:m0-path-id=\"twin\"/>", kOwnDeclared))->findByName("twin"),
+              0U);
+}
+
 TEST(SvgWrite, TagsAreBytes) {
     std::string all;
     for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
