@@ -41,14 +41,15 @@ Status writeSetting(const std::string& documents, std::string_view key, std::str
     std::error_code error;
     std::filesystem::create_directories(path.parent_path(), error);
     if (error) return makeError(ErrorCode::kNotCreatable).inFile(path.parent_path().string());
+    const platform::FolderLock lock(path.parent_path().string());  // as the plug-in does
     std::string text;
     platform::ReadWholeFile(path, &text);  // a first run has none
     text = withoutKey(text, key);
     text += std::string(key) + " = \"" + platform::FromUtf8(valueUtf8, platform::kCodePageJapanese) + "\"\r\n";
     platform::FileRef file = platform::CreateNewFile(path);
-    const bool written = file != nullptr && platform::WriteToFile(file, text);
-    platform::CloseFile(file);
-    if (!written) return makeError(ErrorCode::kNotWritable).inFile(path.string());
+    const bool isWritten = file != nullptr && platform::WriteToFile(file, text);
+    const bool isWhole = platform::CloseFile(file);
+    if (!isWritten || !isWhole) return makeError(ErrorCode::kNotWritable).inFile(path.string());
     return {};
 }
 
