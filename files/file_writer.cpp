@@ -3,7 +3,9 @@
 #include "files/file_writer.h"
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -148,9 +150,22 @@ FileWriter::~FileWriter() = default;
 
 namespace {
 
+Result<Descriptor> connectSocket(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) return systemError(ENAMETOOLONG);
+    path.copy(address.sun_path, path.size());
+    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!socket.isOpen() || ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        return systemError(errno);
+    return socket;
+}
+
 Result<Descriptor> openStream(const Target& target) {
+    constexpr int kIsSocket = ENXIO;  // what opening one says
     Descriptor file(target.descriptor >= 0 ? ::fcntl(target.descriptor, F_DUPFD_CLOEXEC, 0)
                                            : ::open(target.path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    if (!file.isOpen() && errno == kIsSocket) return connectSocket(target.path);
     if (!file.isOpen()) return systemError(errno);
     return file;
 }

@@ -1,5 +1,7 @@
 // What the program does to the files, pipes and devices that it is given, and what it leaves behind when it is ended.
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -68,6 +70,15 @@ TEST_F(Files, ADashAndDescriptorsAreTheStandardStreams) {
     }
     EXPECT_EQ(out_.find("rebuilt"), std::string::npos) << "nothing but the drawing";
     EXPECT_EQ(runShell("$q recalc square.svg -o /dev/null; test -c /dev/null"), 0) << "the device is still one";
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{AF_UNIX, {}};
+    path("socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(listener, 1), 0);
+    EXPECT_EQ(runShell("$q recalc square.svg -o socket"), 0) << err_;
+    char text[sizeof kSquare] = {};
+    EXPECT_EQ(::read(::accept(listener, nullptr, nullptr), text, sizeof text), ssize_t{sizeof kSquare - 1});
+    EXPECT_STREQ(text, kSquare);
     EXPECT_EQ(runShell("mkfifo waits; $q dump waits"), 2);
     EXPECT_EQ(err_, "waits: a device or pipe, not a file\n");
 }
@@ -147,6 +158,15 @@ TEST_F(Files, TheVersionBeforeADaysFirstSaveIsKept) {
     // A folder for backups that cannot be made keeps nobody from saving.
     EXPECT_EQ(runShell("rm -r state; touch state; move square.svg"), 0) << err_;
     EXPECT_NE(out_.find("is not kept as a backup: "), std::string::npos) << out_;
+}
+
+TEST_F(Files, ProgramsOnOneProfileKeepEachOthersSettings) {
+    std::string all;
+    for (const char* key : {"flZwkTitle", "flZwkCorp", "flZwkDate", "flZwkScale", "flZwkType", "flZwkPatNo"})
+        all += "{ for i in 1 2 3 4; do printf 'new 9 9\\nset " + std::string(key) +
+               " \"v%s\"\\n' $i | $q run - --language en --profile profile; done; } & ";
+    EXPECT_EQ(runShell(all + "wait; grep -c '\"v4\"' profile/*/*/*/*.ini"), 0) << err_;
+    EXPECT_EQ(out_, "6\n");
 }
 
 TEST_F(Files, ASignalLeavesNothingBehind) {
