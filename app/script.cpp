@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <utility>
 
 namespace quorvel::app {
@@ -57,6 +58,15 @@ constexpr ChoiceRow kChoices[] = {
     {"pull", 4, "alt shift"},
     {"pull", 5, "alt shift"},
 };
+
+// Numbers of which one must be in a range: what is done so often, or kept so large.
+struct RangeRow {
+    const char* verb;
+    std::size_t place;
+    double least, most;
+};
+constexpr RangeRow kRanges[] = {{"tick", 0, 0, 100'000}};
+constexpr double kLargestNumber = 3e38;  // of coordinates, which are floats
 
 struct ExpectRow {
     const char* what;
@@ -120,11 +130,24 @@ Result<std::vector<ScriptWord>> readWords(std::string_view line) {
     }
 }
 
+Status checkRange(const ScriptWord& word, double number, double least, double most) {
+    if (number >= least && number <= most) return {};
+    const auto text = [](double bound) {
+        char digits[32];
+        std::snprintf(digits, sizeof digits, "%g", bound);
+        return std::string(digits);
+    };
+    return makeError(ErrorCode::kNotInRange, {word.text, text(least), text(most)});
+}
+
 Status checkNumbers(const std::vector<ScriptWord>& words, std::string_view numbers, std::size_t from) {
     for (std::size_t i = 0; i < numbers.size() && from + i < words.size(); ++i) {
         const ScriptWord& word = words[from + i];
-        if (numbers[i] == 'n')
-            if (const auto number = numberIn(word); !number) return number.error();
+        if (numbers[i] == 'n') {
+            const auto number = numberIn(word);
+            if (!number) return number.error();
+            if (const Status held = checkRange(word, *number, -kLargestNumber, kLargestNumber); !held) return held;
+        }
         if (numbers[i] == 'i')
             if (const auto number = integerIn(word); !number) return number.error();
     }
@@ -163,6 +186,15 @@ Status checkChoices(const ScriptLine& line) {
     return {};
 }
 
+Status checkRanges(const ScriptLine& line) {
+    for (const RangeRow& row : kRanges) {
+        if (line.verb != row.verb || row.place >= line.words.size()) continue;
+        const ScriptWord& word = line.words[row.place];
+        if (const Status held = checkRange(word, *numberIn(word), row.least, row.most); !held) return held;
+    }
+    return {};
+}
+
 Status checkLine(const ScriptLine& line) {
     const auto* row = std::ranges::find(kVerbs, std::string_view(line.verb), &VerbRow::verb);
     if (row == std::end(kVerbs)) return makeError(ErrorCode::kUnknownVerb, {line.verb});
@@ -171,6 +203,7 @@ Status checkLine(const ScriptLine& line) {
         return makeError(ErrorCode::kWordCount, {line.verb});
     if (const Status numbers = checkNumbers(line.words, row->numbers, 0); !numbers) return numbers;
     if (const Status choices = checkChoices(line); !choices) return choices;
+    if (const Status ranges = checkRanges(line); !ranges) return ranges;
     if (line.verb == "expect") return checkExpect(line);
     if (line.verb == "panel") return checkWordCount(line, line.words[0].text == "text" ? 3 : 2);
     if (line.verb == "layer") return checkWordCount(line, line.words[1].text == "title" ? 3 : 2);
