@@ -24,8 +24,8 @@ constexpr SentenceRow kTable[] = {
 
     // --- a drawing cannot be read ----------------------------------------------------------------------------------
     {kNotXmlInUtf8, 0, "not an XML file in UTF-8", "UTF-8 の XML ファイルではありません"},
-    {kForeignEncoding, 1, "the file's encoding is \"{1}\"; only UTF-8 is read",
-     "文字コードが \"{1}\" です。UTF-8 だけが読めます"},
+    {kForeignEncoding, 1, "the file's encoding \"{1}\" cannot be read", "文字コード \"{1}\" は読めません"},
+    {kBadCompression, 0, "the compressed file is damaged or cut off", "圧縮ファイルが壊れているか、途中で切れています"},
     {kForeignByte, 0, "a byte that is no UTF-8", "UTF-8 でないバイトがあります"},
     {kXmlBadTag, 0, "not well-formed XML: Could not determine tag type",
      "正しい XML ではありません (タグの種類が分かりません)"},
@@ -53,8 +53,7 @@ constexpr SentenceRow kTable[] = {
      "正しい XML ではありません (ルート要素が複数あります)"},
     {kBrokenEntity, 0, "broken entity", "実体の宣言が正しくありません"},
     {kExternalEntity, 0, "entities from outside are not read", "外部の実体は読み込みません"},
-    {kNestedEntity, 0, "entities made of other entities or markup are not read",
-     "ほかの実体やタグを含む実体は読み込みません"},
+    {kNestedEntity, 0, "entities of parameters are not read", "パラメーター実体は読み込みません"},
     {kEntitiesTooMany, 0, "too many or too long entities", "実体の数が多すぎるか、長すぎます"},
     {kEntitiesTooLarge, 0, "the entities expand to too much", "実体の展開が大きすぎます"},
     {kNotSvg, 0, "the file is XML but no SVG drawing", "XML ファイルですが SVG 図面ではありません"},
@@ -89,6 +88,8 @@ constexpr SentenceRow kTable[] = {
      "参照先がファイルにない use 要素はそのまま保持します"},
     {kSkippedRules, 0, "some style sheet rules are not understood", "解釈できないスタイルシートの規則があります"},
     {kTransformsInCss, 0, "transforms in CSS are kept but not applied", "CSS の transform は適用せずに保持します"},
+    {kMarkupEntities, 0, "entities that hold markup are kept but not drawn",
+     "マークアップを含む実体は保存されますが、描画されません"},
     {kImageLeftOut, 1, "the image \"{1}\" cannot be shown and is left out", "画像 \"{1}\" は表示できないため省きます"},
     {kMoreWarnings, 1, "and {1} more kinds of things", "ほかに {1} 種類あります"},
 

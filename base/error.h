@@ -26,6 +26,7 @@ enum class ErrorCode : std::uint16_t {
     // --- a drawing cannot be read ----------------------------------------------------------------------------------
     kNotXmlInUtf8,
     kForeignEncoding,  // 1: its name
+    kBadCompression,   // damaged or cut off
     kForeignByte,
     kXmlBadTag,
     kXmlBadInstruction,
@@ -72,6 +73,7 @@ enum class ErrorCode : std::uint16_t {
     kUseOfNothing,
     kSkippedRules,
     kTransformsInCss,
+    kMarkupEntities,
     kImageLeftOut,  // 1: the name that the drawing gives
     kMoreWarnings,  // 1: how many
 

@@ -35,7 +35,7 @@ constexpr int kCopyPeriod = 30000;  // milliseconds
 constexpr int kRecentCount = 10;
 constexpr int kMostCopies = 100;  // that crashes have left under one process number
 constexpr double kPointsPerMillimetre = 72 / 25.4;
-constexpr char kFilter[] = "SVG (*.svg)";
+constexpr char kFilter[] = "SVG (*.svg *.svgz)";
 constexpr char kRecentKey[] = "recentFiles";
 constexpr char kOriginEnding[] = ".origin", kLockEnding[] = ".lock";
 

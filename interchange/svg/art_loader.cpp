@@ -270,10 +270,11 @@ doc::ArtId ArtLoader::loadPaths(const Visit& visit) {
 Status ArtLoader::loadOutline(const Visit& visit) {
     shape_.clear();
     svg::PathBuilder builder(&shape_, visit.map);
-    if (Status drawn = svg::drawOutline(visit, &builder); !drawn) return drawn;
+    const Status drawn = svg::drawOutline(visit, &builder);
+    if (!drawn && !svg::isFaultOfElement(drawn.error().code)) return drawn;
     applyOutlineAttributes(visit);
     loadOwn(visit, loadPaths(visit));
-    return {};
+    return drawn;
 }
 
 // Parsed again, because in a text blanks count.

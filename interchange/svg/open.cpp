@@ -34,8 +34,10 @@ doc::LayerId layerById(std::string_view id, const ArtLoader& loader, const SvgSo
 
 }  // namespace
 
-Result<SvgDrawing> readSvg(std::string text) {
-    Result<std::shared_ptr<svg::File>> opened = svg::File::open(std::move(text));
+Result<SvgDrawing> readSvg(std::string bytes) {
+    Result<FileText> decoded = decodeText(std::move(bytes));
+    if (!decoded) return decoded.error();
+    Result<std::shared_ptr<svg::File>> opened = svg::File::open(std::move(decoded->text));
     if (!opened) return opened.error();
     const std::shared_ptr<svg::File>& file = *opened;
     const svg::XmlNode root = file->root();
@@ -43,6 +45,7 @@ Result<SvgDrawing> readSvg(std::string text) {
     auto source = std::make_unique<SvgSource>();
     source->tree.file = file;
     source->text = file->text();
+    source->form = std::move(decoded->form);
     const auto rootOwn = [&](const char* name) { return root.attribute(file->names().own, name).value(); };
     source->rulerUnit = rootOwn(own_attribute::kRuler);
     if (source->rulerUnit.empty()) source->rulerUnit = page.unit;
@@ -57,6 +60,7 @@ Result<SvgDrawing> readSvg(std::string text) {
     svg::TreeWalk walk(&source->tree, &loader);
     if (Status walked = walk.wholeFile(); !walked) return walked.error();
     loader.finish();
+    if (file->hasMarkupEntities()) walk.warnings.insert(makeError(ErrorCode::kMarkupEntities));
     if (sheet.skippedSome()) walk.warnings.insert(makeError(ErrorCode::kSkippedRules));
     if (file->cascade().passedTransform) walk.warnings.insert(makeError(ErrorCode::kTransformsInCss));
 

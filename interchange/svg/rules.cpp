@@ -72,19 +72,20 @@ SvgRules::SvgRules(const SvgSource& source) {
 }
 
 // A sheet that asks for too much work has been refused when the file was read.
-std::vector<svg::CssDeclaration> SvgRules::inForce(std::string_view type, std::string_view id,
-                                                   const svg::StartTag& tag) const {
+std::vector<svg::CssDeclaration> SvgRules::declarationsFor(std::string_view type, std::string_view id,
+                                                           const svg::StartTag& tag, svg::Unplaced unplaced) const {
     std::vector<svg::CssDeclaration> declarations;
     const std::string classes = tag.attribute("class").value_or("");
-    (void)sheet_.match(type, id, classes, &declarations);
+    (void)sheet_.match({type, id, svg::classList(classes), {}, unplaced}, &declarations);
     return winners(declarations);
 }
 
 void SvgRules::preserveComputedStyle(svg::StartTag* tag, std::string_view wasType, std::string_view wasId) const {
     if (sheet_.empty()) return;
-    const std::vector<svg::CssDeclaration> before = inForce(wasType, wasId, *tag);
+    constexpr svg::Unplaced kUnplaced = svg::Unplaced::kFails;
+    const std::vector<svg::CssDeclaration> before = declarationsFor(wasType, wasId, *tag, kUnplaced);
     const std::vector<svg::CssDeclaration> after =
-        inForce(localPart(tag->name()), tag->attribute("id").value_or(""), *tag);
+        declarationsFor(localPart(tag->name()), tag->attribute("id").value_or(""), *tag, kUnplaced);
     const std::string style = tag->attribute("style").value_or("");
     std::vector<svg::CssDeclaration> own;
     svg::parseDeclarations(style, &own);
@@ -124,7 +125,7 @@ bool SvgRules::refersToOthers(const svg::StartTag& tag) const {
     }
     const std::string style = tag.attribute("style").value_or("");
     std::vector<svg::CssDeclaration> declarations =
-        inForce(localPart(tag.name()), tag.attribute("id").value_or(""), tag);
+        declarationsFor(localPart(tag.name()), tag.attribute("id").value_or(""), tag, svg::Unplaced::kHolds);
     svg::parseDeclarations(style, &declarations);
     return std::ranges::any_of(declarations, [&](const auto& one) { return refers(one.property, one.value); });
 }
@@ -134,7 +135,8 @@ void SvgRules::blockInheritedStyle(svg::StartTag* tag) const {
     const std::string style = tag->attribute("style").value_or("");
     std::vector<svg::CssDeclaration> own;
     svg::parseDeclarations(style, &own);
-    for (const svg::CssDeclaration& rule : inForce(localPart(tag->name()), tag->attribute("id").value_or(""), *tag)) {
+    for (const svg::CssDeclaration& rule :
+         declarationsFor(localPart(tag->name()), tag->attribute("id").value_or(""), *tag, svg::Unplaced::kHolds)) {
         const svg::CssDeclaration* said = find(own, rule.property);
         const Reset* reset = resetOf(rule.property);
         if (said && rule.important) say(tag, rule.property, said->value, true);

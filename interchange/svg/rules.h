@@ -7,6 +7,7 @@
 
 #include "interchange/svg/source.h"
 #include "svg/css/declarations.h"
+#include "svg/css/selector.h"
 #include "svg/css/style_sheet.h"
 #include "svg/markup/start_tag.h"
 
@@ -25,8 +26,9 @@ class SvgRules {
     bool refersToOthers(const svg::StartTag& tag) const;
 
   private:
-    std::vector<svg::CssDeclaration> inForce(std::string_view type, std::string_view id,
-                                             const svg::StartTag& tag) const;
+    // The place of the tag's element is not known.
+    std::vector<svg::CssDeclaration> declarationsFor(std::string_view type, std::string_view id,
+                                                     const svg::StartTag& tag, svg::Unplaced unplaced) const;
 
     svg::StyleSheet sheet_;
 };

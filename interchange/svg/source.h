@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "document/document.h"
+#include "interchange/svg/text_form.h"
 #include "svg/markup/entities.h"
 #include "svg/markup/namespaces.h"
 #include "svg/tree/tree.h"
@@ -62,6 +63,7 @@ struct SvgSource : PaintTexts {
     std::vector<SvgTextOrigin> texts;
     std::vector<SvgUse> uses;  // those that are no instances, in their order
     bool hasStyleSheet = false;
+    TextForm form;  // of the file that was read
     std::string rulerUnit;
     std::uint32_t namedViewOffset = 0;  // of the name of the named view element, 0 when there is none
     // The layer that the file names as the current one; 0 when it names none, so that it is the topmost.

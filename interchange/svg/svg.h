@@ -18,8 +18,9 @@ struct SvgDrawing {
     std::string rulerUnit;        // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
 };
 
-// A hostile or damaged file gives an error, with its line and element where there is one.
-Result<SvgDrawing> readSvg(std::string text);
+// The bytes of a file, also compressed by gzip and in other encodings than UTF-8. A hostile or damaged file gives an
+// error, with its line and element where there is one.
+Result<SvgDrawing> readSvg(std::string bytes);
 // Errors and warnings name the path; "-" is the standard input.
 Result<SvgDrawing> readSvgFile(const std::string& path);
 
@@ -29,14 +30,15 @@ std::unique_ptr<doc::Document> newDrawing(float width, float height);
 // Texts of the document's paints, number 1 first.
 const std::vector<std::string>& paintTexts(const doc::Document& document);
 
-// The whole file with the document's changes spliced in; the text itself when nothing has changed. A document without a
-// source is written anew. An empty unit is the one that was read, or "pt".
+// The whole text with the document's changes spliced in, UTF-8; the text itself when nothing has changed. A document
+// without a source is written anew. An empty unit is the one that was read, or "pt".
 std::string writeSvg(const doc::Document& document, std::string_view rulerUnit = "");
 struct SaveOptions {
     bool replacesReadOnly = false;  // else kReadOnlyFile
 };
-// Beside the target, read back when it was changed, then renamed over the target. An error names the path, and the
-// target is as it was.
+// In the encoding of the file that was read; compressed when the path ends in .svgz, or in neither that nor .svg and
+// the file that was read was. Beside the target, read back when it was changed, then renamed over the target. An error
+// names the path, and the target is as it was.
 Status saveSvgFile(const doc::Document& document, const std::string& path, std::string_view rulerUnit,
                    const SaveOptions& options = {});
 

@@ -54,7 +54,7 @@ void Cascade::apply(const Declared& declared, const ComputedStyle& parent, Compu
         value = trimmed(plain);
         if (value.empty()) return;
     }
-    applyProperty(property, {value, parent, diagonal_, styles_}, style);
+    applyProperty(property, {value, parent, diagonal_, styles_, rootFontSize}, style);
     changed_ |= property.group;
 }
 
@@ -84,8 +84,10 @@ bool Cascade::compute(const XmlNode& element, const ComputedStyle& parent, doubl
     diagonal_ = diagonal;
     changed_ = 0;
     fromSheet_.clear();
-    if (!sheet.empty() && !sheet.match(element.localName(), attributes.id, attributes.classes, &fromSheet_))
-        return false;
+    if (!sheet.empty()) {
+        const ElementNames names{element.localName(), attributes.id, classList(attributes.classes), element};
+        if (!sheet.match(names, &fromSheet_)) return false;
+    }
     fromAttribute_.clear();
     parseDeclarations(attributes.inlineStyle, &fromAttribute_);
     orderDeclarations();

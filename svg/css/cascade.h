@@ -21,6 +21,7 @@ class Cascade {
     explicit Cascade(StyleTable* styles) : styles_(*styles) {}
 
     StyleSheet sheet;
+    double rootFontSize = 16;      // of the root element, CSS pixels
     bool passedTransform = false;  // CSS would have moved an element; only the attribute does here
 
     // The style of an element whose parent has this one, with its numbers. diagonal: of the viewport, in user units.

@@ -172,7 +172,7 @@ void applyProperty(const Property& property, const PropertyValue& value, Compute
     // In brackets and quotes are names.
     if (!property.hasNames && hasCapitals(value.text) && value.text.find_first_of("('\"") == std::string_view::npos) {
         const std::string lower = lowerCase(value.text);
-        return applyProperty(property, {lower, value.parent, value.diagonal, value.styles}, style);
+        return applyProperty(property, {lower, value.parent, value.diagonal, value.styles, value.rootFontSize}, style);
     }
     const bool isUnset = value.text == "unset";
     if (value.text == "inherit" || (isUnset && property.inherited)) return property.copy(value.parent, style);

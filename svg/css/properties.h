@@ -15,6 +15,7 @@ struct PropertyValue {
     const ComputedStyle& parent;
     double diagonal = 0;  // of the viewport, user units: what percentages of widths are of
     StyleTable& styles;   // keeps texts
+    double rootFontSize = 16;
 };
 
 struct Property {

@@ -99,8 +99,8 @@ bool StyleSheet::addMatches(const std::string& key, Query* query) const {
     if (rules == index_.end()) return true;
     for (std::size_t number : rules->second) {
         const Rule& rule = rules_[number];
-        if (!query->spend(1 + rule.selector.classes.size())) return false;
-        if (matches(rule.selector, query->element)) query->found.push_back(&rule);
+        if (matches(rule.selector, query->element, &query->workLeft)) query->found.push_back(&rule);
+        if (!query->spend(1)) return false;
     }
     return true;
 }
@@ -113,9 +113,8 @@ bool StyleSheet::addMatches(Query* query) const {
                                [&](std::string_view name) { return addMatches("." + std::string(name), query); });
 }
 
-bool StyleSheet::match(std::string_view type, std::string_view id, std::string_view classes,
-                       std::vector<CssDeclaration>* declarations) const {
-    Query query{{type, id, classList(classes)}, {}, std::min(workLeft_, kWorkForOne)};
+bool StyleSheet::match(const ElementNames& element, std::vector<CssDeclaration>* declarations) const {
+    Query query{element, {}, std::min(workLeft_, kWorkForOne)};
     workLeft_ -= query.workLeft;
     if (!query.spend(query.element.classes.size()) || !addMatches(&query)) return false;
     std::ranges::sort(query.found, [](const Rule* a, const Rule* b) {

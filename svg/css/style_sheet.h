@@ -24,8 +24,7 @@ class StyleSheet {
     void expect(std::size_t elements);
     // Appends what holds for an element, in the order in which it is applied (weakest first). False when the sheets ask
     // for more work than a drawing is worth.
-    [[nodiscard]] bool match(std::string_view type, std::string_view id, std::string_view classes,
-                             std::vector<CssDeclaration>* declarations) const;
+    [[nodiscard]] bool match(const ElementNames& element, std::vector<CssDeclaration>* declarations) const;
 
   private:
     struct Rule {

@@ -13,7 +13,8 @@ void setFamilies(std::string_view families, const PropertyValue& value, Computed
     style->fontFamily = value.styles.keep(families.substr(0, kLongestFamilies));
 }
 
-void setFontSize(std::string_view text, const ComputedStyle& parent, ComputedStyle* style) {
+void setFontSize(std::string_view text, const PropertyValue& value, ComputedStyle* style) {
+    const ComputedStyle& parent = value.parent;
     static constexpr Keyword<double> kSizes[] = {{"xx-small", 9}, {"x-small", 10}, {"small", 13},   {"medium", 16},
                                                  {"large", 18},   {"x-large", 24}, {"xx-large", 32}};
     if (const std::optional<double> pixels = valueOf<double>(text, kSizes)) {
@@ -22,7 +23,7 @@ void setFontSize(std::string_view text, const ComputedStyle& parent, ComputedSty
     }
     if (text == "larger") style->fontSize = parent.fontSize * 1.2;
     if (text == "smaller") style->fontSize = parent.fontSize / 1.2;
-    const std::optional<double> size = parseLength(text, {parent.fontSize, parent.fontSize});
+    const std::optional<double> size = parseLength(text, {parent.fontSize, parent.fontSize, value.rootFontSize});
     if (size && *size >= 0 && *size < 1e9) style->fontSize = *size;
 }
 
@@ -50,7 +51,7 @@ double spacingOf(const PropertyValue& value, const ComputedStyle& style, double 
 
 }  // namespace
 
-void readFontSize(const PropertyValue& value, ComputedStyle* style) { setFontSize(value.text, value.parent, style); }
+void readFontSize(const PropertyValue& value, ComputedStyle* style) { setFontSize(value.text, value, style); }
 void readFontWeight(const PropertyValue& value, ComputedStyle* style) {
     setFontWeight(value.text, value.parent, style);
 }
@@ -74,7 +75,7 @@ void readFont(const PropertyValue& value, ComputedStyle* style) {
         if (word == "italic" || word == "oblique") {
             style->italic = true;
         } else if (parseLength(size, {}) && lengthUnit(size) != "") {
-            setFontSize(size, value.parent, style);
+            setFontSize(size, value, style);
             if (end < value.text.size()) setFamilies(trimmed(value.text.substr(end)), value, style);
             return;
         } else {

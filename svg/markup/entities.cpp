@@ -16,7 +16,7 @@ constexpr std::size_t kLongestEntity = 2048;
 
 }  // namespace
 
-Result<XmlEntities> readEntities(std::string_view prolog) {
+Result<XmlEntities> readEntities(std::string_view prolog, bool* passedMarkup) {
     XmlEntities entities;
     for (std::size_t at = prolog.find("<!ENTITY"); at != std::string_view::npos; at = prolog.find("<!ENTITY", at + 8)) {
         const auto refusal = [&](ErrorCode code) { return atLine(prolog, at, code); };
@@ -28,10 +28,16 @@ Result<XmlEntities> readEntities(std::string_view prolog) {
         const std::size_t close = prolog.find(prolog[open], open + 1);
         if (close == std::string_view::npos) return refusal(ErrorCode::kBrokenEntity);
         const std::string_view value = prolog.substr(open + 1, close - open - 1);
-        if (value.find_first_of("&%<") != std::string_view::npos) return refusal(ErrorCode::kNestedEntity);
-        if (entities.size() == kMostEntities || value.size() > kLongestEntity)
+        if (value.find('%') != std::string_view::npos) return refusal(ErrorCode::kNestedEntity);
+        if (value.find('<') != std::string_view::npos) {
+            *passedMarkup = true;
+            continue;
+        }
+        std::size_t allowance = kLongestEntity;
+        const std::optional<std::string> plain = expandText(value, entities, &allowance);
+        if (entities.size() == kMostEntities || !plain || plain->size() > kLongestEntity)
             return refusal(ErrorCode::kEntitiesTooMany);
-        entities.push_back({std::string(prolog.substr(name, nameEnd - name)), std::string(value)});
+        entities.push_back({std::string(prolog.substr(name, nameEnd - name)), *plain});
     }
     return entities;
 }

@@ -17,9 +17,9 @@ struct XmlEntity {
 };
 using XmlEntities = std::vector<XmlEntity>;
 
-// Those that the document type declares, from the text before the root. Entities of other files, of parameters or of
-// other entities are refused, with their line.
-Result<XmlEntities> readEntities(std::string_view prolog);
+// Those that the document type declares, from the text before the root. Entities of other files or of parameters are
+// refused, with their line; one that holds markup is passed over, which *passedMarkup then says.
+Result<XmlEntities> readEntities(std::string_view prolog, bool* passedMarkup);
 
 // For attribute values and character data; characters that XML forbids are left out.
 std::string escapeXml(std::string_view text);

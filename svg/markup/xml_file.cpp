@@ -7,7 +7,6 @@
 #include "svg/markup/huge_pages.h"
 #include "svg/markup/lines.h"
 #include "svg/markup/utf8.h"
-#include "svg/values/byte_text.h"
 
 namespace quorvel::svg {
 namespace {
@@ -17,7 +16,8 @@ constexpr std::size_t kGrowthAtLeast = std::size_t{4} << 20;
 constexpr std::size_t kGrowthForEachByte = 4;
 constexpr unsigned kFlags = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute;
 
-// As the XML declaration says it, in lower case; empty when it says none.
+}  // namespace
+
 std::string declaredEncoding(std::string_view text) {
     const std::string_view head = text.substr(0, std::min<std::size_t>(text.find("?>"), 200));
     const std::size_t at = head.find("encoding");
@@ -30,11 +30,10 @@ std::string declaredEncoding(std::string_view text) {
     return name;
 }
 
+namespace {
+
 Status checkEncoding(std::string_view text) {
     if (text.find('\0') != std::string_view::npos) return makeError(ErrorCode::kNotXmlInUtf8);
-    const std::string encoding = declaredEncoding(text);
-    if (!encoding.empty() && encoding != "utf-8" && encoding != "utf8" && encoding != "us-ascii")
-        return makeError(ErrorCode::kForeignEncoding, {encodeBytes(encoding)});
     if (const std::size_t at = firstForeignByte(text); at != std::string_view::npos)
         return atLine(text, at, ErrorCode::kForeignByte);
     return {};
@@ -119,7 +118,7 @@ Status XmlFile::parse(std::string_view text) {
     const pugi::xml_node root = document_->document_element();
     root_ = XmlNode(root);
     if (root.next_sibling()) return makeError(ErrorCode::kXmlSeveralRoots);
-    Result<XmlEntities> entities = readEntities(text.substr(0, root_.offset()));
+    Result<XmlEntities> entities = readEntities(text.substr(0, root_.offset()), &hasMarkupEntities_);
     if (!entities) return entities.error();
     entities_ = std::move(*entities);
     if (entities_.empty()) return {};

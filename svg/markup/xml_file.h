@@ -14,6 +14,8 @@ namespace quorvel::svg {
 
 constexpr std::size_t kLargestFile = std::size_t{512} << 20;
 Error tooLargeFile();
+// As the XML declaration says it, in lower case; empty when it says none.
+std::string declaredEncoding(std::string_view text);
 
 // Whether the text is well-formed XML in UTF-8, with the line where it is not. Overwrites the text, so that no second
 // one is needed.
@@ -31,11 +33,14 @@ class XmlFile {
     XmlNode root() const { return root_; }
     const XmlEntities& entities() const { return entities_; }  // of the document type
 
+    bool hasMarkupEntities() const { return hasMarkupEntities_; }  // which are not read
+
   private:
     std::unique_ptr<char[]> buffer_;
     std::unique_ptr<pugi::xml_document> document_;
     XmlNode root_;
     XmlEntities entities_;
+    bool hasMarkupEntities_ = false;
 };
 
 }  // namespace quorvel::svg

@@ -24,10 +24,14 @@ Status File::read() {
     if (Status parsed = markup_->parse(*text_); !parsed) return parsed;
     const XmlNode root = markup_->root();
     entities_ = markup_->entities();
+    hasMarkupEntities_ = markup_->hasMarkupEntities();
     names_ = readNamespaces(root);
     if (root.localName() != "svg" || !names_.isSvg(root)) return makeError(ErrorCode::kNotSvg);
     if (Status surveyed = survey(); !surveyed) return surveyed;
     page_ = readPage(root);
+    ComputedStyle style;
+    if (cascade_.compute(root, styles_.at(0), page_.viewport.diagonal(), &style))
+        cascade_.rootFontSize = style.fontSize;
     return {};
 }
 

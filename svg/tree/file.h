@@ -33,10 +33,12 @@ class File {
 
     const std::shared_ptr<const std::string>& text() const { return text_; }
     const XmlEntities& entities() const { return entities_; }
+    bool hasMarkupEntities() const { return hasMarkupEntities_; }
     const SvgNames& names() const { return names_; }
     const Page& page() const { return page_; }
     const std::vector<std::string>& sheets() const { return sheets_; }  // texts of the style elements
 
+    double rootFontSize() const { return cascade_.rootFontSize; }
     Cascade& cascade() { return cascade_; }
     StyleTable& styles() { return styles_; }
     const StyleTable& styles() const { return styles_; }
@@ -58,6 +60,7 @@ class File {
 
     std::shared_ptr<const std::string> text_;
     XmlEntities entities_;
+    bool hasMarkupEntities_ = false;
     SvgNames names_;
     Page page_;
     std::vector<std::string> sheets_;

@@ -68,8 +68,8 @@ Status drawOutline(const Visit& visit, PathBuilder* builder) {
         default:
             break;
     }
-    if (!lengths.bad.empty()) return makeError(ErrorCode::kBadLength, {lengths.bad});
     if (!builder->finish()) return makeError(ErrorCode::kCoordinateOutOfRange);
+    if (!lengths.bad.empty()) return makeError(ErrorCode::kBadLength, {lengths.bad});
     return {};
 }
 

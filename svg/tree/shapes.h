@@ -7,7 +7,8 @@
 
 namespace quorvel::svg {
 
-// Draws the outline of a path or shape, and finishes the builder. An error names what cannot be read.
+// Draws the outline of a path or shape, and finishes the builder. An error names what cannot be read; what SVG draws of
+// such an element is drawn.
 Status drawOutline(const Visit& visit, PathBuilder* builder);
 
 }  // namespace quorvel::svg

@@ -9,11 +9,7 @@
 #include "svg/values/number.h"
 
 namespace quorvel::svg {
-namespace {
-
-constexpr double kPointsPerPixel = 0.75;
-
-}  // namespace
+namespace {}  // namespace
 
 double Viewport::diagonal() const { return std::hypot(width, height) / std::numbers::sqrt2; }
 

@@ -27,6 +27,8 @@ ViewBox viewBoxOf(const XmlNode& element);
 // *size becomes the box's size.
 Affine viewBoxMap(const ViewBox& viewBox, const Viewport& viewport, Viewport* size);
 
+constexpr double kPointsPerPixel = 0.75;
+
 // What the root says of the page.
 struct Page {
     double width = 0, height = 0;  // points

@@ -1,5 +1,4 @@
-// Each element goes the same way: its style, its transform, its number in the tree, then the visitor. What cannot be
-// read whole refuses the file, because a drawing that is half there would be measured wrongly.
+// Each element goes the same way: its style, its transform, its number in the tree, then the visitor.
 #include "svg/tree/walk.h"
 
 #include <algorithm>
@@ -31,12 +30,26 @@ bool hasTextPath(const XmlNode& text) {
 std::optional<double> readLength(const Visit& visit, std::string_view name, double percentOf, std::string* bad) {
     const XmlAttribute attribute = visit.node.attribute(name);
     if (!attribute || attribute.value() == "auto") return std::nullopt;
-    const std::optional<double> value = parseLength(attribute.value(), {percentOf, visit.style.fontSize});
+    LengthContext context = visit.lengths;
+    context.percentOf = percentOf;
+    context.fontSize = visit.style.fontSize;
+    const std::optional<double> value = parseLength(attribute.value(), context);
     if (!value) *bad = name;
     return value;
 }
 
-TreeWalk::TreeWalk(Tree* tree, TreeVisitor* visitor) : tree_(*tree), file_(*tree->file), visitor_(*visitor) {}
+bool isFaultOfElement(ErrorCode code) {
+    static constexpr ErrorCode kFaults[] = {
+        ErrorCode::kBadTransform,  ErrorCode::kBadLength,  ErrorCode::kNoPathCommand,  ErrorCode::kNoFirstMove,
+        ErrorCode::kBadPathNumber, ErrorCode::kPathCutOff, ErrorCode::kBadPointsNumber};
+    return std::ranges::find(kFaults, code) != std::end(kFaults);
+}
+
+TreeWalk::TreeWalk(Tree* tree, TreeVisitor* visitor) : tree_(*tree), file_(*tree->file), visitor_(*visitor) {
+    lengths_.pageWidth = file_.page().width / kPointsPerPixel;
+    lengths_.pageHeight = file_.page().height / kPointsPerPixel;
+    lengths_.rootFontSize = file_.rootFontSize();
+}
 
 Error TreeWalk::at(const XmlNode& node, Error error) const {
     constexpr std::size_t kLongestId = 80;
@@ -160,12 +173,13 @@ Status TreeWalk::readElement(Visit* visit) {
     const XmlNode& node = visit->node;
     visit->isInstance = frame.copied;
     visit->viewport = frame.viewport;
+    visit->lengths = lengths_;
     visit->map = frame.map;
     if (!file_.cascade().compute(node, frame.style, frame.diagonal, &visit->style))
         return at(node, ErrorCode::kStyleSheetsTooCostly);
     if (const XmlAttribute transform = node.attribute("transform")) {
         Affine own;
-        if (!parseTransform(transform.value(), &own)) return at(node, ErrorCode::kBadTransform);
+        if (!parseTransform(transform.value(), &own)) warn(node, makeError(ErrorCode::kBadTransform));
         visit->map = compose(frame.map, own);
         if (!visit->map.finite()) return at(node, ErrorCode::kTransformOutOfRange);
     }
@@ -192,8 +206,20 @@ void TreeWalk::record(Visit* visit) {
 
 Status TreeWalk::leaf(Visit* visit) {
     record(visit);
-    if (Status visited = visitor_.visit(*visit); !visited) return at(visit->node, visited.error());
+    const Status visited = visitor_.visit(*visit);
+    if (visited) return {};
+    if (!isFaultOfElement(visited.error().code)) return at(visit->node, visited.error());
+    warn(visit->node, visited.error());
     return {};
+}
+
+void TreeWalk::warn(const XmlNode& node, Error error) {
+    constexpr std::size_t kMostWarnings = 1000;
+    if (warnings.size() < kMostWarnings) warnings.insert(at(node, std::move(error)));
+}
+
+void TreeWalk::warnOfLength(const XmlNode& node, const std::string& bad) {
+    if (!bad.empty()) warn(node, makeError(ErrorCode::kBadLength, {bad}));
 }
 
 // What is in the element inherits its style, but for shifts of text, which end at a container.
@@ -205,14 +231,14 @@ void TreeWalk::push(Frame frame, const Visit& visit) {
     stack_.push_back(std::move(frame));
 }
 
-std::optional<Error> TreeWalk::openViewport(Visit* visit, Frame* frame) const {
+std::optional<Error> TreeWalk::openViewport(Visit* visit, Frame* frame) {
     const Frame& around = stack_.back();
     std::string bad;
     const double x = readLength(*visit, "x", around.viewport.width, &bad).value_or(0);
     const double y = readLength(*visit, "y", around.viewport.height, &bad).value_or(0);
     Viewport size{readLength(*visit, "width", around.viewport.width, &bad).value_or(around.viewport.width),
                   readLength(*visit, "height", around.viewport.height, &bad).value_or(around.viewport.height)};
-    if (!bad.empty()) return at(visit->node, makeError(ErrorCode::kBadLength, {bad}));
+    warnOfLength(visit->node, bad);
     if (around.use.width > 0) size.width = around.use.width;
     if (around.use.height > 0) size.height = around.use.height;
     frame->viewport = size;
@@ -252,7 +278,7 @@ Status TreeWalk::enterUse(Visit* visit) {
                   readLength(*visit, "y", around.height, &bad).value_or(0),
                   readLength(*visit, "width", around.width, &bad).value_or(0),
                   readLength(*visit, "height", around.height, &bad).value_or(0)};
-    if (!bad.empty()) return at(visit->node, makeError(ErrorCode::kBadLength, {bad}));
+    warnOfLength(visit->node, bad);
     endShift(&visit->style);
     if (Status entered = leaf(visit); !entered) return entered;
     Frame frame;

@@ -13,6 +13,7 @@
 #include "svg/css/computed_style.h"
 #include "svg/markup/xml.h"
 #include "svg/tree/tree.h"
+#include "svg/values/length.h"
 
 namespace quorvel::svg {
 
@@ -30,12 +31,16 @@ struct Visit {
     std::int32_t element = -1;  // its number in the tree
     bool isInstance = false;
     ComputedStyle style;
-    Affine map;         // of its content, with its own transform
-    Viewport viewport;  // that it belongs to
-    UsePlace use;       // of a use element
+    Affine map;             // of its content, with its own transform
+    Viewport viewport;      // that it belongs to
+    UsePlace use;           // of a use element
+    LengthContext lengths;  // but for what percentages are of
 };
 
-// An error ends the walk; the walk adds the line and the element to it.
+// An error ends the walk, but for faults of a single element (isFaultOfElement): of these what SVG draws was loaded,
+// and they are warnings. The walk adds the line and the element.
+bool isFaultOfElement(ErrorCode code);
+
 class TreeVisitor {
   public:
     virtual ~TreeVisitor() = default;
@@ -93,7 +98,9 @@ class TreeWalk {
     // Puts the element into the tree and shows it.
     Status leaf(Visit* visit);
     void endShift(ComputedStyle* style) const;
-    std::optional<Error> openViewport(Visit* visit, Frame* frame) const;
+    std::optional<Error> openViewport(Visit* visit, Frame* frame);
+    void warn(const XmlNode& node, Error error);
+    void warnOfLength(const XmlNode& node, const std::string& bad);
     bool payForCopy(const XmlNode& node);
     void record(Visit* visit);
     void push(Frame frame, const Visit& visit);
@@ -103,6 +110,7 @@ class TreeWalk {
     Tree& tree_;
     File& file_;
     TreeVisitor& visitor_;
+    LengthContext lengths_;
     std::vector<Frame> stack_;
     std::string_view part_;  // the text of the part that is walked
     int depth_ = 0;          // elements around it

@@ -10,6 +10,8 @@ namespace quorvel::svg {
 struct LengthContext {
     double percentOf = 0;
     double fontSize = 16;
+    double rootFontSize = 16;
+    double pageWidth = 0, pageHeight = 0;  // CSS pixels
 };
 // A length in user units (CSS pixels). Nothing when it is no length.
 std::optional<double> parseLength(std::string_view text, const LengthContext& context);

@@ -1,4 +1,4 @@
-// Path data is read to its end or refused: a drawing whose outlines break off half way would be measured wrongly.
+// Path data is drawn up to its first error, as SVG has it.
 #include "svg/values/path_data.h"
 
 #include "svg/values/number.h"
@@ -166,12 +166,15 @@ class PathParser {
 }  // namespace
 
 Status parsePathData(std::string_view data, PathBuilder* builder) {
-    if (const Status parsed = PathParser(data, builder).parse(); !parsed) return parsed;
+    const Status parsed = PathParser(data, builder).parse();
     if (!builder->finish()) return makeError(ErrorCode::kPathOutOfRange);
-    return {};
+    return parsed;
 }
 
-Status parsePoints(std::string_view points, bool closed, PathBuilder* builder) {
+namespace {
+
+// Up to the first error.
+Status drawPoints(std::string_view points, PathBuilder* builder) {
     const auto badNumber = [&](const char* at) {
         return makeError(ErrorCode::kBadPointsNumber, {std::to_string(at - points.data() + 1)});
     };
@@ -192,9 +195,16 @@ Status parsePoints(std::string_view points, bool closed, PathBuilder* builder) {
             builder->moveTo(x, y);
         }
     }
+    return {};
+}
+
+}  // namespace
+
+Status parsePoints(std::string_view points, bool closed, PathBuilder* builder) {
+    const Status drawn = drawPoints(points, builder);
     if (closed) builder->close();
     if (!builder->finish()) return makeError(ErrorCode::kPointsOutOfRange);
-    return {};
+    return drawn;
 }
 
 namespace {

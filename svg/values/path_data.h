@@ -56,7 +56,7 @@ class PathBuilder {
     bool inRange_ = true;
 };
 
-// An error names the place in the data.
+// Draw up to the first error, which names its place in the data, and finish the builder.
 Status parsePathData(std::string_view data, PathBuilder* builder);
 Status parsePoints(std::string_view points, bool closed, PathBuilder* builder);
 // Starts at the upper left, with radii behind the upper left corner's arc.

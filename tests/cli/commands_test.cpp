@@ -47,14 +47,14 @@ TEST_F(Commands, WrongWordsAreRefusedInOneLineThatNamesTheCommand) {
 }
 
 TEST_F(Commands, ErrorsAreInTheLanguageAskedFor) {
-    write(
-        "bad.svg",
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9pt\" height=\"9pt\">\n<path id=\"p\" d=\"M 0 x\"/></svg>");
+    write("bad.svg",
+          "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9pt\" height=\"9pt\">\n<path id=\"p\" d=\"M 0 "
+          "1e20\"/></svg>");
     write("odd.svg", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9pt\" height=\"9pt\"><image/></svg>");
     write("move.script", "open square.svg\nmove circle 1 1\n");
     write("open.script", "open bad.svg\n");
     write("turn.script", "\nturn square 1 1\n");
-    const std::string bad = "bad.svg: 2 行目: path \"p\": パスデータの 5 文字目の数値が正しくありません: \"x\"\n";
+    const std::string bad = "bad.svg: 2 行目: path \"p\": パスデータの座標が範囲を超えています\n";
     const std::string kept = "odd.svg: image 要素はそのまま保持します\n";
     const std::pair<const char*, std::string> rows[] = {
         {"dump bad.svg", bad},
@@ -86,8 +86,7 @@ TEST_F(Commands, ErrorsAreInTheLanguageAskedFor) {
     EXPECT_EQ(runProgram("run ja.script"), 1);
     EXPECT_EQ(err_, "ja.script:3: there is nothing to undo\n");
     EXPECT_EQ(runProgram("check bad.svg --json --language ja"), 2);
-    EXPECT_EQ(printed("/drawings/0/error"),
-              R"("bad.svg: 2 行目: path \"p\": パスデータの 5 文字目の数値が正しくありません: \"x\"")");
+    EXPECT_EQ(printed("/drawings/0/error"), R"("bad.svg: 2 行目: path \"p\": パスデータの座標が範囲を超えています")");
 }
 
 TEST_F(Commands, AListInFrontOfTheDrawingDoesNotSwallowIt) {

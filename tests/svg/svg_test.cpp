@@ -61,6 +61,52 @@ TEST(StyleSheets, StatementsEndWithTheirSemicolon) {
     EXPECT_EQ(interchange::art(*document, "none").path->style->strokeWidth, 0);
 }
 
+// Which of the paths in two groups each selector finds.
+TEST(StyleSheets, SelectorsFindByPlaceAndAttribute) {
+    struct Case {
+        const char *selector, *found;
+    };
+    const Case cases[] = {
+        {"g path", "abcde"},
+        {"#first > path", "ab"},
+        {"svg>g>g path", "c"},
+        {"#first path", "abc"},
+        {"#first > .x path, #e", "ce"},
+        {"path + path", "be"},
+        {"path ~ g path", "c"},
+        {"g:last-child path", "cde"},
+        {"path:first-child", "acd"},
+        {"path:last-child", "ce"},
+        {"path:only-child", "c"},
+        {"g > path:nth-child(2n)", "be"},
+        {"g > path:nth-child( odd )", "acd"},
+        {"path:nth-child(n+2)", "be"},
+        {"path:nth-last-of-type(2)", "ad"},
+        {"path:not(#a):not([d])", "e"},
+        {"[d]", "abcd"},
+        {"path[stroke-linecap=round]", "a"},
+        {"[stroke-linecap^='ro']", "a"},
+        {"path[lang|='en'],[lang~=fr]", "bd"},
+        {"[d$='9'][d*='0 0']", "abcd"},
+        {"svg:root > g:not(#first) > path", "de"},
+        {"path::before, path:hover, ns|path, g >", ""},
+        {"g /* of any */ > path:first-child", "acd"},
+    };
+    for (const Case& one : cases) {
+        const auto document = interchange::open(
+            interchange::page(std::string("<style>") + one.selector +
+                              "{stroke-width:3}</style><g id='first'>"
+                              "<path id='a' d='M0 0H9' stroke-linecap='round'/><path id='b' lang='en-GB' d='M0 0H9'/>"
+                              "<g class='x'><path id='c' d='M0 0H9'/></g></g><g><path id='d' lang='de fr' d='M0 "
+                              "0H9'/><path id='e'/></g>"));
+        ASSERT_NE(document, nullptr);
+        std::string found;
+        for (const char* id : {"a", "b", "c", "d", "e"})
+            if (interchange::art(*document, id).path->style->strokeWidth == 3) found += id;
+        EXPECT_EQ(found, one.found) << one.selector;
+    }
+}
+
 TEST(Uses, WarningsTellALoopFromALostTarget) {
     const auto codes = [](const char* content) {
         return interchange::readSvg(interchange::page(content))->warnings.front().code;
