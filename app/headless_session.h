@@ -24,7 +24,7 @@ class HeadlessSession {
     Status writeSetting(std::string_view key, std::string_view valueUtf8);
     Status start() { return plugin_->start(); }
     bool started() const { return plugin_->started(); }
-    void shutdown() { plugin_->shutdown(); }
+    Status shutdown() { return plugin_->shutdown(); }
 
     Status openDrawing(const std::string& path);
     void newDrawing(float width, float height);

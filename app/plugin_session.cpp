@@ -5,6 +5,7 @@
 
 #include "app/profile.h"
 #include "hostapi/names.h"
+#include "platform/backend/backend.h"
 #include "platform/file.h"
 
 namespace quorvel::app {
@@ -38,7 +39,7 @@ Language languageOf(const SessionOptions& options) {
 PluginSession::PluginSession(const SessionOptions& options)
     : options_(options), host_(std::make_unique<host::Host>(hostOptions(options))) {}
 
-PluginSession::~PluginSession() { shutdown(); }
+PluginSession::~PluginSession() { static_cast<void>(shutdown()); }
 
 Status PluginSession::prepare() {
     if (prepared_) return {};
@@ -65,10 +66,13 @@ Status PluginSession::start() {
     return {};
 }
 
-void PluginSession::shutdown() {
-    if (!started_) return;
+Status PluginSession::shutdown() {
+    if (!started_) return {};
     started_ = false;
+    platform::takeFailedWrite();  // of a preset or list, which the plug-in has told
     host_->shutdown();
+    if (const std::optional<Error> failure = platform::takeFailedWrite()) return *failure;
+    return {};
 }
 
 }  // namespace quorvel::app

@@ -41,7 +41,7 @@ class PluginSession {
     // Loads and starts the plug-in, once.
     Status start();
     bool started() const { return started_; }
-    void shutdown();
+    Status shutdown();  // an error when the settings cannot be written
 
     host::Host& host() { return *host_; }
 

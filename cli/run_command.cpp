@@ -23,7 +23,8 @@ Result<int> runScriptFile(const Options& options) {
     if (const Status prepared = session.prepare(); !prepared) return prepared.error();
     const app::ScriptOutcome outcome =
         app::runScript(*lines, options.file, session, [](const std::string& line) { std::cout << line << std::endl; });
-    session.shutdown();
+    const Status ended = session.shutdown();
+    if (!outcome.error && !ended) return ended.error();
     if (!outcome.error) return kExitOk;
     refuse(*outcome.error);
     return outcome.isBadInput ? kExitBadInput : kExitFault;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -23,7 +24,8 @@ namespace quorvel::platform {
 struct OpenFile {
     std::optional<files::FileWriter> writer;
     files::Descriptor appended;
-    bool isWhole = true;  // every write has succeeded
+    std::string path;
+    Status whole = {};  // of all writes
 };
 
 namespace {
@@ -32,6 +34,8 @@ namespace fs = std::filesystem;
 
 // No settings file, parts list or drawing comes near this; a text of this size would only exhaust the memory.
 constexpr std::size_t kLargestFile = std::size_t{256} << 20;
+
+std::optional<Error> failedWrite;  // the last one
 
 // Empty for a text that is no path.
 fs::path SystemPath(std::string_view text) {
@@ -115,12 +119,17 @@ std::vector<std::string> FileNames(const std::string& folder) {
     return names;
 }
 
+std::optional<Error> takeFailedWrite() { return std::exchange(failedWrite, std::nullopt); }
+
 FileRef CreateNewFile(const std::string& path) {
     const fs::path target = SystemPath(path);
     if (!IsPlainFileOrAbsent(target)) return nullptr;
     Result<files::FileWriter> writer = files::FileWriter::open(target.string());
-    if (!writer) return nullptr;
-    return new OpenFile{std::move(*writer), files::Descriptor()};
+    if (!writer) {
+        failedWrite = Error(writer.error()).inFile(target.string());
+        return nullptr;
+    }
+    return new OpenFile{std::move(*writer), files::Descriptor(), target.string()};
 }
 
 FileRef OpenForAppending(const std::string& path) {
@@ -128,23 +137,23 @@ FileRef OpenForAppending(const std::string& path) {
     if (!IsPlainFileOrAbsent(target)) return nullptr;
     files::Descriptor file(::open(target.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
     if (!file.isOpen()) return nullptr;
-    return new OpenFile{std::nullopt, std::move(file)};
+    return new OpenFile{std::nullopt, std::move(file), target.string()};
 }
 
 bool WriteToFile(FileRef file, std::string_view bytes) {
     if (file == nullptr) return false;
     const Status written = file->writer ? file->writer->write(bytes) : files::writeAll(file->appended.get(), bytes);
-    file->isWhole &= static_cast<bool>(written);
+    if (file->whole) file->whole = written;
     return static_cast<bool>(written);
 }
 
 bool CloseFile(FileRef file) {
     if (file == nullptr) return false;
-    bool isKept = file->isWhole;
-    if (file->writer && isKept) isKept = static_cast<bool>(file->writer->commit());
-    if (!file->writer) isKept &= file->appended.close();
-    delete file;
-    return isKept;
+    const std::unique_ptr<OpenFile> closed(file);
+    if (!closed->writer) return closed->appended.close() && closed->whole;
+    if (closed->whole) closed->whole = closed->writer->commit();
+    if (!closed->whole) failedWrite = Error(closed->whole.error()).inFile(closed->path);
+    return static_cast<bool>(closed->whole);
 }
 
 struct FolderLock::Held {

@@ -3,6 +3,9 @@
 // Code pages and the reading and writing of files are the same everywhere and have no interface.
 #pragma once
 
+#include <optional>
+
+#include "base/error.h"
 #include "platform/backend/dialogs.h"
 #include "platform/backend/files.h"
 #include "platform/backend/services.h"
@@ -25,5 +28,8 @@ class Backend {
 // nothing.
 void installBackend(Backend* backend);
 Backend* installedBackend();
+
+// Why a new file of the plug-in's was not written, once, with its path; the plug-in itself cannot say it when it ends.
+std::optional<Error> takeFailedWrite();
 
 }  // namespace quorvel::platform
