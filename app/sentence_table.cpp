@@ -91,6 +91,12 @@ constexpr SentenceRow kTable[] = {
     {kMarkupEntities, 0, "entities that hold markup are kept but not drawn",
      "マークアップを含む実体は保存されますが、描画されません"},
     {kImageLeftOut, 1, "the image \"{1}\" cannot be shown and is left out", "画像 \"{1}\" は表示できないため省きます"},
+    {kImageOutside, 2, "the image \"{1}\" is outside the drawing's folder and is not shown; --allow-files {2} shows it",
+     "画像 \"{1}\" は図面のフォルダーの外にあるため表示しません。--allow-files {2} で表示します"},
+    {kImageRemote, 1, "the image \"{1}\" is not shown: nothing is fetched from a network",
+     "画像 \"{1}\" は表示しません。ネットワークからは何も取得しません"},
+    {kPaintingLeftOut, 2, "{1} pieces would take too long to paint and are left out: {2}",
+     "描画に時間がかかりすぎる {1} 個の部分を省きます: {2}"},
     {kMoreWarnings, 1, "and {1} more kinds of things", "ほかに {1} 種類あります"},
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------

@@ -74,8 +74,11 @@ enum class ErrorCode : std::uint16_t {
     kSkippedRules,
     kTransformsInCss,
     kMarkupEntities,
-    kImageLeftOut,  // 1: the name that the drawing gives
-    kMoreWarnings,  // 1: how many
+    kImageLeftOut,     // 1: the name that the drawing gives
+    kImageOutside,     // 1: the name that the drawing gives; 2: the folder that the image is in
+    kImageRemote,      // 1: the address
+    kPaintingLeftOut,  // 1: how many pieces; 2: some of their elements
+    kMoreWarnings,     // 1: how many
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------
     kPageNotWritable,

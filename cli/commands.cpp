@@ -80,6 +80,7 @@ constexpr OptionRow kExport[] = {
     {"-o,--output", "where the drawing goes, OUT.pdf or OUT.png; - is the standard output", &Options::output},
     kOutputFolder,
     {"--format", "what goes into the folder or the standard output", &Options::format, false, oneOf("{pdf,png}")},
+    {"--allow-files", "a folder whose images drawings may show, beside those in their own", &Options::imageFolders},
     {"--dpi", "dots per inch of PNG; 192 without it", &Options::dotsPerInch, false, kDotsPerInch},
     kForce,
 };

@@ -19,19 +19,20 @@ constexpr int kExitBadInput = 2;
 
 // The arguments of the command line. Each command reads what its row names.
 struct Options : app::SessionOptions {
-    std::string file;                // of the commands over one file
-    std::vector<std::string> files;  // of those over several
-    std::string output;              // for one drawing
-    std::string outputFolder;        // for any number; each keeps its name
-    std::string at;                  // document points, parted by commas
-    std::string tool;                // its title in the profile's language; empty: the first tool
-    std::string parts;               // a parts list, CSV in the system code page or UTF-8
-    std::string mode = "bottom";     // the end of the sheet that the parts table is at: "bottom" or "top"
-    std::string format = "pdf";      // of what goes into the folder or a stream: "pdf" or "png"
-    std::vector<std::string> ids;    // SVG ids
-    std::vector<std::string> sets;   // KEY=TEXT: settings on top of the parts list's
-    double zoom = 1;                 // pixels per point
-    double dotsPerInch = 0;          // of PNG; 0: the painter's own choice
+    std::string file;                       // of the commands over one file
+    std::vector<std::string> files;         // of those over several
+    std::string output;                     // for one drawing
+    std::string outputFolder;               // for any number; each keeps its name
+    std::string at;                         // document points, parted by commas
+    std::string tool;                       // its title in the profile's language; empty: the first tool
+    std::string parts;                      // a parts list, CSV in the system code page or UTF-8
+    std::string mode = "bottom";            // the end of the sheet that the parts table is at: "bottom" or "top"
+    std::string format = "pdf";             // of what goes into the folder or a stream: "pdf" or "png"
+    std::vector<std::string> ids;           // SVG ids
+    std::vector<std::string> imageFolders;  // whose images drawings may show, beside those in their own
+    std::vector<std::string> sets;          // KEY=TEXT: settings on top of the parts list's
+    double zoom = 1;                        // pixels per point
+    double dotsPerInch = 0;                 // of PNG; 0: the painter's own choice
     bool isJson = false, isForAll = false, isStrict = false, isDryRun = false;
     bool replacesCharacters = false;  // that code page 932 lacks
 };

@@ -41,6 +41,7 @@ WorkerVerdict paint(const std::string& program, const std::string& file, const s
     if (options.replacesReadOnly) arguments.emplace_back("--force");
     if (options.dotsPerInch > 0) arguments.push_back("--dpi=" + std::to_string(options.dotsPerInch));
     if (!options.language.empty()) arguments.push_back("--language=" + options.language);
+    for (const std::string& folder : options.imageFolders) arguments.push_back("--allow-files=" + folder);
     arguments.insert(arguments.end(), {"--", file});
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());

@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QProcess>
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -18,6 +19,7 @@
 #include <vector>
 
 #include "app/sentences.h"
+#include "desktop/files/image_messages.h"
 #include "desktop/session.h"
 #include "desktop/window/color_scheme.h"
 #include "desktop/window/main_window.h"
@@ -65,7 +67,8 @@ class ArgumentBytes {
 };
 
 // Each drawing goes to the name given, or, when that begins with a dot (".pdf"), beside itself under its own name.
-int exportAll(const std::string& output, const render::ExportTarget& like, const std::vector<std::string>& files) {
+int exportAll(const std::string& output, const render::ExportTarget& like, const std::vector<std::string>& files,
+              const QStringList& imageFolders) {
     namespace fs = std::filesystem;
     const host::Host measuring;  // texts measure as they do while the plug-in runs
     for (const std::string& file : files) {
@@ -80,7 +83,8 @@ int exportAll(const std::string& output, const render::ExportTarget& like, const
         if (!read) return fail(Error(read.error()).inFile(file));
         std::vector<Error> warnings;
         const QString folder = QFileInfo(QFile::decodeName(file.c_str())).absolutePath();
-        const Status exported = render::exportDrawing(*read->document, folder, target, &warnings);
+        const Status exported =
+            render::exportDrawing(*read->document, render::ImageAccess(folder, imageFolders), target, &warnings);
         if (!exported) return fail(Error(exported.error()).inFile(target.file));
         for (const std::string& warning : app::warningSentences(warnings, languageAsked))
             std::fprintf(stderr, "%s: %s\n", file.c_str(), warning.c_str());
@@ -89,27 +93,28 @@ int exportAll(const std::string& output, const render::ExportTarget& like, const
 }
 
 // A window holds one drawing; the drawing asked for comes in a window of its own beside the recovered one.
-void openBeside(const app::SessionOptions& options, const QString& file) {
+void openBeside(const app::SessionOptions& options, const QString& file, const QStringList& imageFolders) {
     QStringList arguments{QStringLiteral("--no-recovery")};
     const auto add = [&](const char* name, const std::string& value) {
         if (!value.empty()) arguments << QLatin1String(name) + QString::fromStdString(value);
     };
     add("--profile=", options.profile);
     add("--language=", options.language);
+    for (const QString& folder : imageFolders) arguments << QStringLiteral("--allow-files=") + folder;
     if (options.skipsBackups) arguments << QStringLiteral("--no-backup");
     QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments << QStringLiteral("--") << file);
 }
 
 int openWindow(QApplication& program, const app::SessionOptions& options, const std::string& recordFile,
-               ColorScheme scheme, bool asksRecovery, const QStringList& files) {
+               ColorScheme scheme, bool asksRecovery, const QStringList& files, const QStringList& imageFolders) {
     applyColorScheme(&program, scheme);
     Session session(options, recordFile);
     if (const Status started = session.start(); !started) return fail(started.error());
     languageAsked = session.language();
-    MainWindow window(&session);
+    MainWindow window(&session, imageFolders);
     window.show();
     const bool isRecovered = asksRecovery && window.file().offerRecovery();
-    if (!files.isEmpty() && isRecovered) openBeside(options, files.front());
+    if (!files.isEmpty() && isRecovered) openBeside(options, files.front(), imageFolders);
     if (!files.isEmpty() && !isRecovered) window.file().open(files.front());
     return program.exec();
 }
@@ -148,6 +153,7 @@ constexpr OptionRow kOptions[] = {
     {"format", "what is exported where the name does not say it: pdf or png", "FORMAT"},
     {"dpi", "dots per inch of a PNG export", "N", "192"},
     {"force", "export onto files that are read-only too"},
+    {"allow-files", "images in this folder and below may be shown, beside those in the drawing's own folder", "DIR"},
     {"record", "write what is done as a script", "FILE"},
     {"profile", "folder used as the documents folder", "DIR"},
     {"language", "ja, en or ko", "LANGUAGE"},
@@ -172,7 +178,7 @@ int showHelp(const QString& text) {
     return shown ? kExitOk : fail(makeError(ErrorCode::kOutputLost, shown.error().arguments));
 }
 
-int exportNamed(const QCommandLineParser& words, ArgumentBytes* bytes) {
+int exportNamed(const QCommandLineParser& words, ArgumentBytes* bytes, const QStringList& imageFolders) {
     std::vector<std::string> files;
     for (const QString& file : words.positionalArguments()) files.push_back(bytes->take(file));
     if (files.empty()) return fail(ErrorCode::kNoDrawingNamed, QStringLiteral("--export"));
@@ -181,7 +187,13 @@ int exportNamed(const QCommandLineParser& words, ArgumentBytes* bytes) {
     if (!(like.dotsPerInch > 0)) return fail(ErrorCode::kNumberNeeded, QStringLiteral("--dpi"));
     like.ending = words.value(QStringLiteral("format"));
     like.replacesReadOnly = words.isSet(QStringLiteral("force"));
-    return exportAll(bytes->take(words.value(QStringLiteral("export"))), like, files);
+    return exportAll(bytes->take(words.value(QStringLiteral("export"))), like, files, imageFolders);
+}
+
+bool isExporting(int argc, char** argv) {
+    return std::any_of(argv + 1, argv + argc, [](const char* word) {
+        return qstrcmp(word, "--export") == 0 || QByteArray(word).startsWith("--export=");
+    });
 }
 
 }  // namespace
@@ -189,16 +201,16 @@ int exportNamed(const QCommandLineParser& words, ArgumentBytes* bytes) {
 int runProgram(int argc, char** argv) {
     nameRuntimeFolder();
     // Exporting asks for no screen, and ends on a signal as the command does.
-    for (int i = 1; i < argc; ++i) {
-        if (qstrcmp(argv[i], "--export") != 0 && !QByteArray(argv[i]).startsWith("--export=")) continue;
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool isDecoding = argc == 2 && qstrcmp(argv[1], kDecodeImages) == 0;
+    if (isDecoding || isExporting(argc, argv)) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (isExporting(argc, argv)) {
         std::signal(SIGPIPE, SIG_IGN);
         files::terminateCleanly();
-        break;
     }
     ArgumentBytes bytes(argc, argv);
     Application program(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // numbers in files have points whatever the user's language
+    if (isDecoding) return decodeRequests();
     QApplication::setApplicationName(QStringLiteral("quorvel-desktop"));
     QApplication::setOrganizationName(QStringLiteral("Selkie Works"));
     QCommandLineParser words;
@@ -213,7 +225,10 @@ int runProgram(int argc, char** argv) {
     options.skipsBackups = words.isSet(QStringLiteral("no-backup"));
     options.language = words.value(QStringLiteral("language")).toStdString();
     languageAsked = app::languageOf(options);
-    if (words.isSet(QStringLiteral("export"))) return exportNamed(words, &bytes);
+    const QStringList imageFolders = words.values(QStringLiteral("allow-files"));
+    for (const QString& folder : imageFolders)
+        if (!QFileInfo(folder).isDir()) return fail(ErrorCode::kNotReadable, folder);
+    if (words.isSet(QStringLiteral("export"))) return exportNamed(words, &bytes, imageFolders);
     if (!options.language.empty() && options.language != "ja" && options.language != "en" && options.language != "ko")
         return fail(ErrorCode::kLanguageNeeded, QStringLiteral("--language"));
     if (words.isSet(QStringLiteral("seed"))) {
@@ -226,7 +241,7 @@ int runProgram(int argc, char** argv) {
                       asked == QLatin1String("dark")    ? ColorScheme::dark
                       : asked == QLatin1String("light") ? ColorScheme::light
                                                         : savedColorScheme(),
-                      !words.isSet(QStringLiteral("no-recovery")), files);
+                      !words.isSet(QStringLiteral("no-recovery")), files, imageFolders);
 }
 
 }  // namespace quorvel::desktop

@@ -7,6 +7,8 @@
 
 #include "interchange/svg/svg.h"
 #include "render/outline.h"
+#include "svg/markup/element_spans.h"
+#include "svg/markup/start_tag.h"
 #include "svg/values/reference.h"
 
 namespace quorvel::render {
@@ -116,6 +118,14 @@ std::string_view AppearanceReader::paintText(const AIColor& paint) const {
     const auto number = static_cast<std::size_t>(std::max(0, paint.reference));
     if ((paint.kind != kGradientPaint && paint.kind != kOtherPaint) || number < 1 || number > texts.size()) return {};
     return texts[number - 1];
+}
+
+std::string AppearanceReader::nameOf(const doc::Art& art) const {
+    if (art.ref.index < 0 || source_ == nullptr) return "path";
+    const svg::StartTag tag(svg::startTagText(*source_->text, source_->element(art.ref.index).nameOffset));
+    const std::string name(svg::withoutPrefix(tag.name()));
+    const std::optional<std::string> id = tag.attribute("id");
+    return id ? name + " \"" + *id + '"' : name;
 }
 
 std::optional<QBrush> AppearanceReader::gradient(const AIColor& paint, const doc::Art& art,

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -42,6 +43,8 @@ class AppearanceReader {
     const interchange::SvgSource* source() const { return source_; }
     // What the paint says that is no plain colour; empty for those.
     std::string_view paintText(const AIColor& paint) const;
+    // The art's element, such as 'path "edge"'.
+    std::string nameOf(const doc::Art& art) const;
     // Whether the drawing holds art of kinds that are kept and never entered.
     bool hasForeign() const { return hasForeign_; }
     // For a paint that is a gradient; nothing when it cannot be drawn. bounds: of the art, in document points.

@@ -26,6 +26,8 @@ class ArtBoxes {
     // With strokes and markers, or what glyphs leave their boxes by; groups cover what is in them, and may have covered
     // more before. Null for art that shows nothing.
     QRectF drawn(const doc::Art& art);
+    // Images have got other sizes.
+    void forget() { groups_.clear(); }
     // The same for art that has changed; the groups round it grow to hold it.
     QRectF renewed(const doc::Art& art);
 

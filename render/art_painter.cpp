@@ -1,6 +1,7 @@
 #include "render/art_painter.h"
 
 #include <QGradient>
+#include <QPaintEngine>
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -16,6 +17,8 @@ namespace {
 
 // Art smaller than this is drawn as a dot, since nobody sees more of it.
 constexpr double kDotPixels = 0.5;
+constexpr double kOfAnAnchor = 300, kOfACharacter = 5'000;  // nanoseconds
+constexpr double kManyLines = 5e7;                          // nanoseconds
 const QColor kGuideColor(0x00, 0xb4, 0xd8);
 
 QBrush faded(const QBrush& brush, double opacity) {
@@ -74,6 +77,28 @@ ArtPainter::ArtPainter(const doc::Document& document, AppearanceReader* looks, S
                        ForeignArtCache* foreign, ArtBoxes* boxes, const PaintState* state)
     : document_(document), looks_(*looks), drawings_(*drawings), foreign_(*foreign), boxes_(*boxes), state_(*state) {}
 
+PaintScale PaintState::scale() const {
+    PaintScale scale{painter->paintEngine()->type() != QPaintEngine::Raster, pixel, sight};
+    // Text is painted in coordinates of its own.
+    if (const QTransform now = painter->worldTransform(); now != world) {
+        const QTransform fromDocument = world * now.inverted();
+        scale.pixel *= std::sqrt(std::abs(fromDocument.determinant()));
+        scale.sight = fromDocument.mapRect(sight);
+    }
+    return scale;
+}
+
+bool ArtPainter::take(double nanoseconds, const doc::Art& art) {
+    if (state_.budget->take(nanoseconds)) return true;
+    leaveOut(art);
+    return false;
+}
+
+void ArtPainter::leaveOut(const doc::Art& art) {
+    if (!state_.budget->leaveOut()) return;
+    state_.budget->nameLeftOut(state_.definition.empty() ? looks_.nameOf(art) : state_.definition);
+}
+
 // --- paints --------------------------------------------------------------------------------------------------------
 
 QBrush ArtPainter::brushOf(const AIColor& color, const doc::Art& art, double opacity) const {
@@ -92,22 +117,51 @@ QBrush ArtPainter::brushOf(const AIColor& color, const doc::Art& art, double opa
 void ArtPainter::fill(const QPainterPath& outline, const AIColor& color, const doc::Art& art, double opacity) {
     const PatternDrawing* pattern =
         color.kind == kOtherPaint ? drawings_.pattern(svg::urlFragment(looks_.paintText(color))) : nullptr;
-    if (pattern == nullptr) return to().fillPath(outline, brushOf(color, art, opacity));
+    if (pattern == nullptr) {
+        const QBrush brush = brushOf(color, art, opacity);
+        if (take(fillCost(outline, brush, state_.scale()), art)) to().fillPath(outline, brush);
+        return;
+    }
+    if (!take(clipCost(outline, state_.scale()), art)) return;
     const QTransform user = looks_.userSpace(art);
     const double before = to().opacity();
     to().setOpacity(before * opacity);
     // Text is filled in coordinates of its own.
     const QTransform toDocument = to().worldTransform() * state_.world.inverted();
-    fillWithPattern(*pattern, outline, user * toDocument.inverted(), user.inverted().mapRect(boxes_.plain(art)),
-                    toDocument.inverted().mapRect(state_.sight), state_.options.context, state_.painter);
+    const bool isWhole = fillWithPattern(
+        *pattern, outline, user * toDocument.inverted(), user.inverted().mapRect(boxes_.plain(art)),
+        toDocument.inverted().mapRect(state_.sight), state_.options.context, state_.painter, state_.budget);
+    if (!isWhole) leaveOut(art);
     to().setOpacity(before);
 }
 
 void ArtPainter::stroke(const QPainterPath& outline, QPen pen, const AIColor& color, const doc::Art& art,
                         double opacity) {
+    if (color.kind != kOtherPaint) pen.setBrush(brushOf(color, art, opacity));
+    const PaintScale scale = state_.scale();
+    const double cost = strokeCost(outline, pen, scale);
+    // Each of many lines on its own takes far less than all at once, and looks the same where it hides what is below.
+    if (cost > kManyLines && !scale.isVector && pen.brush().isOpaque()) return strokeEach(outline, pen, art);
+    if (!take(cost, art)) return;
     if (color.kind == kOtherPaint) return fill(QPainterPathStroker(pen).createStroke(outline), color, art, opacity);
-    pen.setBrush(brushOf(color, art, opacity));
     to().strokePath(outline, pen);
+}
+
+void ArtPainter::strokeEach(const QPainterPath& outline, const QPen& pen, const doc::Art& art) {
+    const PaintScale scale = state_.scale();
+    for (int begin = 0, end = 0; begin < outline.elementCount(); begin = end) {
+        QPainterPath line;
+        line.moveTo(outline.elementAt(begin));
+        for (end = begin + 1; end < outline.elementCount() && !outline.elementAt(end).isMoveTo(); ++end)
+            if (const auto element = outline.elementAt(end); element.isLineTo()) {
+                line.lineTo(element);
+            } else {
+                line.cubicTo(element, outline.elementAt(end + 1), outline.elementAt(end + 2));
+                end += 2;
+            }
+        if (line.elementCount() > 2 && line.currentPosition() == QPointF(line.elementAt(0))) line.closeSubpath();
+        if (take(strokeCost(line, pen, scale), art)) to().strokePath(line, pen);
+    }
 }
 
 // --- outlines ------------------------------------------------------------------------------------------------------
@@ -136,7 +190,10 @@ void ArtPainter::path(const doc::Art& art) {
     const AIPathStyle& style = *path->style;
     const Appearance& look = looks_.of(art);
     if (!look.hasMarkers && dot(art, style)) return;
-    QPainterPath outline = outlineOf(document_, art);
+    std::size_t anchors = 0;
+    for (const doc::PathData* piece : piecesOf(document_, art)) anchors += piece->segments.size();
+    if (!take(double(anchors) * kOfAnAnchor, art)) return;
+    QPainterPath outline = withoutFarCurves(outlineOf(document_, art), state_.pixel);
     outline.setFillRule(look.fillRule);
     if (style.fillPaint != 0) fill(outline, style.fill, art, look.fillOpacity);
     if (style.strokePaint != 0 && style.strokeWidth > 0)
@@ -156,6 +213,7 @@ void ArtPainter::markers(const doc::Art& art, const AIPathStyle& style, const Ap
     };
     const ContextPaint context{ink(style.fillPaint != 0, style.fill), ink(style.strokePaint != 0, style.stroke)};
     for (const MarkerPlace& place : markerPlaces(piecesOf(document_, art), user.inverted())) {
+        if (state_.budget->isSpent()) return leaveOut(art);
         const MarkerDrawing* drawing = drawings_.marker(look.markers[static_cast<std::size_t>(place.kind)]);
         if (drawing == nullptr) continue;
         const svg::Marker& said = *drawing->marker;
@@ -185,6 +243,7 @@ void ArtPainter::text(const doc::Art& art) {
     const RealRect bounds = document_.bounds(art.id);
     const double tall = double(bounds.top) - bounds.bottom, wide = double(bounds.right) - bounds.left;
     if (tall < state_.pixel && wide < state_.pixel) return;
+    if (!take(double(art.text->text.size()) * kOfACharacter, art)) return;
     const Appearance& look = looks_.of(art);
     // In the text's own coordinates, where the outlines are.
     const double strokeWidth =

@@ -8,11 +8,14 @@
 #include <QPen>
 #include <QRectF>
 #include <QTransform>
+#include <string>
 
 #include "document/document.h"
 #include "render/appearance.h"
 #include "render/art_boxes.h"
 #include "render/foreign_art.h"
+#include "render/paint_budget.h"
+#include "render/paint_cost.h"
 #include "render/sub_drawing.h"
 
 namespace quorvel::render {
@@ -26,11 +29,16 @@ struct PaintOptions {
 
 // Where and how it is painted now. The painter's coordinates are document points.
 struct PaintState {
+    PaintBudget* budget = nullptr;
+    std::string definition;  // that is being painted; empty: none
     QPainter* painter = nullptr;
     PaintOptions options;
     QTransform world;  // from document points to the painter's device
     QRectF sight;      // in document points
     double pixel = 1;  // points
+
+    // Of the painter's coordinates as they are now.
+    PaintScale scale() const;
 };
 
 class ArtPainter {
@@ -38,6 +46,10 @@ class ArtPainter {
     // All outlive the painter.
     ArtPainter(const doc::Document& document, AppearanceReader* looks, SubDrawingCache* drawings,
                ForeignArtCache* foreign, ArtBoxes* boxes, const PaintState* state);
+
+    // Counts the work. False, with the art noted as left out, when it must not be done.
+    [[nodiscard]] bool take(double nanoseconds, const doc::Art& art);
+    void leaveOut(const doc::Art& art);
 
     void path(const doc::Art& art);
     void text(const doc::Art& art);
@@ -51,6 +63,7 @@ class ArtPainter {
     // Fills the outline, which is of the art's shape or of its stroke.
     void fill(const QPainterPath& outline, const AIColor& color, const doc::Art& art, double opacity);
     void stroke(const QPainterPath& outline, QPen pen, const AIColor& color, const doc::Art& art, double opacity);
+    void strokeEach(const QPainterPath& outline, const QPen& pen, const doc::Art& art);
     QBrush brushOf(const AIColor& color, const doc::Art& art, double opacity) const;
     QPainter& to() const { return *state_.painter; }
 

@@ -5,6 +5,7 @@
 
 #include "interchange/svg/content.h"
 #include "render/outline.h"
+#include "render/paint_cost.h"
 
 namespace quorvel::render {
 
@@ -24,8 +25,8 @@ struct ClipMaskCache::Content {
     QTransform toContent;  // from the document's points
 };
 
-ClipMaskCache::ClipMaskCache(std::shared_ptr<svg::File> file, SubDrawingCache* drawings)
-    : file_(std::move(file)), drawings_(*drawings) {}
+ClipMaskCache::ClipMaskCache(std::shared_ptr<svg::File> file, SubDrawingCache* drawings, PaintBudget* budget)
+    : file_(std::move(file)), drawings_(*drawings), budget_(*budget) {}
 ClipMaskCache::~ClipMaskCache() = default;
 
 ClipMaskCache::Content* ClipMaskCache::contentOf(std::string_view id, const svg::ClipPath& clip) {
@@ -46,7 +47,20 @@ ClipMaskCache::Content* ClipMaskCache::contentOf(std::string_view id, const svg:
 struct ClipMaskCache::Outlines {
     ClipMaskCache& cache;
     std::size_t nodes = 0;
-    bool ofBox = false;
+    bool ofBox = false, isWhole = true;
+
+    bool mayCombine(const QPainterPath& one, const QPainterPath& other) {
+        isWhole = isWhole && cache.budget_.take(combineCost(one, other));
+        return isWhole;
+    }
+    // One that is alone keeps its own fill rule.
+    void unite(QPainterPath* whole, const QPainterPath& more) {
+        if (!mayCombine(*whole, more) || more.isEmpty()) return;
+        *whole = whole->isEmpty() ? more : *whole | more;
+    }
+    QPainterPath intersection(const QPainterPath& one, const QPainterPath& other) {
+        return mayCombine(one, other) ? one & other : QPainterPath();
+    }
 
     QPainterPath clipOf(std::string_view id, const svg::ClipPath& clip, const QRectF& box, int depth) {
         ofBox = ofBox || clip.inBox;
@@ -54,10 +68,10 @@ struct ClipMaskCache::Outlines {
         QPainterPath whole;
         if (const Content* content = cache.contentOf(id, clip); content->document != nullptr)
             for (const doc::LayerId layer : content->document->layers())
-                whole |=
-                    outlineIn(*content, *content->document->find(content->document->layer(layer)->root), map, depth);
+                unite(&whole,
+                      outlineIn(*content, *content->document->find(content->document->layer(layer)->root), map, depth));
         if (const svg::ClipPath* outer = cache.file_->definitions().clipPath(clip.clippedBy); outer && depth < kDeepest)
-            whole &= clipOf(clip.clippedBy, *outer, box, depth + 1);
+            whole = intersection(whole, clipOf(clip.clippedBy, *outer, box, depth + 1));
         return whole;
     }
 
@@ -68,11 +82,11 @@ struct ClipMaskCache::Outlines {
 
     // The union of what the art and all in it cover, in the space that map leads to.
     QPainterPath outlineIn(const Content& content, const doc::Art& art, const QTransform& map, int depth) {
-        if (++nodes > kMostNodes || art.hidden) return {};
+        if (!isWhole || ++nodes > kMostNodes || art.hidden) return {};
         QPainterPath covered;
         if (art.kind == kGroupArt && mayClip(content, art)) {
             forEachChildUpwards(*content.document, art,
-                                [&](const doc::Art& child) { covered |= outlineIn(content, child, map, depth); });
+                                [&](const doc::Art& child) { unite(&covered, outlineIn(content, child, map, depth)); });
         } else if (art.kind == kPathArt || art.kind == kCompoundPathArt) {
             covered = (content.toContent * map).map(outlineOf(*content.document, art));
             covered.setFillRule(content.looks->of(art).clipRule);
@@ -81,22 +95,24 @@ struct ClipMaskCache::Outlines {
         const svg::ClipPath* own = depth < kDeepest ? cache.file_->definitions().clipPath(id) : nullptr;
         if (own == nullptr) return covered;
         const QTransform user = content.looks->userSpace(art) * content.toContent * map;
-        return covered & user.map(clipOf(id, *own, user.inverted().mapRect(covered.boundingRect()), depth + 1));
+        return intersection(covered,
+                            user.map(clipOf(id, *own, user.inverted().mapRect(covered.boundingRect()), depth + 1)));
     }
 };
 
 // Uniting outlines is slow, and each painting asks.
-std::pair<QPainterPath, bool> ClipMaskCache::clip(std::string_view id, const QRectF& box) {
+ClipMaskCache::Cut ClipMaskCache::clip(std::string_view id, const QRectF& box) {
     const svg::ClipPath* clipPath = file_ == nullptr ? nullptr : file_->definitions().clipPath(id);
-    if (clipPath == nullptr) return {QPainterPath(), false};
+    if (clipPath == nullptr) return {};
+    if (budget_.isSpent()) return {{}, true, false};
     const auto [kept, added] = clips_.try_emplace(std::string(id));
     if (Clip& clip = kept->second; added || (clip.ofBox && clip.box != box)) {
         Outlines outlines{*this};
-        clip.outline = outlines.clipOf(id, *clipPath, box, 0);
+        clip.cut = {outlines.clipOf(id, *clipPath, box, 0), true, outlines.isWhole};
         clip.ofBox = outlines.ofBox;
         clip.box = box;
     }
-    return {kept->second.outline, true};
+    return kept->second.cut;
 }
 
 QImage ClipMaskCache::mask(std::string_view id, const QTransform& userToPixels, QSize size, const QRectF& box) {

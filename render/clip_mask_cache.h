@@ -21,12 +21,17 @@ namespace quorvel::render {
 class ClipMaskCache {
   public:
     // file may be null: then there is nothing.
-    ClipMaskCache(std::shared_ptr<svg::File> file, SubDrawingCache* drawings);
+    ClipMaskCache(std::shared_ptr<svg::File> file, SubDrawingCache* drawings, PaintBudget* budget);
     ~ClipMaskCache();
 
-    // What is shown of art that refers to the clip path, in the art's user space; box: of the art there, for units of
-    // its own. Nothing is shown by a clip path without outlines; without such a clip path the second is false.
-    std::pair<QPainterPath, bool> clip(std::string_view id, const QRectF& box);
+    // What is shown of art, in its user space. A clip path without outlines shows nothing.
+    struct Cut {
+        QPainterPath outline;
+        bool isThere = false;  // the file has such a clip path
+        bool isWhole = true;   // the budget has allowed to work it out
+    };
+    // box: of the art in its user space, for units of its own.
+    Cut clip(std::string_view id, const QRectF& box);
     // Of the size given, each pixel's alpha the mask's luminance there (SVG 1.1, 14.4), or its alpha. Null when there
     // is no such mask.
     QImage mask(std::string_view id, const QTransform& userToPixels, QSize size, const QRectF& box);
@@ -35,7 +40,7 @@ class ClipMaskCache {
     struct Outlines;
     struct Content;
     struct Clip {
-        QPainterPath outline;
+        Cut cut;
         bool ofBox = false;  // it is another one for another box
         QRectF box;
     };
@@ -43,6 +48,7 @@ class ClipMaskCache {
 
     std::shared_ptr<svg::File> file_;
     SubDrawingCache& drawings_;
+    PaintBudget& budget_;
     std::unordered_map<std::string, Clip> clips_;  // as last asked for
     std::unordered_map<std::string, std::unique_ptr<Content>> contents_;
 };

@@ -9,6 +9,7 @@
 
 #include "base/result.h"
 #include "document/document.h"
+#include "render/image_decoder.h"
 
 class QPrinter;
 
@@ -24,13 +25,14 @@ struct ExportTarget {
     bool replacesReadOnly = false;
 };
 
-// folder: where linked pictures are. warnings: what the export leaves out. After an error nothing is left under the
-// target's name that was not there before.
-Status exportDrawing(const doc::Document& document, const QString& folder, const ExportTarget& target,
-                     std::vector<Error>* warnings = nullptr);
+// warnings: what the export leaves out. decoder: null to decode images in this process; it must not make them wait.
+// After an error nothing is left under the target's name that was not there before.
+Status exportDrawing(const doc::Document& document, const ImageAccess& access, const ExportTarget& target,
+                     std::vector<Error>* warnings = nullptr, ImageDecoder* decoder = nullptr);
 // From the document to a printer's dots on the whole sheet: at true size where the paper holds the page, else as large
 // as fits between the margins.
 QTransform printTransform(const doc::Document& document, const QPageLayout& paper, int dotsPerInch);
-void printDrawing(const doc::Document& document, const QString& folder, QPrinter* printer);
+void printDrawing(const doc::Document& document, const ImageAccess& access, QPrinter* printer,
+                  ImageDecoder* decoder = nullptr);
 
 }  // namespace quorvel::render

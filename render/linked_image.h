@@ -1,17 +1,49 @@
-// A picture that a drawing names or holds in itself. The file is not trusted: it may be a pipe, damaged, too large, or
-// a drawing that shows itself.
+// The images that a drawing names, each looked up and decoded once for all painters of the drawing.
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
-#include <QString>
+#include <memory>
+#include <set>
+#include <string>
+#include <unordered_map>
 
-#include "base/result.h"
+#include "base/error.h"
+#include "render/image_decoder.h"
 
 namespace quorvel::render {
 
-// href: a file, looked for from folder, or a "data:" URL. What it is counts by its content: PNG, JPEG, GIF, WebP or
-// SVG. Errors have the name as an argument where they have one: kImageLeftOut when it cannot be read, is no such
-// picture, has more than 100 million pixels, or is a drawing that is being drawn already or within four others.
-Result<QImage> readLinkedImage(const QString& href, const QString& folder);
+struct LinkedImage {
+    QImage image;            // null while it is waited for, and for what is left out
+    bool isWaiting = false;  // it may be there later
+};
+
+class LinkedImages {
+  public:
+    // decoder: null to decode in this process.
+    LinkedImages(ImageAccess access, ImageDecoder* decoder, DrawingsWithin within, std::shared_ptr<PaintBudget> budget);
+
+    // Good until forgetWaiting().
+    const LinkedImage& of(const std::string& href);
+    // What was waited for is asked for again. False when there is no such image.
+    bool forgetWaiting();
+    // Each image that cannot be shown, once.
+    const std::set<Error>& warnings() const { return warnings_; }
+    void warn(const Error& warning) { warnings_.insert(warning); }
+
+  private:
+    LinkedImage read(const std::string& href);
+    LinkedImage decode(const ImageSource& source);
+
+    ImageAccess access_;
+    ImageDecoder* decoder_;
+    DrawingsWithin within_;
+    std::shared_ptr<PaintBudget> budget_;
+    // By what the drawing says, and by the key of what that leads to: a file has names without number.
+    std::unordered_map<std::string, LinkedImage> known_;
+    std::unordered_map<QByteArray, LinkedImage> decoded_;
+    double pixels_ = 0;  // of all
+    std::set<Error> warnings_;
+};
 
 }  // namespace quorvel::render

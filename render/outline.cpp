@@ -46,6 +46,17 @@ QPainterPath outlineOf(const doc::Document& document, const doc::Art& art) {
     return outline;
 }
 
+QPainterPath withoutFarCurves(const QPainterPath& outline, double pixel) {
+    constexpr double kFarthest = 30'000;  // pixels
+    const QRectF box = outline.controlPointRect();
+    if (!(std::max(box.width(), box.height()) > kFarthest * pixel)) return outline;
+    QPainterPath lines;
+    lines.setFillRule(outline.fillRule());
+    for (const QPolygonF& polygon : outline.toSubpathPolygons(QTransform::fromScale(1 / pixel, 1 / pixel)))
+        lines.addPolygon(polygon);
+    return QTransform::fromScale(pixel, pixel).map(lines);
+}
+
 QPainterPath frameOf(const doc::Document& document, const doc::Art& art) {
     QPainterPath frame;
     const interchange::SvgSource* source = interchange::svgSource(document);

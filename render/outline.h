@@ -24,6 +24,9 @@ QColor toQt(const AIColor& color);
 
 // Of a path, or of all members of a compound path.
 QPainterPath outlineOf(const doc::Document& document, const doc::Art& art);
+// The same with straight lines for curves when it reaches out of the coordinates of the raster engine, which cuts
+// curves in seconds and lines in no time. pixel: in the outline's units.
+QPainterPath withoutFarCurves(const QPainterPath& outline, double pixel);
 // Of foreign art: the frame that its element gives it, which may be turned. Empty for elements that have none.
 QPainterPath frameOf(const doc::Document& document, const doc::Art& art);
 // What all art at and below this covers without its strokes: its bounds, and the frames of foreign art, which has no

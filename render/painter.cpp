@@ -24,16 +24,45 @@ std::shared_ptr<svg::File> fileOf(const doc::Document& document) {
 
 }  // namespace
 
-DocumentPainter::DocumentPainter(const doc::Document& document, QString folder, DefinitionsAround around)
+DocumentPainter::DocumentPainter(const doc::Document& document, const ImageAccess& access)
+    : DocumentPainter(document, PaintResources::of(access), {}) {}
+
+DocumentPainter::DocumentPainter(const doc::Document& document, std::shared_ptr<PaintResources> resources,
+                                 const DefinitionsAround& around)
     : document_(document),
+      isOutermost_(around.empty() && resources->isOutermost),
+      resources_(std::move(resources)),
       looks_(document),
-      drawings_(fileOf(document), folder, std::move(around)),
-      clips_(fileOf(document), &drawings_),
-      foreign_(document, folder),
+      drawings_(fileOf(document), resources_, around),
+      clips_(fileOf(document), &drawings_, resources_->budget.get()),
+      foreign_(document, resources_.get()),
       boxes_(document, &looks_, &drawings_, &foreign_),
-      artPainter_(document, &looks_, &drawings_, &foreign_, &boxes_, &state_) {}
+      artPainter_(document, &looks_, &drawings_, &foreign_, &boxes_, &state_) {
+    state_.budget = resources_->budget.get();
+    if (!around.empty()) state_.definition = '#' + around.back();
+    beginBudget();
+}
+
+void DocumentPainter::beginBudget() {
+    const interchange::SvgSource* source = interchange::svgSource(document_);
+    if (isOutermost_) resources_->budget->begin(source == nullptr ? 0 : source->text->size());
+}
 
 DocumentPainter::~DocumentPainter() = default;
+
+std::vector<Error> DocumentPainter::warnings() const {
+    const std::set<Error>& images = resources_->images.warnings();
+    std::vector<Error> warnings(images.begin(), images.end());
+    if (const std::optional<Error> leftOut = resources_->budget->warning()) warnings.push_back(*leftOut);
+    return warnings;
+}
+
+bool DocumentPainter::forgetWaitingImages() {
+    if (!resources_->images.forgetWaiting()) return false;
+    foreign_.forgetWaiting();
+    boxes_.forget();
+    return true;
+}
 
 bool DocumentPainter::dependsOnMembers(const doc::Art& art) {
     if (art.kind == kCompoundPathArt) return true;
@@ -57,6 +86,7 @@ void DocumentPainter::paint(QPainter* painter, const QTransform& toDevice, const
 
 std::vector<PaintItem> DocumentPainter::order(const QTransform& toDevice, const QRectF& clip,
                                               const PaintOptions& options) {
+    beginBudget();
     beginPaint(toDevice, clip, options);
     std::vector<PaintItem> items;
     const auto& layers = document_.layers();
@@ -97,7 +127,9 @@ void DocumentPainter::addMarks(const doc::Art& art, std::vector<PaintItem>* item
 std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
                                         const PaintOptions& options, const std::vector<PaintItem>& items,
                                         std::size_t first, const QDeadlineTimer& until) {
-    constexpr std::size_t kBetweenLooksAtTheClock = 32;
+    constexpr std::size_t kItemsBetweenLooks = 32;  // at the clock
+    constexpr double kBetweenLooks = 1e6;           // nanoseconds of work
+    double spentTo = state_.budget->left();
     beginPaint(toDevice, clip, options);
     state_.painter = painter;
     painter->save();
@@ -107,21 +139,25 @@ std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toD
     state_.world = painter->worldTransform();
     std::size_t next = first;
     doc::ArtId clippedBy = 0;
+    bool isCut = true;
     while (next < items.size()) {
         if (items[next].clippedBy != clippedBy) {
+            isCut = true;
             if (clippedBy != 0) painter->restore();
             clippedBy = items[next].clippedBy;
             if (clippedBy != 0) {
                 painter->save();
-                clipToGroups(clippedBy);
+                isCut = clipToGroups(clippedBy);
             }
         }
         const doc::Art* art = document_.find(items[next].art);
         if (art != nullptr && items[next].mark)
             artPainter_.mark(*art);
-        else if (art != nullptr)
+        else if (art != nullptr && isCut)
             paintArt(*art);
-        if (++next % kBetweenLooksAtTheClock == 0 && until.hasExpired()) break;
+        const bool isLate = spentTo - state_.budget->left() > kBetweenLooks;
+        if (isLate) spentTo = state_.budget->left();
+        if ((++next % kItemsBetweenLooks == 0 || isLate) && until.hasExpired()) break;
     }
     if (clippedBy != 0) painter->restore();
     painter->restore();
@@ -140,25 +176,36 @@ bool DocumentPainter::isOutOfSight(const doc::Art& art) {
 
 // --- art -----------------------------------------------------------------------------------------------------------
 
-void DocumentPainter::clipTo(const doc::Art& art, const Appearance& look) {
+bool DocumentPainter::clipTo(const doc::Art& art, const Appearance& look) {
     const QTransform user = looks_.userSpace(art);
-    const auto [outline, isThere] = clips_.clip(look.clip, user.inverted().mapRect(boxes_.plain(art)));
-    if (isThere) state_.painter->setClipPath(user.map(outline), Qt::IntersectClip);
+    const ClipMaskCache::Cut cut = clips_.clip(look.clip, user.inverted().mapRect(boxes_.plain(art)));
+    if (!cut.isThere) return true;
+    const QPainterPath outline = user.map(cut.outline);
+    if (!cut.isWhole)
+        artPainter_.leaveOut(art);
+    else if (artPainter_.take(clipCost(outline, state_.scale()), art)) {
+        state_.painter->setClipPath(outline, Qt::IntersectClip);
+        return true;
+    }
+    return false;
 }
 
-void DocumentPainter::clipToGroups(doc::ArtId nearest) {
+bool DocumentPainter::clipToGroups(doc::ArtId nearest) {
     for (const doc::Art* group = document_.find(nearest); group != nullptr; group = document_.find(group->parent))
-        if (const Appearance& look = looks_.of(*group); !look.clip.empty()) clipTo(*group, look);
+        if (const Appearance& look = looks_.of(*group); !look.clip.empty() && !clipTo(*group, look)) return false;
+    return true;
 }
 
 void DocumentPainter::paintArt(const doc::Art& art) {
     if (art.hidden || (art.parent != 0 && isOutOfSight(art))) return;
     const Appearance look = looks_.of(art);
-    const bool isClipped = !look.clip.empty();
-    if (isClipped) {
-        state_.painter->save();
-        clipTo(art, look);
-    }
+    if (look.clip.empty()) return paintUnclipped(art, look);
+    state_.painter->save();
+    if (clipTo(art, look)) paintUnclipped(art, look);
+    state_.painter->restore();
+}
+
+void DocumentPainter::paintUnclipped(const doc::Art& art, const Appearance& look) {
     const doc::PathData* path = paintedPath(document_, art);
     const bool overlaps =
         art.kind == kGroupArt || look.hasMarkers ||
@@ -171,7 +218,6 @@ void DocumentPainter::paintArt(const doc::Art& art) {
         paintContent(art);
         state_.painter->setOpacity(before);
     }
-    if (isClipped) state_.painter->restore();
 }
 
 void DocumentPainter::paintContent(const doc::Art& art) {
@@ -187,7 +233,7 @@ void DocumentPainter::paintContent(const doc::Art& art) {
             artPainter_.text(art);
             break;
         case kForeignArt:
-            foreign_.draw(art, state_.painter);
+            if (artPainter_.take(foreign_.cost(art, state_.scale()), art)) foreign_.draw(art, state_.painter);
             break;
         case kUnknownArt:
             break;
@@ -204,9 +250,14 @@ void DocumentPainter::paintApart(const doc::Art& art, const Appearance& look) {
     const double shrink = std::min(1.0, kLargestPicture / std::max(place.width(), place.height()));
     const QTransform toPicture =
         toDevice * QTransform::fromTranslate(-place.x(), -place.y()) * QTransform::fromScale(shrink, shrink);
-    QImage picture(QSize(static_cast<int>(std::ceil(place.width() * shrink)),
-                         static_cast<int>(std::ceil(place.height() * shrink))),
-                   QImage::Format_ARGB32_Premultiplied);
+    const QSize size(static_cast<int>(std::ceil(place.width() * shrink)),
+                     static_cast<int>(std::ceil(place.height() * shrink)));
+    const double dots = double(size.width()) * size.height();
+    const double laidOn = state_.scale().isVector ? 0 : double(place.width()) * place.height();
+    const HeldDots held(state_.budget, look.mask.empty() ? dots : 2 * dots);
+    if (!held) return artPainter_.leaveOut(art);
+    if (!artPainter_.take(pictureCost(dots, !look.mask.empty(), laidOn), art)) return;
+    QImage picture(size, QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull()) return;
     picture.fill(Qt::transparent);
     {

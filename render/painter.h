@@ -3,8 +3,8 @@
 
 #include <QDeadlineTimer>
 #include <QPainter>
-#include <QString>
 #include <QTransform>
+#include <memory>
 #include <vector>
 
 #include "document/document.h"
@@ -26,9 +26,11 @@ struct PaintItem {
 
 class DocumentPainter {
   public:
-    // folder: where pictures that the drawing links to are looked for. around: of a drawing that is a definition's,
-    // such as a marker.
-    DocumentPainter(const doc::Document& document, QString folder, DefinitionsAround around = {});
+    // Decodes images in this process.
+    DocumentPainter(const doc::Document& document, const ImageAccess& access);
+    // around: of a drawing that is a definition's, such as a marker.
+    DocumentPainter(const doc::Document& document, std::shared_ptr<PaintResources> resources,
+                    const DefinitionsAround& around);
     ~DocumentPainter();
 
     // toDevice takes document points, y up, to the painter's pixels. Only what meets clip, in those pixels, is drawn.
@@ -45,25 +47,32 @@ class DocumentPainter {
     // What a piece of art may cover, in document points, and the same for art that has changed.
     QRectF drawnBox(const doc::Art& art) { return boxes_.drawn(art); }
     QRectF renewedBox(const doc::Art& art) { return boxes_.renewed(art); }
-    // Images that could not be shown in what has been painted.
-    const std::vector<Error>& warnings() const { return foreign_.warnings(); }
+    // What could not be shown of what has been painted.
+    std::vector<Error> warnings() const;
+    // Images that were waited for are asked for again when they are painted. False when there are none.
+    bool forgetWaitingImages();
     // True for art that looks different throughout when any of its members changes.
     bool dependsOnMembers(const doc::Art& art);
 
   private:
+    void beginBudget();
     void paintArt(const doc::Art& art);
+    void paintUnclipped(const doc::Art& art, const Appearance& look);
     void paintContent(const doc::Art& art);
     // Paints the art on a picture of its own, which is laid down as a whole.
     void paintApart(const doc::Art& art, const Appearance& look);
     void maskPicture(const doc::Art& art, const Appearance& look, const QTransform& toPicture, QPainter* picture);
-    void clipTo(const doc::Art& art, const Appearance& look);
-    void clipToGroups(doc::ArtId nearest);
+    // False, with the art noted as left out, when it cannot be cut.
+    [[nodiscard]] bool clipTo(const doc::Art& art, const Appearance& look);
+    [[nodiscard]] bool clipToGroups(doc::ArtId nearest);
     void beginPaint(const QTransform& toDevice, const QRectF& clip, const PaintOptions& options);
     void addItems(const doc::Art& art, doc::ArtId clippedBy, std::vector<PaintItem>* items);
     void addMarks(const doc::Art& art, std::vector<PaintItem>* items);
     bool isOutOfSight(const doc::Art& art);
 
     const doc::Document& document_;
+    bool isOutermost_;  // its painting begins the budget
+    std::shared_ptr<PaintResources> resources_;
     AppearanceReader looks_;
     SubDrawingCache drawings_;
     ClipMaskCache clips_;

@@ -14,16 +14,24 @@ namespace {
 
 constexpr std::size_t kDeepest = 3;    // of drawings within drawings
 constexpr double kMostTiles = 10'000;  // of one filling; more are too small to be told apart
+// Nanoseconds, of opening a drawing and of each of its elements; of painting it, and of looking at each.
+constexpr double kOfOpening = 50'000, kOfAnElement = 3'000, kOfPainting = 4'000, kOfALook = 60, kOfATile = 8'000;
 
 }  // namespace
 
 // --- a drawing within another --------------------------------------------------------------------------------------
 
 SubDrawing::SubDrawing(const std::shared_ptr<svg::File>& file, const svg::Content& content,
-                       const svg::Viewport& viewport, const QString& folder, const DefinitionsAround& around)
-    : document_(interchange::openContent(file, content, viewport)) {
+                       const svg::Viewport& viewport, std::shared_ptr<PaintResources> resources,
+                       const DefinitionsAround& around)
+    : resources_(std::move(resources)) {
+    if (!resources_->budget->take(kOfOpening)) return;
+    document_ = interchange::openContent(file, content, viewport);
     if (document_ == nullptr) return;
-    painter_ = std::make_unique<DocumentPainter>(*document_, folder, around);
+    elements_ = double(interchange::svgSource(*document_)->tree.size());
+    if (!resources_->budget->take(elements_ * kOfAnElement)) document_.reset();
+    if (document_ == nullptr) return;
+    painter_ = std::make_unique<DocumentPainter>(*document_, resources_, around);
     toContent_ = toQt(interchange::svgSource(*document_)->tree.map(0)).inverted();
 }
 
@@ -38,6 +46,7 @@ QRectF SubDrawing::box() const {
 
 void SubDrawing::paint(QPainter* painter, const QTransform& toWorld, const QRectF& sight,
                        const ContextPaint& context) const {
+    if (resources_->budget->isSpent() || !resources_->budget->take(kOfPainting + elements_ * kOfALook)) return;
     const QTransform world = painter->worldTransform();
     PaintOptions options;
     options.context = context;
@@ -47,8 +56,9 @@ void SubDrawing::paint(QPainter* painter, const QTransform& toWorld, const QRect
     painter->restore();
 }
 
-SubDrawingCache::SubDrawingCache(std::shared_ptr<svg::File> file, QString folder, DefinitionsAround around)
-    : file_(std::move(file)), folder_(std::move(folder)), around_(std::move(around)) {}
+SubDrawingCache::SubDrawingCache(std::shared_ptr<svg::File> file, std::shared_ptr<PaintResources> resources,
+                                 DefinitionsAround around)
+    : file_(std::move(file)), resources_(std::move(resources)), around_(std::move(around)) {}
 
 SubDrawingCache::~SubDrawingCache() = default;
 
@@ -61,7 +71,7 @@ std::unique_ptr<SubDrawing> SubDrawingCache::open(std::string_view id, const svg
                                                   const svg::Viewport& viewport) const {
     DefinitionsAround around = around_;
     around.emplace_back(id);
-    auto drawing = std::make_unique<SubDrawing>(file_, content, viewport, folder_, around);
+    auto drawing = std::make_unique<SubDrawing>(file_, content, viewport, resources_, around);
     return drawing->isRead() ? std::move(drawing) : nullptr;
 }
 
@@ -83,6 +93,9 @@ std::unique_ptr<MarkerDrawing> SubDrawingCache::readMarker(std::string_view id, 
     made->content = toQt(marker.map);
     if (marker.isClipped) made->window = QRectF(marker.left, marker.top, marker.size.width, marker.size.height);
     QRectF seen = made->content.mapRect(made->drawing->box());
+    // A window that cuts nothing off need not be set for each place.
+    constexpr double kUnseen = 0.02;
+    if (made->window.adjusted(-kUnseen, -kUnseen, kUnseen, kUnseen).contains(seen)) made->window = QRectF();
     if (!made->window.isNull()) seen &= made->window;
     for (const QPointF& point : {seen.topLeft(), seen.topRight(), seen.bottomLeft(), seen.bottomRight()})
         made->reach = std::max(made->reach, std::hypot(point.x(), point.y()));
@@ -117,14 +130,15 @@ std::unique_ptr<PatternDrawing> SubDrawingCache::readPattern(std::string_view id
     return made->tile == nullptr ? nullptr : std::move(made);
 }
 
-void fillWithPattern(const PatternDrawing& drawing, const QPainterPath& outline, const QTransform& user,
-                     const QRectF& box, const QRectF& sight, const ContextPaint& context, QPainter* painter) {
+bool fillWithPattern(const PatternDrawing& drawing, const QPainterPath& outline, const QTransform& user,
+                     const QRectF& box, const QRectF& sight, const ContextPaint& context, QPainter* painter,
+                     PaintBudget* budget) {
     const svg::Pattern& pattern = *drawing.pattern;
     const QRectF said(pattern.x, pattern.y, pattern.width, pattern.height);
     const QTransform ofBox(box.width(), 0, 0, box.height(), box.x(), box.y());
     const QRectF tile = pattern.inBox ? ofBox.mapRect(said) : said;
     const QTransform toWorld = toQt(pattern.map) * user;
-    if (tile.isEmpty() || !toWorld.isInvertible()) return;
+    if (tile.isEmpty() || !toWorld.isInvertible()) return true;
     QTransform content = pattern.contentInBox ? QTransform::fromScale(box.width(), box.height()) : QTransform();
     if (pattern.hasViewBox)
         content =
@@ -135,11 +149,11 @@ void fillWithPattern(const PatternDrawing& drawing, const QPainterPath& outline,
     const double top = std::floor((seen.top() - tile.top()) / tile.height());
     const double right = std::floor((seen.right() - tile.left()) / tile.width());
     const double bottom = std::floor((seen.bottom() - tile.top()) / tile.height());
-    if (!((right - left + 1) * (bottom - top + 1) <= kMostTiles)) return;
+    if (!((right - left + 1) * (bottom - top + 1) <= kMostTiles)) return true;
     painter->save();
     painter->setClipPath(outline, Qt::IntersectClip);
     for (double row = top; row <= bottom; ++row)
-        for (double column = left; column <= right; ++column) {
+        for (double column = left; column <= right && !budget->isSpent() && budget->take(kOfATile); ++column) {
             const QTransform there = QTransform::fromTranslate(column * tile.width(), row * tile.height()) * toWorld;
             QPainterPath window;
             window.addPolygon(there.map(QPolygonF(tile)));
@@ -149,6 +163,7 @@ void fillWithPattern(const PatternDrawing& drawing, const QPainterPath& outline,
             painter->restore();
         }
     painter->restore();
+    return !budget->isSpent();
 }
 
 }  // namespace quorvel::render

@@ -5,7 +5,6 @@
 #include <QColor>
 #include <QPainter>
 #include <QPainterPath>
-#include <QString>
 #include <QTransform>
 #include <memory>
 #include <string>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "document/document.h"
+#include "render/paint_resources.h"
 #include "svg/tree/definitions.h"
 #include "svg/tree/file.h"
 
@@ -34,7 +34,7 @@ class SubDrawing {
   public:
     // around: the definitions that it is in, itself the last.
     SubDrawing(const std::shared_ptr<svg::File>& file, const svg::Content& content, const svg::Viewport& viewport,
-               const QString& folder, const DefinitionsAround& around);
+               std::shared_ptr<PaintResources> resources, const DefinitionsAround& around);
     ~SubDrawing();
     bool isRead() const { return document_ != nullptr; }  // false when its content is no sound drawing
     QRectF box() const;                                   // what it may cover, content; null: nothing
@@ -42,9 +42,11 @@ class SubDrawing {
     void paint(QPainter* painter, const QTransform& toWorld, const QRectF& sight, const ContextPaint& context) const;
 
   private:
+    std::shared_ptr<PaintResources> resources_;
     std::unique_ptr<doc::Document> document_;
     std::unique_ptr<DocumentPainter> painter_;
     QTransform toContent_;  // from the document's points
+    double elements_ = 0;
 };
 
 struct MarkerDrawing {
@@ -63,7 +65,8 @@ struct PatternDrawing {
 class SubDrawingCache {
   public:
     // file may be null: then there is nothing.
-    SubDrawingCache(std::shared_ptr<svg::File> file, QString folder, DefinitionsAround around);
+    SubDrawingCache(std::shared_ptr<svg::File> file, std::shared_ptr<PaintResources> resources,
+                    DefinitionsAround around);
     ~SubDrawingCache();
 
     // Null when the file has none, for one that is within itself, and for drawings too deep in each other.
@@ -81,7 +84,7 @@ class SubDrawingCache {
     std::unique_ptr<PatternDrawing> readPattern(std::string_view id, const svg::Pattern& pattern) const;
 
     std::shared_ptr<svg::File> file_;
-    QString folder_;
+    std::shared_ptr<PaintResources> resources_;
     DefinitionsAround around_;
     ById<MarkerDrawing> markers_;    // null: there is none
     ById<PatternDrawing> patterns_;  // null: there is none
@@ -89,8 +92,9 @@ class SubDrawingCache {
 };
 
 // Fills the outline with the pattern's tiles. Both are in the painter's coordinates but for the pattern, whose user
-// space user leads there. box: of the art, in user space.
-void fillWithPattern(const PatternDrawing& pattern, const QPainterPath& outline, const QTransform& user,
-                     const QRectF& box, const QRectF& sight, const ContextPaint& context, QPainter* painter);
+// space user leads there. box: of the art, in user space. False when the budget did not allow all of it.
+[[nodiscard]] bool fillWithPattern(const PatternDrawing& pattern, const QPainterPath& outline, const QTransform& user,
+                                   const QRectF& box, const QRectF& sight, const ContextPaint& context,
+                                   QPainter* painter, PaintBudget* budget);
 
 }  // namespace quorvel::render

@@ -71,17 +71,41 @@ void Canvas::drawingLeaves() {
     drawAllAnew();
 }
 
-void Canvas::drawingReplaced(const QString& name, const QString& folder) {
+void Canvas::drawingReplaced(const QString& name, const render::ImageAccess& access, render::ImageDecoder* decoder) {
     drawingLeaves();
     name_ = name;
     observed_ = session_->document();
     if (observed_ == nullptr) return session_->closeView();
     observed_->addObserver(this);
-    painter_ = std::make_unique<render::DocumentPainter>(*observed_, folder);
-    picture_.setPainter(painter_.get());
-    for (const doc::LayerId layer : observed_->layers()) rememberBoxes(observed_->layer(layer)->root);
+    decoder_ = decoder;
+    setImageAccess(access);
     session_->openView(name_, width(), height());
     fit();
+}
+
+void Canvas::setImageAccess(const render::ImageAccess& access) {
+    if (observed_ == nullptr) return;
+    picture_.setPainter(nullptr);
+    painter_ = std::make_unique<render::DocumentPainter>(*observed_, render::PaintResources::of(access, decoder_),
+                                                         render::DefinitionsAround());
+    picture_.setPainter(painter_.get());
+    rememberBoxes();
+    drawAllAnew();
+}
+
+void Canvas::imagesDecoded() {
+    if (painter_ == nullptr || !painter_->forgetWaitingImages()) return;
+    rememberBoxes();
+    drawAllAnew();
+}
+
+std::vector<Error> Canvas::warnings() const {
+    return painter_ != nullptr ? painter_->warnings() : std::vector<Error>();
+}
+
+void Canvas::rememberBoxes() {
+    boxes_.clear();
+    for (const doc::LayerId layer : observed_->layers()) rememberBoxes(observed_->layer(layer)->root);
 }
 
 void Canvas::rememberBoxes(doc::ArtId top) {

@@ -27,8 +27,14 @@ class Canvas : public QWidget, private doc::DocumentObserver {
     void setTool(CanvasTool* tool);
     CanvasTool* tool() const { return tool_; }
     void refreshCursor() { showCursor(); }
-    // Another drawing is open, or none. folder: of the file.
-    void drawingReplaced(const QString& name, const QString& folder);
+    // Another drawing is open, or none. decoder outlives the drawing.
+    void drawingReplaced(const QString& name, const render::ImageAccess& access, render::ImageDecoder* decoder);
+    // Other images may be shown now.
+    void setImageAccess(const render::ImageAccess& access);
+    // Images that were waited for are there.
+    void imagesDecoded();
+    // What could not be shown of what has been painted.
+    std::vector<Error> warnings() const;
     // Before the drawing that is open goes away.
     void drawingLeaves();
 
@@ -83,6 +89,7 @@ class Canvas : public QWidget, private doc::DocumentObserver {
     void note(doc::ArtId top);
     void noteSubtree(const doc::Art& top);
     void rememberBoxes(doc::ArtId top);
+    void rememberBoxes();
     QRect damageInPixels();
     void refresh();  // the kept picture is up to date afterwards, or on its way
     void drawGround(QPainter* painter, const CanvasCache::View& view, const QRectF& part) const;
@@ -96,6 +103,7 @@ class Canvas : public QWidget, private doc::DocumentObserver {
     Session* session_;
     CanvasTool* tool_ = nullptr;
     std::vector<doc::ArtId> marked_;
+    render::ImageDecoder* decoder_ = nullptr;
     std::unique_ptr<render::DocumentPainter> painter_;
     doc::Document* observed_ = nullptr;
     render::PaintOptions options_;

@@ -26,7 +26,8 @@ constexpr int kBeepShown = 1200, kCausesShown = 8000;
 
 }  // namespace
 
-MainWindow::MainWindow(Session* session) : session_(session), file_(session, this), editing_(session), truth_(session) {
+MainWindow::MainWindow(Session* session, const QStringList& imageFolders)
+    : session_(session), file_(session, this), editing_(session), truth_(session), imageFolders_(imageFolders) {
     setObjectName(QStringLiteral("mainWindow"));
     setDockOptions(QMainWindow::AnimatedDocks | QMainWindow::AllowTabbedDocks);
     session_->user().dialogs().parent = this;
@@ -143,7 +144,10 @@ void MainWindow::buildStatusLine() {
     statusBar()->addWidget(hint_, 1);
     untrue_ = new QLabel(this);
     untrue_->setObjectName(QStringLiteral("untrue"));
-    for (QWidget* part : std::initializer_list<QWidget*>{untrue_, progress_, point_, unit_, zoom_})
+    imagesButton_ = new QToolButton(this);
+    imagesButton_->setObjectName(QStringLiteral("showImages"));
+    imagesButton_->hide();
+    for (QWidget* part : std::initializer_list<QWidget*>{imagesButton_, untrue_, progress_, point_, unit_, zoom_})
         statusBar()->addPermanentWidget(part);
 }
 
@@ -195,7 +199,9 @@ void MainWindow::connectAll() {
     connect(session_, &Session::progressed, this, &MainWindow::showProgress);
     connect(canvas_, &Canvas::pictureProgressed, this, [this](int current, int maximum) {
         if (!session_->host().busy()) showProgress(current, maximum);
+        if (current >= maximum) showLeftOut();
     });
+    connect(&images_, &ImageWorker::imagesDecoded, canvas_, &Canvas::imagesDecoded);
     connect(&file_, &DrawingFile::drawingLeaves, this, &MainWindow::leaveDrawing);
     connect(&file_, &DrawingFile::drawingReplaced, this, &MainWindow::replaceDrawing);
     connect(&file_, &DrawingFile::saved, this, [this] { refreshTitle(); });
@@ -246,7 +252,8 @@ void MainWindow::leaveDrawing() {
 
 void MainWindow::replaceDrawing() {
     editing_.drawingReplaced();
-    canvas_->drawingReplaced(file_.name(), file_.folder());
+    isLeftOutTold_ = false;
+    canvas_->drawingReplaced(file_.name(), imageAccess(), &images_);
     layers_->drawingReplaced();
     unit_->setCurrentText(QString::fromStdString(session_->host().rulerUnit()));
     if (const host::ToolRecord* tool = session_->host().selectedTool();
@@ -301,6 +308,36 @@ void MainWindow::showProgress(int current, int maximum) {
     progress_->setRange(0, std::max(1, maximum));
     progress_->setValue(current);
     QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+// --- images
+// -----------------------------------------------------------------------------------------------------------
+
+render::ImageAccess MainWindow::imageAccess() const {
+    render::ImageAccess access(file_.folder(), imageFolders_);
+    access.isEverywhere = !file_.path().isEmpty() && imagesAllowed_.contains(file_.path());
+    return access;
+}
+
+void MainWindow::allowImages() {
+    imagesAllowed_.append(file_.path());
+    canvas_->setImageAccess(imageAccess());
+    showLeftOut();
+}
+
+void MainWindow::showLeftOut() {
+    QStringList names;
+    for (const Error& warning : canvas_->warnings()) {
+        if (warning.code == ErrorCode::kImageOutside) names << QString::fromStdString(warning.arguments.front());
+        if (warning.code != ErrorCode::kPaintingLeftOut || isLeftOutTold_) continue;
+        isLeftOutTold_ = true;
+        statusBar()->showMessage(session_->say(warning), kCausesShown);
+    }
+    imagesButton_->setVisible(!names.isEmpty());
+    showImages_->setEnabled(!names.isEmpty());
+    imagesButton_->setText(
+        session_->say("Show %1 images from other folders", "ほかのフォルダーの画像 %1 枚を表示").arg(names.size()));
+    imagesButton_->setToolTip(names.join(QLatin1Char('\n')));
 }
 
 // --- scheme and end

@@ -8,12 +8,14 @@
 #include <QMainWindow>
 #include <QProgressBar>
 #include <QTimer>
+#include <QToolButton>
 #include <memory>
 
 #include "desktop/canvas/canvas.h"
 #include "desktop/canvas/canvas_tools.h"
 #include "desktop/canvas/selection_editing.h"
 #include "desktop/files/drawing_file.h"
+#include "desktop/files/image_worker.h"
 #include "desktop/session.h"
 #include "desktop/window/color_scheme.h"
 #include "desktop/window/layers_panel.h"
@@ -27,7 +29,8 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 
   public:
-    explicit MainWindow(Session* session);
+    // imageFolders: drawings may show the images in these too, beside those in their own folder.
+    explicit MainWindow(Session* session, const QStringList& imageFolders = {});
     ~MainWindow() override;
 
     Canvas* canvas() const { return canvas_; }
@@ -35,6 +38,7 @@ class MainWindow : public QMainWindow {
     DrawingFile& file() { return file_; }
     Editing& editing() { return editing_; }
     TruthWatch& truth() { return truth_; }
+    ImageWorker& images() { return images_; }
     QDockWidget* infoDock() const { return infoDock_; }
     void setColorScheme(ColorScheme scheme);  // and keeps it for the next time
     // One tick of the plug-in's timer, as the clock gives five times a second.
@@ -75,11 +79,18 @@ class MainWindow : public QMainWindow {
     void showProgress(int current, int maximum);
     void showPoint(RealPoint point);
     void showTruth();
+    render::ImageAccess imageAccess() const;
+    void allowImages();
+    void showLeftOut();
 
     Session* session_;
     DrawingFile file_;
     Editing editing_;
     TruthWatch truth_;
+    ImageWorker images_;
+    QStringList imageFolders_;
+    QStringList imagesAllowed_;  // drawings all of whose images may be shown until the window closes
+    bool isLeftOutTold_ = false;
     Canvas* canvas_ = nullptr;
     ToolPalette* tools_ = nullptr;
     LayersPanel* layers_ = nullptr;
@@ -92,7 +103,8 @@ class MainWindow : public QMainWindow {
     QProgressBar* progress_ = nullptr;
     QTimer clock_;
     QMenu* recent_ = nullptr;
-    QAction* markUntrue_ = nullptr;
+    QAction *markUntrue_ = nullptr, *showImages_ = nullptr;
+    QToolButton* imagesButton_ = nullptr;
     QAction *undo_ = nullptr, *redo_ = nullptr;
     std::vector<std::pair<QAction*, std::string>> pluginItems_;
     std::vector<QAction*> needDrawing_;

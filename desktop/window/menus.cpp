@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QStatusBar>
 
 #include "app/script.h"
 #include "desktop/window/main_window.h"
@@ -17,6 +18,7 @@ namespace quorvel::desktop {
 namespace {
 
 constexpr double kZoomStep = 1.5;
+constexpr int kWarningsShown = 8000;           // milliseconds
 constexpr double kScreenPointsPerPixel = 1.0;  // a zoom of 100 % shows a point as a pixel
 
 }  // namespace
@@ -110,6 +112,10 @@ void MainWindow::buildViewMenu() {
     markUntrue_->setObjectName(QStringLiteral("markUntrue"));
     markUntrue_->setCheckable(true);
     connect(markUntrue_, &QAction::toggled, this, &MainWindow::showTruth);
+    showImages_ = add(menu, session_->say("Show &Images from Other Folders", "ほかのフォルダーの画像を表示(&I)"), {},
+                      [this] { allowImages(); });
+    showImages_->setEnabled(false);
+    connect(imagesButton_, &QToolButton::clicked, showImages_, &QAction::trigger);
     menu->addSeparator();
     QAction* select = add(menu, session_->say("Select Tool", "選択ツール"), QKeySequence(Qt::Key_V),
                           [this] { tools_->choose(QStringLiteral("select")); });
@@ -205,12 +211,22 @@ void MainWindow::exportAs(const char* ending) {
     const QString path = askSaveName(*session_, this, session_->say("Export", "書き出し"), proposed, suffix);
     if (path.isEmpty()) return;
     render::ExportTarget target{path};
-    Status exported = render::exportDrawing(*session_->document(), file_.folder(), target);
+    std::vector<Error> warnings;
+    WaitingDecoder decoder(&images_);
+    const auto exportTo = [&] {
+        warnings.clear();
+        return render::exportDrawing(*session_->document(), imageAccess(), target, &warnings, &decoder);
+    };
+    Status exported = exportTo();
     if (!exported && exported.error().code == ErrorCode::kReadOnlyFile) {
         if (!askReplaceReadOnly(*session_, this, path)) return;
         target.replacesReadOnly = true;
-        exported = render::exportDrawing(*session_->document(), file_.folder(), target);
+        exported = exportTo();
     }
+    QStringList sentences;
+    for (const std::string& sentence : app::warningSentences(warnings, session_->language()))
+        sentences << QString::fromStdString(sentence);
+    if (!sentences.isEmpty()) statusBar()->showMessage(sentences.join(QStringLiteral(" · ")), kWarningsShown);
     if (exported) return;
     const Error error = Error(exported.error()).inFile(QFileInfo(path).fileName().toStdString());
     QMessageBox::warning(this, QStringLiteral("Quorvel"), session_->say(error));
@@ -225,7 +241,9 @@ void MainWindow::print() {
     printer.setPageSize(QPageSize(upright, QPageSize::Point));
     printer.setPageOrientation(across ? QPageLayout::Landscape : QPageLayout::Portrait);
     QPrintDialog dialog(&printer, this);
-    if (dialog.exec() == QDialog::Accepted) render::printDrawing(*session_->document(), file_.folder(), &printer);
+    WaitingDecoder decoder(&images_);
+    if (dialog.exec() == QDialog::Accepted)
+        render::printDrawing(*session_->document(), imageAccess(), &printer, &decoder);
 }
 
 }  // namespace quorvel::desktop

@@ -210,6 +210,7 @@ TEST_F(Painting, ImagesFillTheirFramesAsTold) {
     dots.setPixel(1, 0, qRgb(0, 0, 255));
     const QTemporaryDir folder;
     ASSERT_TRUE(dots.save(folder.filePath("d.png")));
+    files = folder.path();
     const std::string link =
         "<image xlink:href='" + QUrl::fromLocalFile(folder.filePath("d.png")).toString().toStdString() + "' ";
     paint("<defs><mask id='m'><rect width='99' height='99' fill='#fff'/></mask></defs>" + link +
