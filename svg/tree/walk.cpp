@@ -2,12 +2,15 @@
 #include "svg/tree/walk.h"
 
 #include <algorithm>
+#include <cstdlib>
 
+#include "svg/css/declarations.h"
 #include "svg/markup/element_spans.h"
 #include "svg/markup/lines.h"
 #include "svg/tree/roles.h"
 #include "svg/values/byte_text.h"
 #include "svg/values/length.h"
+#include "svg/values/number.h"
 
 namespace quorvel::svg {
 namespace {
@@ -15,6 +18,45 @@ namespace {
 // Work that copies made by use elements may cost, in elements or 256 bytes of what is read again for them.
 constexpr std::size_t kMostCopies = 300'000;
 constexpr std::size_t kBytesForOne = 256;
+
+// The language that SVG's systemLanguage is asked for, in lower case: that of the environment, else English.
+std::string userLanguage() {
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value == nullptr || *value == '\0') continue;
+        std::string language = lowerCase(std::string_view(value).substr(0, std::string_view(value).find('.')));
+        std::ranges::replace(language, '_', '-');
+        return language == "c" || language == "posix" ? "en" : language;
+    }
+    return "en";
+}
+
+// Does the list name the language, or one of which it is a kind ("en" of "en-us") or the other way round?
+bool namesLanguage(std::string_view list, const std::string& language) {
+    const auto isKindOf = [](std::string_view kind, std::string_view of) {
+        return kind.starts_with(of) && (kind.size() == of.size() || kind[of.size()] == '-');
+    };
+    for (std::size_t at = 0; at <= list.size();) {
+        const std::size_t comma = std::min(list.find(',', at), list.size());
+        const std::string name = lowerCase(trimmed(list.substr(at, comma - at)));
+        if (!name.empty() && (isKindOf(language, name) || isKindOf(name, language))) return true;
+        at = comma + 1;
+    }
+    return false;
+}
+
+// The first child of a switch element that can be drawn (SVG 1.1, 5.8.2).
+XmlNode chosenChild(const XmlNode& element, const SvgNames& names) {
+    for (const XmlNode& child : element.children()) {
+        if (!child.isElement() || !names.isSvg(child)) continue;
+        const ElementKind* kind = elementKind(child.localName());
+        if (kind == nullptr || !kind->role) continue;
+        const XmlAttribute language = child.attribute("systemLanguage");
+        const bool needsMore = !child.attribute("requiredExtensions").value().empty();
+        if (!needsMore && (!language || namesLanguage(language.value(), userLanguage()))) return child;
+    }
+    return {};
+}
 
 bool hasTextPath(const XmlNode& text) {
     bool found = false;
@@ -258,7 +300,8 @@ Status TreeWalk::enterGroup(Visit* visit) {
     endShift(&visit->style);
     if (Status entered = leaf(visit); !entered) return entered;
     if (makesViewport) tree_.viewports.push_back({visit->element, frame.viewport});
-    frame.next = visit->node.firstChild();
+    frame.single = visit->name == "switch";
+    frame.next = frame.single ? chosenChild(visit->node, file_.names()) : visit->node.firstChild();
     frame.map = visit->map;
     push(std::move(frame), *visit);
     return {};

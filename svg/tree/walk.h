@@ -84,7 +84,7 @@ class TreeWalk {
         double diagonal = 0;   // of the viewport
         bool isOfFile = true;  // its elements are of the file, not of a part
         bool copied = false;   // below a use element
-        bool single = false;   // only this one child: what a use element refers to
+        bool single = false;   // only this one child: what a use element refers to, or a switch element chooses
         XmlNode target;        // of the use element that this frame is of
         UsePlace use;          // of that use element
     };

@@ -1,6 +1,7 @@
 // The text of an SVG file, below any document: colours, start tags, style sheets, patterns.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "svg/markup/start_tag.h"
@@ -105,6 +106,21 @@ TEST(StyleSheets, SelectorsFindByPlaceAndAttribute) {
             if (interchange::art(*document, id).path->style->strokeWidth == 3) found += id;
         EXPECT_EQ(found, one.found) << one.selector;
     }
+}
+
+// One file's switches and what of each is drawn in English.
+TEST(Switches, DrawTheFirstChildThatTheLanguageOffers) {
+    setenv("LC_ALL", "C.UTF-8", 1);
+    const auto document = interchange::open(interchange::page(
+        "<switch>\n<!-- c --><path id='a' systemLanguage='ja' d='M0 0H9'/><path id='b' systemLanguage='de, en-GB' "
+        "d='M0 0H9'/>"
+        "<path id='c' d='M0 0H9'/></switch><switch><g requiredExtensions='urn:x'><path id='d' d='M0 0H9'/></g>"
+        "<g><path id='e' d='M0 0H9'/><path id='f' d='M0 0H9'/></g></switch>"));
+    ASSERT_NE(document, nullptr);
+    std::string drawn;
+    for (const char* id : {"a", "b", "c", "d", "e", "f"})
+        if (document->findByName(id) != 0) drawn += id;
+    EXPECT_EQ(drawn, "bef");
 }
 
 TEST(Uses, WarningsTellALoopFromALostTarget) {
