@@ -12,10 +12,13 @@ LengthContext widthsOf(const PropertyValue& value, const ComputedStyle& style) {
     return {value.diagonal, style.fontSize};
 }
 
-SvgPaint keptPaint(const PropertyValue& value) {
-    SvgPaint paint = parsePaint(value.text);
-    paint.reference = value.styles.keep(paint.reference);
-    return paint;
+// What is no paint changes nothing. A colour of a profile is the plain one before it (SVG 1.1, 11.2).
+void readPaint(const PropertyValue& value, SvgPaint* paint) {
+    const SvgPaint read = parsePaint(value.text.substr(0, value.text.find(" icc-color(")));
+    const bool isReference = read.kind == SvgPaint::kReference;
+    if (isReference && !read.reference.starts_with("url(") && !read.reference.starts_with("context-")) return;
+    *paint = read;
+    paint->reference = value.styles.keep(read.reference);
 }
 
 // The place among the words, which are in the order of the host's numbers.
@@ -26,8 +29,8 @@ void readIndex(std::string_view text, std::span<const std::string_view> words, s
 
 }  // namespace
 
-void readFill(const PropertyValue& value, ComputedStyle* style) { style->fill = keptPaint(value); }
-void readStroke(const PropertyValue& value, ComputedStyle* style) { style->stroke = keptPaint(value); }
+void readFill(const PropertyValue& value, ComputedStyle* style) { readPaint(value, &style->fill); }
+void readStroke(const PropertyValue& value, ComputedStyle* style) { readPaint(value, &style->stroke); }
 
 void readColor(const PropertyValue& value, ComputedStyle* style) {
     style->color = parseColor(value.text).value_or(style->color);

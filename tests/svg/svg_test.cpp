@@ -1,6 +1,8 @@
 // The text of an SVG file, below any document: colours, start tags, style sheets, patterns.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <string>
 
@@ -60,6 +62,21 @@ TEST(StyleSheets, StatementsEndWithTheirSemicolon) {
     ASSERT_NE(document, nullptr);
     EXPECT_EQ(interchange::art(*document, "p").path->style->strokeWidth, 3);
     EXPECT_EQ(interchange::art(*document, "none").path->style->strokeWidth, 0);
+}
+
+TEST(Paints, WhatIsNoneOfThemLeavesTheInheritedOne) {
+    const std::pair<const char*, std::array<float, 3>> cases[] = {{"#", {0, 0, 1}},
+                                                                  {"paint", {0, 0, 1}},
+                                                                  {"", {0, 0, 1}},
+                                                                  {"red icc-color(p, 0.1, 0.5)", {1, 0, 0}},
+                                                                  {"rgba(0, 100%, 0, 1)", {0, 1, 0}}};
+    for (const auto& [fill, rgb] : cases) {
+        const auto document = interchange::open(
+            interchange::page(std::string("<g fill='#00f'><path id='p' fill='") + fill + "' d='M0 0H9V9'/></g>"));
+        ASSERT_NE(document, nullptr);
+        const AIColor& color = interchange::art(*document, "p").path->style->fill;
+        EXPECT_TRUE(std::equal(rgb.begin(), rgb.end(), color.rgb)) << fill;
+    }
 }
 
 // Which of the paths in two groups each selector finds.
