@@ -8,7 +8,8 @@
 namespace quorvel::cli {
 
 // Gives each standard stream that the caller has closed a device in its place, on which its use fails, so that no file
-// that is opened later gets its number. Writing to a closed pipe fails instead of ending the process.
+// that is opened later gets its number. Writing to a closed pipe, or more than a file
+// may hold, fails instead of ending the process.
 void secureStandardStreams();
 
 // While it exists, std::cout writes through it.

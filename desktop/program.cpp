@@ -111,12 +111,19 @@ int openWindow(QApplication& program, const app::SessionOptions& options, const 
     Session session(options, recordFile);
     if (const Status started = session.start(); !started) return fail(started.error());
     languageAsked = session.language();
-    MainWindow window(&session, imageFolders);
-    window.show();
-    const bool isRecovered = asksRecovery && window.file().offerRecovery();
-    if (!files.isEmpty() && isRecovered) openBeside(options, files.front(), imageFolders);
-    if (!files.isEmpty() && !isRecovered) window.file().open(files.front());
-    return program.exec();
+    int status = kExitOk;
+    {
+        MainWindow window(&session, imageFolders);
+        window.show();
+        const bool isRecovered = asksRecovery && window.file().offerRecovery();
+        if (!files.isEmpty() && isRecovered) openBeside(options, files.front(), imageFolders);
+        if (!files.isEmpty() && !isRecovered) window.file().open(files.front());
+        status = program.exec();
+    }
+    const Status ended = session.shutdown();
+    if (ended) return status;
+    QMessageBox::warning(nullptr, QStringLiteral("Quorvel"), session.say(ended.error()));
+    return fail(ended.error());
 }
 
 // What the window's own code throws is told, and the window stays.
@@ -200,13 +207,11 @@ bool isExporting(int argc, char** argv) {
 
 int runProgram(int argc, char** argv) {
     nameRuntimeFolder();
+    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);  // writing fails instead
     // Exporting asks for no screen, and ends on a signal as the command does.
     const bool isDecoding = argc == 2 && qstrcmp(argv[1], kDecodeImages) == 0;
     if (isDecoding || isExporting(argc, argv)) qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (isExporting(argc, argv)) {
-        std::signal(SIGPIPE, SIG_IGN);
-        files::terminateCleanly();
-    }
+    if (isExporting(argc, argv)) files::terminateCleanly();
     ArgumentBytes bytes(argc, argv);
     Application program(argc, argv);
     std::setlocale(LC_NUMERIC, "C");  // numbers in files have points whatever the user's language

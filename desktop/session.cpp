@@ -35,7 +35,7 @@ Session::Session(const app::SessionOptions& options, const std::string& recordFi
 }
 
 Session::~Session() {
-    shutdown();
+    static_cast<void>(shutdown());  // its owner has been told, or has left by an exception
     plugin_.reset();
     platform::installBackend(nullptr);
 }
@@ -110,9 +110,7 @@ Status Session::start() {
     return started;
 }
 
-void Session::shutdown() {
-    static_cast<void>(plugin_->shutdown());  // nobody is there to be told
-}
+Status Session::shutdown() { return plugin_->shutdown(); }
 
 // The current settings are recorded too: another machine has others.
 void Session::recordSettings() {

@@ -28,7 +28,7 @@ class Session : public QObject {
 
     // Loads and starts the plug-in.
     Status start();
-    void shutdown();
+    Status shutdown();  // an error when the settings cannot be written
 
     host::Host& host() { return plugin_->host(); }
     platform::QtBackend& user() { return *user_; }

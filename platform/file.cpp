@@ -123,7 +123,10 @@ std::optional<Error> takeFailedWrite() { return std::exchange(failedWrite, std::
 
 FileRef CreateNewFile(const std::string& path) {
     const fs::path target = SystemPath(path);
-    if (!IsPlainFileOrAbsent(target)) return nullptr;
+    if (!IsPlainFileOrAbsent(target)) {
+        failedWrite = makeError(ErrorCode::kNotRegular).inFile(target.string());
+        return nullptr;
+    }
     Result<files::FileWriter> writer = files::FileWriter::open(target.string());
     if (!writer) {
         failedWrite = Error(writer.error()).inFile(target.string());

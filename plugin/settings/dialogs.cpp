@@ -18,8 +18,13 @@ std::int32_t RunPluginDialog(PluginGlobals* globals, DialogId id, const platform
     if (dialog == nullptr) return kResultCancel;
     const std::int32_t result = platform::RunDialog(*dialog, logic, context);
     // A preset's name is only part of what the dialog around it confirms.
-    if (result == kResultOk && id != kSaveAsDialog) SaveConfirmedSettings(globals);
+    if (result == kResultOk && id != kSaveAsDialog && !SaveChangedSettings(globals)) ReportUnsavedSettings();
     return result;
+}
+
+void ReportUnsavedSettings() {
+    const std::string text = ChooseText("設定をファイルに保存できません。", "The settings cannot be saved.");
+    platform::ShowMessageBox(text.c_str(), "Quorvel", platform::MessageButtons::ok, platform::MessageIcon::information);
 }
 
 std::string ControlText(platform::WindowRef window, std::int32_t control, int limit) {

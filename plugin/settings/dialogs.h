@@ -15,6 +15,8 @@ constexpr int kControlTextLimit = 80;  // bytes read from a field of a number
 
 // The template of id, or the English one when language is not 0. Gives the dialog's result: kResultOk, kResultCancel.
 std::int32_t RunPluginDialog(PluginGlobals* globals, DialogId id, const platform::WindowLogic& logic, void* context);
+// Tells the user that changed settings are not on the disk.
+void ReportUnsavedSettings();
 std::string ControlText(platform::WindowRef window, std::int32_t control, int limit);
 void ShowInteger(platform::WindowRef window, std::int32_t control, int value);
 // Adds rows of the string table to the list; none is selected.

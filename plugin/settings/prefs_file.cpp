@@ -150,9 +150,9 @@ std::int32_t WritePrefsFile(PluginGlobals* globals, const char* name) {
     return 1;
 }
 
-void SaveConfirmedSettings(PluginGlobals* globals) {
-    if (globals->settingsOnFile != nullptr && ComposePrefsText(globals, true) == globals->settingsOnFile) return;
-    static_cast<void>(WritePrefsFile(globals, nullptr));  // tried again at shutdown
+bool SaveChangedSettings(PluginGlobals* globals) {
+    if (globals->settingsOnFile != nullptr && ComposePrefsText(globals, true) == globals->settingsOnFile) return true;
+    return WritePrefsFile(globals, nullptr) != 0;
 }
 
 std::string ComposePrefsText(const PluginGlobals* globals, bool mainFile) {

@@ -24,8 +24,8 @@ std::int32_t ReadPrefsFile(PluginGlobals* globals, const char* name);
 // The main file is read again and only what has changed here since it was read or written last is changed in it, so
 // that programs with one profile keep each other's settings.
 std::int32_t WritePrefsFile(PluginGlobals* globals, const char* name);
-// Writes the main file when a setting has changed, as the OK of a dialog does.
-void SaveConfirmedSettings(PluginGlobals* globals);
+// Writes the main file when a setting has changed, as the OK of a dialog does; false when that fails.
+bool SaveChangedSettings(PluginGlobals* globals);
 // At shutdown, behind the last write.
 void ForgetSettingsOnFile(PluginGlobals* globals);
 // The path of a preset's file; empty when the name is no file name.

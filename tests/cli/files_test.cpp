@@ -23,6 +23,7 @@ class Files : public ProgramRun {
     void SetUp() override {
         write("square.svg", kSquare);
         write("list.csv", "1\r\n\"Title\"\r\n");
+        write("empty.script", "new 9 9\n");
         fs::create_directory(path("temporary"));
     }
     // Quorvel is "$q", and `move FILE` moves the square in a drawing and saves it.
@@ -61,6 +62,7 @@ TEST_F(Files, ADashAndDescriptorsAreTheStandardStreams) {
         {"$q frame square.svg --parts - --at 0,0,90,90 -o - <list.csv", "<svg "},
         {"$q export - -o - <square.svg", "%PDF", true},
         {"$q export square.svg -o /dev/stdout --format png", "\x89PNG", true},
+        {"n=$(printf 'caf\\351'); cp square.svg $n.svg; $q export $n.svg -o $n.pdf && cat $n.pdf", "%PDF", true},
         {"mkfifo pipe; cat pipe & $q export square.svg -o pipe; wait", "%PDF", true},
     };
     for (const auto& row : rows) {
@@ -68,7 +70,11 @@ TEST_F(Files, ADashAndDescriptorsAreTheStandardStreams) {
         EXPECT_EQ(runShell(row.words), 0) << row.words << err_;
         EXPECT_TRUE(out_.starts_with(row.start)) << row.words << out_.substr(0, 80);
     }
-    EXPECT_EQ(out_.find("rebuilt"), std::string::npos) << "nothing but the drawing";
+    // The painting program is not taken from a folder of others.
+    EXPECT_EQ(runShell("mkdir alone; cp " QUORVEL_PROGRAM_FILE " alone; cp /bin/true quorvel-desktop\n"
+                       "PATH=\":.:$PATH\" alone/quorvel export square.svg -o painted.pdf"),
+              2);
+    EXPECT_EQ(err_, "export: quorvel-desktop, which paints, is neither beside quorvel nor in its installation\n");
     EXPECT_EQ(runShell("$q recalc square.svg -o /dev/null; test -c /dev/null"), 0) << "the device is still one";
     const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{AF_UNIX, {}};
@@ -95,6 +101,13 @@ TEST_F(Files, OutputThatIsLostIsNoticed) {
         EXPECT_TRUE(err_.ends_with(": Broken pipe\n")) << words << err_;
         EXPECT_EQ(runShell(std::string("$q ") + words + " >&-"), 2) << words;
     }
+    EXPECT_EQ(runShell("ulimit -f 1; $q dump square.svg"), 2);
+    EXPECT_TRUE(err_.ends_with(": File too large\n")) << err_;
+    // Settings that cannot be written when the script has ended.
+    EXPECT_EQ(runShell("$q run empty.script --profile profile; chmod 444 profile/*/*/*/*.ini\n"
+                       "printf 'new 9 9\\nset flArFSize 31\\n' | $q run - --profile profile"),
+              2);
+    EXPECT_EQ(err_, "profile/Adobe/Illustrator/Prefs/Quorvel.ini: the file is read-only\n");
 }
 
 TEST_F(Files, WhatMayNotBeReplacedStays) {
