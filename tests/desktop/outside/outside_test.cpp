@@ -233,5 +233,37 @@ TEST_P(FirstMinutes, OfADraftsman) {
 INSTANTIATE_TEST_SUITE_P(Languages, FirstMinutes, ::testing::ValuesIn(kCases),
                          [](const auto& info) { return std::string(info.param.language) + info.param.look; });
 
+class Recovery : public Outside {};
+
+// The recovered copy stays in its window; the drawing that the command line names comes in another one.
+TEST_P(Recovery, TheDrawingAskedForIsOpenedToo) {
+    const QString copy = home_.filePath("Selkie Works/quorvel-desktop/rescue/1.svg");
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(copy).path()) && QFile::copy(drawing(), copy));
+    QFile origin(copy + ".origin");
+    ASSERT_TRUE(origin.open(QIODevice::WriteOnly) && origin.write("/elsewhere/plate.svg") > 0);
+    origin.close();
+    program_.setProcessEnvironment(around_);
+    program_.start(QStringLiteral(QUORVEL_DESKTOP_FILE),
+                   {"--language", "en", "--profile", home_.filePath("profile"), drawing()});
+    ASSERT_TRUE(program_.waitForStarted());
+    QString question;  // comes above the empty window
+    (void)QTest::qWaitFor(
+        [&] {
+            question = tool({"search", "--onlyvisible", "--name", "Quorvel"}).section(QLatin1Char('\n'), 1, 1);
+            return !question.isEmpty();
+        },
+        kPatience);
+    settle();
+    tool({"windowfocus", "--sync", question});
+    tool({"key", "Return"});
+    EXPECT_FALSE(awaitWindow("Copy of plate.svg").isEmpty());
+    const QString second = awaitWindow("bracket.svg");
+    EXPECT_FALSE(second.isEmpty());
+    tool({"windowkill", second});
+    EXPECT_TRUE(awaitGone("bracket.svg"));
+}
+
+INSTANTIATE_TEST_SUITE_P(English, Recovery, ::testing::Values(kCases[0]));
+
 }  // namespace
 }  // namespace quorvel::tests
