@@ -97,15 +97,15 @@ std::unique_ptr<ForeignArtCache::Foreign> ForeignArtCache::read(std::int32_t ele
     // The excerpt brings the style sheets along. What it keeps is not given back.
     double expected = kOfForeignArt;
     for (const std::string& sheet : tree.file->sheets()) expected += double(sheet.size()) * kOfAByte;
-    if (!resources_.budget->take(expected)) return leftOut(tag.name(), std::move(foreign));
+    if (isFull_ || !resources_.budget->take(expected)) return leftOut(tag.name(), std::move(foreign));
     const std::string excerpt = svg::excerptOf(tree, element, kForeignId);
     if (namesFiles(excerpt)) {
         resources_.images.warn(makeError(ErrorCode::kImageLeftOut, {std::string(tag.name())}));
         return foreign;
     }
-    if (!resources_.budget->take(double(excerpt.size()) * kOfAByte) ||
-        !resources_.budget->hold(double(excerpt.size()) * kDotsOfAByte))
-        return leftOut(tag.name(), std::move(foreign));
+    isFull_ = !resources_.budget->take(double(excerpt.size()) * kOfAByte) ||
+              !resources_.budget->hold(double(excerpt.size()) * kDotsOfAByte);
+    if (isFull_) return leftOut(tag.name(), std::move(foreign));
     foreign->bytes = excerpt.size();
     foreign->drawing = std::make_unique<QSvgRenderer>(QByteArray::fromStdString(excerpt));
     if (foreign->drawing->isValid()) foreign->drawn = foreign->drawing->boundsOnElement(kForeignId);

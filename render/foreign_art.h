@@ -42,6 +42,7 @@ class ForeignArtCache {
     const interchange::SvgSource* source_;
     PaintResources& resources_;
     std::unordered_map<std::int32_t, std::unique_ptr<Foreign>> known_;  // by element
+    bool isFull_ = false;                                               // no more excerpts
 };
 
 }  // namespace quorvel::render

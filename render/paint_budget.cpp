@@ -6,7 +6,7 @@ namespace quorvel::render {
 
 namespace {
 
-constexpr double kForEachMegabyte = 4e9;  // nanoseconds, and for what has less
+constexpr double kForEachMegabyte = 5e9;  // nanoseconds, and for what has less
 constexpr double kOfARefusal = 5e4;       // so that a loop of refusals ends too
 constexpr double kSmall = 1e6;            // nanoseconds of a piece
 constexpr double kMostDots = 1.2e8;       // of pictures at one time: 480 MB

@@ -1,70 +1,114 @@
-// The raster engine keeps, for each row of dots, a sorted list of the dots that an edge crosses, and looks for the
-// place of each dot from the list's begin: an outline of many edges that each run over the whole page takes the square
-// of their number.
+// The raster engine keeps, for each row of dots, a sorted list of the dots that edges cross, and looks for the place of
+// each from the list's begin: many edges that each run over the whole page take the square of their number.
 #include "render/paint_cost.h"
 
 #include <QGradient>
 #include <QLineF>
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 namespace quorvel::render {
 
 namespace {
 
-constexpr double kOfAPiece = 2'000;                   // of any outline
-constexpr double kOfAnElement = 100, kWritten = 800;  // of an outline: filled, or written as PDF
-constexpr double kStroked = 1'000, kRound = 3'000;    // of an element whose stroke is outlined, with round joins
-constexpr double kOfADash = 4'000;
-constexpr double kOfADot = 50, kOfASearch = 4.5;  // of an edge's dots; for each that is in the row before it
+constexpr double kOfAPiece = 2'000;                     // of any outline
+constexpr double kOfAnElement = 100, kWritten = 1'000;  // of an outline: filled, or written as PDF
+constexpr double kStroked = 1'000, kRound = 3'000;      // of an element whose stroke is outlined, with round joins
+constexpr double kOfADash = 8'000;
+// Of a dot that an edge crosses: each time; for each that is in its row; once. Of one on an upright or level edge.
+constexpr double kOfACrossing = 60, kOfASearch = 3.5, kOfADot = 250, kOfAStraightDot = 10;
 constexpr double kSolid = 0.12, kBlended = 0.4, kGradient = 3, kRadial = 6;  // of a dot that is filled
-constexpr double kOfAStop = 100, kOfAWrittenStop = 2'000;                    // of a gradient
-constexpr double kOfAPictureDot = 1.2, kOfAMaskDot = 18, kOfAScaledDot = 15;
+constexpr double kOfAStop = 100, kOfAWrittenStop = 3'000;                    // of a gradient
+constexpr double kWide = 50;                                                 // dots
+constexpr double kOfAPictureDot = 0.7, kOfAMaskDot = 18, kOfAScaledDot = 15, kOfAWrittenDot = 12;
 constexpr double kOfAFarEdge = 8'000;  // that leads out of the coordinates of the raster engine
-constexpr double kCombined = 3'000, kOfAPair = 2, kOfACrossing = 2'000;  // of outlines that are united
+constexpr double kCombined = 3'000, kOfAPair = 2, kOfAnIntersection = 2'000;  // of outlines that are united
 
 // Edges in the device's dots, as far as they can be seen.
 struct Edges {
-    double across = 0, down = 0;
-    double length = 0;  // of all of them
+    // The box that they are in, in fields: how many dots are crossed in each.
+    static constexpr int kFields = 32;
+    std::array<std::array<double, kFields>, kFields> fields{};
+    double straight = 0;
+    double length = 0;  // of all of them, seen or not
     int count = 0, far = 0;
-    double rows = 1, columns = 1;  // that they are in
+    QRectF box;
+    double rows = 1, columns = 1;  // of the box
 };
 
 // As the raster engine has it; what reaches out is cut before it is filled.
 constexpr double kFarthest = 32'000;
 
+std::size_t fieldAt(double place) { return static_cast<std::size_t>(std::clamp(place, 0.0, Edges::kFields - 1.0)); }
+
+// One edge. Behind the right side of the box nothing is kept, and before the left one a dot for each row.
+void addEdge(QPointF from, QPointF to, double pixel, Edges* edges) {
+    const QRectF& box = edges->box;
+    if (std::max(from.y(), to.y()) < box.top() || std::min(from.y(), to.y()) > box.bottom()) return;
+    if (const QPointF whole = to - from; whole.y() != 0) {
+        const QPointF begin = from;
+        const auto at = [&](double y) { return begin + whole * std::clamp((y - begin.y()) / whole.y(), 0.0, 1.0); };
+        from = at(whole.y() > 0 ? box.top() : box.bottom());
+        to = at(whole.y() > 0 ? box.bottom() : box.top());
+    }
+    if (std::min(from.x(), to.x()) > box.right()) return;
+    for (QPointF* end : {&from, &to}) end->setX(std::clamp(end->x(), box.left(), box.right()));
+    const QPointF way = to - from;
+    const double dots = way.manhattanLength() / pixel;
+    if (way.x() == 0 || way.y() == 0) {
+        edges->straight += dots;
+        return;
+    }
+    const double across = Edges::kFields / box.width(), down = Edges::kFields / box.height();
+    const int steps = 1 + static_cast<int>(std::max(std::abs(way.x()) * across, std::abs(way.y()) * down));
+    for (int i = 0; i < steps; ++i) {
+        const QPointF place = from + way * ((i + 0.5) / steps) - box.topLeft();
+        edges->fields[fieldAt(place.y() * down)][fieldAt(place.x() * across)] += dots / steps;
+    }
+}
+
 Edges edgesOf(const QPainterPath& outline, const PaintScale& scale) {
     Edges edges;
     edges.count = outline.elementCount();
     if (edges.count == 0) return edges;
-    const QRectF& sight = scale.sight;
-    const QRectF box = outline.controlPointRect();
-    const auto seen = [&](double from, double to, double least, double most) {
-        return std::max(0.0, std::min(std::max(from, to), most) - std::max(std::min(from, to), least)) / scale.pixel;
-    };
-    edges.columns = std::max(1.0, seen(box.left(), box.right(), sight.left(), sight.right()));
-    edges.rows = std::max(1.0, seen(box.top(), box.bottom(), sight.top(), sight.bottom()));
-    const bool isFar = std::max(box.width(), box.height()) / scale.pixel > kFarthest;
+    const QRectF whole = outline.controlPointRect();
+    edges.box =
+        QRectF(QPointF(std::max(whole.left(), scale.sight.left()), std::max(whole.top(), scale.sight.top())),
+               QPointF(std::min(whole.right(), scale.sight.right()), std::min(whole.bottom(), scale.sight.bottom())));
+    const bool isSeen = edges.box.width() >= 0 && edges.box.height() >= 0;
+    edges.columns = std::max(1.0, edges.box.width() / scale.pixel);
+    edges.rows = std::max(1.0, edges.box.height() / scale.pixel);
+    const bool isFar = std::max(whole.width(), whole.height()) / scale.pixel > kFarthest;
     QPointF from = outline.elementAt(0);
     for (int i = 1; i < edges.count; ++i) {
         const QPointF to = outline.elementAt(i);
-        const QPointF way = (to - from) / scale.pixel;
-        edges.length += std::abs(way.x()) + std::abs(way.y());
-        edges.far += isFar && way.manhattanLength() > kFarthest ? 1 : 0;
-        // Behind the right edge of what is seen nothing is kept, and before the left one a dot a row.
-        if (std::min(from.x(), to.x()) <= sight.right()) {
-            edges.down += seen(from.y(), to.y(), sight.top(), sight.bottom());
-            if (std::max(from.y(), to.y()) >= sight.top() && std::min(from.y(), to.y()) <= sight.bottom())
-                edges.across += seen(from.x(), to.x(), sight.left(), sight.right());
-        }
+        const double length = (to - from).manhattanLength() / scale.pixel;
+        edges.length += length;
+        edges.far += isFar && length > kFarthest ? 1 : 0;
+        if (isSeen) addEdge(from, to, scale.pixel, &edges);
         from = to;
     }
     return edges;
 }
 
-double rowsCost(double dots, const Edges& edges) {
-    return dots * (kOfADot + kOfASearch * std::min(dots / edges.rows, edges.columns)) + edges.far * kOfAFarEdge;
+// sides: how many lines run along each edge; ends: dots more, anywhere in the box.
+double rowsCost(const Edges& edges, double sides, double ends) {
+    const double ofAField = std::max(1.0, edges.columns * edges.rows / (Edges::kFields * Edges::kFields));
+    const double rowsOfAField = std::max(1.0, edges.rows / Edges::kFields);
+    const double endsOfARow = std::min(ends / edges.rows, edges.columns);
+    double cost = edges.far * kOfAFarEdge + sides * edges.straight * kOfAStraightDot, all = 0;
+    for (const auto& row : edges.fields) {
+        double crossed = 0, there = 0;
+        for (const double dots : row) {
+            crossed += sides * dots;
+            there += std::min(sides * dots, ofAField);
+        }
+        cost += crossed * (kOfACrossing + kOfASearch * (there / rowsOfAField + endsOfARow)) + there * kOfADot;
+        all += there;
+    }
+    return cost + ends * (kOfACrossing + kOfADot + kOfASearch * (endsOfARow + all / edges.rows));
 }
 
 double dotsOf(const QRectF& box, const PaintScale& scale) {
@@ -98,7 +142,7 @@ double brushCost(const QBrush& brush, double dots, const PaintScale& scale) {
 
 double outlineCost(const QPainterPath& outline, const PaintScale& scale) {
     const Edges edges = edgesOf(outline, scale);
-    return kOfAPiece + edges.count * kOfAnElement + rowsCost(edges.across + edges.down, edges);
+    return kOfAPiece + edges.count * kOfAnElement + rowsCost(edges, 1, 0);
 }
 
 }  // namespace
@@ -130,11 +174,12 @@ double strokeCost(const QPainterPath& outline, const QPen& pen, const PaintScale
         cost += dashes * kOfADash;
         pieces += dashes;
     }
-    const double ends =
-        pieces * 2 * std::min(width, std::hypot(scale.sight.width(), scale.sight.height()) / scale.pixel);
+    const double widest = std::hypot(scale.sight.width(), scale.sight.height()) / scale.pixel;
     edges.columns = std::min(edges.columns + 2 * width, scale.sight.width() / scale.pixel);
     edges.rows = std::min(edges.rows + 2 * width, scale.sight.height() / scale.pixel);
-    cost += rowsCost(2 * (edges.across + edges.down + ends) * (isRound ? 1.5 : 1), edges);
+    const bool isPlain = pieces <= 5;              // a line or a rectangle
+    const double round = width > kWide ? 6 : 2.5;  // a join is a circle
+    cost += rowsCost(edges, 2, isPlain ? 0 : pieces * 2 * std::min(width, widest) * (isRound ? round : 1));
     return cost + brushCost(pen.brush(), std::min(dotsOf(box, scale), edges.length * (width + 1)), scale);
 }
 
@@ -143,17 +188,16 @@ double combineCost(const QPainterPath& one, const QPainterPath& other) {
     const double elements = double(one.elementCount()) + other.elementCount();
     if (one.isEmpty() || other.isEmpty()) return kOfAPiece + elements * kOfAnElement;
     const QRectF box = one.controlPointRect() | other.controlPointRect();
-    const PaintScale scale{false, 1, box};
-    const Edges first = edgesOf(one, scale), second = edgesOf(other, scale);
-    const double length = first.length + second.length;
+    const PaintScale scale{true, 1, box};
+    const double length = edgesOf(one, scale).length + edgesOf(other, scale).length;
     const double crossings =
         std::min(length * length / (4 * std::max(1e-9, box.width() * box.height())), elements * elements / 2);
-    return kOfAPiece + elements * kCombined + elements * elements * kOfAPair + crossings * kOfACrossing;
+    return kOfAPiece + elements * kCombined + elements * elements * kOfAPair + crossings * kOfAnIntersection;
 }
 
-double pictureCost(double dots, bool hasMask, double laidOn) {
-    return kOfAPiece + dots * (kOfAPictureDot + (hasMask ? kOfAMaskDot : 0)) +
-           (laidOn > dots ? laidOn * kOfAScaledDot : 0);
+double pictureCost(double dots, bool hasMask, double laidOn, bool isVector) {
+    const double laid = isVector ? dots * kOfAWrittenDot : laidOn > dots ? laidOn * kOfAScaledDot : 0;
+    return kOfAPiece + dots * (kOfAPictureDot + (hasMask ? kOfAMaskDot : 0)) + laid;
 }
 
 }  // namespace quorvel::render

@@ -22,6 +22,6 @@ double clipCost(const QPainterPath& outline, const PaintScale& scale);
 // Of a union or an intersection of the outlines.
 double combineCost(const QPainterPath& one, const QPainterPath& other);
 // Of a picture of so many dots, from being made to being laid on so many others.
-double pictureCost(double dots, bool hasMask, double laidOn);
+double pictureCost(double dots, bool hasMask, double laidOn, bool isVector);
 
 }  // namespace quorvel::render

@@ -253,10 +253,10 @@ void DocumentPainter::paintApart(const doc::Art& art, const Appearance& look) {
     const QSize size(static_cast<int>(std::ceil(place.width() * shrink)),
                      static_cast<int>(std::ceil(place.height() * shrink)));
     const double dots = double(size.width()) * size.height();
-    const double laidOn = state_.scale().isVector ? 0 : double(place.width()) * place.height();
+    const double laidOn = double(place.width()) * place.height();
     const HeldDots held(state_.budget, look.mask.empty() ? dots : 2 * dots);
     if (!held) return artPainter_.leaveOut(art);
-    if (!artPainter_.take(pictureCost(dots, !look.mask.empty(), laidOn), art)) return;
+    if (!artPainter_.take(pictureCost(dots, !look.mask.empty(), laidOn, state_.scale().isVector), art)) return;
     QImage picture(size, QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull()) return;
     picture.fill(Qt::transparent);

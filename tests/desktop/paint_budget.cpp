@@ -45,7 +45,7 @@ std::vector<Row> rows() {
         return "<marker id='m' overflow='visible'>" + content +
                "</marker><path id='a' fill='none' marker-mid='url(#m)' d='M" + anchors(count, 400) + "'/>";
     };
-    const std::string crossing = "<path id='a' d='M" + anchors(9'000, 400) + "'/>";
+    const std::string crossing = "<path id='a' d='M" + anchors(30'000, 400) + "'/>";
     return {
         {"markers on 100,000 anchors", marked(100'000, "<path d='M0 0L2 1L0 2z'/>"), nullptr},
         {"large markers", marked(9'000, times(9'000, "<rect width='9' height='9'/>")), "path \"a\""},
