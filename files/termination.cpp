@@ -7,7 +7,6 @@
 #include <csignal>
 #include <map>
 #include <mutex>
-#include <ranges>
 #include <thread>
 
 namespace quorvel::files {
@@ -37,7 +36,8 @@ sigset_t& handledSignals() {
     int signal = 0;
     ::sigwait(&handledSignals(), &signal);
     const std::scoped_lock held(terminationActions()->mutex);
-    for (const auto& [number, act] : std::views::reverse(terminationActions()->byNumber)) act();
+    const auto& actions = terminationActions()->byNumber;
+    for (auto last = actions.rbegin(); last != actions.rend(); ++last) last->second();
     ::_exit(128 + signal);
 }
 
