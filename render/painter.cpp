@@ -13,6 +13,7 @@ namespace quorvel::render {
 
 namespace {
 
+constexpr double kOfALook = 150;          // nanoseconds, at an element of a clip path
 constexpr double kLargestPicture = 4096;  // dots of a side, of art that is painted apart
 
 bool isPlainGroup(const Appearance& look) { return !(look.opacity < 1) && look.mask.empty(); }
@@ -183,7 +184,8 @@ bool DocumentPainter::clipTo(const doc::Art& art, const Appearance& look) {
     const QPainterPath outline = user.map(cut.outline);
     if (!cut.isWhole)
         artPainter_.leaveOut(art);
-    else if (artPainter_.take(clipCost(outline, state_.scale()), art)) {
+    else if (artPainter_.take(outline.elementCount() * kOfALook, art) &&
+             artPainter_.take(clipCost(outline, state_.scale()), art)) {
         state_.painter->setClipPath(outline, Qt::IntersectClip);
         return true;
     }
