@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace quorvel::files {
 
@@ -15,11 +16,13 @@ struct TerminationActions {
     std::recursive_mutex mutex;
     std::map<int, std::function<void()>> byNumber;
     int lastNumber = 0;
+    TerminationActions* former = nullptr;  // of the process that this one was forked from; never freed
 };
 
-// One for the program and its shared libraries, each of which has this code: visible, so that the first one is taken.
-// They outlive all static objects, which the main thread may be destroying when a signal comes.
-__attribute__((visibility("default"))) TerminationActions*& terminationActions();
+// One for the program and its shared libraries, each of which has this code: visible, so that the first one is taken,
+// and weak, so that no compiler takes for granted that it is the one beside the caller. They outlive all static
+// objects, which the main thread may be destroying when a signal comes.
+__attribute__((visibility("default"), weak)) TerminationActions*& terminationActions();
 TerminationActions*& terminationActions() {
     static auto* all = new TerminationActions;
     return all;
@@ -44,7 +47,8 @@ sigset_t& handledSignals() {
 }  // namespace
 
 void terminateCleanly() {
-    terminationActions() = new TerminationActions;  // in a forked process the former ones are locked for good
+    auto* actions = new TerminationActions;  // in a forked process the former ones may be locked for good
+    actions->former = std::exchange(terminationActions(), actions);
     sigset_t& handled = handledSignals();
     ::sigemptyset(&handled);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
