@@ -210,7 +210,7 @@ Result<FileWriter> FileWriter::open(const std::string& path, const WriteOptions&
     if (!folder.isOpen()) return systemError(errno);
     if (target->kind == TargetKind::kRegular && !options.replacesReadOnly && isReadOnly(folder.get(), *target))
         return makeError(ErrorCode::kReadOnlyFile);
-    removeLeftovers(folder.get(), target->name);
+    removeLeftovers(folder.get());
     Result<std::optional<Temporary>> temporary = replacementFor(folder.get(), *target);
     if (!temporary) return temporary.error();
     if (*temporary) {

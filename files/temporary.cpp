@@ -19,7 +19,11 @@
 namespace quorvel::files {
 namespace {
 
-std::string prefixFor(const std::string& targetName) { return ".qv" + hexOf(pathHash(targetName)).substr(0, 8) + "-"; }
+constexpr std::string_view kMark = ".qv";
+
+std::string prefixFor(const std::string& targetName) {
+    return std::string(kMark) + hexOf(pathHash(targetName)).substr(0, 8) + "-";
+}
 
 std::string newName(const std::string& targetName) {
     std::random_device random;
@@ -88,14 +92,14 @@ void Temporary::discard(int folder) {
     file_.reset();
 }
 
-void removeLeftovers(int folder, const std::string& targetName) {
-    const std::string prefix = prefixFor(targetName);
+void removeLeftovers(int folder) {
+    const std::size_t prefixSize = prefixFor({}).size();
     DIR* entries = ::fdopendir(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (entries == nullptr) return;  // a folder that may be written but not listed
     while (const dirent* entry = ::readdir(entries)) {
         const std::string_view name = entry->d_name;
-        if (!name.starts_with(prefix)) continue;
-        const std::string_view behind = name.substr(prefix.size());
+        if (!name.starts_with(kMark) || name.size() <= prefixSize || name[prefixSize - 1] != '-') continue;
+        const std::string_view behind = name.substr(prefixSize);
         if (!isProcessAlive(behind.substr(0, behind.find('-'))) && isUnlocked(folder, entry->d_name))
             ::unlinkat(folder, entry->d_name, 0);
     }

@@ -31,7 +31,8 @@ class Temporary {
     std::unique_ptr<TerminationAction> removal_;  // of the name
 };
 
-// Removes the temporary files that killed writers of this target have left in the folder.
-void removeLeftovers(int folder, const std::string& targetName);
+// Removes the temporary files that killed writers have left in the folder, of whatever target: a window's copy against
+// a crash has another name in each process.
+void removeLeftovers(int folder);
 
 }  // namespace quorvel::files

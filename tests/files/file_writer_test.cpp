@@ -163,10 +163,11 @@ TEST_F(FileWriterTest, RemovesWhatAKilledWriterHasLeftAndNothingElse) {
     ::waitpid(ended, nullptr, 0);
     const std::string leftover = prefix + std::to_string(ended) + "-00000001";
     const std::string alive = prefix + std::to_string(::getpid()) + "-00000002";
-    const std::string others = ".qv00000000-" + std::to_string(ended) + "-00000003";
-    for (const std::string& file : {leftover, alive, others}) put(at(file), "half");
+    const std::string ofAnother = ".qv00000000-" + std::to_string(ended) + "-00000003";
+    const std::string notOurs = ".qv" + std::to_string(ended), unknown = ".qvzzzzzzzz_" + std::to_string(ended) + "-1";
+    for (const std::string& file : {leftover, alive, ofAnother, notOurs, unknown}) put(at(file), "half");
     ASSERT_TRUE(writeFile(at(name), "new"));
-    Names expected{alive, others, name};
+    Names expected{alive, notOurs, unknown, name};
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(names(), expected);
 }
