@@ -5,6 +5,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -42,153 +43,73 @@ constexpr std::string_view kDrawing = R"svg(<svg xmlns="http://www.w3.org/2000/s
 </svg>
 )svg";
 
-// Document points on the drawing's outlines and beside them.
-constexpr const char* kPoints[] = {"50 50",   "194 50",  "194 158", "50 158",  "122 50",  "158 100", "86 100",
-                                   "122 136", "122 100", "20 260",  "140 260", "220 240", "80 260",  "240 200",
-                                   "290 200", "290 150", "230 150", "120 20",  "250 75",  "30 100",  "210 100",
-                                   "300 280", "230 50",  "310 110", "390 290", "10 10",   "350 40",  "180 180",
-                                   "100 0",   "50 5e3",  "-20 -20", "122 64"};
-constexpr const char* kTools[] = {"Straight Dimension Tool",
-                                  "Straight Dimension Tool",
-                                  "Oblique Dimension Tool",
-                                  "Curve Dimension Tool",
-                                  "Radius Tool",
-                                  "Diameter Tool",
-                                  "Angle Tool",
-                                  "Fillet Tool [Addition]",
-                                  "Fillet Tool [Separate]",
-                                  "Fillet Tool [Replace]",
-                                  "Slant Tool",
-                                  "Arc Tool [Tangential Line]",
-                                  "Arc Tool [Three Points]",
-                                  "Arc Tool [Center and Two Points]",
-                                  "Comment Tool",
-                                  "Object Number Tool",
-                                  "Length Comment Tool",
-                                  "Dimention Comment Tool",
-                                  "Schedule Tool [bottom]",
-                                  "Schedule Tool [top + bottom]"};
-constexpr const char* kArts[] = {"plate", "hole", "slope", "turned", "wave", "note", "two", "copy", "view",
-                                 "new",   "@0",   "@1",    "@3",     "@5",   "@9",   "@12", "all",  "none"};
-constexpr const char* kLayers[] = {"View", "Notes", "New", "\"<<dimension lines>>\""};
-constexpr const char* kLayerVerbs[] = {"new", "current", "hide", "show", "lock", "unlock", "up", "down", "title Other"};
-constexpr const char* kNumbers[] = {"0", "1", "-3.5", "30", "90", "0.001", "200", "1e4"};
-constexpr const char* kSettings[] = {"flOutLayer 1",
-                                     "flOutLayer 0",
-                                     "flScale 0.1",
-                                     "flScale 20",
-                                     "flScFix 5",
-                                     "flScFix 1",
-                                     "flArType 1",
-                                     "flArType 2",
-                                     "flArType 3",
-                                     "flArType 4",
-                                     "flArLenUnit 1",
-                                     "flArDim2Show 1",
-                                     "flArDim3Show 1",
-                                     "flArDim2ConvUnit 3",
-                                     "flRdSpos 1",
-                                     "flRdSpos 2",
-                                     "flRadiusMode 1",
-                                     "flDiameterMode 1",
-                                     "flUseGrid 1",
-                                     "flUseFcrs 1",
-                                     "flUseTani 1",
-                                     "flUseZero 1",
-                                     "flArSpStr 1",
-                                     "flArAngle 60",
-                                     "flArFSize 4",
-                                     "flOsLimt 100",
-                                     "flScOfst 6",
-                                     "flArThick 3",
-                                     "flArDim2UnitName \"k\xC2\xB2\"",
-                                     "flScaleText \"1:7\"",
-                                     "flMrkComment \"a\xE2\x8C\x80\"",
-                                     "flUseFcnt 1"};
-// Each with what it needs to be answered.
-constexpr const char* kDialogs[] = {"dialog 16265 5=on 7=row:1 press:1\noptions \"Diameter Tool\"",
-                                    "dialog 16265 5=off 7=row:2 press:1\noptions \"Diameter Tool\"",
-                                    "dialog 16266 5=on 7=row:2 press:1\noptions \"Radius Tool\"",
-                                    "dialog 16260 5=\"3 mm\" press:1\noptions \"Fillet Tool [Addition]\"",
-                                    "dialog 16281 5=row:2 6=row:3 18=\"1/5\" press:1\nmenu \"Orvane Group\"",
-                                    "dialog 16281 press:2\nmenu \"Orvane Group\"",
-                                    "dialog 16259 35=\"Flange\" 26=\"3\" press:1\noptions \"Schedule Tool [bottom]\"",
-                                    "dialog 16257 press:1",
-                                    "dialog 16258 press:1",
-                                    "answer yes",
-                                    "answer no"};
-constexpr const char* kEvents[] = {"action Recalculate_Dimension_lines",
-                                   "notify 2644-3993-9293-3747-5729-7605",
-                                   "notify 2644-3993-9293-3747-5729-5825",
-                                   "notify \"AI Art Changed Notifier\"",
-                                   "follow",
-                                   "menu \"Orvane Info Group\"",
-                                   "tick",
-                                   "tick 5",
-                                   "zoom 3",
-                                   "zoom 0.2",
-                                   "ruler mm",
-                                   "ruler in",
-                                   "panel toggle 11",
-                                   "panel toggle 13",
-                                   "panel text 20 \"5 mm\"",
-                                   "select all",
-                                   "select none",
-                                   "undo",
-                                   "redo"};
+// What each name may stand for; names in braces are replaced in turn. A point is on the drawing's outlines, or beside
+// them; a dialog comes with what makes it appear, or waits for the tool that shows it.
+struct Rule {
+    std::string_view name, choices;
+};
+constexpr Rule kGrammar[] = {
+    {"line", "{use}|{use}|{use}|{mouse}|{mouse}|{mouse}|{edit}|{edit}|{edit}|set {setting}|{dialog}|{event}|{event}"},
+    {"use", "tool \"{tool}\"\n{mouse}\n{mouse}\n{mouse}"},
+    {"mouse",
+     "press {point}{keys}|press {point}{keys}|press {point}{keys}|click {point}{keys}|track {point}{keys}|"
+     "drag {point}{keys}|up{keys}|pull {point} {point}{keys}"},
+    {"keys", "||| alt| shift| alt shift"},
+    {"point",
+     "50 50|194 50|194 158|50 158|122 50|158 100|86 100|122 136|122 100|20 260|140 260|220 240|80 260|240 200|"
+     "290 200|290 150|230 150|120 20|250 75|30 100|210 100|300 280|230 50|310 110|390 290|10 10|350 40|"
+     "180 180|100 0|50 5e3|-20 -20|122 64|{along} {along}|{along} {along}"},
+    {"along", "0|23|57.5|81|119|152|187.25|203|231|268|296"},
+    {"tool",
+     "Straight Dimension Tool|Straight Dimension Tool|Oblique Dimension Tool|Curve Dimension Tool|Radius Tool|"
+     "Diameter Tool|Angle Tool|Fillet Tool [Addition]|Fillet Tool [Separate]|Fillet Tool [Replace]|Slant Tool|"
+     "Arc Tool [Tangential Line]|Arc Tool [Three Points]|Arc Tool [Center and Two Points]|Comment Tool|"
+     "Object Number Tool|Length Comment Tool|Dimention Comment Tool|Schedule Tool [bottom]|"
+     "Schedule Tool [top + bottom]"},
+    {"edit",
+     "move {art} {number} {number}|turn {art} {number} {point}|copy {art} new|delete {art}|select {art}|"
+     "clip {art}\npaste {number} {number}|layer {layer} {change}"},
+    {"art", "plate|hole|slope|turned|wave|note|two|copy|view|new|@0|@1|@3|@5|@9|@12|all|none"},
+    {"number", "0|1|-3.5|30|90|0.001|200|1e4"},
+    {"layer", "View|Notes|New|\"<<dimension lines>>\""},
+    {"change", "new|current|hide|show|lock|unlock|up|down|title Other"},
+    {"setting",
+     "flOutLayer 1|flOutLayer 0|flScale 0.1|flScale 20|flScFix 5|flScFix 1|flArType 1|flArType 2|flArType 3|"
+     "flArType 4|flArLenUnit 1|flArDim2Show 1|flArDim3Show 1|flArDim2ConvUnit 3|flRdSpos 1|flRdSpos 2|"
+     "flRadiusMode 1|flDiameterMode 1|flUseGrid 1|flUseFcrs 1|flUseTani 1|flUseZero 1|flArSpStr 1|"
+     "flArAngle 60|flArFSize 4|flOsLimt 100|flScOfst 6|flArThick 3|flArDim2UnitName \"k\xC2\xB2\"|"
+     "flScaleText \"1:7\"|flMrkComment \"a\xE2\x8C\x80\"|flUseFcnt 1"},
+    {"dialog",
+     "dialog 16265 5=on 7=row:1 press:1\noptions \"Diameter Tool\"|dialog 16257 press:1|dialog 16258 press:1|"
+     "dialog 16265 5=off 7=row:2 press:1\noptions \"Diameter Tool\"|answer yes|answer no|"
+     "dialog 16266 5=on 7=row:2 press:1\noptions \"Radius Tool\"|"
+     "dialog 16260 5=\"3 mm\" press:1\noptions \"Fillet Tool [Addition]\"|"
+     "dialog 16281 5=row:2 6=row:3 18=\"1/5\" press:1\nmenu \"Orvane Group\"|"
+     "dialog 16259 35=\"Flange\" 26=\"3\" press:1\noptions \"Schedule Tool [bottom]\""},
+    {"event",
+     "action Recalculate_Dimension_lines|notify 2644-3993-9293-3747-5729-7605|follow|tick|tick 5|undo|undo|redo|"
+     "notify 2644-3993-9293-3747-5729-5825|notify \"AI Art Changed Notifier\"|menu \"Orvane Info Group\"|zoom 3|"
+     "zoom 0.2|ruler mm|ruler in|panel toggle 11|panel toggle 13|panel text 20 \"5 mm\"|select all|select none"}};
+
+std::string_view chosen(std::string_view name, FuzzedDataProvider* bytes) {
+    const Rule* rule = std::ranges::find(kGrammar, name, &Rule::name);
+    std::string_view rest = rule->choices;
+    for (auto left = bytes->ConsumeIntegralInRange<std::ptrdiff_t>(0, std::ranges::count(rest, '|')); left > 0; --left)
+        rest.remove_prefix(rest.find('|') + 1);
+    return rest.substr(0, rest.find('|'));
+}
+
+std::string expanded(std::string_view text, FuzzedDataProvider* bytes) {
+    const std::size_t open = text.find('{'), close = text.find('}');
+    if (open == text.npos) return std::string(text);
+    return std::string(text.substr(0, open)) + expanded(chosen(text.substr(open + 1, close - open - 1), bytes), bytes) +
+           expanded(text.substr(close + 1), bytes);
+}
 
 std::string scriptFrom(FuzzedDataProvider* bytes) {
-    const auto pick = [&](const auto& from) -> std::string {
-        return from[bytes->ConsumeIntegralInRange<std::size_t>(0, std::size(from) - 1)];
-    };
-    const auto point = [&] {
-        return bytes->ConsumeIntegralInRange(0, 7) == 0
-                   ? std::to_string(bytes->ConsumeIntegralInRange(-10, 410)) + " " +
-                         std::to_string(bytes->ConsumeIntegralInRange(-10, 310))
-                   : pick(kPoints);
-    };
-    static constexpr const char* kModifiers[] = {"", "", "", " alt", " shift", " alt shift"};
-    static constexpr const char* kOnePoint[] = {"press ", "press ", "press ", "click ", "track ", "drag "};
-    const auto mouse = [&] {
-        switch (bytes->ConsumeIntegralInRange(0, 5)) {
-            case 0:
-                return "up" + pick(kModifiers);
-            case 1:
-                return "pull " + point() + " " + point() + pick(kModifiers);
-            default:
-                return pick(kOnePoint) + point() + pick(kModifiers);
-        }
-    };
-    const auto edit = [&]() -> std::string {
-        switch (bytes->ConsumeIntegralInRange(0, 6)) {
-            case 0:
-                return "move " + pick(kArts) + " " + pick(kNumbers) + " " + pick(kNumbers);
-            case 1:
-                return "turn " + pick(kArts) + " " + pick(kNumbers) + " " + point();
-            case 2:
-                return "copy " + pick(kArts) + " new";
-            case 3:
-                return "delete " + pick(kArts);
-            case 4:
-                return "clip " + pick(kArts) + "\npaste " + pick(kNumbers) + " " + pick(kNumbers);
-            case 5:
-                return "layer " + pick(kLayers) + " " + pick(kLayerVerbs);
-            default:
-                return "select " + pick(kArts);
-        }
-    };
     constexpr int kLongest = 40;
     std::string script = "set language ENGLISH\nopen drawing.svg\n";
-    for (int i = 0; i < kLongest && bytes->remaining_bytes() > 0; ++i) {
-        const int what = bytes->ConsumeIntegralInRange(0, 15);
-        script += what < 4     ? "tool \"" + pick(kTools) + "\"\n" + mouse() + "\n" + mouse() + "\n" + mouse()
-                  : what < 8   ? mouse()
-                  : what < 12  ? edit()
-                  : what == 12 ? "set " + pick(kSettings)
-                  : what == 13 ? pick(kDialogs)
-                               : pick(kEvents);
-        script += '\n';
-    }
+    for (int i = 0; i < kLongest && bytes->remaining_bytes() > 0; ++i) script += expanded("{line}\n", bytes);
     return script;
 }
 

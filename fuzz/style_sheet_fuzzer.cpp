@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -23,155 +25,80 @@ namespace {
 
 // --- what can be declared ----------------------------------------------------------------------------------------
 
-enum class Sort : std::uint8_t { kNumber, kOfFontSize, kOfParent, kInherit, kInitial, kUnset, kInvalid };
+using Style = svg::ComputedStyle;
 
-struct ValueRow {
-    const char* text;
-    Sort sort = Sort::kInvalid;
+struct Value {
+    std::string text;
+    char sort =
+        '=';  // '=' a number, 'e' times the font size, 'p' times the parent's, '^' inherited, '0' initial, 'u' unset,
+              // '!' no value
     double number = 0;
 };
 
-constexpr ValueRow kInherit{"inherit", Sort::kInherit}, kInitial{"initial", Sort::kInitial},
-    kUnset{"unset", Sort::kUnset}, kNonsense{"nonsense"}, kNone{};
-
-struct PropertyRow {
+struct Property {
     const char* name;
     bool isInherited;
     double initial;
-    double (*computed)(const svg::ComputedStyle& style);
-    std::array<ValueRow, 10> values;  // up to kNone
+    double (*computed)(const Style& style);
+    const char* values;  // each with what it comes to behind a blank; those of all properties apart
 };
 
 // A paint as one number.
-constexpr double kNoPaint = -1, kCurrentColor = -2;
 double colorNumber(const svg::CssColor& c) {
     const auto byte = [](double share) { return std::round(share * 255); };
     return (byte(c.r) * 256 + byte(c.g)) * 256 + byte(c.b);
 }
 double paintNumber(const svg::SvgPaint& paint) {
-    if (paint.kind == svg::SvgPaint::kNone) return kNoPaint;
-    return paint.kind == svg::SvgPaint::kCurrentColor ? kCurrentColor : colorNumber(paint.color);
+    if (paint.kind == svg::SvgPaint::kNone) return -1;
+    return paint.kind == svg::SvgPaint::kCurrentColor ? -2 : colorNumber(paint.color);
 }
 
-using Style = svg::ComputedStyle;
-constexpr Sort kNumber = Sort::kNumber;
 // The font size is the first: others are counted by it.
-constexpr PropertyRow kProperties[] = {
-    {"font-size",
-     true,
-     16,
-     [](const Style& s) { return s.fontSize; },
-     {{{"10px", kNumber, 10},
-       {"2em", Sort::kOfParent, 2},
-       {"50%", Sort::kOfParent, 0.5},
-       {"larger", Sort::kOfParent, 1.2},
-       {"x-small", kNumber, 10},
-       kInherit,
-       kInitial,
-       kNonsense,
-       kNone}}},
-    {"fill",
-     true,
-     0,
-     [](const Style& s) { return paintNumber(s.fill); },
-     {{{"red", kNumber, 0xff0000},
-       {"#0Af", kNumber, 0x00aaff},
-       {"rgb(1, 2,3)", kNumber, 0x010203},
-       {"none", kNumber, kNoPaint},
-       {"currentColor", kNumber, kCurrentColor},
-       kInherit,
-       kInitial,
-       kUnset,
-       kNone}}},
-    {"color",
-     true,
-     0,
-     [](const Style& s) { return colorNumber(s.color); },
-     {{{"lime", kNumber, 0x00ff00}, {"#123456", kNumber, 0x123456}, kInherit, kInitial, kNonsense, kNone}}},
-    {"stroke-width",
-     true,
-     1,
-     [](const Style& s) { return s.strokeWidth; },
-     {{{"3", kNumber, 3},
-       {".5px", kNumber, 0.5},
-       {"2em", Sort::kOfFontSize, 2},
-       {"1in", kNumber, 96},
-       kInherit,
-       kUnset,
-       kNonsense,
-       {"-1"},
-       kNone}}},
-    {"stroke-dasharray",
-     true,
-     0,
-     [](const Style& s) { return s.dashes[0] + 100 * s.dashes[1]; },
-     {{{"1 2", kNumber, 201}, {"3, 4px", kNumber, 403}, {"none", kNumber, 0}, kInherit, kNonsense, {"1 -2"}, kNone}}},
-    {"paint-order",
-     true,
-     5,
+constexpr Property kProperties[] = {
+    {"font-size", true, 16, [](const Style& s) { return s.fontSize; },
+     "10px =10;2em p2;50% p0.5;larger p1.2;x-small =10;nonsense !"},
+    {"fill", true, 0, [](const Style& s) { return paintNumber(s.fill); },
+     "red =16711680;#0Af =43775;rgb(1, 2,3) =66051;none =-1;currentColor =-2"},
+    {"color", true, 0, [](const Style& s) { return colorNumber(s.color); }, "lime =65280;#123456 =1193046;nonsense !"},
+    {"stroke-width", true, 1, [](const Style& s) { return s.strokeWidth; },
+     "3 =3;.5px =0.5;2em e2;1in =96;nonsense !;-1 !"},
+    {"stroke-dasharray", true, 0, [](const Style& s) { return s.dashes[0] + 100 * s.dashes[1]; },
+     "1 2 =201;3, 4px =403;none =0;nonsense !;1 -2 !"},
+    {"paint-order", true, 5,
      [](const Style& s) { return 9.0 * int(s.paintOrder[0]) + 3 * int(s.paintOrder[1]) + int(s.paintOrder[2]); },
-     {{{"normal", kNumber, 5},
-       {"stroke", kNumber, 11},
-       {"markers stroke", kNumber, 21},
-       {"fill markers stroke", kNumber, 7},
-       kInherit,
-       kInitial,
-       kNonsense,
-       kNone}}},
-    {"opacity",
-     false,
-     1,
-     [](const Style& s) { return s.opacity; },
-     {{{"0.5", kNumber, 0.5},
-       {"25%", kNumber, 0.25},
-       {"7", kNumber, 1},
-       {"-1e0", kNumber, 0},
-       kInherit,
-       kInitial,
-       kUnset,
-       kNonsense,
-       kNone}}},
-    {"stroke-linecap",
-     true,
-     0,
-     [](const Style& s) { return double(s.cap); },
-     {{{"butt", kNumber, 0}, {"round", kNumber, 1}, {"square", kNumber, 2}, kInherit, kNonsense, kNone}}},
-    {"visibility",
-     true,
-     1,
-     [](const Style& s) { return double(s.visible); },
-     {{{"visible", kNumber, 1},
-       {"hidden", kNumber, 0},
-       {"collapse", kNumber, 0},
-       kInherit,
-       kInitial,
-       kNonsense,
-       kNone}}},
-    {"text-anchor",
-     true,
-     0,
-     [](const Style& s) { return s.anchor == kJustifyLeft     ? 0.0
-                                 : s.anchor == kJustifyCenter ? 1.0
-                                                              : 2.0; },
-     {{{"start", kNumber, 0}, {"middle", kNumber, 1}, {"end", kNumber, 2}, kUnset, kNonsense, kNone}}},
-    {"letter-spacing",
-     true,
-     0,
-     [](const Style& s) { return s.letterSpacing; },
-     {{{"normal", kNumber, 0}, {"3px", kNumber, 3}, {"-1em", Sort::kOfFontSize, -1}, kInherit, kNonsense, kNone}}},
-    {"mix-blend-mode",
-     false,
-     0,
-     [](const Style& s) { return double(s.blendMode); },
-     {{{"normal", kNumber, 0}, {"multiply", kNumber, 1}, {"luminosity", kNumber, 15}, kInherit, kNonsense, kNone}}},
-};
+     "normal =5;stroke =11;markers stroke =21;fill markers stroke =7;nonsense !"},
+    {"opacity", false, 1, [](const Style& s) { return s.opacity; }, "0.5 =0.5;25% =0.25;7 =1;-1e0 =0;nonsense !"},
+    {"stroke-linecap", true, 0, [](const Style& s) { return double(s.cap); }, "butt =0;round =1;square =2;nonsense !"},
+    {"visibility", true, 1, [](const Style& s) { return double(s.visible); },
+     "visible =1;hidden =0;collapse =0;nonsense !"},
+    {"text-anchor", true, kJustifyLeft, [](const Style& s) { return double(s.anchor); },
+     "start =0;end =1;middle =2;nonsense !"},
+    {"letter-spacing", true, 0, [](const Style& s) { return s.letterSpacing; }, "normal =0;3px =3;-1em e-1;nonsense !"},
+    {"mix-blend-mode", false, 0, [](const Style& s) { return double(s.blendMode); },
+     "normal =0;multiply =1;luminosity =15;nonsense !"}};
 constexpr std::size_t kPropertyCount = std::size(kProperties);
+static_assert(kJustifyLeft == 0 && kJustifyRight == 1 && kJustifyCenter == 2);
+
+const std::vector<Value>& valuesOf(std::size_t property) {
+    static const auto all = [] {
+        std::array<std::vector<Value>, kPropertyCount> made;
+        for (std::size_t i = 0; i < kPropertyCount; ++i) {
+            std::istringstream rows(std::string(kProperties[i].values) + ";inherit ^;initial 0;unset u");
+            for (std::string row; std::getline(rows, row, ';');) {
+                const std::size_t end = row.rfind(' ');
+                made[i].push_back({row.substr(0, end), row[end + 1], std::strtod(row.c_str() + end + 2, nullptr)});
+            }
+        }
+        return made;
+    }();
+    return all[property];
+}
 
 // --- the drawing -------------------------------------------------------------------------------------------------
 
 struct Declaration {
     std::size_t property;
-    ValueRow value;
+    Value value;
     bool isImportant;
 };
 
@@ -224,10 +151,9 @@ class Maker {
 
     Declaration declaration(bool mayBeImportant) {
         const auto property = static_cast<std::size_t>(upTo(int{kPropertyCount} - 1));
-        const auto& values = kProperties[property].values;
-        const auto count = std::ranges::find(values, nullptr, &ValueRow::text) - values.begin();
-        const ValueRow value = values[static_cast<std::size_t>(upTo(static_cast<int>(count) - 1))];
-        return {property, value, mayBeImportant && isOneIn(4)};
+        const std::vector<Value>& values = valuesOf(property);
+        return {property, values[static_cast<std::size_t>(upTo(static_cast<int>(values.size()) - 1))],
+                mayBeImportant && isOneIn(4)};
     }
     std::vector<Declaration> declarations(int most, bool mayBeImportant) {
         std::vector<Declaration> made;
@@ -244,17 +170,12 @@ class Maker {
         return made;
     }
     DrawnElement element(int number) {
-        if (number == 0) return {0, -1, 0, declarationsOnce(), declarations(3, true)};
-        return {1 + upTo(2), upTo(number - 1), static_cast<unsigned>(upTo(15)), declarationsOnce(),
-                declarations(3, true)};
-    }
-    // An attribute is there once.
-    std::vector<Declaration> declarationsOnce() {
-        std::vector<Declaration> made = declarations(3, false);
-        std::ranges::stable_sort(made, {}, &Declaration::property);
-        made.erase(std::unique(made.begin(), made.end(),
-                               [](const auto& a, const auto& b) { return a.property == b.property; }),
-                   made.end());
+        DrawnElement made;
+        if (number > 0) made = {1 + upTo(2), upTo(number - 1), static_cast<unsigned>(upTo(15)), {}, {}};
+        for (const Declaration& one : declarations(3, false))  // an attribute is there once
+            if (std::ranges::find(made.attributes, one.property, &Declaration::property) == made.attributes.end())
+                made.attributes.push_back(one);
+        made.inlineStyle = declarations(3, true);
         return made;
     }
 
@@ -333,9 +254,7 @@ class Maker {
         for (std::size_t i = 0; i < std::size(kClasses); ++i)
             if ((one.classes >> i & 1) != 0) classes = kClasses[i] + std::string(isOneIn(2) ? "\n" : " ") + classes;
         if (!classes.empty()) text += " class=\"" + escaped(classes) + "\"";
-        std::vector<Declaration> attributes = one.attributes;
-        if (isOneIn(2)) std::ranges::reverse(attributes);
-        for (const Declaration& attribute : attributes)
+        for (const Declaration& attribute : one.attributes)
             text +=
                 std::string(" ") + kProperties[attribute.property].name + "=\"" + recased(attribute.value.text) + "\"";
         if (!one.inlineStyle.empty()) text += " style=\"" + escaped(written(one.inlineStyle)) + "\"";
@@ -372,7 +291,7 @@ class PlainCascade {
 
     Values compute(int number) {
         Values parent;
-        std::ranges::transform(kProperties, parent.begin(), [](const PropertyRow& row) { return row.initial; });
+        std::ranges::transform(kProperties, parent.begin(), &Property::initial);
         const DrawnElement& element = drawing_.elements()[static_cast<std::size_t>(number)];
         if (element.parent >= 0) parent = compute(element.parent);
         Values values = parent;
@@ -382,11 +301,11 @@ class PlainCascade {
     }
 
   private:
-    ValueRow winner(const DrawnElement& element, int number, std::size_t property) const {
-        ValueRow best = kUnset;
+    Value winner(const DrawnElement& element, int number, std::size_t property) const {
+        Value best{"", 'u'};
         std::optional<Weight> bestWeight;
         const auto offer = [&](const Declaration& one, const std::optional<Weight>& weight) {
-            if (one.property != property || one.value.sort == Sort::kInvalid || !weight) return;
+            if (one.property != property || one.value.sort == '!' || !weight) return;
             if (bestWeight && *weight < *bestWeight) return;
             best = one.value;
             bestWeight = weight;
@@ -400,22 +319,11 @@ class PlainCascade {
         return best;
     }
 
-    static double resolved(std::size_t property, const ValueRow& value, const Values& parent, double fontSize) {
-        const PropertyRow& row = kProperties[property];
-        switch (value.sort) {
-            case Sort::kNumber:
-                return value.number;
-            case Sort::kOfFontSize:
-                return value.number * fontSize;
-            case Sort::kOfParent:
-                return value.number * parent[property];
-            case Sort::kInitial:
-                return row.initial;
-            case Sort::kInherit:
-                return parent[property];
-            default:
-                return row.isInherited ? parent[property] : row.initial;
-        }
+    static double resolved(std::size_t property, const Value& value, const Values& parent, double fontSize) {
+        const bool isInherited = value.sort == '^' || (value.sort == 'u' && kProperties[property].isInherited);
+        if (isInherited) return parent[property];
+        if (value.sort == '0' || value.sort == 'u') return kProperties[property].initial;
+        return value.number * (value.sort == 'e' ? fontSize : value.sort == 'p' ? parent[property] : 1);
     }
 
     const Maker& drawing_;
