@@ -16,10 +16,12 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
+#include <QValidator>
 #include <algorithm>
 
 #include "platform/qt/panel_button.h"
 #include "platform/qt/pictures.h"
+#include "platform/text.h"
 
 namespace quorvel::platform {
 
@@ -32,6 +34,21 @@ constexpr double kPixelsPerPoint = 96.0 / 72.0;
 // A label shows what the plug-in parts with carriage returns on lines of its own.
 QString shownText(const std::string& text) {
     return QString::fromStdString(text).replace(QLatin1Char('\r'), QLatin1Char('\n'));
+}
+
+// The plug-in keeps texts in the code page: a character that it lacks would be lost.
+class WritableText final : public QValidator {
+  public:
+    using QValidator::QValidator;
+    State validate(QString& text, int&) const override {
+        const std::string utf8 = text.toStdString();
+        return ToUtf8AndBack(FromUtf8(utf8, kCodePageJapanese), kCodePageJapanese) == utf8 ? Acceptable : Invalid;
+    }
+};
+
+void refuseUnwritable(QLineEdit* edit) {
+    edit->setValidator(new WritableText(edit));
+    QObject::connect(edit, &QLineEdit::inputRejected, edit, [] { QApplication::beep(); });
 }
 
 struct PatternFree {
@@ -167,15 +184,18 @@ void ControlForm::place(QWidget* widget, const ControlRow& row) const {
 void ControlForm::connectControl(const Control& control) {
     const std::int32_t id = control.row.id;
     if (auto* edit = qobject_cast<QLineEdit*>(control.widget)) {
+        refuseUnwritable(edit);
         connect(edit, &QLineEdit::textEdited, this, [this, id](const QString& text) {
             told({StepKind::setText, id, text.toStdString(), 0});
         });
     } else if (auto* list = qobject_cast<QComboBox*>(control.widget)) {
         connect(list, &QComboBox::activated, this, [this, id](int row) { told({StepKind::selectRow, id, {}, row}); });
-        if (list->isEditable())
+        if (list->isEditable()) {
+            refuseUnwritable(list->lineEdit());
             connect(list->lineEdit(), &QLineEdit::textEdited, this, [this, id](const QString& text) {
                 told({StepKind::setText, id, text.toStdString(), 0});
             });
+        }
     } else if (auto* button = qobject_cast<QAbstractButton*>(control.widget)) {
         const bool switches = control.row.kind == ControlKind::checkBox;
         connect(button, &QAbstractButton::clicked, this, [this, id, button, switches] {

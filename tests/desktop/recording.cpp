@@ -46,7 +46,9 @@ TEST(Recording, ReplaysToTheSameDump) {
                  [&](QWidget* dialog) {
                      auto* angle = rig.control<QLineEdit>(dialog, 20);
                      angle->selectAll();
-                     QTest::keyClicks(angle, "25");
+                     QTest::keyClicks(angle, "2");
+                     angle->insert(QString::fromUtf8("\u20AC"));  // the code page has no euro sign
+                     QTest::keyClicks(angle, "5");
                      auto* shape = rig.control<QComboBox>(dialog, 5);
                      shape->setCurrentIndex(0);
                      emit shape->activated(0);
