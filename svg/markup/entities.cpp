@@ -165,7 +165,9 @@ std::string unescapeXml(std::string_view text, const XmlEntities& entities) {
                 continue;
             }
         }
-        out += isBlank(text[i]) ? ' ' : text[i];
+        if (text.substr(i, 2) == "\r\n") ++i;  // one line end
+        const bool isSpace = text[i] == '\t' || text[i] == '\n' || text[i] == '\r';
+        out += isSpace ? ' ' : text[i];
     }
     return out;
 }
