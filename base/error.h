@@ -78,6 +78,7 @@ enum class ErrorCode : std::uint16_t {
     kImageOutside,     // 1: the name that the drawing gives; 2: the folder that the image is in
     kImageRemote,      // 1: the address
     kPaintingLeftOut,  // 1: how many pieces; 2: some of their elements
+    kEffectLeftOut,    // 1: an element
     kMoreWarnings,     // 1: how many
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------

@@ -82,7 +82,14 @@ QTransform AppearanceReader::userSpace(const doc::Art& art) const {
     return art.ref.index < 0 || source_ == nullptr ? QTransform() : toQt(source_->tree.map(art.ref.index));
 }
 
-Appearance AppearanceReader::read(const svg::Element& element) const {
+const svg::Filter* AppearanceReader::filter(std::string_view value, double fontSize) {
+    if (value.empty()) return nullptr;
+    const auto [known, added] = filters_.try_emplace(std::string(value) + ' ' + std::to_string(fontSize));
+    if (added) known->second = svg::readFilter(source_->tree.file.get(), value, fontSize);
+    return &known->second;
+}
+
+Appearance AppearanceReader::read(const svg::Element& element) {
     const svg::StyleTable& styles = source_->tree.file->styles();
     const svg::PaintStyle& paint = styles.paint(element.style);
     const svg::TextStyle& text = styles.text(element.style);
@@ -96,6 +103,7 @@ Appearance AppearanceReader::read(const svg::Element& element) const {
     look.strokeWidth = paint.strokeWidth;
     look.clip = whole.clipPath;
     look.mask = whole.mask;
+    look.filter = filter(whole.filter, text.fontSize);
     look.markers = text.markers;
     look.hasMarkers = bearsMarkers(element.role) &&
                       std::any_of(look.markers.begin(), look.markers.end(), [](auto id) { return !id.empty(); });

@@ -7,6 +7,7 @@
 #include <Qt>
 #include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@
 #include "document/document.h"
 #include "interchange/svg/source.h"
 #include "svg/tree/definitions.h"
+#include "svg/tree/filters.h"
 
 namespace quorvel::render {
 
@@ -26,7 +28,8 @@ struct Appearance {
     double strokeWidth = 1;  // user units; for texts, whose pieces do not say it
     std::string_view clip, mask;
     std::array<std::string_view, 3> markers;  // on an outline's first, inner and last anchors
-    bool hasMarkers = false;                  // any of them, on an outline that has them
+    const svg::Filter* filter = nullptr;
+    bool hasMarkers = false;  // any of them, on an outline that has them
 };
 
 // Must not outlive the document.
@@ -51,11 +54,13 @@ class AppearanceReader {
     std::optional<QBrush> gradient(const AIColor& paint, const doc::Art& art, const RealRect& bounds) const;
 
   private:
-    Appearance read(const svg::Element& element) const;
+    Appearance read(const svg::Element& element);
+    const svg::Filter* filter(std::string_view value, double fontSize);
 
     const doc::Document& document_;
     const interchange::SvgSource* source_;
     bool hasForeign_ = false;
+    std::map<std::string, svg::Filter, std::less<>> filters_;  // by their property and the font size
     // By the number of the style, for outlines whose kind has no markers and for those whose kind has.
     std::vector<std::optional<Appearance>> plain_, bearing_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "render/filter_painter.h"
 #include "render/outline.h"
 
 namespace quorvel::render {
@@ -51,11 +52,22 @@ QRectF ArtBoxes::plain(const doc::Art& art) {
 }
 
 QRectF ArtBoxes::drawn(const doc::Art& art) {
-    if (art.kind == kGroupArt) {
+    if (art.kind == kGroupArt)
         if (const auto known = groups_.find(art.id); known != groups_.end()) return known->second;
+    QRectF box = unfiltered(art);
+    if (const svg::Filter* filter = looks_.of(art).filter; filter != nullptr) {
+        const QTransform user = looks_.userSpace(art), toUser = user.inverted();
+        box = user.mapRect(filteredBox(*filter, toUser.mapRect(plain(art)), toUser.mapRect(box)));
+    }
+    if (art.kind == kGroupArt) groups_[art.id] = box;
+    return box;
+}
+
+QRectF ArtBoxes::unfiltered(const doc::Art& art) {
+    if (art.kind == kGroupArt) {
         QRectF box;
         forEachChildUpwards(document_, art, [&](const doc::Art& child) { box = united(box, drawn(child)); });
-        return groups_[art.id] = box;
+        return box;
     }
     if (art.kind == kForeignArt) {
         const QPolygonF frame = foreign_.frameOf(art);

@@ -32,6 +32,7 @@ class ArtBoxes {
     QRectF renewed(const doc::Art& art);
 
   private:
+    QRectF unfiltered(const doc::Art& art);
     double markerReach(const doc::Art& art, const AIPathStyle& style);
 
     const doc::Document& document_;

@@ -2,6 +2,7 @@
 // its widest stroke, miss the part that is asked for.
 #include "render/painter.h"
 
+#include <QPaintEngine>
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -16,7 +17,17 @@ namespace {
 constexpr double kOfALook = 150;          // nanoseconds, at an element of a clip path
 constexpr double kLargestPicture = 4096;  // dots of a side, of art that is painted apart
 
-bool isPlainGroup(const Appearance& look) { return !(look.opacity < 1) && look.mask.empty(); }
+// How much smaller the picture of the place is than the place. Paper has more dots than a filter needs.
+double shrinkOf(const QRect& place, const svg::Filter* filter, const QPainter& device) {
+    constexpr double kFilterResolution = 300;  // dots per inch
+    const double shrink = std::min(1.0, kLargestPicture / std::max(place.width(), place.height()));
+    if (filter == nullptr) return shrink;
+    const bool isVector = device.paintEngine()->type() != QPaintEngine::Raster;
+    const double most = FilterPainter::mostDots(*filter) / (double(place.width()) * place.height());
+    return std::min({shrink, std::sqrt(most), isVector ? kFilterResolution / device.device()->logicalDpiX() : 1.0});
+}
+
+bool isPlainGroup(const Appearance& look) { return !(look.opacity < 1) && look.mask.empty() && look.filter == nullptr; }
 
 std::shared_ptr<svg::File> fileOf(const doc::Document& document) {
     const interchange::SvgSource* source = interchange::svgSource(document);
@@ -37,6 +48,7 @@ DocumentPainter::DocumentPainter(const doc::Document& document, std::shared_ptr<
       drawings_(fileOf(document), resources_, around),
       clips_(fileOf(document), &drawings_, resources_->budget.get()),
       foreign_(document, resources_.get()),
+      filters_(resources_->budget.get()),
       boxes_(document, &looks_, &drawings_, &foreign_),
       artPainter_(document, &looks_, &drawings_, &foreign_, &boxes_, &state_) {
     state_.budget = resources_->budget.get();
@@ -68,7 +80,7 @@ bool DocumentPainter::forgetWaitingImages() {
 bool DocumentPainter::dependsOnMembers(const doc::Art& art) {
     if (art.kind == kCompoundPathArt) return true;
     const Appearance& look = looks_.of(art);
-    return !look.clip.empty() || !look.mask.empty();
+    return !look.clip.empty() || !look.mask.empty() || look.filter != nullptr;
 }
 
 // --- what there is to paint ----------------------------------------------------------------------------------------
@@ -212,7 +224,7 @@ void DocumentPainter::paintUnclipped(const doc::Art& art, const Appearance& look
     const bool overlaps =
         art.kind == kGroupArt || look.hasMarkers ||
         (path != nullptr && path->style != nullptr && path->style->fillPaint != 0 && path->style->strokePaint != 0);
-    if (!look.mask.empty() || (look.opacity < 1 && overlaps)) {
+    if (!look.mask.empty() || look.filter != nullptr || (look.opacity < 1 && overlaps)) {
         paintApart(art, look);
     } else {
         const double before = state_.painter->opacity();
@@ -242,14 +254,26 @@ void DocumentPainter::paintContent(const doc::Art& art) {
     }
 }
 
+// With a dot more on each side, where edges are smooth. What a filter makes of a piece depends on all that is round it.
+QRect DocumentPainter::placeApart(const doc::Art& art, const Appearance& look, const QTransform& toDevice) {
+    constexpr double kAround = 512;  // dots
+    QRectF place = toDevice.mapRect(boxes_.drawn(art));
+    const QRectF sight = toDevice.mapRect(state_.sight);
+    const bool isLarge = std::max(place.width(), place.height()) > kLargestPicture;
+    if (look.filter == nullptr)
+        place &= sight;
+    else if (isLarge)
+        place &= sight.adjusted(-kAround, -kAround, kAround, kAround);
+    return place.toAlignedRect().adjusted(-1, -1, 1, 1);
+}
+
 void DocumentPainter::paintApart(const doc::Art& art, const Appearance& look) {
     QPainter* const below = state_.painter;
     const QTransform toDevice = below->deviceTransform();
-    // With a dot more on each side, where edges are smooth.
-    const QRect place = toDevice.mapRect(boxes_.drawn(art) & state_.sight).toAlignedRect().adjusted(-1, -1, 1, 1);
+    const QRect place = placeApart(art, look, toDevice);
     if (place.isEmpty()) return;
     // Paper has more dots than a picture needs.
-    const double shrink = std::min(1.0, kLargestPicture / std::max(place.width(), place.height()));
+    const double shrink = std::min(1.0, shrinkOf(place, look.filter, *below));
     const QTransform toPicture =
         toDevice * QTransform::fromTranslate(-place.x(), -place.y()) * QTransform::fromScale(shrink, shrink);
     const QSize size(static_cast<int>(std::ceil(place.width() * shrink)),
@@ -271,6 +295,7 @@ void DocumentPainter::paintApart(const doc::Art& art, const Appearance& look) {
         paintContent(art);
         state_.world = around;
         state_.painter = below;
+        if (look.filter != nullptr) filterPicture(art, *look.filter, toPicture, &apart, &picture);
         if (!look.mask.empty()) maskPicture(art, look, toPicture, &apart);
     }
     // From the picture's dots to the painter's own coordinates, whatever the map from those to the device is.
@@ -280,6 +305,18 @@ void DocumentPainter::paintApart(const doc::Art& art, const Appearance& look) {
     below->setRenderHint(QPainter::SmoothPixmapTransform, shrink < 1);
     below->drawImage(QPoint(), picture);
     below->restore();
+}
+
+void DocumentPainter::filterPicture(const doc::Art& art, const svg::Filter& filter, const QTransform& toPicture,
+                                    QPainter* apart, QImage* picture) {
+    const interchange::SvgSource& source = *looks_.source();
+    const QTransform user = looks_.userSpace(art);
+    const svg::ComputedStyle style = source.tree.file->styles().at(source.element(art.ref.index).style);
+    const QRectF box = user.inverted().mapRect(boxes_.plain(art));
+    apart->end();  // it would copy the picture
+    if (!filters_.apply(filter, style, *source.tree.file, box, user * toPicture, picture))
+        resources_->images.warn(makeError(ErrorCode::kEffectLeftOut, {looks_.nameOf(art)}));
+    apart->begin(picture);
 }
 
 void DocumentPainter::maskPicture(const doc::Art& art, const Appearance& look, const QTransform& toPicture,

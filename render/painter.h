@@ -12,6 +12,7 @@
 #include "render/art_boxes.h"
 #include "render/art_painter.h"
 #include "render/clip_mask_cache.h"
+#include "render/filter_painter.h"
 #include "render/foreign_art.h"
 #include "render/sub_drawing.h"
 
@@ -61,6 +62,10 @@ class DocumentPainter {
     void paintContent(const doc::Art& art);
     // Paints the art on a picture of its own, which is laid down as a whole.
     void paintApart(const doc::Art& art, const Appearance& look);
+    // Where in the device's dots the art is painted as a picture.
+    QRect placeApart(const doc::Art& art, const Appearance& look, const QTransform& toDevice);
+    void filterPicture(const doc::Art& art, const svg::Filter& filter, const QTransform& toPicture, QPainter* apart,
+                       QImage* picture);
     void maskPicture(const doc::Art& art, const Appearance& look, const QTransform& toPicture, QPainter* picture);
     // False, with the art noted as left out, when it cannot be cut.
     [[nodiscard]] bool clipTo(const doc::Art& art, const Appearance& look);
@@ -77,6 +82,7 @@ class DocumentPainter {
     SubDrawingCache drawings_;
     ClipMaskCache clips_;
     ForeignArtCache foreign_;
+    FilterPainter filters_;
     ArtBoxes boxes_;
     PaintState state_;
     ArtPainter artPainter_;

@@ -78,7 +78,8 @@ struct TextStyle {
 // Not inherited: what acts on the element as a whole, and the properties of gradient stops and masks.
 struct ElementStyle {
     double opacity = 1;
-    std::string_view clipPath, mask, filter;  // ids; empty: none
+    std::string_view clipPath, mask;  // ids; empty: none
+    std::string_view filter;          // as it is written; empty: none
     SvgPaint stopColor{SvgPaint::kColor, {}, {}};
     double stopOpacity = 1;
     bool displayed = true, isolated = false, hasFixedStroke = false;  // of vector-effect: the stroke is not scaled

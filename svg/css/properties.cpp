@@ -58,6 +58,12 @@ void readReference(const PropertyValue& value, Style* style) {
     style->*kMember = value.styles.keep(urlFragment(value.text));
 }
 
+// Kept as it is written: a list of references and functions.
+void readFilter(const PropertyValue& value, Style* style) {
+    const std::string_view text = trimmed(value.text);
+    style->filter = text == "none" ? std::string_view() : value.styles.keep(text);
+}
+
 template <std::size_t kFirst, std::size_t kLast>
 void readMarkers(const PropertyValue& value, Style* style) {
     const std::string_view id = value.styles.keep(urlFragment(value.text));
@@ -87,7 +93,7 @@ constexpr std::array kProperties = {
              copyMembers<&Style::fillOpacity>},
     Property{"fill-rule", kPaint, kInherited, false, readKeyword<&Style::fillRule, kFillRules>,
              copyMembers<&Style::fillRule>},
-    Property{"filter", kElement, kOwn, false, readReference<&Style::filter>, copyMembers<&Style::filter>},
+    Property{"filter", kElement, kOwn, false, readFilter, copyMembers<&Style::filter>},
     Property{"font", kText, kInherited, false, readFont,
              copyMembers<&Style::fontFamily, &Style::fontSize, &Style::fontWeight, &Style::italic>, kSetsFontSize,
              kHasNames},

@@ -37,18 +37,24 @@ class Excerpt {
 
     std::string around(const std::string& content) {
         const std::string& prefix = file_.names().svg;
-        std::string out = "<" + prefix + "svg width=\"1pt\" height=\"1pt\" viewBox=\"0 0 1 1\"";
+        const ExcerptParts parts = partsFor(content);
+        return "<" + prefix + "svg width=\"1pt\" height=\"1pt\" viewBox=\"0 0 1 1\"" + parts.namespaces + '>' +
+               parts.sheets + "<" + prefix + "defs>" + parts.definitions + "</" + prefix + "defs>" + content + "</" +
+               prefix + "svg>";
+    }
+
+    ExcerptParts partsFor(const std::string& content) {
+        ExcerptParts parts;
         const XmlNode root = file_.root();
         for (const XmlAttribute& attribute : root.attributes())
             if (attribute.name().starts_with("xmlns"))
-                out += " " + std::string(attribute.name()) + "=\"" + escapeXml(attribute.value()) + '"';
-        out += '>';
+                parts.namespaces += " " + std::string(attribute.name()) + "=\"" + escapeXml(attribute.value()) + '"';
         forEachElement(root, [&](const XmlNode& node, int) {
-            if (node.localName() == "style") out += textOf(node.offset());
+            if (node.localName() == "style") parts.sheets += textOf(node.offset());
             return true;
         });
-        out += "<" + prefix + "defs>" + definitionsFor(content) + "</" + prefix + "defs>" + content;
-        return out + "</" + prefix + "svg>";
+        parts.definitions = definitionsFor(content);
+        return parts;
     }
 
   private:
@@ -75,6 +81,8 @@ class Excerpt {
 };
 
 }  // namespace
+
+ExcerptParts excerptParts(File* file, const std::string& content) { return Excerpt(file).partsFor(content); }
 
 std::string excerptOf(const Tree& tree, std::int32_t number, std::string_view id) {
     const Element& element = tree[number];

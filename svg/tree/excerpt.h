@@ -13,4 +13,12 @@ namespace quorvel::svg {
 // and all that it refers to. Its own transform, opacity, clip path and mask are left out, and it gets this id.
 std::string excerptOf(const Tree& tree, std::int32_t element, std::string_view id);
 
+// What markup that refers to elements of the file needs in a file of its own.
+struct ExcerptParts {
+    std::string namespaces;   // attributes of the root, each behind a blank
+    std::string sheets;       // style elements
+    std::string definitions;  // elements, a megabyte at most
+};
+ExcerptParts excerptParts(File* file, const std::string& content);
+
 }  // namespace quorvel::svg
