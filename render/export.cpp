@@ -2,6 +2,7 @@
 #include "render/export.h"
 
 #include <QBuffer>
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -13,6 +14,7 @@
 #include <cmath>
 
 #include "files/file_writer.h"
+#include "interchange/svg/source.h"
 #include "render/painter.h"
 
 namespace quorvel::render {
@@ -34,6 +36,35 @@ Status writeBytes(const ExportTarget& target, const QBuffer& bytes) {
                             {target.replacesReadOnly});
 }
 
+// What the drawing's own title element says.
+QString titleOf(const doc::Document& document) {
+    const interchange::SvgSource* source = interchange::svgSource(document);
+    if (source == nullptr) return {};
+    std::string title;
+    for (const svg::XmlNode& child : source->tree.file->root().children()) {
+        if (!child.isElement() || child.localName() != "title") continue;
+        for (const svg::XmlNode& text : child.children())
+            if (text.isText()) title += text.value();
+        break;
+    }
+    return QString::fromStdString(title).simplified();
+}
+
+// With the time that SOURCE_DATE_EPOCH gives, in seconds since 1970, where it is set: then two exports are the same.
+// Nothing behind the date moves, since the file has a table of places.
+void setPdfDate(QByteArray* pdf) {
+    bool isSet = false;
+    const qint64 seconds = qgetenv("SOURCE_DATE_EPOCH").toLongLong(&isSet);
+    const QByteArray key("/CreationDate (D:");
+    const qsizetype at = pdf->indexOf(key) + key.size(), end = pdf->indexOf(')', at);
+    constexpr qsizetype kDigits = 14;
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+    const QByteArray digits = time.toString(QStringLiteral("yyyyMMddHHmmss")).toLatin1();
+    if (!isSet || at < key.size() || end < at + kDigits || digits.size() != kDigits) return;
+    const QByteArray zone = end - at == kDigits + 1 ? QByteArray("Z") : QByteArray("+00'00'").left(end - at - kDigits);
+    pdf->replace(at, end - at, digits + zone);
+}
+
 Status exportPdf(const doc::Document& document, DocumentPainter* page, const ExportTarget& target) {
     if (!(document.width() <= kLargestPdfPage && document.height() <= kLargestPdfPage))
         return makeError(ErrorCode::kPageTooLargeForPdf);
@@ -44,12 +75,15 @@ Status exportPdf(const doc::Document& document, DocumentPainter* page, const Exp
         writer.setPageSize(
             QPageSize(QSizeF(document.width(), document.height()), QPageSize::Point, QString(), QPageSize::ExactMatch));
         writer.setPageMargins({});
-        if (target.path != QLatin1String("-")) writer.setTitle(QFileInfo(target.path).completeBaseName());
+        QString title = titleOf(document);
+        if (title.isEmpty() && target.path != QLatin1String("-")) title = QFileInfo(target.path).completeBaseName();
+        writer.setTitle(title);
         const double scale = writer.resolution() / kPointsPerInch;
         QPainter painter(&writer);
         page->paint(&painter, pageTransform(document, scale),
                     QRectF(0, 0, document.width() * scale, document.height() * scale), {});
     }
+    setPdfDate(&bytes.buffer());
     return writeBytes(target, bytes);
 }
 

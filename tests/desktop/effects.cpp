@@ -1,6 +1,7 @@
 // What filters make of art, point by point, and what becomes of those that are too much. Pages are of 100 by 100
 // points, one pixel each.
 #include <QElapsedTimer>
+#include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
@@ -8,6 +9,7 @@
 
 #include "host/host.h"
 #include "interchange/svg/svg.h"
+#include "render/export.h"
 #include "render/painter.h"
 #include "tests/desktop/window_rig.h"
 #include "tests/support/errors.h"
@@ -108,6 +110,27 @@ TEST_F(Effects, FiltersReadNoFiles) {
         paint();
         EXPECT_NE(at(50, 50), QColor(Qt::red)) << href;
     }
+}
+
+TEST_F(Effects, PdfHasTheTitleAndTheGivenDate) {
+    open("<title>A <![CDATA[&]]> B</title><path d='M10 10H90V90H10Z'/>");
+    QTemporaryDir folder;
+    const auto exported = [&](const char* zone) {
+        qputenv("TZ", zone);
+        EXPECT_TRUE(render::exportDrawing(*document, {}, {folder.filePath("a.pdf")}));
+        QFile file(folder.filePath("a.pdf"));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    };
+    qputenv("SOURCE_DATE_EPOCH", "86400");
+    const QByteArray utc = exported("UTC"), east = exported("Asia/Tokyo");
+    qunsetenv("SOURCE_DATE_EPOCH");
+    EXPECT_TRUE(utc.contains("(D:19700102000000")) << "one day after the epoch began";
+    EXPECT_TRUE(east.contains("(D:19700102000000"));
+    EXPECT_EQ(utc.count("(D:"), 1);
+    EXPECT_FALSE(exported("UTC").contains("(D:1970"));
+    qunsetenv("TZ");
+    EXPECT_TRUE(utc.contains(QByteArray("\0A\0 \0&\0 \0B", 10))) << "in UTF-16";
 }
 
 }  // namespace
