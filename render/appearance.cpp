@@ -121,6 +121,17 @@ const Appearance& AppearanceReader::of(const doc::Art& art) {
     return *look;
 }
 
+const Appearance& AppearanceReader::ofStyle(std::uint32_t style) {
+    if (style >= plain_.size()) plain_.resize(style + std::size_t{1});
+    if (!plain_[style]) {
+        svg::Element element;
+        element.style = style;
+        element.role = svg::Role::kText;
+        plain_[style] = read(element);
+    }
+    return *plain_[style];
+}
+
 std::string_view AppearanceReader::paintText(const AIColor& paint) const {
     const std::vector<std::string>& texts = interchange::paintTexts(document_);
     const auto number = static_cast<std::size_t>(std::max(0, paint.reference));

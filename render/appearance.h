@@ -15,6 +15,7 @@
 
 #include "document/document.h"
 #include "interchange/svg/source.h"
+#include "render/text/text_layout.h"
 #include "svg/tree/definitions.h"
 #include "svg/tree/filters.h"
 
@@ -39,6 +40,8 @@ class AppearanceReader {
 
     // Good until the next question.
     const Appearance& of(const doc::Art& art);
+    // Of a part of a text, by its number in the file's styles.
+    const Appearance& ofStyle(std::uint32_t style);
     // The art's user space in document points.
     QTransform userSpace(const doc::Art& art) const;
     // Null for a drawing that is in no file.
@@ -46,6 +49,10 @@ class AppearanceReader {
     const interchange::SvgSource* source() const { return source_; }
     // What the paint says that is no plain colour; empty for those.
     std::string_view paintText(const AIColor& paint) const;
+    // Null for a text that shows what the document says rather than its element.
+    const TextLayout* textLayout(const doc::Art& art, QTransform* toDocument) {
+        return layouts_.of(source_, art, toDocument);
+    }
     // The art's element, such as 'path "edge"'.
     std::string nameOf(const doc::Art& art) const;
     // Whether the drawing holds art of kinds that are kept and never entered.
@@ -61,6 +68,7 @@ class AppearanceReader {
     const interchange::SvgSource* source_;
     bool hasForeign_ = false;
     std::map<std::string, svg::Filter, std::less<>> filters_;  // by their property and the font size
+    TextLayoutCache layouts_;
     // By the number of the style, for outlines whose kind has no markers and for those whose kind has.
     std::vector<std::optional<Appearance>> plain_, bearing_;
 };

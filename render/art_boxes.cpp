@@ -81,7 +81,11 @@ QRectF ArtBoxes::unfiltered(const doc::Art& art) {
         reach = std::max(reachOf(*path->style), markerReach(art, *path->style));
     if (art.kind == kTextFrameArt) reach = double(bounds.top) - bounds.bottom;
     reach = std::max(reach, 0.01);  // a level line has no height, and is no empty box
-    return toQt(bounds).adjusted(-reach, -reach, reach, reach);
+    QRectF box = toQt(bounds);
+    QTransform toDocument;
+    if (const TextLayout* layout = art.kind == kTextFrameArt ? looks_.textLayout(art, &toDocument) : nullptr)
+        box = united(box, toDocument.mapRect(layout->box));
+    return box.adjusted(-reach, -reach, reach, reach);
 }
 
 QRectF ArtBoxes::renewed(const doc::Art& art) {

@@ -8,7 +8,7 @@
 
 #include "render/marker_places.h"
 #include "render/outline.h"
-#include "render/text_outlines.h"
+#include "render/text/text_outlines.h"
 #include "svg/values/reference.h"
 
 namespace quorvel::render {
@@ -69,6 +69,15 @@ std::vector<const doc::PathData*> piecesOf(const doc::Document& document, const 
             if (child.path != nullptr) pieces.push_back(child.path.get());
         });
     return pieces;
+}
+
+const doc::CharFeatures* featuresAt(const doc::TextData& text, std::size_t unit) {
+    std::size_t end = 0;
+    for (const doc::TextRun& run : text.runs) {
+        end += static_cast<std::size_t>(std::max(0, run.length));
+        if (unit < end) return &run.features;
+    }
+    return nullptr;
 }
 
 }  // namespace
@@ -244,6 +253,8 @@ void ArtPainter::text(const doc::Art& art) {
     const double tall = double(bounds.top) - bounds.bottom, wide = double(bounds.right) - bounds.left;
     if (tall < state_.pixel && wide < state_.pixel) return;
     if (!take(double(art.text->text.size()) * kOfACharacter, art)) return;
+    QTransform toDocument;
+    if (const TextLayout* layout = looks_.textLayout(art, &toDocument)) return textLayout(*layout, toDocument, art);
     const Appearance& look = looks_.of(art);
     // In the text's own coordinates, where the outlines are.
     const double strokeWidth =
@@ -257,6 +268,19 @@ void ArtPainter::text(const doc::Art& art) {
             stroke(piece.outline, QPen(Qt::black, strokeWidth), piece.features->stroke, art, look.strokeOpacity);
     }
     to().restore();
+}
+
+void ArtPainter::textLayout(const TextLayout& layout, const QTransform& toDocument, const doc::Art& art) {
+    const double scale = std::sqrt(std::abs(toDocument.determinant()));
+    for (const GlyphRun& run : layout.runs) {
+        const doc::CharFeatures* features = featuresAt(*art.text, run.unit);
+        if (!run.isVisible || features == nullptr) continue;
+        const Appearance& look = looks_.ofStyle(run.style);
+        const QPainterPath outline = toDocument.map(run.outline());
+        if (features->fillOn) fill(outline, features->fill, art, look.fillOpacity);
+        if (features->strokeOn)
+            stroke(outline, QPen(Qt::black, look.strokeWidth * scale), features->stroke, art, look.strokeOpacity);
+    }
 }
 
 // --- selection -----------------------------------------------------------------------------------------------------

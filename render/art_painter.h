@@ -57,6 +57,7 @@ class ArtPainter {
     void mark(const doc::Art& art);
 
   private:
+    void textLayout(const TextLayout& layout, const QTransform& toDocument, const doc::Art& art);
     bool dot(const doc::Art& art, const AIPathStyle& style);
     void markers(const doc::Art& art, const AIPathStyle& style, const Appearance& look);
     void marker(const MarkerDrawing& drawing, const QTransform& there, const ContextPaint& context);

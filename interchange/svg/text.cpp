@@ -18,6 +18,7 @@
 #include "svg/values/length.h"
 #include "svg/values/number.h"
 #include "svg/values/paint.h"
+#include "svg/values/utf8.h"
 
 namespace quorvel::interchange {
 namespace {
@@ -25,40 +26,6 @@ namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 
 bool isLineBreak(char16_t unit) { return unit == u'\r' || unit == u'\n' || unit == 3; }
-
-// One character of UTF-8; what is none counts as one replacement character a byte.
-char32_t takeCharacter(std::string_view text, std::size_t* at) {
-    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-    const unsigned lead = byte(*at);
-    const int more = lead < 0x80 ? 0 : lead >= 0xF0 && lead < 0xF5 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC2 ? 1 : -1;
-    if (more == 0) return text[(*at)++];
-    if (more > 0 && lead < 0xF5) {
-        char32_t code = lead & (0x3FU >> more);
-        bool sound = true;
-        for (int i = 1; i <= more; ++i) {
-            const unsigned next = byte(*at + static_cast<std::size_t>(i));
-            sound &= (next & 0xC0) == 0x80;
-            code = code << 6 | (next & 0x3F);
-        }
-        static constexpr char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
-        sound &= code >= kLeast[more] && code < 0x110000 && !(code >= 0xD800 && code < 0xE000);
-        if (sound) {
-            *at += static_cast<std::size_t>(more) + 1;
-            return code;
-        }
-    }
-    ++*at;
-    return kReplacement;
-}
-
-void appendUtf16(std::u16string* out, char32_t code) {
-    if (code < 0x10000) {
-        *out += static_cast<char16_t>(code);
-    } else {
-        *out += static_cast<char16_t>(0xD7C0 + (code >> 10));
-        *out += static_cast<char16_t>(0xDC00 | (code & 0x3FF));
-    }
-}
 
 std::string toUtf8(std::u16string_view text) {
     std::string out;
@@ -133,7 +100,7 @@ class Collector {
     void characters(std::string_view text, const svg::ComputedStyle& style) {
         const doc::CharFeatures look = features(style);
         for (std::size_t at = 0; at < text.size();) {
-            const char32_t code = takeCharacter(text, &at);
+            const char32_t code = svg::takeCharacter(text, &at);
             const bool blank = code == ' ' || code == '\t' || code == '\n' || code == '\r';
             if (blank && !style.preserveSpace) {
                 // Runs of blanks are one blank, none at either end.
@@ -151,7 +118,7 @@ class Collector {
     void add(char32_t code, const doc::CharFeatures& look) {
         doc::TextData& text = result_.text;
         const std::size_t before = text.text.size();
-        appendUtf16(&text.text, code);
+        svg::appendUtf16(&text.text, code);
         if (text.runs.empty() || !(text.runs.back().features == look)) text.runs.push_back({0, look});
         text.runs.back().length += static_cast<std::int32_t>(text.text.size() - before);
         endsInBlank_ = code == ' ';

@@ -1,5 +1,5 @@
 // Glyphs are taken unhinted at one large size, kept, and scaled to each text.
-#include "render/text_outlines.h"
+#include "render/text/text_outlines.h"
 
 #include <QHash>
 #include <QRawFont>
