@@ -97,8 +97,8 @@ constexpr SentenceRow kTable[] = {
      "画像 \"{1}\" は表示しません。ネットワークからは何も取得しません"},
     {kPaintingLeftOut, 2, "{1} pieces would take too long to paint and are left out: {2}",
      "描画に時間がかかりすぎる {1} 個の部分を省きます: {2}"},
-    {kEffectLeftOut, 1, "the filter of {1} cannot be computed; it is drawn without it",
-     "{1} のフィルターは計算できないため、フィルターなしで描画します"},
+    {kEffectLeftOut, 1, "the filter or blend mode of {1} cannot be computed; it is drawn without it",
+     "{1} のフィルターまたは描画モードは計算できないため、それなしで描画します"},
     {kMoreWarnings, 1, "and {1} more kinds of things", "ほかに {1} 種類あります"},
 
     // --- a drawing cannot be written -------------------------------------------------------------------------------

@@ -28,6 +28,18 @@ double alphaOf(const svg::SvgPaint& paint, const svg::CssColor& current) {
                                                         : 1;
 }
 
+std::optional<QPainter::CompositionMode> modeOf(svg::BlendMode blend) {
+    static constexpr QPainter::CompositionMode kModes[] = {
+        QPainter::CompositionMode_SourceOver, QPainter::CompositionMode_Multiply,
+        QPainter::CompositionMode_Screen,     QPainter::CompositionMode_Overlay,
+        QPainter::CompositionMode_Darken,     QPainter::CompositionMode_Lighten,
+        QPainter::CompositionMode_ColorDodge, QPainter::CompositionMode_ColorBurn,
+        QPainter::CompositionMode_HardLight,  QPainter::CompositionMode_SoftLight,
+        QPainter::CompositionMode_Difference, QPainter::CompositionMode_Exclusion};
+    const auto number = static_cast<std::size_t>(blend);
+    return number < std::size(kModes) ? std::optional(kModes[number]) : std::nullopt;
+}
+
 Qt::FillRule ruleOf(svg::FillRule rule) { return rule == svg::FillRule::kEvenOdd ? Qt::OddEvenFill : Qt::WindingFill; }
 
 QColor colorOf(const svg::CssColor& color) {
@@ -72,6 +84,10 @@ AppearanceReader::AppearanceReader(const doc::Document& document)
     if (source_ == nullptr) return;
     hasForeign_ = std::any_of(source_->tree.elements.begin(), source_->tree.elements.end(),
                               [](const svg::Element& one) { return one.role == svg::Role::kForeign; });
+    hasBlending_ =
+        std::any_of(source_->tree.elements.begin(), source_->tree.elements.end(), [&](const svg::Element& one) {
+            return source_->tree.file->styles().element(one.style).blendMode != svg::BlendMode::kNormal;
+        });
 }
 
 svg::Definitions* AppearanceReader::definitions() const {
@@ -103,6 +119,9 @@ Appearance AppearanceReader::read(const svg::Element& element) {
     look.strokeWidth = paint.strokeWidth;
     look.clip = whole.clipPath;
     look.mask = whole.mask;
+    look.blend = modeOf(whole.blendMode);
+    look.isBlended = whole.blendMode != svg::BlendMode::kNormal;
+    look.isIsolated = whole.isolated;
     look.filter = filter(whole.filter, text.fontSize);
     look.markers = text.markers;
     look.hasMarkers = bearsMarkers(element.role) &&

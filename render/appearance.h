@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QBrush>
+#include <QPainter>
 #include <QTransform>
 #include <Qt>
 #include <array>
@@ -30,6 +31,9 @@ struct Appearance {
     std::string_view clip, mask;
     std::array<std::string_view, 3> markers;  // on an outline's first, inner and last anchors
     const svg::Filter* filter = nullptr;
+    // Nothing for a mode that the toolkit does not have.
+    std::optional<QPainter::CompositionMode> blend = QPainter::CompositionMode_SourceOver;
+    bool isBlended = false, isIsolated = false;
     bool hasMarkers = false;  // any of them, on an outline that has them
 };
 
@@ -57,6 +61,8 @@ class AppearanceReader {
     std::string nameOf(const doc::Art& art) const;
     // Whether the drawing holds art of kinds that are kept and never entered.
     bool hasForeign() const { return hasForeign_; }
+    // Whether anything in the drawing is blended with what is below it.
+    bool hasBlending() const { return hasBlending_; }
     // For a paint that is a gradient; nothing when it cannot be drawn. bounds: of the art, in document points.
     std::optional<QBrush> gradient(const AIColor& paint, const doc::Art& art, const RealRect& bounds) const;
 
@@ -66,7 +72,7 @@ class AppearanceReader {
 
     const doc::Document& document_;
     const interchange::SvgSource* source_;
-    bool hasForeign_ = false;
+    bool hasForeign_ = false, hasBlending_ = false;
     std::map<std::string, svg::Filter, std::less<>> filters_;  // by their property and the font size
     TextLayoutCache layouts_;
     // By the number of the style, for outlines whose kind has no markers and for those whose kind has.

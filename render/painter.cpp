@@ -27,7 +27,9 @@ double shrinkOf(const QRect& place, const svg::Filter* filter, const QPainter& d
     return std::min({shrink, std::sqrt(most), isVector ? kFilterResolution / device.device()->logicalDpiX() : 1.0});
 }
 
-bool isPlainGroup(const Appearance& look) { return !(look.opacity < 1) && look.mask.empty() && look.filter == nullptr; }
+bool isPlainGroup(const Appearance& look) {
+    return !(look.opacity < 1) && look.mask.empty() && look.filter == nullptr && !look.isBlended && !look.isIsolated;
+}
 
 std::shared_ptr<svg::File> fileOf(const doc::Document& document) {
     const interchange::SvgSource* source = interchange::svgSource(document);
@@ -140,6 +142,10 @@ void DocumentPainter::addMarks(const doc::Art& art, std::vector<PaintItem>* item
 std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
                                         const PaintOptions& options, const std::vector<PaintItem>& items,
                                         std::size_t first, const QDeadlineTimer& until) {
+    if (looks_.hasBlending() && !isIsolated_ && painter->paintEngine()->type() == QPaintEngine::Raster) {
+        paintIsolated(painter, toDevice, clip, options, items);
+        return items.size();
+    }
     constexpr std::size_t kItemsBetweenLooks = 32;  // at the clock
     constexpr double kBetweenLooks = 1e6;           // nanoseconds of work
     double spentTo = state_.budget->left();
@@ -176,6 +182,30 @@ std::size_t DocumentPainter::paintItems(QPainter* painter, const QTransform& toD
     painter->restore();
     state_.painter = nullptr;
     return next;
+}
+
+void DocumentPainter::paintIsolated(QPainter* painter, const QTransform& toDevice, const QRectF& clip,
+                                    const PaintOptions& options, const std::vector<PaintItem>& items) {
+    const QTransform device = painter->deviceTransform();
+    const QRect place = device.mapRect(clip).toAlignedRect();
+    const HeldDots held(state_.budget, double(place.width()) * place.height());
+    QImage page(held ? place.size() : QSize(), QImage::Format_ARGB32_Premultiplied);
+    page.fill(Qt::transparent);
+    isIsolated_ = true;
+    const QDeadlineTimer forever(QDeadlineTimer::Forever);
+    if (page.isNull()) {
+        paintItems(painter, toDevice, clip, options, items, 0, forever);
+    } else {
+        QPainter apart(&page);
+        const QTransform toPage = device * QTransform::fromTranslate(-place.x(), -place.y());
+        paintItems(&apart, toDevice * toPage, toPage.mapRect(clip), options, items, 0, forever);
+        apart.end();
+        painter->save();
+        painter->setTransform(toPage.inverted(), true);
+        painter->drawImage(QPoint(), page);
+        painter->restore();
+    }
+    isIsolated_ = false;
 }
 
 bool DocumentPainter::isOutOfSight(const doc::Art& art) {
@@ -219,12 +249,20 @@ void DocumentPainter::paintArt(const doc::Art& art) {
     state_.painter->restore();
 }
 
+bool DocumentPainter::isApart(const Appearance& look) const {
+    if (!look.mask.empty() || look.filter != nullptr) return true;
+    return looks_.hasBlending() && (look.isBlended || look.isIsolated) &&
+           state_.painter->paintEngine()->type() == QPaintEngine::Raster;
+}
+
 void DocumentPainter::paintUnclipped(const doc::Art& art, const Appearance& look) {
+    if (look.isBlended && (!look.blend || state_.scale().isVector))
+        resources_->images.warn(makeError(ErrorCode::kEffectLeftOut, {looks_.nameOf(art)}));
     const doc::PathData* path = paintedPath(document_, art);
     const bool overlaps =
         art.kind == kGroupArt || look.hasMarkers ||
         (path != nullptr && path->style != nullptr && path->style->fillPaint != 0 && path->style->strokePaint != 0);
-    if (!look.mask.empty() || look.filter != nullptr || (look.opacity < 1 && overlaps)) {
+    if (isApart(look) || (look.opacity < 1 && overlaps)) {
         paintApart(art, look);
     } else {
         const double before = state_.painter->opacity();
@@ -303,6 +341,7 @@ void DocumentPainter::paintApart(const doc::Art& art, const Appearance& look) {
     below->setTransform(toPicture.inverted(), true);
     below->setOpacity(below->opacity() * look.opacity);
     below->setRenderHint(QPainter::SmoothPixmapTransform, shrink < 1);
+    if (look.blend && below->paintEngine()->type() == QPaintEngine::Raster) below->setCompositionMode(*look.blend);
     below->drawImage(QPoint(), picture);
     below->restore();
 }

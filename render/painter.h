@@ -70,13 +70,18 @@ class DocumentPainter {
     // False, with the art noted as left out, when it cannot be cut.
     [[nodiscard]] bool clipTo(const doc::Art& art, const Appearance& look);
     [[nodiscard]] bool clipToGroups(doc::ArtId nearest);
+    // Paints on a picture of its own, which is laid down as a whole: blending takes in the drawing, not the paper.
+    void paintIsolated(QPainter* painter, const QTransform& toDevice, const QRectF& clip, const PaintOptions& options,
+                       const std::vector<PaintItem>& items);
+    bool isApart(const Appearance& look) const;
     void beginPaint(const QTransform& toDevice, const QRectF& clip, const PaintOptions& options);
     void addItems(const doc::Art& art, doc::ArtId clippedBy, std::vector<PaintItem>* items);
     void addMarks(const doc::Art& art, std::vector<PaintItem>* items);
     bool isOutOfSight(const doc::Art& art);
 
     const doc::Document& document_;
-    bool isOutermost_;  // its painting begins the budget
+    bool isIsolated_ = false;  // it paints on a picture of its own now
+    bool isOutermost_;         // its painting begins the budget
     std::shared_ptr<PaintResources> resources_;
     AppearanceReader looks_;
     SubDrawingCache drawings_;

@@ -68,6 +68,28 @@ TEST_F(Effects, FiltersActOnTheArtAsItIsNow) {
     EXPECT_NEAR(at(40, 90).red(), 128, 2);
 }
 
+TEST_F(Effects, BlendingTakesInTheDrawingAndNotThePaper) {
+    open(
+        "<rect width='50' height='100' fill='#804020'/><g style='mix-blend-mode:screen'><rect y='10' width='100' "
+        "height='10' fill='#408000'/></g>"
+        "<rect y='30' width='50' height='10' fill='#408000' style='mix-blend-mode:difference'/>"
+        "<g style='isolation:isolate'><rect y='50' width='50' height='10' fill='#408000' "
+        "style='mix-blend-mode:multiply'/></g>"
+        "<rect id='hue' y='70' width='50' height='10' fill='#408000' style='mix-blend-mode:hue'/>");
+    EXPECT_EQ(paint(), std::vector{ErrorCode::kEffectLeftOut});
+    const auto isNear = [&](int x, int y, QColor wanted) {
+        const QColor got = at(x, y);
+        EXPECT_NEAR(got.red(), wanted.red(), 1) << x << ' ' << y;
+        EXPECT_NEAR(got.green(), wanted.green(), 1) << x << ' ' << y;
+        EXPECT_NEAR(got.blue(), wanted.blue(), 1) << x << ' ' << y;
+    };
+    // Screen: a + b - a b of shares of 255.
+    isNear(25, 15, QColor(160, 160, 32));
+    isNear(75, 15, QColor(0x40, 0x80, 0));
+    isNear(25, 35, QColor(0x40, 0x40, 0x20));
+    isNear(25, 55, QColor(0x40, 0x80, 0));
+}
+
 // Each asks for minutes or for gigabytes; the art itself is seen all the same.
 TEST_F(Effects, FiltersThatAreTooMuchAreLeftOutAndNamed) {
     const auto times = [](int count, const std::string& text) {
