@@ -56,6 +56,14 @@ std::unique_ptr<Face> openFace(const std::string& file, int index, const std::st
     face->font = hb_font_create(opened);
     face->unitsPerEm = std::max(1U, hb_face_get_upem(opened));
     applyVariations(variations, face->font);
+    hb_font_extents_t extents{};
+    if (hb_font_get_h_extents(face->font, &extents)) {
+        face->ascent = extents.ascender / face->unitsPerEm;
+        face->descent = extents.descender / face->unitsPerEm;
+    }
+    hb_position_t height = 0;
+    if (hb_ot_metrics_get_position(face->font, HB_OT_METRICS_TAG_X_HEIGHT, &height) && height > 0)
+        face->xHeight = height / face->unitsPerEm;
     hb_face_destroy(opened);
     hb_blob_destroy(blob);
     return face;

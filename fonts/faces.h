@@ -19,6 +19,7 @@ struct Face {
     double slant = 0;           // x per y, of an upright face that is set as an italic one
     hb_font_t* font = nullptr;  // scaled to unitsPerEm
     double unitsPerEm = 1000;
+    double ascent = 0.8, descent = -0.2, xHeight = 0.5;
 };
 
 struct FaceQuery {

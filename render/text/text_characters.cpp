@@ -33,6 +33,9 @@ class Reader {
             } else if (child.isElement() && (child.localName() == "tspan" || child.localName() == "a")) {
                 svg::ComputedStyle inner;
                 if (!cascade_.compute(child, style, viewport_.diagonal(), &inner)) return false;
+                // What is not aligned itself is on the baseline of the text around it.
+                if (inner.alignmentBaseline == svg::Baseline::kAuto && inner.dominantBaseline == style.dominantBaseline)
+                    inner.alignmentBaseline = style.alignmentBaseline;
                 if (inner.displayed && !this->element(child, inner)) return false;
             }
         }

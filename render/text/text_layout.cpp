@@ -29,6 +29,26 @@ struct Run {
     std::vector<fonts::ShapedGlyph> glyphs;
 };
 
+// How far the baseline that is to be at the text's height is above the alphabetic one, in shares of the font size.
+double heightOf(svg::Baseline baseline, const fonts::Face& face) {
+    switch (baseline) {
+        case svg::Baseline::kTextTop:
+            return face.ascent;
+        case svg::Baseline::kTextBottom:
+            return face.descent;
+        case svg::Baseline::kCentral:
+            return (face.ascent + face.descent) / 2;
+        case svg::Baseline::kMiddle:
+            return face.xHeight / 2;
+        case svg::Baseline::kHanging:
+            return face.ascent * 0.8;  // as fonts without a table of baselines are set elsewhere
+        case svg::Baseline::kMathematical:
+            return face.ascent / 2;
+        default:
+            return 0;
+    }
+}
+
 class Layouter {
   public:
     explicit Layouter(const TextCharacters& text)
@@ -174,6 +194,11 @@ class Layouter {
                      style.number,
                      style.visible,
                      {}};
+        if (!(style.fontSize > 0) || out.face == nullptr) return;
+        const bool isAligned = style.alignmentBaseline != svg::Baseline::kAuto;
+        const double drop =
+            heightOf(isAligned ? style.alignmentBaseline : style.dominantBaseline, *out.face) * style.fontSize -
+            style.baselineShift;
         for (std::size_t i = 0; i < run.glyphs.size(); ++i) {
             const fonts::ShapedGlyph& glyph = run.glyphs[i];
             const TextCharacter& character = text_.characters[glyph.cluster];
@@ -185,12 +210,11 @@ class Layouter {
             QTransform there;
             there.translate(penX_, penY_);
             if (character.rotate) there.rotate(*character.rotate);
-            there.translate(glyph.x * style.fontSize * stretch, -glyph.y * style.fontSize - style.baselineShift);
+            there.translate(glyph.x * style.fontSize * stretch, -glyph.y * style.fontSize + drop);
             there.scale(style.fontSize * stretch, -style.fontSize);
             out.glyphs.push_back({glyph.id, glyph.cluster, there});
             penX_ += advanceOf(run, i);
         }
-        if (!(style.fontSize > 0) || out.face == nullptr) return;
         layout_.box = layout_.box.united(out.outline().controlPointRect());
         layout_.runs.push_back(std::move(out));
     }

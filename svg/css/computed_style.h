@@ -21,6 +21,16 @@ enum class FillRule : std::uint8_t { kNonZero, kEvenOdd };
 enum class PaintLayer : std::uint8_t { kFill, kStroke, kMarkers };
 enum class WritingMode : std::uint8_t { kHorizontal, kVerticalRl, kVerticalLr };
 enum class Direction : std::uint8_t { kLeftToRight, kRightToLeft };
+enum class Baseline : std::uint8_t {
+    kAuto,
+    kAlphabetic,
+    kTextTop,
+    kTextBottom,
+    kCentral,
+    kMiddle,
+    kHanging,
+    kMathematical
+};
 enum class BlendMode : std::uint8_t {
     kNormal,
     kMultiply,
@@ -69,6 +79,7 @@ struct TextStyle {
     ATEJustification anchor = kJustifyLeft;
     WritingMode writingMode = WritingMode::kHorizontal;
     Direction direction = Direction::kLeftToRight;
+    Baseline dominantBaseline = Baseline::kAuto;
     FillRule clipRule = FillRule::kNonZero;
 
     bool operator==(const TextStyle&) const = default;
@@ -86,6 +97,7 @@ struct ElementStyle {
     BlendMode blendMode = BlendMode::kNormal;
     Overflow overflow = Overflow::kByElement;
     MaskType maskType = MaskType::kLuminance;
+    Baseline alignmentBaseline = Baseline::kAuto;
 
     bool operator==(const ElementStyle&) const = default;
     std::uint64_t hash() const;

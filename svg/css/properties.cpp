@@ -23,6 +23,20 @@ constexpr Keyword<WritingMode> kWritingModes[] = {
     {"rl-tb", WritingMode::kHorizontal},         {"tb", WritingMode::kVerticalRl},
     {"tb-lr", WritingMode::kVerticalLr},         {"tb-rl", WritingMode::kVerticalRl},
     {"vertical-lr", WritingMode::kVerticalLr},   {"vertical-rl", WritingMode::kVerticalRl}};
+constexpr Keyword<Baseline> kBaselines[] = {{"auto", Baseline::kAuto},
+                                            {"baseline", Baseline::kAlphabetic},
+                                            {"alphabetic", Baseline::kAlphabetic},
+                                            {"before-edge", Baseline::kTextTop},
+                                            {"text-before-edge", Baseline::kTextTop},
+                                            {"text-top", Baseline::kTextTop},
+                                            {"after-edge", Baseline::kTextBottom},
+                                            {"text-after-edge", Baseline::kTextBottom},
+                                            {"text-bottom", Baseline::kTextBottom},
+                                            {"ideographic", Baseline::kTextBottom},
+                                            {"central", Baseline::kCentral},
+                                            {"middle", Baseline::kMiddle},
+                                            {"hanging", Baseline::kHanging},
+                                            {"mathematical", Baseline::kMathematical}};
 constexpr Keyword<bool> kVisibilities[] = {{"visible", true}, {"hidden", false}, {"collapse", false}};
 constexpr Keyword<bool> kIsolations[] = {{"auto", false}, {"isolate", true}};
 constexpr Keyword<bool> kVectorEffects[] = {{"none", false}, {"non-scaling-stroke", true}};
@@ -80,6 +94,8 @@ constexpr std::uint8_t kPaint = StyleTable::kPaint, kText = StyleTable::kText, k
 constexpr bool kInherited = true, kOwn = false, kComesFirst = true, kSetsFontSize = true, kHasNames = true;
 
 constexpr std::array kProperties = {
+    Property{"alignment-baseline", kElement, kOwn, false, readKeyword<&Style::alignmentBaseline, kBaselines>,
+             copyMembers<&Style::alignmentBaseline>},
     Property{"baseline-shift", kText, kInherited, false, readBaselineShift, copyMembers<&Style::baselineShift>},
     Property{"clip-path", kElement, kOwn, false, readReference<&Style::clipPath>, copyMembers<&Style::clipPath>},
     Property{"clip-rule", kText, kInherited, false, readKeyword<&Style::clipRule, kFillRules>,
@@ -88,6 +104,8 @@ constexpr std::array kProperties = {
     Property{"direction", kText, kInherited, false, readKeyword<&Style::direction, kDirections>,
              copyMembers<&Style::direction>},
     Property{"display", kElement, kOwn, false, readDisplay, copyMembers<&Style::displayed>},
+    Property{"dominant-baseline", kText, kInherited, false, readKeyword<&Style::dominantBaseline, kBaselines>,
+             copyMembers<&Style::dominantBaseline>},
     Property{"fill", kPaint, kInherited, false, readFill, copyMembers<&Style::fill>},
     Property{"fill-opacity", kPaint, kInherited, false, readShare<&Style::fillOpacity>,
              copyMembers<&Style::fillOpacity>},

@@ -50,13 +50,14 @@ std::uint64_t TextStyle::hash() const {
     hash.add(fontFamily).add(fontSize).add(baselineShift).add(letterSpacing).add(wordSpacing);
     for (const std::string_view marker : markers) hash.add(std::uint64_t{std::hash<std::string_view>()(marker)});
     hash.add(static_cast<std::uint64_t>(fontWeight));
-    return hash.addSmall(italic, preserveSpace, visible, anchor, writingMode, direction, clipRule).value();
+    return hash.addSmall(italic, preserveSpace, visible, anchor, writingMode, direction, clipRule, dominantBaseline)
+        .value();
 }
 
 std::uint64_t ElementStyle::hash() const {
     Hash hash;
     hash.add(opacity).add(clipPath).add(mask).add(filter).add(stopColor).add(stopOpacity);
-    return hash.addSmall(displayed, isolated, hasFixedStroke, blendMode, overflow, maskType).value();
+    return hash.addSmall(displayed, isolated, hasFixedStroke, blendMode, overflow, maskType, alignmentBaseline).value();
 }
 
 std::uint64_t StyleTable::Row::hash() const {

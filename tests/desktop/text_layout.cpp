@@ -53,6 +53,7 @@ TEST(TextLayout, PlacesCharactersByTheirFontsAdvances) {
         // Inner places win; blanks that collapse and the two units of one character count once.
         {"x='1 2 3 4'", "a  <tspan x='30'>\xF0\x9D\x94\xB8</tspan>b", {{1, 0}, {2, 0}, {30, 0}, {4, 0}}},
         {"x='10%' y='1em'", "a", {{20, 10}}},
+        {"dominant-baseline='text-bottom'", "a<tspan alignment-baseline='baseline'>b</tspan>", {{0, -2.3584}, {m, 0}}},
         // Hebrew: the first character is the rightmost.
         {"", "a&#x5D0;&#x5D1;b", {{0, 0}, {m + width(U"\u05D1"), 0}, {m, 0}, {m + width(U"\u05D0\u05D1"), 0}}},
     };
