@@ -15,6 +15,7 @@
 namespace quorvel::render {
 namespace {
 
+constexpr std::size_t kMostSpans = 20'000, kMostLengths = 256;
 constexpr std::size_t kLongestElement = std::size_t{1} << 24;  // bytes, with its entities written out
 
 class Reader {
@@ -25,6 +26,7 @@ class Reader {
     bool element(const svg::XmlNode& element, const svg::ComputedStyle& style) {
         const std::size_t begin = out_.characters.size() + (pendingBlank_ ? 1 : 0);
         const std::size_t number = out_.styles.size();
+        if (number >= kMostSpans) return false;
         out_.styles.push_back(style);
         placeDocumentText(element, style);
         for (const svg::XmlNode& child : element.children()) {
@@ -114,7 +116,7 @@ class Reader {
         for (; last && next < end; ++next) out_.characters[next].rotate = out_.characters[next].rotate.value_or(*last);
         const auto length =
             svg::parseLength(element.attribute("textLength").value(), {viewport_.width, style.fontSize});
-        if (length && *length >= 0 && *length < 1e9 && end > begin)
+        if (length && *length >= 0 && *length < 1e9 && end > begin && out_.lengths.size() < kMostLengths)
             out_.lengths.push_back(
                 {begin, end, *length, element.attribute("lengthAdjust").value() == "spacingAndGlyphs"});
     }

@@ -13,6 +13,7 @@
 namespace quorvel::render {
 namespace {
 
+constexpr std::size_t kLongestText = 20'000;  // longer ones are painted as the document measures them
 constexpr std::size_t kMostGlyphs = 500'000;  // of all layouts that are kept; about 60 MB
 
 // An instance's art has no record: it is written anew as soon as it is changed.
@@ -240,6 +241,7 @@ TextLayout layOut(const TextCharacters& characters) { return Layouter(characters
 const TextLayout* TextLayoutCache::of(const interchange::SvgSource* source, const doc::Art& art,
                                       QTransform* toDocument) {
     if (source == nullptr || art.ref.index < 0 || art.text == nullptr) return nullptr;
+    if (art.text->text.size() > kLongestText) return nullptr;
     if (source->element(art.ref.index).role != svg::Role::kText) return nullptr;
     if (text_ != source->text || glyphs_ > kMostGlyphs) {
         text_ = source->text;
