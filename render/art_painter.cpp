@@ -6,6 +6,7 @@
 #include <cmath>
 #include <vector>
 
+#include "render/gradient_spread.h"
 #include "render/marker_places.h"
 #include "render/outline.h"
 #include "render/text/text_outlines.h"
@@ -127,7 +128,8 @@ void ArtPainter::fill(const QPainterPath& outline, const AIColor& color, const d
     const PatternDrawing* pattern =
         color.kind == kOtherPaint ? drawings_.pattern(svg::urlFragment(looks_.paintText(color))) : nullptr;
     if (pattern == nullptr) {
-        const QBrush brush = brushOf(color, art, opacity);
+        QBrush brush = brushOf(color, art, opacity);
+        if (state_.scale().isVector) brush = spreadOver(brush, outline.boundingRect());
         if (take(fillCost(outline, brush, state_.scale()), art)) to().fillPath(outline, brush);
         return;
     }
@@ -146,8 +148,13 @@ void ArtPainter::fill(const QPainterPath& outline, const AIColor& color, const d
 
 void ArtPainter::stroke(const QPainterPath& outline, QPen pen, const AIColor& color, const doc::Art& art,
                         double opacity) {
-    if (color.kind != kOtherPaint) pen.setBrush(brushOf(color, art, opacity));
     const PaintScale scale = state_.scale();
+    if (color.kind != kOtherPaint) {
+        const QBrush brush = brushOf(color, art, opacity);
+        const double reach = pen.widthF() * std::max(1.0, pen.miterLimit());
+        const QRectF box = outline.boundingRect().adjusted(-reach, -reach, reach, reach);
+        pen.setBrush(scale.isVector ? spreadOver(brush, box) : brush);
+    }
     const double cost = strokeCost(outline, pen, scale);
     // Each of many lines on its own takes far less than all at once, and looks the same where it hides what is below.
     if (cost > kManyLines && !scale.isVector && pen.brush().isOpaque()) return strokeEach(outline, pen, art);

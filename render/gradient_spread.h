@@ -1,0 +1,13 @@
+// Gradients that reflect or repeat, for devices that write every repetition across the whole page.
+#pragma once
+
+#include <QBrush>
+#include <QRectF>
+
+namespace quorvel::render {
+
+// The brush with its repetitions written as stops of one padded gradient that reaches over box, which is in the
+// brush's user space. Unchanged when it does not repeat, or would have to more than 256 times.
+QBrush spreadOver(const QBrush& brush, const QRectF& box);
+
+}  // namespace quorvel::render
