@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <initializer_list>
+#include <optional>
 
 #include "files/new_folder.h"
 #include "platform/text.h"
@@ -59,15 +62,51 @@ VerbResult save(RunState& run, const ScriptLine& line) {
     return badInputOf(run.session.saveDrawing(path));
 }
 
-VerbResult set(RunState& run, const ScriptLine& line) {
-    const std::string &key = text(line, 0), &value = text(line, 1);
-    if (!run.session.started()) {
-        run.earlySets.push_back(line);
-        return badInputOf(run.session.writeSetting(key, value));
-    }
+VerbResult setField(RunState& run, const std::string& key, const std::string& value) {
+    if (!run.session.started()) return badInputOf(run.session.writeSetting(key, value));
     if (!run.session.host().setField(key, platform::FromUtf8(value, platform::kCodePageJapanese)))
         return failure(ErrorCode::kUnknownSetting, {key});
     return {};
+}
+
+// "1/50", "1 : 50" or "0.02"; nothing when it is no ratio above 0.
+std::optional<double> ratioIn(const std::string& text) {
+    const auto numberOf = [](std::string_view part) -> double {
+        constexpr std::string_view kBlanks = " \t";
+        const std::size_t first = part.find_first_not_of(kBlanks);
+        if (first == std::string_view::npos) return 0;
+        part = part.substr(first, part.find_last_not_of(kBlanks) - first + 1);
+        const auto value = numberIn({std::string(part)});
+        return value ? *value : 0;
+    };
+    const std::size_t sign = text.find_first_of("/:");
+    const double paper = numberOf(std::string_view(text).substr(0, sign));
+    const double real = sign == std::string::npos ? 1 : numberOf(std::string_view(text).substr(sign + 1));
+    const auto ratio = static_cast<float>(paper / real);
+    if (!(paper > 0) || !(real > 0) || !(ratio > 0) || !std::isfinite(ratio)) return std::nullopt;
+    return paper / real;
+}
+
+// A scale is two settings, its number and its text. A ratio sets both, whichever is named, as the settings dialog does.
+VerbResult set(RunState& run, const ScriptLine& line) {
+    struct Scale {
+        std::string_view number, text;
+    };
+    static constexpr Scale kScales[] = {{"flScale", "flScaleText"}, {"flArLenScale", "flArLenScaleText"}};
+    const std::string &key = text(line, 0), &value = text(line, 1);
+    if (!run.session.started()) run.earlySets.push_back(line);
+    const auto* scale =
+        std::ranges::find_if(kScales, [&](const Scale& one) { return one.number == key || one.text == key; });
+    const bool isPlainNumber = scale != std::end(kScales) && scale->number == key && numberIn(line.words[1]);
+    if (scale == std::end(kScales) || isPlainNumber || value.empty()) return setField(run, key, value);
+    const std::optional<double> ratio = ratioIn(value);
+    if (!ratio) return failure(ErrorCode::kNotOneOf, {value, "{A/B,A:B,NUMBER}"});
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%.9g", *ratio);
+    if (VerbResult failed = setField(run, std::string(scale->number), digits)) return failed;
+    std::string typed = value;
+    std::ranges::replace(typed, ':', '/');  // which is what the plug-in reads
+    return setField(run, std::string(scale->text), typed);
 }
 
 VerbResult zoom(RunState& run, const ScriptLine& line) {

@@ -41,6 +41,7 @@ constexpr OptionRow kRun[] = {required("FILE", "the script; - is the standard in
                               kNoBackup};
 constexpr OptionRow kDump[] = {kDrawing};
 constexpr OptionRow kList[] = {kDrawing, kJson};
+constexpr OptionRow kInfo[] = {kDrawings, kJson};
 constexpr OptionRow kSnap[] = {
     kDrawing,
     required("--at", "the point, X,Y in document points", &Options::at),
@@ -90,6 +91,8 @@ constexpr CommandRow kCommands[] = {
     {"dump", "the whole art tree as JSON, in document points", "examples/bracket.svg", kDump, dumpDrawing},
     {"list", "the dimensions and frames with their texts, points and links", "out/bracket.svg --json", kList,
      listDrawing},
+    {"info", "page, user unit and scale, what is in the drawing, and what is not understood", "examples/bracket.svg",
+     kInfo, informAbout},
     {"snap", "what each snap search finds at a point, and which one wins", "examples/bracket.svg --at 120,300", kSnap,
      snapAt},
     {"recalc", "rebuild the dimensions that no longer say what they measure", "out/bracket.svg -o out/true.svg",

@@ -73,6 +73,7 @@ std::span<const OptionRow> sharedOptions();
 Result<int> runScriptFile(const Options& options);
 Result<int> dumpDrawing(const Options& options);
 Result<int> listDrawing(const Options& options);
+Result<int> informAbout(const Options& options);
 Result<int> snapAt(const Options& options);
 Result<int> recalculateDrawing(const Options& options);
 Result<int> checkDrawings(const Options& options);

@@ -63,7 +63,23 @@ std::string listJson(const std::vector<app::RecordedDimension>& dimensions) {
     return written(json);
 }
 
-std::string checkJsonHead() { return "{\"version\": " + std::to_string(kCheckJsonVersion) + ", \"drawings\": [\n"; }
+std::string informationJson(const std::string& file, const app::DrawingInformation& information,
+                            app::Language language) {
+    Json json = fileJson(file);
+    json["page"] = {{"width", information.pageWidth}, {"height", information.pageHeight}};
+    const app::UserUnit& unit = information.unit;
+    json["userUnit"] = {{"width", unit.width}, {"height", unit.height}};
+    if (!unit.name.empty()) json["userUnit"]["name"] = unit.name;
+    if (!unit.scale.empty()) json["scale"] = unit.scale;
+    for (const auto& [name, count] : information.counts) json[name] = count;
+    json["missingFonts"] = information.missingFonts;
+    json["warnings"] = app::warningSentences(information.warnings, language);
+    return written(json);
+}
+
+std::string drawingsJsonHead() {
+    return "{\"version\": " + std::to_string(kDrawingsJsonVersion) + ", \"drawings\": [\n";
+}
 
 std::string checkJson(const std::string& file, const std::vector<app::DimensionCheck>& checks) {
     Json json = fileJson(file);

@@ -253,15 +253,19 @@ float fallbackWidth(FontList& list, char32_t character) {
 // --- matching
 // --------------------------------------------------------------------------------------------------------------
 
+std::string_view unquoted(std::string_view name) {
+    constexpr std::string_view around = " \t\r\n\"'";
+    const std::size_t first = name.find_first_not_of(around);
+    if (first == std::string_view::npos) return {};
+    return name.substr(first, name.find_last_not_of(around) - first + 1);
+}
+
 // Takes the first name from a CSS list, without quotes and blanks around it, in lower case; empty when it is none.
 std::string takeFamily(std::string_view* list) {
     const std::size_t comma = list->find(',');
     const std::string_view name = list->substr(0, comma);
     list->remove_prefix(comma == std::string_view::npos ? list->size() : comma + 1);
-    constexpr std::string_view around = " \t\r\n\"'";
-    const std::size_t first = name.find_first_not_of(around);
-    if (first == std::string_view::npos) return {};
-    return lowered(name.substr(first, name.find_last_not_of(around) - first + 1));
+    return lowered(unquoted(name));
 }
 
 // How far a font is from what is wanted: the slant weighs most, then the width, then the weight.
@@ -303,6 +307,18 @@ const Font& matchFont(std::string_view family, int weight, bool italic) {
     }
     const Font* font = closest(list, lowered(list.fonts.front().family), weight, italic);
     return font != nullptr ? *font : list.fonts.front();
+}
+
+std::string missingFamily(std::string_view families) {
+    static constexpr std::string_view kGeneric[] = {
+        "serif",        "sans-serif",    "monospace", "cursive", "fantasy", "system-ui", "ui-serif", "ui-rounded",
+        "ui-monospace", "ui-sans-serif", "math",      "emoji",   "sans",    "inherit",   "initial",  "unset"};
+    const std::string written(unquoted(families.substr(0, families.find(','))));
+    const std::string name = lowered(written);
+    const FontList& list = fontList();
+    const bool isKnown = std::ranges::find(kGeneric, name) != std::end(kGeneric) || list.byFamily.contains(name) ||
+                         list.byLowerName.contains(name);
+    return isKnown ? "" : written;
 }
 
 float characterWidth(const Font& font, char32_t character) {

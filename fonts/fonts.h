@@ -24,6 +24,9 @@ const std::vector<Font>& fonts();
 const Font* findFont(std::string_view fullName);
 // By CSS family, weight and slant; the standard font when there is none.
 const Font& matchFont(std::string_view family, int weight, bool italic);
+// The first family of a CSS list, as it is written there, when it is neither one of the machine's nor a generic one;
+// else empty.
+std::string missingFamily(std::string_view families);
 // Unhinted advance at size 1. A character that the font lacks is measured in the first font that has it.
 float characterWidth(const Font& font, char32_t character);
 

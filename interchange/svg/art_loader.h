@@ -32,6 +32,7 @@ class ArtLoader : public svg::TreeVisitor {
     void leave(const svg::Element& element, std::int32_t number) override;
     // Behind the walk: every drawing has a layer.
     void finish();
+    const FontNames& fonts() const { return fonts_; }  // of the texts that were read
 
   private:
     struct Marks {  // attributes of these namespaces

@@ -2,7 +2,9 @@
 // when everything was read.
 #include <algorithm>
 #include <memory>
+#include <set>
 
+#include "fonts/fonts.h"
 #include "interchange/svg/art_loader.h"
 #include "interchange/svg/own_attributes.h"
 #include "interchange/svg/svg.h"
@@ -30,6 +32,13 @@ doc::LayerId layerById(std::string_view id, const ArtLoader& loader, const SvgSo
         if (found != loader.layers.rend()) return found->second;
     }
     return 0;
+}
+
+std::vector<std::string> missingFonts(const ArtLoader& loader) {
+    std::set<std::string> missing;
+    for (const auto& font : loader.fonts()) missing.insert(fonts::missingFamily(std::get<0>(font.first)));
+    missing.erase("");
+    return {missing.begin(), missing.end()};
 }
 
 }  // namespace
@@ -71,6 +80,7 @@ Result<SvgDrawing> readSvg(std::string bytes) {
     }
     const doc::LayerId layer = layerById(current, loader, *source);
     source->currentLayer = layer;
+    result.missingFonts = missingFonts(loader);
     result.warnings.assign(walk.warnings.begin(), walk.warnings.end());
     file->releaseMarkup();
     source->tree.elements.shrink_to_fit();

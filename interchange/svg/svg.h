@@ -14,8 +14,9 @@ namespace quorvel::interchange {
 
 struct SvgDrawing {
     std::unique_ptr<doc::Document> document;
-    std::vector<Error> warnings;  // what is kept but not understood, each kind once, in the order of codes
-    std::string rulerUnit;        // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
+    std::vector<Error> warnings;            // what is kept but not understood, each kind once, in the order of codes
+    std::vector<std::string> missingFonts;  // families that texts ask for first, in alphabetical order
+    std::string rulerUnit;  // "mm", "in", "cm", "pt", "px" or "pc", from the page's size; "pt" when unclear
 };
 
 // The bytes of a file, also compressed by gzip and in other encodings than UTF-8. A hostile or damaged file gives an
