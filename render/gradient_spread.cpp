@@ -11,7 +11,7 @@ namespace quorvel::render {
 
 namespace {
 
-constexpr double kMostRepetitions = 256;
+constexpr double kMostRepetitions = 1024;
 
 // Where box is along a gradient, in its lengths.
 struct Reach {
@@ -30,9 +30,11 @@ Reach reachOf(const QLinearGradient& gradient, const QPolygonF& box) {
 }
 
 // The circle at t has its centre at focal + t * (centre - focal) and the radius t * radius. A point within it at t is
-// nearer to the focal point than t * (radius + distance), and further away than t * (radius - distance).
+// nearer to the focal point than t * (radius + distance), and all that is nearer than t * (radius - distance) is in it.
+// With the focal point on the edge no circle reaches everywhere.
 Reach reachOf(const QRadialGradient& gradient, const QPolygonF& box) {
-    const double narrow = gradient.radius() - QLineF(gradient.center(), gradient.focalPoint()).length();
+    const double distance = QLineF(gradient.center(), gradient.focalPoint()).length();
+    const double narrow = std::max(gradient.radius() - distance, gradient.radius() / 8);
     double farthest = 0;
     for (const QPointF& corner : box) farthest = std::max(farthest, QLineF(corner, gradient.focalPoint()).length());
     return {0, std::ceil(farthest / narrow)};
@@ -66,7 +68,11 @@ QBrush padded(const Gradient& gradient, Gradient&& whole, Reach reach, const QTr
     return brush;
 }
 
-bool isWritable(Reach reach) { return reach.last - reach.first >= 1 && reach.last - reach.first <= kMostRepetitions; }
+// False when the gradient has no length.
+bool limit(Reach* reach) {
+    reach->last = std::min(reach->last, reach->first + kMostRepetitions);
+    return std::isfinite(reach->first) && reach->last - reach->first >= 1;
+}
 
 }  // namespace
 
@@ -78,16 +84,16 @@ QBrush spreadOver(const QBrush& brush, const QRectF& box) {
     const QPolygonF there = back.map(QPolygonF(box));
     if (gradient->type() == QGradient::LinearGradient) {
         const auto& linear = static_cast<const QLinearGradient&>(*gradient);
-        const Reach reach = reachOf(linear, there);
-        if (!isWritable(reach)) return brush;
+        Reach reach = reachOf(linear, there);
+        if (!limit(&reach)) return brush;
         const QPointF along = linear.finalStop() - linear.start();
         return padded(linear,
                       QLinearGradient(linear.start() + reach.first * along, linear.start() + reach.last * along), reach,
                       brush.transform());
     }
     const auto& radial = static_cast<const QRadialGradient&>(*gradient);
-    const Reach reach = reachOf(radial, there);
-    if (radial.focalRadius() > 0 || !isWritable(reach)) return brush;
+    Reach reach = reachOf(radial, there);
+    if (radial.focalRadius() > 0 || !limit(&reach)) return brush;
     const QPointF focal = radial.focalPoint();
     return padded(radial,
                   QRadialGradient(focal + reach.last * (radial.center() - focal), reach.last * radial.radius(), focal),

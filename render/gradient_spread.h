@@ -7,7 +7,7 @@
 namespace quorvel::render {
 
 // The brush with its repetitions written as stops of one padded gradient that reaches over box, which is in the
-// brush's user space. Unchanged when it does not repeat, or would have to more than 256 times.
+// brush's user space; at most 1,024 of them. Unchanged when it does not repeat.
 QBrush spreadOver(const QBrush& brush, const QRectF& box);
 
 }  // namespace quorvel::render
