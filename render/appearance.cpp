@@ -16,6 +16,7 @@ namespace quorvel::render {
 namespace {
 
 constexpr double kLeastStep = 1e-9;  // between two stops of a gradient
+constexpr double kJustInside = 0.999;
 
 bool bearsMarkers(svg::Role role) {
     return role == svg::Role::kPath || role == svg::Role::kLine || role == svg::Role::kPolyline ||
@@ -72,9 +73,15 @@ QBrush brushOf(const svg::Gradient& gradient, const svg::Viewport& viewport) {
     if (!gradient.isRadial)
         return finish(QLinearGradient(gradient.x1.of(across), gradient.y1.of(down), gradient.x2.of(across),
                                       gradient.y2.of(down)));
-    const double radius = gradient.r.of(gradient.inUserSpace ? viewport.diagonal() : 1);
+    const double diagonal = gradient.inUserSpace ? viewport.diagonal() : 1;
+    const double radius = gradient.r.of(diagonal), first = gradient.fr.of(diagonal);
+    // Without a circle all is beyond it.
+    if (!(radius > 0) && !gradient.stops.empty()) return colorOf(gradient.stops.back().color);
+    // A first circle as large as the last would leave nothing between them. A focus outside the circle makes a cone:
+    // https://www.w3.org/TR/SVG2/pservers.html#RadialGradientNotes
     return finish(QRadialGradient(QPointF(gradient.cx.of(across), gradient.cy.of(down)), radius,
-                                  QPointF(gradient.fx.of(across), gradient.fy.of(down))));
+                                  QPointF(gradient.fx.of(across), gradient.fy.of(down)),
+                                  std::clamp(first, 0.0, kJustInside * radius)));
 }
 
 }  // namespace

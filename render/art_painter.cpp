@@ -22,7 +22,14 @@ constexpr double kOfAnAnchor = 300, kOfACharacter = 5'000;  // nanoseconds
 constexpr double kManyLines = 5e7;                          // nanoseconds
 const QColor kGuideColor(0x00, 0xb4, 0xd8);
 
+QBrush plain(QColor color, double opacity) {
+    if (color.alpha() == 0) return Qt::NoBrush;
+    color.setAlphaF(color.alphaF() * static_cast<float>(opacity));
+    return color;
+}
+
 QBrush faded(const QBrush& brush, double opacity) {
+    if (brush.style() == Qt::SolidPattern) return plain(brush.color(), opacity);
     if (!(opacity < 1) || brush.gradient() == nullptr) return brush;
     QGradient gradient = *brush.gradient();
     QGradientStops stops = gradient.stops();
@@ -31,12 +38,6 @@ QBrush faded(const QBrush& brush, double opacity) {
     QBrush faded(gradient);
     faded.setTransform(brush.transform());
     return faded;
-}
-
-QBrush plain(QColor color, double opacity) {
-    if (color.alpha() == 0) return Qt::NoBrush;
-    color.setAlphaF(color.alphaF() * static_cast<float>(opacity));
-    return color;
 }
 
 QPen penOf(const AIPathStyle& style) {

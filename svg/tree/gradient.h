@@ -31,8 +31,8 @@ struct Gradient {
     Affine map;  // into user space, or into the box
     // Of a linear one: where its line begins and ends.
     Coordinate x1{0, true}, y1{0, true}, x2{1, true}, y2{0, true};
-    // Of a radial one: its circle and its focus.
-    Coordinate cx{0.5, true}, cy{0.5, true}, r{0.5, true}, fx, fy;
+    // Of a radial one: its circle, and the one that it begins with.
+    Coordinate cx{0.5, true}, cy{0.5, true}, r{0.5, true}, fx, fy, fr;
     std::vector<GradientStop> stops;  // as they are written; empty: it paints nothing
 };
 

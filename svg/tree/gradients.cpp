@@ -29,10 +29,11 @@ struct CoordinateRow {
     std::string_view attribute;
     Coordinate Gradient::*member;
 };
-constexpr std::array kCoordinates = {
-    CoordinateRow{"fx", &Gradient::fx}, CoordinateRow{"fy", &Gradient::fy}, CoordinateRow{"x1", &Gradient::x1},
-    CoordinateRow{"y1", &Gradient::y1}, CoordinateRow{"x2", &Gradient::x2}, CoordinateRow{"y2", &Gradient::y2},
-    CoordinateRow{"cx", &Gradient::cx}, CoordinateRow{"cy", &Gradient::cy}, CoordinateRow{"r", &Gradient::r}};
+constexpr std::array kCoordinates = {CoordinateRow{"fx", &Gradient::fx}, CoordinateRow{"fy", &Gradient::fy},
+                                     CoordinateRow{"x1", &Gradient::x1}, CoordinateRow{"y1", &Gradient::y1},
+                                     CoordinateRow{"x2", &Gradient::x2}, CoordinateRow{"y2", &Gradient::y2},
+                                     CoordinateRow{"cx", &Gradient::cx}, CoordinateRow{"cy", &Gradient::cy},
+                                     CoordinateRow{"r", &Gradient::r},   CoordinateRow{"fr", &Gradient::fr}};
 constexpr std::size_t kFx = 0, kFy = 1;
 
 bool isGradient(std::string_view name) { return name == "linearGradient" || name == "radialGradient"; }
@@ -75,7 +76,7 @@ std::unique_ptr<Definitions::GradientPart> Definitions::readGradientPart(const X
         part->inUserSpace = units.value() == "userSpaceOnUse";
     if (const XmlAttribute transform = node.attribute("gradientTransform")) {
         Affine map;
-        part->map = parseTransform(transform.value(), &map) ? map : Affine{};
+        part->map = parseTransform(transform.value(), &map) && map.determinant() != 0 ? map : Affine{};
     }
     if (const XmlAttribute spread = node.attribute("spreadMethod"))
         part->spread = valueOf<Gradient::Spread>(spread.value(), kSpreads).value_or(Gradient::Spread::kPad);
@@ -111,7 +112,7 @@ std::unique_ptr<Gradient> Definitions::readGradient(std::string_view id) {
     // The farthest first, so that the nearest has the last word.
     for (auto part = chain.rbegin(); part != chain.rend(); ++part) {
         for (std::size_t i = 0; i < kCoordinates.size(); ++i) {
-            if (!(*part)->coordinates[i]) continue;
+            if (!(*part)->coordinates[i] || (*part)->isRadial != gradient->isRadial) continue;
             (*gradient).*kCoordinates[i].member = *(*part)->coordinates[i];
             isSaid[i] = true;
         }

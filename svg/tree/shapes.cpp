@@ -18,13 +18,21 @@ struct Lengths {
     }
 };
 
-// A radius that is not given is the other one.
+// A radius that is not given, or below 0, is the other one.
+void resolveRadii(std::optional<double>* rx, std::optional<double>* ry) {
+    if (*rx < 0.0) rx->reset();
+    if (*ry < 0.0) ry->reset();
+    if (!*rx) *rx = *ry;
+    if (!*ry) *ry = *rx;
+}
+
 void drawRectangle(Lengths* lengths, PathBuilder* builder) {
     const double width = lengths->across("width").value_or(0), height = lengths->down("height").value_or(0);
-    const std::optional<double> rx = lengths->across("rx"), ry = lengths->down("ry");
+    std::optional<double> rx = lengths->across("rx"), ry = lengths->down("ry");
+    resolveRadii(&rx, &ry);
     if (!(width > 0 && height > 0)) return;
-    drawRect(lengths->across("x").value_or(0), lengths->down("y").value_or(0), width, height,
-             rx.value_or(ry.value_or(0)), ry.value_or(rx.value_or(0)), builder);
+    drawRect(lengths->across("x").value_or(0), lengths->down("y").value_or(0), width, height, rx.value_or(0),
+             ry.value_or(0), builder);
 }
 
 void drawLine(Lengths* lengths, PathBuilder* builder) {
@@ -33,8 +41,7 @@ void drawLine(Lengths* lengths, PathBuilder* builder) {
 }
 
 void drawRound(std::optional<double> rx, std::optional<double> ry, Lengths* lengths, PathBuilder* builder) {
-    if (!rx) rx = ry;
-    if (!ry) ry = rx;
+    resolveRadii(&rx, &ry);
     if (rx && *rx > 0 && *ry > 0)
         drawEllipse(lengths->across("cx").value_or(0), lengths->down("cy").value_or(0), *rx, *ry, builder);
 }

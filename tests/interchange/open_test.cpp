@@ -132,6 +132,7 @@ TEST(SvgRead, ShapesStartWhereSvgSays) {
                   "<rect id='round' x='10' y='20' width='30' height='40' rx='5' ry='8'/>"
                   "<rect id='slot' width='40' height='10' rx='50' ry='5'/>"
                   "<circle id='c' cx='50' cy='60' r='7'/><ellipse id='e' cx='50' cy='60' rx='7' ry='3'/>"
+                  "<ellipse id='auto' cx='50' cy='60' rx='-9' ry='7'/><circle id='below' r='-1'/>"
                   "<line id='l' x1='1' y1='2' x2='3' y2='4'/><polyline id='pl' points='1,2 3,4,5 6'/>"
                   "<polygon id='pg' points='1,2 3,4 5,6 1,2'/><rect id='none' width='0' height='5'/>"));
     expectAnchors(*document, "r", {{10, 180}, {40, 180}, {40, 140}, {10, 140}});
@@ -141,6 +142,8 @@ TEST(SvgRead, ShapesStartWhereSvgSays) {
     expectAnchors(*document, "slot", {{20, 200}, {40, 195}, {20, 190}, {0, 195}});
     expectAnchors(*document, "c", {{57, 140}, {50, 133}, {43, 140}, {50, 147}});
     expectPoint(segments(*document, "c")[0].out, 57, 140 - 7 * 0.5522847);
+    expectAnchors(*document, "auto", {{57, 140}, {50, 133}, {43, 140}, {50, 147}});
+    EXPECT_TRUE(segments(*document, "below").empty());
     expectAnchors(*document, "e", {{57, 140}, {50, 137}, {43, 140}, {50, 143}});
     expectAnchors(*document, "l", {{1, 198}, {3, 196}});
     expectAnchors(*document, "pl", {{1, 198}, {3, 196}, {5, 194}});
